@@ -1,0 +1,49 @@
+"""Shaders made only to be compiled: do they pass in both language versions, and how many instructions do they hold?
+
+Every input comes from a typed buffer and every output goes to one, at the thread's own place, so that no address
+arithmetic joins what is counted.
+"""
+import re
+
+from device import COUNTS
+from dxc import compile_hlsl, instructions
+
+VERSIONS = ("2018", "2021")
+CELLS = {"float": "float4", "int": "int4", "uint": "uint4", "bool": "uint4"}
+# What fetches the inputs and stores the outputs, and not the work in between.
+PLUMBING = re.compile(r"@dx\.op\.(createHandle|annotateHandle|bufferLoad|bufferStore|threadId)"
+                      r"|extractvalue %dx\.types\.ResRet|^ret ")
+
+
+def shader(body, inputs, outputs, textures=(), helpers=""):
+    """The shader's text. `inputs` and `outputs`: name -> HLSL type, locals of the statements in `body`."""
+    lines = [f"Texture2D<float4> {name};" for name in textures] + ["SamplerState qh_sampler;"]
+    for name, kind in inputs.items():
+        lines.append(f"Buffer<{CELLS[kind.rstrip('234')]}> qh_in_{name};")
+    for name in outputs:
+        lines.append(f"RWBuffer<uint4> qh_out_{name};")
+    lines += [helpers, "[numthreads(64, 1, 1)]", "void main(uint3 qh_thread : SV_DispatchThreadID) {"]
+    for name, kind in inputs.items():
+        fetched = f"qh_in_{name}[qh_thread.x].{'xyzw'[:COUNTS[kind]]}"
+        lines.append(f"  {kind} {name} = {f'{fetched} != 0' if kind.startswith('bool') else fetched};")
+    lines += [f"  {kind} {name} = ({kind})0;" for name, kind in outputs.items()] + [body]
+    for name, kind in outputs.items():
+        parts = [f"{name}.{'xyzw'[k]}" if COUNTS[kind] > 1 else name for k in range(COUNTS[kind])]
+        bits = [f"({p} ? 1u : 0u)" if kind.startswith("bool") else f"asuint({p})" for p in parts]
+        lines.append(f"  qh_out_{name}[qh_thread.x] = uint4({', '.join(bits + ['0u'] * (4 - len(bits)))});")
+    return "\n".join(lines + ["}", ""])
+
+
+def compile_both(source):
+    """{language version: DXIL}, warnings being errors. Raises DxcError."""
+    return {hv: compile_hlsl(source, hv=hv) for hv in VERSIONS}
+
+
+def work(dxil):
+    """The instructions without those that fetch inputs and store outputs."""
+    return [line for line in instructions(dxil) if not PLUMBING.search(line)]
+
+
+def count(source):
+    """How many instructions of work the shader holds: the greater number of the two language versions."""
+    return max(len(work(dxil)) for dxil in compile_both(source).values())
