@@ -1,0 +1,88 @@
+// What one interpreter's copy of the module keeps for its whole life: the words as interned Python
+// strings, and the functions of the standard library that a translation calls.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "core/document/handle.h"
+#include "core/document/words.h"
+
+namespace quillgen {
+
+// UTF-8 text. Lone surrogates, which Blender hands out for names that were not UTF-8, pass through
+// as the three bytes that UTF-8 would give them.
+using Text = std::string_view;
+
+class Runtime {
+public:
+    Runtime();
+
+    [[nodiscard]] PyObject* word(Word word) const { return words_[word.index()].get(); }
+    // The word as it stands in the name of a parameter.
+    [[nodiscard]] Text identifier(Word word) const { return identifiers_[word.index()]; }
+    // The index of the word that equals the object, or -1. TypeError where it has no hash.
+    [[nodiscard]] int find_word(PyObject* object) const;
+
+    // `name` with every character that an identifier of the text cannot hold replaced by "_".
+    [[nodiscard]] std::string identifier(Text name) const;
+    // The same for the id of a node, which comes back with every edit of its material: the standard
+    // library is asked once for each name. What a name becomes depends on nothing but the name.
+    [[nodiscard]] Text remembered_identifier(const std::string& id) const;
+    [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, Text text) const;
+    // The first digits of the SHA-1 of a name's UTF-8 bytes. UnicodeEncodeError for a lone surrogate.
+    [[nodiscard]] std::string sha1_digits(PyObject* name, std::size_t digits) const;
+    // ceil(ln(value) / ln(2)), by the standard library's own functions.
+    [[nodiscard]] long ceil_log2(double value) const;
+    // The library's entries, as they stand on its module at this moment.
+    [[nodiscard]] PyObject* library() const { return library_.get(); }
+    [[nodiscard]] PyObject* unsupported() const { return unsupported_.get(); }
+    [[noreturn]] void raise_unsupported(Text message) const;
+
+    int traverse(visitproc visit, void* arg) const;
+
+private:
+
+    std::array<Ref, kWords.size()> words_;
+    std::array<std::string, kWords.size()> identifiers_;
+    Ref word_places_;
+    mutable std::unordered_map<std::string, std::string> remembered_;
+    Ref re_;
+    Ref hashlib_;
+    Ref math_;
+    Ref library_;
+    Ref unsupported_;
+};
+
+// Text from and to Python strings.
+Ref to_python(Text text);
+// The UTF-8 bytes of a str object; `storage` holds them where the object itself cannot.
+Text to_text(PyObject* string, std::string& storage);
+// What a format of Python's would write for any object.
+void append_formatted(std::string& out, PyObject* object);
+
+[[noreturn]] void raise_key_error(PyObject* key);
+[[noreturn]] void raise_type_error(const char* message);
+[[noreturn]] void raise_index_error(const char* message);
+[[noreturn]] void raise_value_error(const char* message);
+
+// Lets a waiting Ctrl-C through.
+void check_signals();
+
+// One level of evaluation, counted against the interpreter's recursion limit.
+class RecursionLevel {
+public:
+    RecursionLevel() {
+        if (Py_EnterRecursiveCall(" while a node graph was evaluated") != 0) {
+            throw PythonError{};
+        }
+    }
+    ~RecursionLevel() { Py_LeaveRecursiveCall(); }
+    RecursionLevel(const RecursionLevel&) = delete;
+    RecursionLevel& operator=(const RecursionLevel&) = delete;
+};
+
+}  // namespace quillgen

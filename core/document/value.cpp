@@ -1,0 +1,257 @@
+#include "core/document/value.h"
+
+namespace quillgen {
+
+namespace {
+
+// PyDict_GetItemWithError, with the error thrown; null where the key is not there.
+PyObject* looked_up(PyObject* map, PyObject* key) {
+    PyObject* item = PyDict_GetItemWithError(map, key);
+    if (item == nullptr && PyErr_Occurred() != nullptr) {
+        throw PythonError{};
+    }
+    return item;
+}
+
+bool compare(PyObject* left, PyObject* right, int operation) {
+    return checked(PyObject_RichCompareBool(left, right, operation));
+}
+
+}  // namespace
+
+bool Value::truthy() const {
+    PyObject* object = object_.get();
+    if (object == nullptr || object == Py_None || object == Py_False) {
+        return false;
+    }
+    return object == Py_True || checked(PyObject_IsTrue(object));
+}
+
+bool Value::is(Text word) const {
+    if (!present()) {
+        return false;
+    }
+    if (PyUnicode_CheckExact(object_.get())) {
+        std::string storage;
+        return text(storage) == word;
+    }
+    return compare(object_.get(), to_python(word).get(), Py_EQ);
+}
+
+bool Value::equals(const Value& other) const {
+    return compare(object_.get(), other.object_.get(), Py_EQ);
+}
+
+bool Value::less_than(double number) const {
+    if (is_float()) {
+        return PyFloat_AsDouble(object_.get()) < number;
+    }
+    return compare(object_.get(), Ref::checked(PyFloat_FromDouble(number)).get(), Py_LT);
+}
+
+bool Value::greater_than(double number) const {
+    if (is_float()) {
+        return PyFloat_AsDouble(object_.get()) > number;
+    }
+    return compare(object_.get(), Ref::checked(PyFloat_FromDouble(number)).get(), Py_GT);
+}
+
+bool Value::is_list_or_tuple() const {
+    return present() && (PyList_Check(object_.get()) || PyTuple_Check(object_.get()));
+}
+
+void Value::check_hashable() const {
+    checked(static_cast<Py_ssize_t>(PyObject_Hash(object_.get()) == -1 ? -1 : 0));
+}
+
+Value Value::at(Word key) const {
+    PyObject* name = runtime_->word(key);
+    if (PyDict_CheckExact(object_.get())) {
+        if (PyObject* item = looked_up(object_.get(), name)) {
+            return share(item);
+        }
+        raise_key_error(name);
+    }
+    return own(PyObject_GetItem(object_.get(), name));
+}
+
+Value Value::at(Py_ssize_t index) const {
+    PyObject* object = object_.get();
+    if (PyList_CheckExact(object) && index < PyList_Size(object)) {
+        return share(PyList_GetItem(object, index));
+    }
+    if (PyTuple_CheckExact(object) && index < PyTuple_Size(object)) {
+        return share(PyTuple_GetItem(object, index));
+    }
+    return own(PyObject_GetItem(object, Ref::checked(PyLong_FromSsize_t(index)).get()));
+}
+
+Value Value::at(const Value& key) const {
+    return own(PyObject_GetItem(object_.get(), key.object()));
+}
+
+Value Value::get(Word key) const {
+    PyObject* name = runtime_->word(key);
+    if (PyDict_CheckExact(object_.get())) {
+        PyObject* item = looked_up(object_.get(), name);
+        return item != nullptr ? share(item) : Value();
+    }
+    // What tells "not there" from "there and none" is a default that nothing else holds.
+    const Ref missing = Ref::checked(PyList_New(0));
+    const Ref item = Ref::checked(PyObject_CallMethodObjArgs(
+        object_.get(), runtime_->word("get"), name, missing.get(), nullptr));
+    return item.get() == missing.get() ? Value() : share(item.get());
+}
+
+bool Value::contains(Word key) const {
+    if (PyDict_CheckExact(object_.get())) {
+        return looked_up(object_.get(), runtime_->word(key)) != nullptr;
+    }
+    return checked(PySequence_Contains(object_.get(), runtime_->word(key)));
+}
+
+bool Value::contains(const Value& item) const {
+    return checked(PySequence_Contains(object_.get(), item.object()));
+}
+
+Value Value::find(Word key) const {
+    if (PyDict_CheckExact(object_.get())) {
+        PyObject* item = looked_up(object_.get(), runtime_->word(key));
+        return item != nullptr ? share(item) : Value();
+    }
+    return contains(key) ? at(key) : Value();
+}
+
+Value Value::find(const Value& key) const {
+    PyObject* item = looked_up(object_.get(), key.object());
+    return item != nullptr ? share(item) : Value();
+}
+
+std::array<Value, 3> Value::unpack3() const {
+    PyObject* object = object_.get();
+    if (PyList_CheckExact(object) && PyList_Size(object) == 3) {
+        return {share(PyList_GetItem(object, 0)), share(PyList_GetItem(object, 1)),
+                share(PyList_GetItem(object, 2))};
+    }
+    const Ref items = Ref::checked(PySequence_Tuple(object));
+    const Py_ssize_t size = PyTuple_Size(items.get());
+    if (size != 3) {
+        raise_value_error(size < 3 ? "not enough values to unpack (expected 3)"
+                                   : "too many values to unpack (expected 3)");
+    }
+    return {share(PyTuple_GetItem(items.get(), 0)), share(PyTuple_GetItem(items.get(), 1)),
+            share(PyTuple_GetItem(items.get(), 2))};
+}
+
+Py_ssize_t Value::index_of(const Value& item) const {
+    const Ref place = Ref::checked(PyObject_CallMethod(object_.get(), "index", "(O)", item.object()));
+    const Py_ssize_t index = PyLong_AsSsize_t(place.get());
+    if (index == -1 && PyErr_Occurred() != nullptr) {
+        throw PythonError{};
+    }
+    return index;
+}
+
+Py_ssize_t Value::size() const {
+    return checked(PyObject_Size(object_.get()));
+}
+
+double Value::as_float() const {
+    if (is_float()) {
+        return PyFloat_AsDouble(object_.get());
+    }
+    return PyFloat_AsDouble(Ref::checked(PyNumber_Float(object_.get())).get());
+}
+
+int Value::as_int() const {
+    return static_cast<int>(PyLong_AsLong(object_.get()));
+}
+
+Value Value::to_float() const {
+    return is_float() ? *this : own(PyNumber_Float(object_.get()));
+}
+
+Value Value::to_int() const {
+    return own(PyNumber_Long(object_.get()));
+}
+
+Value Value::lower() const {
+    return called("lower");
+}
+
+Value Value::copied_list() const {
+    return own(PySequence_List(object_.get()));
+}
+
+void Value::append_to(std::string& out) const {
+    append_formatted(out, object_.get());
+}
+
+Value Value::called(Word method) const {
+    return own(PyObject_CallMethodObjArgs(object_.get(), runtime_->word(method), nullptr));
+}
+
+void Value::check_unchanged(Py_ssize_t before, PyObject* map) {
+    if (PyDict_Size(map) != before) {
+        PyErr_SetString(PyExc_RuntimeError, "dictionary changed size during iteration");
+        throw PythonError{};
+    }
+}
+
+Value Value::none(const Runtime& runtime) {
+    return {Ref::borrow(Py_None), runtime};
+}
+
+Value Value::word(const Runtime& runtime, Word word) {
+    return {Ref::borrow(runtime.word(word)), runtime};
+}
+
+Value Value::text(const Runtime& runtime, Text text) {
+    return {to_python(text), runtime};
+}
+
+Value Value::number(const Runtime& runtime, double number) {
+    return {Ref::checked(PyFloat_FromDouble(number)), runtime};
+}
+
+Value Value::integer(const Runtime& runtime, long number) {
+    return {Ref::checked(PyLong_FromLong(number)), runtime};
+}
+
+Value Value::boolean(const Runtime& runtime, bool truth) {
+    return {Ref::borrow(truth ? Py_True : Py_False), runtime};
+}
+
+Value Value::list(const Runtime& runtime) {
+    return {Ref::checked(PyList_New(0)), runtime};
+}
+
+Value Value::map(const Runtime& runtime) {
+    return {Ref::checked(PyDict_New()), runtime};
+}
+
+Value Value::set(const Runtime& runtime) {
+    return {Ref::checked(PySet_New(nullptr)), runtime};
+}
+
+void Value::append(const Value& item) const {
+    checked(PyList_Append(object_.get(), item.object()));
+}
+
+void Value::add(const Value& item) const {
+    checked(PySet_Add(object_.get(), item.object()));
+}
+
+void Value::put(Word key, const Value& item) const {
+    checked(PyDict_SetItem(object_.get(), runtime_->word(key), item.object()));
+}
+
+void Value::put(const Value& key, const Value& item) const {
+    checked(PyDict_SetItem(object_.get(), key.object(), item.object()));
+}
+
+void Value::cut(Py_ssize_t size) const {
+    checked(PyList_SetSlice(object_.get(), size, PyList_Size(object_.get()), nullptr));
+}
+
+}  // namespace quillgen

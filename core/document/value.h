@@ -1,0 +1,139 @@
+// A plain value of a document or of a result, with Python's own meaning of every operation: what a
+// subscript, a comparison or a conversion does, and how it fails, is what Python does.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/document/handle.h"
+#include "core/document/runtime.h"
+
+namespace quillgen {
+
+class Value {
+public:
+    Value() = default;
+    Value(Ref object, const Runtime& runtime) : object_(std::move(object)), runtime_(&runtime) {}
+
+    // An absent value (a key that is not there) is not the same as none, but counts as none.
+    [[nodiscard]] bool present() const { return static_cast<bool>(object_); }
+    [[nodiscard]] bool is_none() const { return !present() || object_.get() == Py_None; }
+    [[nodiscard]] bool truthy() const;
+    [[nodiscard]] bool is(Text word) const;               // value == word
+    [[nodiscard]] bool equals(const Value& other) const;  // value == other
+    [[nodiscard]] bool less_than(double number) const;
+    [[nodiscard]] bool greater_than(double number) const;
+    [[nodiscard]] bool is_list_or_tuple() const;
+    void check_hashable() const;  // TypeError where it is not
+
+    [[nodiscard]] Value at(Word key) const;           // value[key], KeyError
+    [[nodiscard]] Value at(Py_ssize_t index) const;   // value[index], IndexError
+    [[nodiscard]] Value at(const Value& key) const;   // value[key]
+    [[nodiscard]] Value get(Word key) const;          // value.get(key), absent where it has none
+    [[nodiscard]] bool contains(Word key) const;      // key in value
+    [[nodiscard]] bool contains(const Value& item) const;
+    [[nodiscard]] Py_ssize_t index_of(const Value& item) const;  // value.index(item)
+    [[nodiscard]] Py_ssize_t size() const;                       // len(value)
+    // value[key] where the value is a map that has the key, else absent: `key in value` and the
+    // subscript in one look.
+    [[nodiscard]] Value find(Word key) const;
+    [[nodiscard]] Value find(const Value& key) const;  // of a map of our own; TypeError without a hash
+    // What `a, b, c = value` gives; ValueError where there are not three items.
+    [[nodiscard]] std::array<Value, 3> unpack3() const;
+
+    // Calls `visit(Value)` for each item in the order of Python's `for`. A list may change meanwhile.
+    template <class Visit>
+    void for_each(Visit visit) const;
+    // The same over value.values(), and over value.items() with the pair apart.
+    template <class Visit>
+    void for_each_value(Visit visit) const;
+    template <class Visit>
+    void for_each_item(Visit visit) const;
+
+    [[nodiscard]] double as_float() const;     // float(value)
+    [[nodiscard]] int as_int() const;          // of an integer of our own
+    [[nodiscard]] Value to_float() const;      // float(value), as an object
+    [[nodiscard]] Value to_int() const;        // int(value), as an object
+    [[nodiscard]] Value lower() const;         // value.lower()
+    [[nodiscard]] Value copied_list() const;   // list(value)
+    [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
+    void append_to(std::string& out) const;    // as a format writes it
+    // The text of a str value; `storage` holds it where the value itself cannot.
+    [[nodiscard]] bool is_str() const { return present() && PyUnicode_Check(object_.get()) != 0; }
+    [[nodiscard]] Text text(std::string& storage) const { return to_text(object_.get(), storage); }
+
+    [[nodiscard]] PyObject* object() const { return object_.get(); }
+    [[nodiscard]] const Runtime& runtime() const { return *runtime_; }
+    [[nodiscard]] Ref take() && { return std::move(object_); }
+
+    // Building results.
+    static Value none(const Runtime& runtime);
+    static Value word(const Runtime& runtime, Word word);
+    static Value text(const Runtime& runtime, Text text);
+    static Value number(const Runtime& runtime, double number);
+    static Value integer(const Runtime& runtime, long number);
+    static Value boolean(const Runtime& runtime, bool truth);
+    static Value list(const Runtime& runtime);
+    static Value map(const Runtime& runtime);
+    static Value set(const Runtime& runtime);
+    void append(const Value& item) const;               // to a list
+    void add(const Value& item) const;                  // to a set
+    void put(Word key, const Value& item) const;        // into a map
+    void put(const Value& key, const Value& item) const;
+    void cut(Py_ssize_t size) const;                    // a list's items past the first `size`
+
+private:
+    [[nodiscard]] Value own(PyObject* result) const { return {Ref::checked(result), *runtime_}; }
+    [[nodiscard]] Value share(PyObject* borrowed) const { return {Ref::borrow(borrowed), *runtime_}; }
+    [[nodiscard]] Value called(Word method) const;
+    static void check_unchanged(Py_ssize_t before, PyObject* map);
+
+    Ref object_;
+    const Runtime* runtime_ = nullptr;
+};
+
+template <class Visit>
+void Value::for_each(Visit visit) const {
+    if (PyList_CheckExact(object_.get())) {
+        for (Py_ssize_t i = 0; i < PyList_Size(object_.get()); ++i) {
+            visit(share(PyList_GetItem(object_.get(), i)));
+        }
+        return;
+    }
+    const Ref iterator = Ref::checked(PyObject_GetIter(object_.get()));
+    while (PyObject* item = PyIter_Next(iterator.get())) {
+        visit(Value(Ref::steal(item), *runtime_));
+    }
+    if (PyErr_Occurred() != nullptr) {
+        throw PythonError{};
+    }
+}
+
+template <class Visit>
+void Value::for_each_value(Visit visit) const {
+    if (!PyDict_CheckExact(object_.get())) {
+        called("values").for_each(visit);
+        return;
+    }
+    const Py_ssize_t size = PyDict_Size(object_.get());
+    PyObject* item = nullptr;
+    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, nullptr, &item) != 0;) {
+        visit(share(item));
+        check_unchanged(size, object_.get());
+    }
+}
+
+template <class Visit>
+void Value::for_each_item(Visit visit) const {
+    called("items").for_each([&](const Value& pair) {
+        const Ref items = Ref::checked(PySequence_Tuple(pair.object()));
+        const Py_ssize_t size = PyTuple_Size(items.get());
+        if (size != 2) {
+            raise_value_error(size < 2 ? "not enough values to unpack (expected 2)"
+                                       : "too many values to unpack (expected 2)");
+        }
+        visit(share(PyTuple_GetItem(items.get(), 0)), share(PyTuple_GetItem(items.get(), 1)));
+    });
+}
+
+}  // namespace quillgen

@@ -1,0 +1,289 @@
+// The generator's state: reading the document's graph, statements, library names, output sockets and
+// the run over the whole graph.
+#include "core/gen/gen.h"
+
+namespace quillgen {
+
+namespace {
+
+// How many statements, or evaluated nodes, go by between two looks for a waiting Ctrl-C.
+constexpr std::size_t kSignalInterval = 4096;
+
+}  // namespace
+
+Gen::Gen(const Module& module, const Value& document, bool emission_mode, bool params, Value bias)
+    : ir(document),
+      use_params(params),
+      uv_bias(std::move(bias)),
+      module_(module),
+      emission_mode_(emission_mode),
+      places_(Value::map(module.runtime)),
+      need_(Value::set(module.runtime)),
+      needed_(kWords.size(), false),
+      structs_(Value::set(module.runtime)) {
+    read_nodes();
+    read_links();
+}
+
+// ---- reading the graph ----------------------------------------------------------------------
+
+void Gen::read_nodes() {
+    ir.at("nodes").for_each([&](const Value& record) {
+        const int place = static_cast<int>(nodes_.size());
+        Value id = record.at("id");
+        places_.put(id, Value::integer(runtime(), place));
+        nodes_.push_back({record, std::move(id), {}, place});
+    });
+    states_.resize(nodes_.size());
+}
+
+// Finds out what is read: by a link of any record, also of one that evaluation never reaches, or by an
+// output of the material.
+void Gen::read_links() {
+    for (Node& n : nodes_) {
+        n.in = n.record.at("in");
+        State& state = states_[static_cast<std::size_t>(n.place)];
+        state.first_link = static_cast<int>(feeders_.size());
+        n.in.for_each_value([&](const Value& entry) {
+            const Value link = entry.find("link");
+            if (link.present()) {
+                feeders_.push_back(mark_used(link));
+            }
+        });
+        state.link_count = static_cast<int>(feeders_.size()) - state.first_link;
+    }
+    ir.at("out").for_each_value([&](const Value& source) { mark_used(source); });
+}
+
+// The place of the node that a source names, or -1.
+int Gen::mark_used(const Value& source) {
+    const Value nid = source.at(Py_ssize_t{0});
+    const Value out = source.at(Py_ssize_t{1});
+    const int place = find_place(nid);
+    const int name = name_of(out);
+    if (place >= 0 && find_output(place, name) == nullptr) {
+        State& state = states_[static_cast<std::size_t>(place)];
+        outputs_.push_back({name, state.first_output});
+        state.first_output = static_cast<int>(outputs_.size()) - 1;
+    }
+    return place;
+}
+
+// A number for the name of an output; equal names have equal numbers.
+int Gen::name_of(const Value& out) {
+    const int word = runtime().find_word(out.object());
+    if (word >= 0) {
+        return word;
+    }
+    if (!other_names_.present()) {
+        other_names_ = Value::map(runtime());
+    }
+    if (const Value known = other_names_.find(out); known.present()) {
+        return known.as_int();
+    }
+    const int name = static_cast<int>(kWords.size()) + static_cast<int>(other_names_.size());
+    other_names_.put(out, Value::integer(runtime(), name));
+    return name;
+}
+
+int Gen::find_place(const Value& nid) const {
+    const Value place = places_.find(nid);
+    return place.present() ? place.as_int() : -1;
+}
+
+const Node* Gen::find_node(const Value& nid) const {
+    const int place = find_place(nid);
+    return place < 0 ? nullptr : &nodes_[static_cast<std::size_t>(place)];
+}
+
+// ---- statements -----------------------------------------------------------------------------
+
+Text Gen::tmp(Text prefix) {
+    ++k_;
+    return text("$0$1", prefix, k_);
+}
+
+void Gen::emit_filled(Text line, Arguments arguments) {
+    body_ += "  ";
+    fill(body_, line, arguments);
+    end_line();
+}
+
+void Gen::end_line() {
+    body_ += '\n';
+    line_ends_.push_back(body_.size());
+    if (line_ends_.size() % kSignalInterval == 0) {
+        check_signals();
+    }
+}
+
+Text Gen::declare(Text type, Text prefix, Text expr, Arguments arguments) {
+    const Text name = tmp(prefix);
+    fill(body_, "  $0 $1 = ", {type == "closure" ? Text("QWKClosure") : type, name});
+    fill(body_, expr, arguments);
+    body_ += ';';
+    end_line();
+    return name;
+}
+
+Text Gen::kept(Text format, Arguments arguments) {
+    scratch_.clear();
+    fill(scratch_, format, arguments);
+    return arena_.keep(scratch_);
+}
+
+Text Gen::formatted(const Value& value) {
+    std::string out;
+    value.append_to(out);
+    return keep(out);
+}
+
+const TemplateTable::Row* Gen::row(Text table, const Value& operation, Text fallback) const {
+    return module_.registry.table(table).find(operation.present() ? operation : Value::text(runtime(), fallback));
+}
+
+Text Gen::fill_row(const TemplateTable::Row& row, Arguments operands) {
+    for (const Word name : row.needs) {
+        use(name);
+    }
+    return kept(row.format, operands);
+}
+
+// ---- library names --------------------------------------------------------------------------
+
+void Gen::use(std::initializer_list<Word> names) {
+    for (const Word name : names) {
+        if (!needed_[name.index()]) {
+            needed_[name.index()] = true;
+            need_.add(Value::word(runtime(), name));
+        }
+    }
+}
+
+void Gen::use_composed(Text name) {
+    need_.add(Value::text(runtime(), name));
+}
+
+void Gen::use_struct(Word name) {
+    structs_.add(Value::word(runtime(), name));
+}
+
+// ---- output sockets -------------------------------------------------------------------------
+
+const Gen::Output* Gen::find_output(const Node& n, Word out) const {
+    return const_cast<Gen*>(this)->find_output(n.place, static_cast<int>(out.index()));
+}
+
+Gen::Output* Gen::find_output(int place, int name) {
+    for (int i = states_[static_cast<std::size_t>(place)].first_output; i >= 0;) {
+        Output& output = outputs_[static_cast<std::size_t>(i)];
+        if (output.name == name) {
+            return &output;
+        }
+        i = output.next;
+    }
+    return nullptr;
+}
+
+void Gen::set(const Node& n, Word out, SocketType type, Text expr) {
+    set_filled(n, out, type, "$0", {expr});
+}
+
+void Gen::bind(const Node& n, Word out, SocketType type, Text expr) {
+    if (Output* output = find_output(n.place, static_cast<int>(out.index()))) {
+        output->bound = true;
+        output->value = {expr, type};
+    }
+}
+
+void Gen::set_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments) {
+    if (is_used(n, out)) {
+        bind(n, out, type, declare(hlsl(type), "v", expr, arguments));
+    }
+}
+
+void Gen::bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments) {
+    if (is_used(n, out)) {
+        bind(n, out, type, kept(expr, arguments));
+    }
+}
+
+void Gen::bind(const Node& n, const Value& out, SocketType type, Text expr) {
+    if (Output* output = find_output(n.place, name_of(out))) {
+        output->bound = true;
+        output->value = {expr, type};
+    }
+}
+
+Gen::Bound Gen::output(const Value& nid, const Value& out) {
+    const int name = name_of(out);
+    const int place = find_place(nid);
+    if (place < 0) {
+        raise_key_error(nid.object());
+    }
+    const Output* found = find_output(place, name);
+    if (found == nullptr || !found->bound) {
+        node(nid, place);
+        found = find_output(place, name);
+    }
+    if (found == nullptr || !found->bound) {
+        const Value type = nodes_[static_cast<std::size_t>(place)].type();
+        unsupported(text("$0 has no output $1", formatted(type), formatted(out)));
+    }
+    return found->value;
+}
+
+void Gen::node(const Value& nid, int place) {
+    State& state = states_[static_cast<std::size_t>(place)];
+    if (state.done) {
+        return;
+    }
+    state.done = true;  // before the handler runs, so that a cycle ends at its second visit
+    const RecursionLevel level;
+    const Node& n = nodes_[static_cast<std::size_t>(place)];
+    const Value type = n.type();
+    if (const Handler handler = module_.registry.find(type)) {
+        handler(*this, n);
+    } else {
+        fall_back(nid, n, type);
+    }
+}
+
+// A node type without a handler: a warning, and zeros for the outputs that its record declares.
+void Gen::fall_back(const Value& nid, const Node& n, const Value& type) {
+    warn("$0 ($1) has no Unreal equivalent - its outputs are 0", formatted(nid), formatted(type));
+    const Value outs = n.record.get("outs");
+    if (!outs.present()) {
+        return;
+    }
+    outs.for_each_item([&](const Value& out, const Value& word) {
+        const SocketType type_of_out = written_type(word);
+        const Text zero = is_closure(type_of_out)  ? "L.closure_none()"
+                          : is_float3(type_of_out) ? "float3(0.0, 0.0, 0.0)"
+                                                   : "0.0";
+        bind(n, out, type_of_out, zero);
+    });
+}
+
+// ---- the whole graph ------------------------------------------------------------------------
+
+Gen::Run Gen::run() {
+    const Value src = ir.at("out").get("surface");
+    if (src.is_none()) {
+        unsupported("no surface output");
+    }
+    // Before the surface: its whole graph is to see the bumped normal.
+    displacement_normal();
+    const Bound surface = output(src.at(Py_ssize_t{0}), src.at(Py_ssize_t{1}));
+    if (emission_mode_) {
+        return {is_closure(surface.type) ? text("($0).emission", surface.text)
+                                         : convert(surface.text, surface.type, RGBA),
+                {}};
+    }
+    const Text e = is_closure(surface.type)
+                       ? surface.text
+                       : text("L.closure_emission($0)", convert(surface.text, surface.type, RGBA));
+    return {{}, declare("closure", "surf", "$0", {e})};
+}
+
+}  // namespace quillgen

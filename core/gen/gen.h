@@ -1,0 +1,252 @@
+// The generator: one instance translates one graph of one document into HLSL statements, and
+// everything that a node handler does, it does through the operations here.
+//
+// Evaluation is pull-based. Nothing walks the list of nodes: one output is read, its node's handler
+// reads the inputs that it needs, and so on up the graph, each node once. Statements are appended as
+// evaluation goes, so the order of reading in a handler is the order of lines and of the numbers in
+// names.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/gen/arena.h"
+#include "core/gen/format.h"
+#include "core/gen/inputs.h"
+#include "core/gen/number.h"
+#include "core/gen/registry.h"
+#include "core/gen/signal.h"
+#include "core/gen/socket_type.h"
+
+namespace quillgen {
+
+// A node record of the document, with what its translation needs at hand.
+struct Node {
+    Value record;
+    Value id;
+    Value in;
+    int place = -1;  // among the generator's nodes
+
+    [[nodiscard]] Value props() const { return record.at("props"); }
+    [[nodiscard]] Value type() const { return record.at("type"); }
+};
+
+// How far the signals are moved while a graph is evaluated again beside the shaded point. Each member
+// names a variable: `w` a world-space offset, `a` and `b` the same offset in screen steps in x and y.
+struct Offset {
+    Text w;
+    Text a;
+    Text b;
+};
+
+// What a shader node has touched; a flag only ever goes from false to true.
+struct Uses {
+    bool normal = false;
+    bool alpha = false;
+    bool emission = false;
+    bool coat = false;
+};
+
+class Gen {
+public:
+    // KeyError where the document, or a node record of it, lacks a mandatory key.
+    Gen(const Module& module, const Value& ir, bool emission_mode, bool use_params, Value uv_bias);
+    Gen(const Gen&) = delete;
+    Gen& operator=(const Gen&) = delete;
+
+    // ---- statements -------------------------------------------------------------------------
+    // A fresh name: the prefix and the next number of the one counter.
+    Text tmp(Text prefix = "t");
+
+    void emit(Text line) { emit_filled(line, {}); }
+    template <class... Args>
+    void emit(Format<Args...> line, const Args&... args) {
+        emit_filled(line.text(), {Argument(args)...});
+    }
+
+    // Declares a variable and gives its name. The type "closure" stands for the closure record.
+    Text var(Text type, Text expr) { return declare(type, "v", "$0", {expr}); }
+    template <class... Args>
+    Text var(Text type, Format<Args...> expr, const Args&... args) {
+        return declare(type, "v", expr.text(), {Argument(args)...});
+    }
+
+    // A text that lives as long as the generator.
+    Text keep(Text text) { return arena_.keep(text); }
+    template <class... Args>
+    Text text(Format<Args...> format, const Args&... args) {
+        return kept(format.text(), {Argument(args)...});
+    }
+    Text _f(const Value& value) { return keep(quillgen::_f(value)); }
+    Text _v3(const Value& value) { return keep(quillgen::_v3(value)); }
+    Text formatted(const Value& value);  // as a format of Python's writes it
+
+    void warn(Text warning) { warnings.push_back(keep(warning)); }
+    template <class... Args>
+    void warn(Format<Args...> warning, const Args&... args) {
+        warnings.push_back(kept(warning.text(), {Argument(args)...}));
+    }
+    [[noreturn]] void unsupported(Text message) const { module_.runtime.raise_unsupported(message); }
+
+    // The row of an operation, or of `fallback` where the word is absent; null for one without a row.
+    [[nodiscard]] const TemplateTable::Row* row(Text table, const Value& operation, Text fallback) const;
+    // The row's HLSL with the operands in it; asks for the library names that it calls.
+    Text fill_row(const TemplateTable::Row& row, std::initializer_list<Argument> operands);
+
+    // ---- library names ----------------------------------------------------------------------
+    void use(std::initializer_list<Word> names);
+    void use(Word name) { use({name}); }
+    void use_composed(Text name);  // a name made of words of the document
+    void use_struct(Word name);
+
+    // ---- output sockets ---------------------------------------------------------------------
+    // Whether anything in the document reads the output.
+    [[nodiscard]] bool is_used(const Node& n, Word out) const { return find_output(n, out) != nullptr; }
+    // Binds an output. `set` makes a variable of it; `bind` leaves the text as it is, to be pasted by each
+    // reader. An output that nothing reads costs nothing.
+    void set(const Node& n, Word out, SocketType type, Text expr);
+    void bind(const Node& n, Word out, SocketType type, Text expr);
+    template <class... Args>
+    void set(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
+        set_filled(n, out, type, expr.text(), {Argument(args)...});
+    }
+    template <class... Args>
+    void bind(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
+        bind_filled(n, out, type, expr.text(), {Argument(args)...});
+    }
+    // The same for an output whose name the document gives.
+    void bind(const Node& n, const Value& out, SocketType type, Text expr);
+
+    struct Bound {
+        Text text;
+        SocketType type;
+    };
+    // Reads an output, evaluating its node if that has not happened yet. Unsupported "{type} has no
+    // output {out}"; KeyError for a node that the document lacks.
+    Bound output(const Value& nid, const Value& out);
+
+    // ---- input sockets ----------------------------------------------------------------------
+    // The socket as text of the type `want`: the output that it is linked to, a parameter or literal, or
+    // `fallback` where the record lacks the socket. Unsupported "{type}: no input {ident}".
+    Text inp(const Node& n, Word ident, SocketType want, Text fallback = {});
+    bool linked(const Node& n, Word ident);
+    // Unsupported where a shader meets a value.
+    Text convert(Text expr, SocketType from, SocketType to);
+    // The value of a socket, or of a property, as a tweakable input or, without use_params, a literal.
+    Text param(const Node& n, Text socket, SocketType type, const Value& value);
+    Text param_name(const Node& n, Text socket);
+
+    // ---- geometry signals -------------------------------------------------------------------
+    Text geo(Signal what);
+    // The screen-space derivative along 'x' or 'y'. Unsupported "no derivative for {what}".
+    Text deriv(Signal what, char axis);
+    // A linked vector socket, else the signal.
+    Text vector_or(const Node& n, Word ident, Signal coord);
+    void declare_input(Text name, Word kind);
+
+    // ---- evaluation at moved positions ------------------------------------------------------
+    // Evaluates what feeds a linked input once more with the signals moved, and gives the name of a new
+    // variable that holds the input's value there. All else is as before. KeyError without a link.
+    Text inp_offset(const Node& n, Word ident, SocketType want, const Offset& offset);
+
+    // ---- the whole graph --------------------------------------------------------------------
+    struct Run {
+        Text base;     // in emission mode the colour
+        Text closure;  // in every other mode the variable of the closure
+    };
+    Run run();
+    // Bumps the shading normal by the displacement output, where the document asks for it.
+    void displacement_normal();
+
+    [[nodiscard]] const Module& module() const { return module_; }
+    [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
+    // The statements, each ended by a line feed; `line_ends` are the places behind those.
+    [[nodiscard]] Text body() const { return body_; }
+    [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
+    [[nodiscard]] Value need() const { return need_; }                // a set of library names
+    [[nodiscard]] Value structs() const { return structs_; }          // a set of struct names
+    [[nodiscard]] const Node* find_node(const Value& nid) const;      // null where there is none
+
+    const Value ir;
+    const bool use_params;
+    const Value uv_bias;
+    Inputs inputs;
+    std::vector<Text> warnings;
+    std::deque<Texture> textures;
+    Uses uses;
+    Text n_override;          // replaces the shading normal once a displacement bump has made it
+    bool disp_stage = false;  // normals come from vertex data while displacement is compiled
+
+private:
+    // An output that something reads.
+    struct Output {
+        int name;  // of names: see name_of
+        int next;  // the node's next output, or -1
+        bool bound = false;
+        Bound value = {};
+    };
+    struct State {
+        int first_output = -1;
+        int first_link = 0;  // the links into the node, in feeders_
+        int link_count = 0;
+        bool done = false;  // its handler has started
+        Text identifier;    // its id as parameter names hold it
+    };
+    class MovedEvaluation;
+    using Arguments = std::initializer_list<Argument>;
+
+    void read_nodes();
+    void read_links();
+    int mark_used(const Value& source);
+    int name_of(const Value& out);
+    [[nodiscard]] int find_place(const Value& nid) const;
+    [[nodiscard]] const Output* find_output(const Node& n, Word out) const;
+    Output* find_output(int place, int name);
+    void node(const Value& nid, int place);
+    void fall_back(const Value& nid, const Node& n, const Value& type);
+
+    void emit_filled(Text line, Arguments arguments);
+    void end_line();
+    Text declare(Text type, Text prefix, Text expr, Arguments arguments);
+    Text kept(Text format, Arguments arguments);
+    void set_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
+    void bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
+
+    SocketType socket_type(const Value& word);
+    SocketType written_type(const Value& word);
+    Text scalar_param(Text name, const Value& value);
+    Text vector_param(Text name, const Value& value);
+
+    Text _geo(Signal what);
+    Text frame_vector(Signal what);
+    Text uv_signal(int index);
+    Text axis_signal(Signal what);
+
+    std::vector<int> upstream(int place) const;
+    void displacement_bump(const Value& src, bool object_space);
+
+    const Module& module_;
+    const bool emission_mode_;
+    Arena arena_;
+    std::string scratch_;
+    std::string body_;
+    std::vector<std::size_t> line_ends_;
+    int k_ = 0;
+
+    std::vector<Node> nodes_;
+    std::vector<State> states_;
+    std::vector<Output> outputs_;
+    std::vector<int> feeders_;  // places of the nodes that links come from, by node; -1 for an unknown id
+    Value places_;              // node id -> place; of two records with one id the later
+    Value other_names_;         // output names that are no words -> number
+    std::deque<Value> unknown_types_;
+
+    Value need_;
+    std::vector<bool> needed_;
+    Value structs_;
+    const Offset* boff_ = nullptr;
+};
+
+}  // namespace quillgen

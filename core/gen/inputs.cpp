@@ -1,0 +1,46 @@
+#include "core/gen/inputs.h"
+
+#include <functional>
+
+namespace quillgen {
+
+std::size_t Inputs::place_of(Text name) const {
+    const std::size_t mask = places_.size() - 1;
+    std::size_t place = std::hash<Text>{}(name) & mask;
+    while (places_[place] != kFree && entries_[places_[place] - 1].name != name) {
+        place = (place + 1) & mask;
+    }
+    return place;
+}
+
+Input* Inputs::find(Text name) {
+    if (places_.empty()) {
+        return nullptr;
+    }
+    const std::uint32_t entry = places_[place_of(name)];
+    return entry == kFree ? nullptr : &entries_[entry - 1];
+}
+
+Input& Inputs::put(const Input& input) {
+    // At most half full, so that a chain of taken places stays short.
+    if (2 * (entries_.size() + 1) > places_.size()) {
+        grow();
+    }
+    const std::size_t place = place_of(input.name);
+    if (places_[place] != kFree) {
+        return entries_[places_[place] - 1] = input;
+    }
+    entries_.push_back(input);
+    places_[place] = static_cast<std::uint32_t>(entries_.size());
+    return entries_.back();
+}
+
+void Inputs::grow() {
+    places_.assign(places_.empty() ? 64 : 2 * places_.size(), kFree);
+    entries_.reserve(places_.size() / 2);
+    for (std::uint32_t i = 0; i < entries_.size(); ++i) {
+        places_[place_of(entries_[i].name)] = i + 1;
+    }
+}
+
+}  // namespace quillgen

@@ -1,0 +1,52 @@
+#include "core/gen/registry.h"
+
+#include <algorithm>
+
+namespace quillgen {
+
+TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters,
+                             std::span<const TemplateRow> rows)
+    : places_(Value::map(runtime)) {
+    const std::string pattern = "\\b([" + std::string(letters) + "])\\b";
+    for (const TemplateRow& row : rows) {
+        // "a + b" becomes "$a + $b", and then "$0 + $1".
+        std::string format = runtime.re_sub(pattern.c_str(), "$\\1", row.hlsl);
+        for (std::size_t i = format.find('$'); i != std::string::npos; i = format.find('$', i + 1)) {
+            format[i + 1] = static_cast<char>('0' + letters.find(format[i + 1]));
+        }
+        places_.put(Value::text(runtime, row.operation),
+                    Value::integer(runtime, static_cast<long>(rows_.size())));
+        rows_.push_back({format, row.needs, row.is_scalar});
+    }
+}
+
+const TemplateTable::Row* TemplateTable::find(const Value& operation) const {
+    const Value place = places_.find(operation);
+    return place.present() ? &rows_[static_cast<std::size_t>(place.as_int())] : nullptr;
+}
+
+Registry::Registry(const Runtime& runtime) : runtime_(runtime), NODES_(Value::map(runtime)) {}
+
+void Registry::node(std::initializer_list<const char*> types, Handler handler) {
+    for (const char* type : types) {
+        NODES_.put(Value::text(runtime_, type),
+                   Value::integer(runtime_, static_cast<long>(handlers_.size())));
+    }
+    handlers_.push_back(handler);
+}
+
+void Registry::table(Text name, std::string_view letters, std::span<const TemplateRow> rows) {
+    tables_.emplace_back(name, TemplateTable(runtime_, letters, rows));
+}
+
+Handler Registry::find(const Value& type) const {
+    const Value place = NODES_.find(type);
+    return place.present() ? handlers_[static_cast<std::size_t>(place.as_int())] : nullptr;
+}
+
+const TemplateTable& Registry::table(Text name) const {
+    return std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) { return entry.first == name; })
+        ->second;
+}
+
+}  // namespace quillgen

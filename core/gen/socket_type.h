@@ -1,0 +1,37 @@
+// The types of sockets, and the three HLSL words that they come down to.
+#pragma once
+
+#include <string_view>
+
+#include "core/document/value.h"
+
+namespace quillgen {
+
+struct SocketType {
+    enum Kind : unsigned char { value, integer, boolean, vector, rgba, shader, rotation, unknown };
+    Kind kind = unknown;
+    const Value* word = nullptr;  // of an unknown type, as the document has it
+
+    constexpr bool operator==(const SocketType& other) const { return kind == other.kind; }
+};
+
+inline constexpr SocketType VALUE{SocketType::value};
+inline constexpr SocketType INT{SocketType::integer};
+inline constexpr SocketType BOOLEAN{SocketType::boolean};
+inline constexpr SocketType VECTOR{SocketType::vector};
+inline constexpr SocketType RGBA{SocketType::rgba};
+inline constexpr SocketType SHADER{SocketType::shader};
+inline constexpr SocketType ROTATION{SocketType::rotation};
+
+// The HLSL type word of each kind; an unknown type counts as a float.
+inline constexpr std::string_view HL[] = {"float",  "float",   "float",  "float3",
+                                          "float3", "closure", "float3", "float"};
+
+inline constexpr std::string_view hlsl(SocketType type) { return HL[type.kind]; }
+inline constexpr bool is_closure(SocketType type) { return type.kind == SocketType::shader; }
+inline constexpr bool is_float3(SocketType type) { return hlsl(type) == "float3"; }
+// The types whose unlinked sockets hold a value that can become a parameter. ROTATION is not among
+// them: an unlinked rotation reads as 0.0.
+inline constexpr bool is_value_type(SocketType type) { return type.kind <= SocketType::rgba; }
+
+}  // namespace quillgen

@@ -1,0 +1,139 @@
+// Input sockets: where the graph is walked, where a value becomes a parameter or a literal, and where
+// types meet.
+#include "core/gen/gen.h"
+
+namespace quillgen {
+
+namespace {
+
+constexpr std::size_t kFirstType = Word("VALUE").index();
+static_assert(Word("ROTATION").index() - kFirstType == SocketType::rotation);
+
+}  // namespace
+
+// The type that a word of the document stands for. Words that no table knows keep their text, which
+// messages quote. TypeError where the word has no hash, as for any look into a table.
+SocketType Gen::written_type(const Value& word) {
+    const int found = runtime().find_word(word.object());
+    const auto kind = static_cast<std::size_t>(found) - kFirstType;
+    if (found >= 0 && kind <= SocketType::rotation) {
+        return {static_cast<SocketType::Kind>(kind)};
+    }
+    unknown_types_.push_back(word);
+    return {SocketType::unknown, &unknown_types_.back()};
+}
+
+// The same for an unlinked entry's own type, which is only compared: anything may stand there.
+SocketType Gen::socket_type(const Value& word) {
+    return word.is_str() ? written_type(word) : SocketType{};
+}
+
+bool Gen::linked(const Node& n, Word ident) {
+    const Value entry = n.in.get(ident);
+    return !entry.is_none() && entry.contains("link");
+}
+
+Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
+    const Value entry = n.in.get(ident);
+    if (entry.is_none()) {
+        if (fallback.data() != nullptr) {
+            return fallback;
+        }
+        unsupported(text("$0: no input $1", formatted(n.type()), ident.text()));
+    }
+    if (const Value link = entry.find("link"); link.present()) {
+        const auto [source, out, type] = link.unpack3();
+        const Bound bound = output(source, out);
+        // The document is believed over the handler.
+        return convert(bound.text, type.truthy() ? written_type(type) : bound.type, want);
+    }
+    const SocketType type = socket_type(entry.at("t"));
+    if (is_value_type(type)) {
+        return convert(param(n, runtime().identifier(ident), type, entry.get("v")), type, want);
+    }
+    return is_closure(type) && is_closure(want) ? "L.closure_none()" : "0.0";
+}
+
+Text Gen::convert(Text expr, SocketType from, SocketType to) {
+    const auto word = [&](SocketType type) {
+        return type.word != nullptr ? formatted(*type.word) : kWords[kFirstType + type.kind];
+    };
+    if (hlsl(from) == hlsl(to)) {
+        return expr;
+    }
+    if (is_closure(to)) {
+        unsupported(text("a $0 value plugged into a shader socket", word(from)));
+    }
+    if (is_closure(from)) {
+        unsupported(text("a shader plugged into a $0 socket", word(to)));
+    }
+    if (is_float3(to)) {
+        return text("((float3)($0))", expr);
+    }
+    if (from == RGBA) {
+        return text("dot($0, float3(0.2126, 0.7152, 0.0722))", expr);
+    }
+    return text("(($0).x + ($0).y + ($0).z) * (1.0 / 3.0)", expr);
+}
+
+// ---- parameters -----------------------------------------------------------------------------
+
+// `socket` is in the form that identifiers have; see Runtime::identifier.
+Text Gen::param_name(const Node& n, Text socket) {
+    Text& identifier = states_[static_cast<std::size_t>(n.place)].identifier;
+    if (identifier.data() == nullptr) {
+        std::string id;
+        n.id.append_to(id);
+        identifier = keep(runtime().remembered_identifier(id));
+    }
+    return text("P_$0__$1", identifier, socket);
+}
+
+Text Gen::param(const Node& n, Text socket, SocketType type, const Value& value) {
+    if (hlsl(type) == "float") {
+        return scalar_param(use_params ? param_name(n, socket) : Text(), value);
+    }
+    return vector_param(use_params ? param_name(n, socket) : Text(), value);
+}
+
+Text Gen::scalar_param(Text name, const Value& value) {
+    const Value item = value.is_list_or_tuple() ? value.at(Py_ssize_t{0}) : value;
+    const Value number = item.is_none() ? Value::number(runtime(), 0.0) : item.to_float();
+    if (!use_params) {
+        return _f(number);
+    }
+    inputs.put({.name = name, .kind = "scalar", .value = number, .is_parameter = true});
+    return name;
+}
+
+Text Gen::vector_param(Text name, const Value& value) {
+    Value items;
+    if (value.is_list_or_tuple()) {
+        items = value.copied_list();
+    } else {
+        const Value x = value.truthy() ? value.to_float() : Value::number(runtime(), 0.0);
+        items = Value::list(runtime());
+        for (int i = 0; i < 3; ++i) {
+            items.append(x);
+        }
+    }
+    // A list of three gets 0.0 for its fourth; only an empty one reaches the 1.0.
+    for (const double pad : {0.0, 0.0, 0.0, 1.0}) {
+        if (items.size() >= 4) {
+            break;
+        }
+        items.append(Value::number(runtime(), pad));
+    }
+    items.cut(4);
+    if (!use_params) {
+        return _v3(items);
+    }
+    inputs.put({.name = name, .kind = "vector", .value = items, .is_parameter = true});
+    return text("$0.xyz", name);
+}
+
+Text Gen::vector_or(const Node& n, Word ident, Signal coord) {
+    return linked(n, ident) ? inp(n, ident, VECTOR) : geo(coord);
+}
+
+}  // namespace quillgen
