@@ -1,0 +1,83 @@
+// Scalar arithmetic of the Math and Map Range nodes. The quotients, remainders and polynomials agree with Blender to
+// a few units in the last place; what uses pow, log or atan2 agrees to 1e-6 relative, as far as the GPU's own do.
+
+// a / b; 0 for a divisor of either zero. An infinite quotient is passed on.
+float safe_divide(float a, float b) {
+  return b != 0.0 ? a / b : 0.0;
+}
+
+// a to the power of b, for every a: 1 for b = 0 (also 0^0), 0 for a = 0 (also with negative b), 0 for a negative base
+// with a broken exponent; a negative base with a whole exponent takes its sign from the exponent's parity.
+// HLSL's own pow knows none of these, so it only ever sees a positive base.
+float safe_powf(float a, float b) {
+  if (b == 0.0) return 1.0;
+  if (a == 0.0 || (a < 0.0 && b != trunc(b))) return 0.0;
+  float p = pow(abs(a), b);
+  return (a < 0.0 && b != 2.0 * trunc(b * 0.5)) ? -p : p;
+}
+
+// Logarithm of a to the base b; 0 where a or b is not positive and for base 1. The ratio is the same for logarithms of
+// any kind, and the binary one is what a GPU has.
+float safe_logf(float a, float b) {
+  return (a <= 0.0 || b <= 0.0) ? 0.0 : safe_divide(log2(a), log2(b));
+}
+
+// Square root; 0 for negative a.
+float safe_sqrtf(float a) {
+  return sqrt(max(a, 0.0));
+}
+
+// 1 / sqrt(a); 0 unless a is positive.
+float inversesqrtf(float a) {
+  return a > 0.0 ? rsqrt(a) : 0.0;
+}
+
+// Remainder of a / b with the sign of a; 0 for b = 0. Written out because fmod need not give a back for |a| < |b|.
+// Blender's remainder is exact; this one is off by up to |b| where a / b rounds to a whole number.
+float safe_modulo(float a, float b) {
+  return b != 0.0 ? a - b * trunc(a / b) : 0.0;
+}
+
+// Remainder of a / b with the sign of b; 0 for b = 0.
+float safe_floored_modulo(float a, float b) {
+  return b != 0.0 ? a - floor(a / b) * b : 0.0;
+}
+
+// a brought into the range from c (lowest) to b (highest) by whole periods; c for an empty range. b below c is allowed.
+float wrapf(float a, float b, float c) {
+  float r = b - c;
+  return r != 0.0 ? a - r * floor((a - c) / r) : c;
+}
+
+// Triangle wave of a between 0 and |b|, 0 at the even multiples of b; 0 for b = 0.
+float pingpongf(float a, float b) {
+  return b != 0.0 ? abs(frac((a - b) / (b * 2.0)) * b * 2.0 - b) : 0.0;
+}
+
+// Angle of the point (b, a) in radians; 0 for the origin, which HLSL's atan2 leaves undefined.
+float compatible_atan2(float a, float b) {
+  return (a == 0.0 && b == 0.0) ? 0.0 : atan2(a, b);
+}
+
+// -1, 0 or 1; 0 for either zero, 1 for NaN.
+float compatible_signf(float a) {
+  return a < 0.0 ? -1.0 : (a == 0.0 ? 0.0 : 1.0);
+}
+
+// The smaller of a and b, rounded off by a cubic where they are closer than c; c of 0 and below does not round.
+float smoothminf(float a, float b, float c) {
+  float h = max(c - abs(a - b), 0.0) / c;
+  return c != 0.0 ? min(a, b) - h * h * h * c * (1.0 / 6.0) : min(a, b);
+}
+
+// Hermite step from 0 below lo to 1 from hi on. With lo = hi a hard step: the two tests leave no x for the division.
+float smoothstepc(float lo, float hi, float x) {
+  float t = (x - lo) / (hi - lo);
+  return x < lo ? 0.0 : (x >= hi ? 1.0 : (3.0 - 2.0 * t) * (t * t));
+}
+
+// Step of the fifth order from 0 at lo to 1 at hi; 0 everywhere if lo = hi.
+float smootherstep(float lo, float hi, float x) {
+  float t = saturate(safe_divide(x - lo, hi - lo));
+  return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
+}

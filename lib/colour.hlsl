@@ -1,0 +1,53 @@
+// Colour models. Components are linear and not limited to 0 to 1. The models agree with Blender to a few units in the
+// last place of the largest component; srgb_to_linear3 to 1e-6 relative.
+
+// Hue (0 to 1, red at 0) of a colour whose largest component is hi, d above its smallest; without meaning for d = 0.
+float hue(float3 c, float hi, float d) {
+  float2 h = c.r == hi ? float2(c.g - c.b, c.g < c.b ? 6.0 : 0.0) :
+    c.g == hi ? float2(c.b - c.r, 2.0) : float2(c.r - c.g, 4.0);
+  return (h.x / d + h.y) / 6.0;
+}
+
+// Hue, saturation, value. Grey, and a colour whose largest component is 0, has hue and saturation 0.
+float3 rgb_to_hsv(float3 c) {
+  float v = max(c.r, max(c.g, c.b));
+  float d = v - min(c.r, min(c.g, c.b));
+  float s = v != 0.0 ? d / v : 0.0;
+  return float3(s != 0.0 ? hue(c, v, d) : 0.0, s, v);
+}
+
+// The reverse. Hue 1 counts as 0; any other hue outside 0 to 1 is not wrapped but falls into the last sextant.
+// Without saturation the hue does not matter, not even an infinite one.
+float3 hsv_to_rgb(float3 c) {
+  float h = (c.x == 1.0 || c.y == 0.0) ? 0.0 : 6.0 * c.x;
+  float k = floor(h), f = h - k, v = c.z;
+  float p = v * (1.0 - c.y), q = v * (1.0 - c.y * f), t = v * (1.0 - c.y * (1.0 - f));
+  return k == 0.0 ? float3(v, t, p) : k == 1.0 ? float3(q, v, p) : k == 2.0 ? float3(p, v, t) :
+    k == 3.0 ? float3(p, q, v) : k == 4.0 ? float3(t, p, v) : float3(v, p, q);
+}
+
+// Hue, saturation, lightness; lightness at most 1. Grey has hue and saturation 0. Colours outside 0 to 1 give
+// saturations outside 0 to 1, an infinite one where the largest and the smallest component add up to 0 or 2.
+float3 rgb_to_hsl(float3 c) {
+  float hi = max(c.r, max(c.g, c.b)), lo = min(c.r, min(c.g, c.b));
+  float d = hi - lo, l = min((hi + lo) * 0.5, 1.0);
+  float s = d / (l > 0.5 ? 2.0 - hi - lo : hi + lo);
+  return d == 0.0 ? float3(0.0, 0.0, l) : float3(hue(c, hi, d), s, l);
+}
+
+// The reverse. A hue outside 0 to 1 is not wrapped: it is red.
+float3 hsl_to_rgb(float3 c) {
+  float h = 6.0 * c.x;
+  float3 hue = saturate(float3(abs(h - 3.0) - 1.0, 2.0 - abs(h - 2.0), 2.0 - abs(h - 4.0)));
+  return (hue - 0.5) * ((1.0 - abs(2.0 * c.z - 1.0)) * c.y) + c.z;
+}
+
+// One channel from the sRGB transfer curve to linear light: 0 below 0, no upper limit.
+float srgb_to_linear(float x) {
+  return x < 0.04045 ? max(x, 0.0) * (1.0 / 12.92) : pow((x + 0.055) * (1.0 / 1.055), 2.4);
+}
+
+// srgb_to_linear in each component.
+float3 srgb_to_linear3(float3 c) {
+  return float3(srgb_to_linear(c.r), srgb_to_linear(c.g), srgb_to_linear(c.b));
+}
