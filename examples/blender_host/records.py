@@ -1,0 +1,69 @@
+"""A node's own settings as plain data: properties, colour ramps, curves and images."""
+
+import bpy
+
+SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
+PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")
+CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
+OUTPUT_VALUES = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color", "ShaderNodeNormal": "normal"}
+ASSOCIATED_FORMATS = ("OPEN_EXR", "OPEN_EXR_MULTILAYER", "HDR")
+
+
+def properties(node):
+    """What the node type adds to a plain node: enumerations, switches, numbers and names."""
+    common = bpy.types.ShaderNode.bl_rna.properties.keys()
+    found = {}
+    for prop in node.bl_rna.properties:
+        if prop.type not in PLAIN or prop.is_readonly or prop.identifier in common:
+            continue
+        value = getattr(node, prop.identifier)
+        if getattr(prop, "is_array", False):
+            value = list(value)
+        elif prop.type == "ENUM" and prop.is_enum_flag:
+            value = sorted(value)
+        found[prop.identifier] = value
+    if node.bl_idname in OUTPUT_VALUES:
+        value = node.outputs[0].default_value
+        found[OUTPUT_VALUES[node.bl_idname]] = value if node.bl_idname == "ShaderNodeValue" else list(value)
+    if getattr(node, "image", None):
+        found["image"] = node.image.name
+    return found
+
+
+def ramp(node, note):
+    """The stops of a colour ramp. In HSV and HSL Blender interpolates linearly, whatever the ramp is set to."""
+    band = node.color_ramp
+    plain = band.color_mode == "RGB"
+    if not plain and band.hue_interpolation != "NEAR":
+        note(f"{node.name}: the ramp's way round the hues ({band.hue_interpolation}) becomes the nearest")
+    return {"stops": [[stop.position, list(stop.color)] for stop in band.elements],
+            "interp": band.interpolation if plain else "LINEAR", "mode": band.color_mode}
+
+
+def curve(node):
+    """The curves as tables over the range of all control points. An RGB curve's common curve is applied before
+    those of the channels, as Blender does."""
+    mapping = node.mapping
+    mapping.update()
+    ends = [point.location[0] for part in mapping.curves for point in part.points]
+    low, high = min(ends), max(ends)
+    places = [low + (high - low) * step / (SAMPLES - 1) for step in range(SAMPLES)]
+    parts = list(mapping.curves)
+    if node.bl_idname == "ShaderNodeRGBCurve":
+        common = parts.pop()
+        places = [mapping.evaluate(common, place) for place in places]
+    return {"tables": [[mapping.evaluate(part, place) for place in places] for part in parts],
+            "min": low, "max": high, "extend": mapping.extend}
+
+
+def image(picture):
+    """An image as the translator has to take it so that it shows what Cycles shows. Bytes are always multiplied by
+    their alpha as they load, under Premultiplied too; float pixels only if the file holds straight alpha, which
+    neither the formats of scene-linear light nor images made in Blender do."""
+    alpha = picture.alpha_mode
+    if alpha in ("STRAIGHT", "PREMUL"):
+        straight = not picture.is_float or (picture.source != "GENERATED"
+                                            and picture.file_format not in ASSOCIATED_FORMATS)
+        alpha = "STRAIGHT" if straight else "PREMUL"
+    return {"name": picture.name, "colorspace": picture.colorspace_settings.name, "alpha": alpha,
+            "float": picture.is_float}

@@ -1,0 +1,130 @@
+"""The host for Blender, in each Blender that tools/setup has made an environment for: what its documents say, and that
+a tree built from a document renders like the tree it came from."""
+
+import json
+import subprocess
+from pathlib import Path
+
+import pytest
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parents[1]
+VERSIONS = ("4.2", "5.0")
+
+
+@pytest.fixture(scope="module", params=VERSIONS)
+def blender(request, tmp_path_factory):
+    python = ROOT / f".venv-blender-{request.param}" / "bin" / "python"
+    if not python.exists():
+        pytest.skip(f"no Blender {request.param} here: tools/setup --blender makes it")
+    report = tmp_path_factory.mktemp("host") / "report.json"
+    subprocess.run([python, "-W", "ignore", HERE / "in_blender.py", report], check=True, capture_output=True)
+    return request.param, json.loads(report.read_text())
+
+
+def nodes(report, name):
+    return {record["id"]: record for record in report[name]["document"]["nodes"]}
+
+
+def test_a_document_rendered_again_shows_the_same_picture(blender):
+    tolerance = {"rgb_curves": 5e-4}  # the rebuilt curve is made of straight pieces
+    version, report = blender
+    assert len(report) > 20
+    off = {name: found["difference"] for name, found in report.items()
+           if not found["difference"] <= tolerance.get(name, 1e-6)}
+    assert off == {}
+
+
+def test_pictures_of_the_trees_show_something(blender):
+    version, report = blender
+    plain = [name for name, found in report.items() if found["spread"] == 0]
+    assert len(plain) <= 7, plain
+
+
+def test_groups_within_groups(blender):
+    found = nodes(blender[1], "nested_groups")
+    assert {"One/First/Noise Texture", "One/Second/Noise Texture", "Two/First/Math", "Two/Math", "Math"} <= set(found)
+    assert found["Two/First/Noise Texture"]["in"]["Scale"]["link"] == ["Two/Math", "Value", "VALUE"]
+    assert found["One/Second/Noise Texture"]["in"]["Scale"] == {"t": "VALUE", "v": 3.0}
+    assert found["One/Second/Noise Texture"]["in"]["Vector"]["link"] == ["One/First/Math", "Value", "VALUE"]
+    assert found["One/First/Noise Texture"]["in"]["Vector"]["link"] == ["Vector Math", "Vector", "VECTOR"]
+
+
+def test_borders_take_part_up_to_4_5(blender):
+    version, report = blender
+    link = nodes(report, "colour_through_float")["Through/Vector Math"]["in"]["Vector"]["link"]
+    if version == "5.0":
+        assert link[1:] == ["Color", "RGBA"]
+    else:
+        assert link == ["Through/Vector Math Vector", "Value", "VALUE"]
+        number = nodes(report, "colour_through_float")[link[0]]
+        assert number["type"] == "ShaderNodeMath" and number["in"]["Value"]["link"][1:] == ["Color", "RGBA"]
+    seen = nodes(report, "colour_through_vector_to_number")["Through/Math"]["in"]["Value"]["link"][2]
+    assert seen == ("RGBA" if version == "5.0" else "VECTOR")
+
+
+def test_constants_convert_at_every_border(blender):
+    entry = nodes(blender[1], "constant_through_borders")["Outer/Through/Vector Math"]["in"]["Vector"]
+    assert entry["t"] == "VECTOR" and entry["v"] == pytest.approx([0.7 / 3] * 3)
+
+
+def test_a_constant_reaches_an_implicit_socket_by_a_link(blender):
+    version, report = blender
+    texture = nodes(report, "constant_for_a_texture")["Stripes/Gradient Texture"]["in"]["Vector"]
+    normal = nodes(report, "constant_for_a_normal")["Rim/Layer Weight"]["in"]["Normal"]
+    assert ("link" in texture, "link" in normal) == ((True, True) if version == "5.0" else (False, False))
+    if version == "5.0":
+        source = nodes(report, "constant_for_a_texture")[texture["link"][0]]
+        assert [source["in"][axis]["v"] for axis in "XYZ"] == [0.25, 0.5, 0.75]
+    assert "link" not in nodes(report, "hidden_constant_for_a_normal")["Rim/Layer Weight"]["in"]["Normal"]
+    assert "link" in nodes(report, "white_noise")["White Noise Texture"]["in"]["Vector"]
+
+
+def test_reroutes_and_muted_nodes_vanish(blender):
+    version, report = blender
+    assert nodes(report, "reroutes")["Vector Math.001"]["in"]["Vector"]["link"] == ["Vector Math", "Vector", "VECTOR"]
+    for name in ("empty_reroute", "muted_without_a_link"):
+        value = nodes(report, name)["Vector Math"]["in"]["Vector"]["v"]
+        assert value == pytest.approx([0.4, 0.5, 0.6] if version == "5.0" else [0.0, 0.0, 0.0])
+    for name in ("muted_without_a_way", "muted_link"):
+        assert nodes(report, name)["Vector Math"]["in"]["Vector"]["v"] == pytest.approx([0.4, 0.5, 0.6])
+    assert "Math" not in nodes(report, "muted") and "Off/Invert Color" not in nodes(report, "muted_group")
+
+
+def test_links_on_hidden_sockets_and_unused_nodes_are_left_out(blender):
+    report = blender[1]
+    assert nodes(report, "link_on_a_hidden_socket")["Noise Texture"]["in"]["W"] == {"t": "VALUE", "v": 0.0}
+    assert set(nodes(report, "unused_branch")) == {"Emission", "Math"}
+
+
+def test_ids_that_share_their_letters_get_a_number(blender):
+    report = blender[1]
+    assert set(nodes(report, "names_that_clash")) == {"Emission", "Sum.001", "Sum", "A_B", "A/B 2", "A/B 3"}
+
+
+def test_ramps_and_curves(blender):
+    report = blender[1]
+    ramp = nodes(report, "ramp_in_hsv")["Color Ramp"]["ramp"]
+    assert (ramp["interp"], ramp["mode"], [stop[0] for stop in ramp["stops"]]) == ("LINEAR", "HSV", [0.0, 0.25, 1.0])
+    curve = nodes(report, "rgb_curves")["RGB Curves"]["curve"]
+    assert [len(table) for table in curve["tables"]] == [257] * 3
+    assert (curve["min"], curve["max"], curve["extend"]) == (0.0, 1.0, "EXTRAPOLATED")
+    red, green = curve["tables"][:2]
+    assert max(abs(a - b) for a, b in zip(red, green)) > 0.1 and abs(green[102] - 0.7) < 0.01
+
+
+def test_other_uv_maps_go_by_name(blender):
+    report = blender[1]
+    record = nodes(report, "second_uv_map")["UV Map"]
+    assert (record["type"], record["props"]["attribute_name"]) == ("ShaderNodeAttribute", "Second")
+    document = report["second_uv_map"]["document"]
+    assert document["uv_maps"] == ["UVMap", "Second"]
+    assert nodes(report, "second_uv_map")["Emission"]["in"]["Color"]["link"] == ["UV Map", "Vector", "VECTOR"]
+
+
+def test_a_document_has_all_its_keys(blender):
+    for found in blender[1].values():
+        document = found["document"]
+        assert list(document) == ["nodes", "out", "images", "uv_maps", "settings"]
+        assert document["settings"] == {"backface_culling": False, "displacement": "BUMP"}
+        assert document["out"] == {"surface": ["Emission", "Emission"]}
