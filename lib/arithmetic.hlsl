@@ -1,9 +1,10 @@
 // Scalar arithmetic of the Math and Map Range nodes. The quotients, remainders and polynomials agree with Blender to
 // a few units in the last place; what uses pow, log or atan2 agrees to 1e-6 relative, as far as the GPU's own do.
+// Zero divisors are asked for by ==: with != a NaN counts as equal in one of the two targets of the compiler.
 
 // a / b; 0 for a divisor of either zero. An infinite quotient is passed on.
 float safe_divide(float a, float b) {
-  return b != 0.0 ? a / b : 0.0;
+  return b == 0.0 ? 0.0 : a / b;
 }
 
 // a to the power of b, for every a: 1 for b = 0 (also 0^0), 0 for a = 0 (also with negative b), 0 for a negative base
@@ -35,23 +36,23 @@ float inversesqrtf(float a) {
 // Remainder of a / b with the sign of a; 0 for b = 0. Written out because fmod need not give a back for |a| < |b|.
 // Blender's remainder is exact; this one is off by up to |b| where a / b rounds to a whole number.
 float safe_modulo(float a, float b) {
-  return b != 0.0 ? a - b * trunc(a / b) : 0.0;
+  return b == 0.0 ? 0.0 : a - b * trunc(a / b);
 }
 
 // Remainder of a / b with the sign of b; 0 for b = 0.
 float safe_floored_modulo(float a, float b) {
-  return b != 0.0 ? a - floor(a / b) * b : 0.0;
+  return b == 0.0 ? 0.0 : a - floor(a / b) * b;
 }
 
 // a brought into the range from c (lowest) to b (highest) by whole periods; c for an empty range. b below c is allowed.
 float wrapf(float a, float b, float c) {
   float r = b - c;
-  return r != 0.0 ? a - r * floor((a - c) / r) : c;
+  return r == 0.0 ? c : a - r * floor((a - c) / r);
 }
 
 // Triangle wave of a between 0 and |b|, 0 at the even multiples of b; 0 for b = 0.
 float pingpongf(float a, float b) {
-  return b != 0.0 ? abs(frac((a - b) / (b * 2.0)) * b * 2.0 - b) : 0.0;
+  return b == 0.0 ? 0.0 : abs(frac((a - b) / (b * 2.0)) * b * 2.0 - b);
 }
 
 // Angle of the point (b, a) in radians; 0 for the origin, which HLSL's atan2 leaves undefined.
@@ -67,7 +68,7 @@ float compatible_signf(float a) {
 // The smaller of a and b, rounded off by a cubic where they are closer than c; c of 0 and below does not round.
 float smoothminf(float a, float b, float c) {
   float h = max(c - abs(a - b), 0.0) / c;
-  return c != 0.0 ? min(a, b) - h * h * h * c * (1.0 / 6.0) : min(a, b);
+  return c == 0.0 ? min(a, b) : min(a, b) - h * h * h * c * (1.0 / 6.0);
 }
 
 // Hermite step from 0 below lo to 1 from hi on. With lo = hi a hard step: the two tests leave no x for the division.

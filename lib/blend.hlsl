@@ -93,7 +93,7 @@ float3 mix_subtract(float t, float3 a, float3 b) {
 
 // One channel of mix_divide.
 float divide_channel(float t, float a, float b) {
-  return b != 0.0 ? (1.0 - t) * a + t * a / b : a;
+  return b == 0.0 ? a : (1.0 - t) * a + t * a / b;
 }
 
 // a / b; a where b is 0.

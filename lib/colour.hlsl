@@ -12,8 +12,8 @@ float hue(float3 c, float hi, float d) {
 float3 rgb_to_hsv(float3 c) {
   float v = max(c.r, max(c.g, c.b));
   float d = v - min(c.r, min(c.g, c.b));
-  float s = v != 0.0 ? d / v : 0.0;
-  return float3(s != 0.0 ? hue(c, v, d) : 0.0, s, v);
+  float s = v == 0.0 ? 0.0 : d / v;
+  return float3(s == 0.0 ? 0.0 : hue(c, v, d), s, v);
 }
 
 // The reverse. Hue 1 counts as 0; any other hue outside 0 to 1 is not wrapped but falls into the last sextant.

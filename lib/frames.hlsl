@@ -17,7 +17,7 @@ float3 dir_world_to_obj(float3 d, float3 ox, float3 oy, float3 oz) {
   float3 c = cross(oy, oz);
   float det = dot(ox, c);
   float3 v = float3(dot(d, c), dot(d, cross(oz, ox)), dot(d, cross(ox, oy)));
-  return det != 0.0 ? v * (1.0 / det) : float3(0.0, 0.0, 0.0);
+  return det == 0.0 ? float3(0.0, 0.0, 0.0) : v * (1.0 / det);
 }
 
 // A direction from world to object space by the rotation alone, which is all that Unreal applies to the frame of a

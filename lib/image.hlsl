@@ -93,5 +93,5 @@ float2 mirrorball_uv(float3 direction) {
 float2 equirect_uv(float3 direction) {
   float2 uv = float2((compatible_atan2(direction.y, direction.x) - 3.1415927) / -6.2831855,
     (polar_angle(direction) - 3.1415927) / -3.1415927);
-  return any(direction != 0.0) ? uv : float2(0.0, 0.0);
+  return all(direction == 0.0) ? float2(0.0, 0.0) : uv;
 }

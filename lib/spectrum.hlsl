@@ -2,8 +2,8 @@
 
 // Linear Rec.709 colour of a black body, at a luminance of about 1, negative components not clipped. temperature is in
 // kelvins. Below 800 and from 12000 on the colour is constant; between, a fit in seven pieces: a / T + b * T + c for
-// red and green, a cubic polynomial for blue. The jumps at both ends (below 1e-3) are Blender's. 1e-6 of the largest
-// component.
+// red and green, a cubic polynomial for blue. The jumps between the pieces (up to 2e-3) are Blender's. 1e-6 of the
+// largest component.
 float3 blackbody_rec709(float temperature) {
   float t = temperature;
   if (t >= 12000.0) return float3(0.82629548, 0.99450805, 1.56630771);

@@ -10,13 +10,13 @@ float3 safe_divide3(float3 a, float3 b) {
 // whose squared length overflows becomes zero.
 float3 safe_normalize(float3 a) {
   float l = dot(a, a);
-  return l != 0.0 ? a * rsqrt(l) : a;
+  return l == 0.0 ? a : a * rsqrt(l);
 }
 
 // Projection of a on b; zero for b = 0.
 float3 project3(float3 a, float3 b) {
   float l = dot(b, b);
-  return l != 0.0 ? dot(a, b) / l * b : float3(0.0, 0.0, 0.0);
+  return l == 0.0 ? float3(0.0, 0.0, 0.0) : dot(a, b) / l * b;
 }
 
 // a mirrored at the plane of the unit vector `normal`; a itself for a zero normal.
