@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/document/value.h"
+
 namespace quillgen {
 
 namespace {
@@ -11,9 +13,7 @@ bool is_identifier_character(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-Ref import(const char* module) {
-    return Ref::checked(PyImport_ImportModule(module));
-}
+Ref import(const char* module) { return Ref::checked(PyImport_ImportModule(module)); }
 
 Ref call(PyObject* owner, const char* name, PyObject* arguments) {
     const Ref function = Ref::checked(PyObject_GetAttrString(owner, name));
@@ -38,8 +38,7 @@ Runtime::Runtime() : word_places_(Ref::checked(PyDict_New())) {
     math_ = import("math");
     library_ = import("quillgen_lib");
     unsupported_ = Ref::checked(PyErr_NewExceptionWithDoc(
-        "quillgen.Unsupported", "The graph cannot be translated; the message says why.",
-        PyExc_Exception, nullptr));
+        "quillgen.Unsupported", "The graph cannot be translated; the message says why.", PyExc_Exception, nullptr));
     for (std::size_t i = 0; i < kWords.size(); ++i) {
         identifiers_[i] = identifier(kWords[i]);
     }
@@ -109,6 +108,10 @@ long Runtime::ceil_log2(double value) const {
     return result;
 }
 
+Value Runtime::library_entry(Word name) const {
+    return {Ref::checked(PyObject_GetAttr(library_.get(), word(name))), *this};
+}
+
 void Runtime::raise_unsupported(Text message) const {
     const Ref text = to_python(message);
     PyErr_SetObject(unsupported_.get(), text.get());
@@ -123,8 +126,7 @@ int Runtime::traverse(visitproc visit, void* arg) const {
 }
 
 Ref to_python(Text text) {
-    return Ref::checked(
-        PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), "surrogatepass"));
+    return Ref::checked(PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), "surrogatepass"));
 }
 
 Text to_text(PyObject* string, std::string& storage) {
@@ -176,8 +178,11 @@ void raise_value_error(const char* message) {
     throw PythonError{};
 }
 
-void check_signals() {
-    checked(PyErr_CheckSignals());
+void raise_overflow_error(const char* message) {
+    PyErr_SetString(PyExc_OverflowError, message);
+    throw PythonError{};
 }
+
+void check_signals() { checked(PyErr_CheckSignals()); }
 
 }  // namespace quillgen

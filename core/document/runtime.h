@@ -17,6 +17,8 @@ namespace quillgen {
 // as the three bytes that UTF-8 would give them.
 using Text = std::string_view;
 
+class Value;
+
 class Runtime {
 public:
     Runtime();
@@ -38,14 +40,13 @@ public:
     // ceil(ln(value) / ln(2)), by the standard library's own functions.
     [[nodiscard]] long ceil_log2(double value) const;
     // The library's entries, as they stand on its module at this moment.
-    [[nodiscard]] PyObject* library() const { return library_.get(); }
+    [[nodiscard]] Value library_entry(Word name) const;
     [[nodiscard]] PyObject* unsupported() const { return unsupported_.get(); }
     [[noreturn]] void raise_unsupported(Text message) const;
 
     int traverse(visitproc visit, void* arg) const;
 
 private:
-
     std::array<Ref, kWords.size()> words_;
     std::array<std::string, kWords.size()> identifiers_;
     Ref word_places_;
@@ -68,6 +69,7 @@ void append_formatted(std::string& out, PyObject* object);
 [[noreturn]] void raise_type_error(const char* message);
 [[noreturn]] void raise_index_error(const char* message);
 [[noreturn]] void raise_value_error(const char* message);
+[[noreturn]] void raise_overflow_error(const char* message);
 
 // Lets a waiting Ctrl-C through.
 void check_signals();

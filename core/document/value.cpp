@@ -38,9 +38,7 @@ bool Value::is(Text word) const {
     return compare(object_.get(), to_python(word).get(), Py_EQ);
 }
 
-bool Value::equals(const Value& other) const {
-    return compare(object_.get(), other.object_.get(), Py_EQ);
-}
+bool Value::equals(const Value& other) const { return compare(object_.get(), other.object_.get(), Py_EQ); }
 
 bool Value::less_than(double number) const {
     if (is_float()) {
@@ -60,9 +58,7 @@ bool Value::is_list_or_tuple() const {
     return present() && (PyList_Check(object_.get()) || PyTuple_Check(object_.get()));
 }
 
-void Value::check_hashable() const {
-    checked(static_cast<Py_ssize_t>(PyObject_Hash(object_.get()) == -1 ? -1 : 0));
-}
+void Value::check_hashable() const { checked(static_cast<Py_ssize_t>(PyObject_Hash(object_.get()) == -1 ? -1 : 0)); }
 
 Value Value::at(Word key) const {
     PyObject* name = runtime_->word(key);
@@ -86,9 +82,7 @@ Value Value::at(Py_ssize_t index) const {
     return own(PyObject_GetItem(object, Ref::checked(PyLong_FromSsize_t(index)).get()));
 }
 
-Value Value::at(const Value& key) const {
-    return own(PyObject_GetItem(object_.get(), key.object()));
-}
+Value Value::at(const Value& key) const { return own(PyObject_GetItem(object_.get(), key.object())); }
 
 Value Value::get(Word key) const {
     PyObject* name = runtime_->word(key);
@@ -98,8 +92,8 @@ Value Value::get(Word key) const {
     }
     // What tells "not there" from "there and none" is a default that nothing else holds.
     const Ref missing = Ref::checked(PyList_New(0));
-    const Ref item = Ref::checked(PyObject_CallMethodObjArgs(
-        object_.get(), runtime_->word("get"), name, missing.get(), nullptr));
+    const Ref item =
+        Ref::checked(PyObject_CallMethodObjArgs(object_.get(), runtime_->word("get"), name, missing.get(), nullptr));
     return item.get() == missing.get() ? Value() : share(item.get());
 }
 
@@ -110,9 +104,7 @@ bool Value::contains(Word key) const {
     return checked(PySequence_Contains(object_.get(), runtime_->word(key)));
 }
 
-bool Value::contains(const Value& item) const {
-    return checked(PySequence_Contains(object_.get(), item.object()));
-}
+bool Value::contains(const Value& item) const { return checked(PySequence_Contains(object_.get(), item.object())); }
 
 Value Value::find(Word key) const {
     if (PyDict_CheckExact(object_.get())) {
@@ -127,20 +119,45 @@ Value Value::find(const Value& key) const {
     return item != nullptr ? share(item) : Value();
 }
 
-std::array<Value, 3> Value::unpack3() const {
-    PyObject* object = object_.get();
-    if (PyList_CheckExact(object) && PyList_Size(object) == 3) {
-        return {share(PyList_GetItem(object, 0)), share(PyList_GetItem(object, 1)),
-                share(PyList_GetItem(object, 2))};
+template <std::size_t Count>
+std::array<Value, Count> Value::unpack() const {
+    const bool is_list = PyList_CheckExact(object_.get()) != 0;
+    const Ref items = is_list ? object_ : Ref::checked(PySequence_Tuple(object_.get()));
+    const auto size = static_cast<std::size_t>(PyObject_Size(items.get()));
+    if (size != Count) {
+        raise_value_error(size < Count ? "not enough values to unpack" : "too many values to unpack");
     }
-    const Ref items = Ref::checked(PySequence_Tuple(object));
-    const Py_ssize_t size = PyTuple_Size(items.get());
-    if (size != 3) {
-        raise_value_error(size < 3 ? "not enough values to unpack (expected 3)"
-                                   : "too many values to unpack (expected 3)");
+    std::array<Value, Count> result;
+    for (std::size_t i = 0; i < Count; ++i) {
+        const auto place = static_cast<Py_ssize_t>(i);
+        result[i] = share(is_list ? PyList_GetItem(items.get(), place) : PyTuple_GetItem(items.get(), place));
     }
-    return {share(PyTuple_GetItem(items.get(), 0)), share(PyTuple_GetItem(items.get(), 1)),
-            share(PyTuple_GetItem(items.get(), 2))};
+    return result;
+}
+
+std::array<Value, 2> Value::unpack2() const { return unpack<2>(); }
+
+std::array<Value, 3> Value::unpack3() const { return unpack<3>(); }
+
+Value Value::call(const Value& argument) const {
+    return own(PyObject_CallFunctionObjArgs(object_.get(), argument.object(), nullptr));
+}
+
+Value Value::remainder(const Value& operand) const { return own(PyNumber_Remainder(object_.get(), operand.object())); }
+
+Value Value::sorted_list() const {
+    const Value list = copied_list();
+    checked(PyList_Sort(list.object()));
+    return list;
+}
+
+Value Value::joined() const { return own(PyUnicode_Join(to_python("\n").get(), object_.get())); }
+
+Text Value::checked_text(std::string& storage) const {
+    if (!is_str()) {
+        raise_type_error("can only concatenate str to str");
+    }
+    return text(storage);
 }
 
 Py_ssize_t Value::index_of(const Value& item) const {
@@ -152,9 +169,7 @@ Py_ssize_t Value::index_of(const Value& item) const {
     return index;
 }
 
-Py_ssize_t Value::size() const {
-    return checked(PyObject_Size(object_.get()));
-}
+Py_ssize_t Value::size() const { return checked(PyObject_Size(object_.get())); }
 
 double Value::as_float() const {
     if (is_float()) {
@@ -163,29 +178,17 @@ double Value::as_float() const {
     return PyFloat_AsDouble(Ref::checked(PyNumber_Float(object_.get())).get());
 }
 
-int Value::as_int() const {
-    return static_cast<int>(PyLong_AsLong(object_.get()));
-}
+int Value::as_int() const { return static_cast<int>(PyLong_AsLong(object_.get())); }
 
-Value Value::to_float() const {
-    return is_float() ? *this : own(PyNumber_Float(object_.get()));
-}
+Value Value::to_float() const { return is_float() ? *this : own(PyNumber_Float(object_.get())); }
 
-Value Value::to_int() const {
-    return own(PyNumber_Long(object_.get()));
-}
+Value Value::to_int() const { return own(PyNumber_Long(object_.get())); }
 
-Value Value::lower() const {
-    return called("lower");
-}
+Value Value::lower() const { return called("lower"); }
 
-Value Value::copied_list() const {
-    return own(PySequence_List(object_.get()));
-}
+Value Value::copied_list() const { return own(PySequence_List(object_.get())); }
 
-void Value::append_to(std::string& out) const {
-    append_formatted(out, object_.get());
-}
+void Value::append_to(std::string& out) const { append_formatted(out, object_.get()); }
 
 Value Value::called(Word method) const {
     return own(PyObject_CallMethodObjArgs(object_.get(), runtime_->word(method), nullptr));
@@ -198,49 +201,29 @@ void Value::check_unchanged(Py_ssize_t before, PyObject* map) {
     }
 }
 
-Value Value::none(const Runtime& runtime) {
-    return {Ref::borrow(Py_None), runtime};
-}
+Value Value::none(const Runtime& runtime) { return {Ref::borrow(Py_None), runtime}; }
 
-Value Value::word(const Runtime& runtime, Word word) {
-    return {Ref::borrow(runtime.word(word)), runtime};
-}
+Value Value::word(const Runtime& runtime, Word word) { return {Ref::borrow(runtime.word(word)), runtime}; }
 
-Value Value::text(const Runtime& runtime, Text text) {
-    return {to_python(text), runtime};
-}
+Value Value::text(const Runtime& runtime, Text text) { return {to_python(text), runtime}; }
 
 Value Value::number(const Runtime& runtime, double number) {
     return {Ref::checked(PyFloat_FromDouble(number)), runtime};
 }
 
-Value Value::integer(const Runtime& runtime, long number) {
-    return {Ref::checked(PyLong_FromLong(number)), runtime};
-}
+Value Value::integer(const Runtime& runtime, long number) { return {Ref::checked(PyLong_FromLong(number)), runtime}; }
 
-Value Value::boolean(const Runtime& runtime, bool truth) {
-    return {Ref::borrow(truth ? Py_True : Py_False), runtime};
-}
+Value Value::boolean(const Runtime& runtime, bool truth) { return {Ref::borrow(truth ? Py_True : Py_False), runtime}; }
 
-Value Value::list(const Runtime& runtime) {
-    return {Ref::checked(PyList_New(0)), runtime};
-}
+Value Value::list(const Runtime& runtime) { return {Ref::checked(PyList_New(0)), runtime}; }
 
-Value Value::map(const Runtime& runtime) {
-    return {Ref::checked(PyDict_New()), runtime};
-}
+Value Value::map(const Runtime& runtime) { return {Ref::checked(PyDict_New()), runtime}; }
 
-Value Value::set(const Runtime& runtime) {
-    return {Ref::checked(PySet_New(nullptr)), runtime};
-}
+Value Value::set(const Runtime& runtime) { return {Ref::checked(PySet_New(nullptr)), runtime}; }
 
-void Value::append(const Value& item) const {
-    checked(PyList_Append(object_.get(), item.object()));
-}
+void Value::append(const Value& item) const { checked(PyList_Append(object_.get(), item.object())); }
 
-void Value::add(const Value& item) const {
-    checked(PySet_Add(object_.get(), item.object()));
-}
+void Value::add(const Value& item) const { checked(PySet_Add(object_.get(), item.object())); }
 
 void Value::put(Word key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), runtime_->word(key), item.object()));
@@ -249,6 +232,8 @@ void Value::put(Word key, const Value& item) const {
 void Value::put(const Value& key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), key.object(), item.object()));
 }
+
+void Value::update(const Value& other) const { checked(PyDict_Update(object_.get(), other.object())); }
 
 void Value::cut(Py_ssize_t size) const {
     checked(PyList_SetSlice(object_.get(), size, PyList_Size(object_.get()), nullptr));

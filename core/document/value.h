@@ -26,11 +26,11 @@ public:
     [[nodiscard]] bool is_list_or_tuple() const;
     void check_hashable() const;  // TypeError where it is not
 
-    [[nodiscard]] Value at(Word key) const;           // value[key], KeyError
-    [[nodiscard]] Value at(Py_ssize_t index) const;   // value[index], IndexError
-    [[nodiscard]] Value at(const Value& key) const;   // value[key]
-    [[nodiscard]] Value get(Word key) const;          // value.get(key), absent where it has none
-    [[nodiscard]] bool contains(Word key) const;      // key in value
+    [[nodiscard]] Value at(Word key) const;          // value[key], KeyError
+    [[nodiscard]] Value at(Py_ssize_t index) const;  // value[index], IndexError
+    [[nodiscard]] Value at(const Value& key) const;  // value[key]
+    [[nodiscard]] Value get(Word key) const;         // value.get(key), absent where it has none
+    [[nodiscard]] bool contains(Word key) const;     // key in value
     [[nodiscard]] bool contains(const Value& item) const;
     [[nodiscard]] Py_ssize_t index_of(const Value& item) const;  // value.index(item)
     [[nodiscard]] Py_ssize_t size() const;                       // len(value)
@@ -41,6 +41,13 @@ public:
     // What `a, b, c = value` gives; ValueError where there are not three items.
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 
+    [[nodiscard]] std::array<Value, 2> unpack2() const;
+    [[nodiscard]] Value call(const Value& argument) const;        // value(argument)
+    [[nodiscard]] Value remainder(const Value& operand) const;    // value % operand
+    [[nodiscard]] Value sorted_list() const;                      // sorted(value)
+    [[nodiscard]] Value joined() const;                           // "\n".join(value)
+    [[nodiscard]] Text checked_text(std::string& storage) const;  // TypeError for other than a str
+
     // Calls `visit(Value)` for each item in the order of Python's `for`. A list may change meanwhile.
     template <class Visit>
     void for_each(Visit visit) const;
@@ -50,14 +57,14 @@ public:
     template <class Visit>
     void for_each_item(Visit visit) const;
 
-    [[nodiscard]] double as_float() const;     // float(value)
-    [[nodiscard]] int as_int() const;          // of an integer of our own
-    [[nodiscard]] Value to_float() const;      // float(value), as an object
-    [[nodiscard]] Value to_int() const;        // int(value), as an object
-    [[nodiscard]] Value lower() const;         // value.lower()
-    [[nodiscard]] Value copied_list() const;   // list(value)
+    [[nodiscard]] double as_float() const;    // float(value)
+    [[nodiscard]] int as_int() const;         // of an integer of our own
+    [[nodiscard]] Value to_float() const;     // float(value), as an object
+    [[nodiscard]] Value to_int() const;       // int(value), as an object
+    [[nodiscard]] Value lower() const;        // value.lower()
+    [[nodiscard]] Value copied_list() const;  // list(value)
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
-    void append_to(std::string& out) const;    // as a format writes it
+    void append_to(std::string& out) const;  // as a format writes it
     // The text of a str value; `storage` holds it where the value itself cannot.
     [[nodiscard]] bool is_str() const { return present() && PyUnicode_Check(object_.get()) != 0; }
     [[nodiscard]] Text text(std::string& storage) const { return to_text(object_.get(), storage); }
@@ -76,16 +83,19 @@ public:
     static Value list(const Runtime& runtime);
     static Value map(const Runtime& runtime);
     static Value set(const Runtime& runtime);
-    void append(const Value& item) const;               // to a list
-    void add(const Value& item) const;                  // to a set
-    void put(Word key, const Value& item) const;        // into a map
+    void append(const Value& item) const;         // to a list
+    void add(const Value& item) const;            // to a set
+    void put(Word key, const Value& item) const;  // into a map
     void put(const Value& key, const Value& item) const;
-    void cut(Py_ssize_t size) const;                    // a list's items past the first `size`
+    void update(const Value& other) const;  // a map
+    void cut(Py_ssize_t size) const;        // a list's items past the first `size`
 
 private:
     [[nodiscard]] Value own(PyObject* result) const { return {Ref::checked(result), *runtime_}; }
     [[nodiscard]] Value share(PyObject* borrowed) const { return {Ref::borrow(borrowed), *runtime_}; }
     [[nodiscard]] Value called(Word method) const;
+    template <std::size_t Count>
+    [[nodiscard]] std::array<Value, Count> unpack() const;
     static void check_unchanged(Py_ssize_t before, PyObject* map);
 
     Ref object_;
@@ -126,13 +136,8 @@ void Value::for_each_value(Visit visit) const {
 template <class Visit>
 void Value::for_each_item(Visit visit) const {
     called("items").for_each([&](const Value& pair) {
-        const Ref items = Ref::checked(PySequence_Tuple(pair.object()));
-        const Py_ssize_t size = PyTuple_Size(items.get());
-        if (size != 2) {
-            raise_value_error(size < 2 ? "not enough values to unpack (expected 2)"
-                                       : "too many values to unpack (expected 2)");
-        }
-        visit(share(PyTuple_GetItem(items.get(), 0)), share(PyTuple_GetItem(items.get(), 1)));
+        const auto [key, item] = pair.unpack2();
+        visit(key, item);
     });
 }
 

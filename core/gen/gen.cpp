@@ -160,13 +160,9 @@ void Gen::use(std::initializer_list<Word> names) {
     }
 }
 
-void Gen::use_composed(Text name) {
-    need_.add(Value::text(runtime(), name));
-}
+void Gen::use_composed(Text name) { need_.add(Value::text(runtime(), name)); }
 
-void Gen::use_struct(Word name) {
-    structs_.add(Value::word(runtime(), name));
-}
+void Gen::use_struct(Word name) { structs_.add(Value::word(runtime(), name)); }
 
 // ---- output sockets -------------------------------------------------------------------------
 
@@ -185,9 +181,7 @@ Gen::Output* Gen::find_output(int place, int name) {
     return nullptr;
 }
 
-void Gen::set(const Node& n, Word out, SocketType type, Text expr) {
-    set_filled(n, out, type, "$0", {expr});
-}
+void Gen::set(const Node& n, Word out, SocketType type, Text expr) { set_filled(n, out, type, "$0", {expr}); }
 
 void Gen::bind(const Node& n, Word out, SocketType type, Text expr) {
     if (Output* output = find_output(n.place, static_cast<int>(out.index()))) {
@@ -276,13 +270,12 @@ Gen::Run Gen::run() {
     displacement_normal();
     const Bound surface = output(src.at(Py_ssize_t{0}), src.at(Py_ssize_t{1}));
     if (emission_mode_) {
-        return {is_closure(surface.type) ? text("($0).emission", surface.text)
-                                         : convert(surface.text, surface.type, RGBA),
-                {}};
+        return {
+            is_closure(surface.type) ? text("($0).emission", surface.text) : convert(surface.text, surface.type, RGBA),
+            {}};
     }
-    const Text e = is_closure(surface.type)
-                       ? surface.text
-                       : text("L.closure_emission($0)", convert(surface.text, surface.type, RGBA));
+    const Text e = is_closure(surface.type) ? surface.text
+                                            : text("L.closure_emission($0)", convert(surface.text, surface.type, RGBA));
     return {{}, declare("closure", "surf", "$0", {e})};
 }
 

@@ -165,9 +165,9 @@ public:
     // The statements, each ended by a line feed; `line_ends` are the places behind those.
     [[nodiscard]] Text body() const { return body_; }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
-    [[nodiscard]] Value need() const { return need_; }                // a set of library names
-    [[nodiscard]] Value structs() const { return structs_; }          // a set of struct names
-    [[nodiscard]] const Node* find_node(const Value& nid) const;      // null where there is none
+    [[nodiscard]] Value need() const { return need_; }            // a set of library names
+    [[nodiscard]] Value structs() const { return structs_; }      // a set of struct names
+    [[nodiscard]] const Node* find_node(const Value& nid) const;  // null where there is none
 
     const Value ir;
     const bool use_params;

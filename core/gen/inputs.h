@@ -21,10 +21,10 @@ struct Texture {
 struct Input {
     Text name;
     Word kind;
-    Value value = {};         // "scalar", "vector": the default; "texture": none
-    int index = 0;            // "texcoord": the UV set
-    Word axis = "x";          // "view_axis", "object_axis"
-    Word of = "texcoord";     // "ddx", "ddy": the kind whose derivative it is
+    Value value = {};      // "scalar", "vector": the default; "texture": none
+    int index = 0;         // "texcoord": the UV set
+    Word axis = "x";       // "view_axis", "object_axis"
+    Word of = "texcoord";  // "ddx", "ddy": the kind whose derivative it is
     Texture* texture = nullptr;
     bool is_parameter = false;
 };

@@ -46,8 +46,7 @@ void append_literal(std::string& out, double number) {
     }
     // "d.ddde+xx": at most 17 digits, sign, point and an exponent of three digits.
     char buffer[32] = {};
-    const char* end =
-        std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific).ptr;
+    const char* end = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific).ptr;
     std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
     if (text.front() == '-') {
         out += '-';

@@ -56,8 +56,7 @@ std::vector<int> Gen::upstream(int place) const {
 // run and what their outputs are bound to. Restored on every way out.
 class Gen::MovedEvaluation {
 public:
-    MovedEvaluation(Gen& g, std::vector<int> up, const Offset& offset)
-        : g_(g), up_(std::move(up)), boff_(g.boff_) {
+    MovedEvaluation(Gen& g, std::vector<int> up, const Offset& offset) : g_(g), up_(std::move(up)), boff_(g.boff_) {
         for (const int place : up_) {
             State& state = g_.states_[static_cast<std::size_t>(place)];
             done_.push_back(std::exchange(state.done, false));

@@ -4,8 +4,7 @@
 
 namespace quillgen {
 
-TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters,
-                             std::span<const TemplateRow> rows)
+TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters, std::span<const TemplateRow> rows)
     : places_(Value::map(runtime)) {
     const std::string pattern = "\\b([" + std::string(letters) + "])\\b";
     for (const TemplateRow& row : rows) {
@@ -14,8 +13,7 @@ TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters,
         for (std::size_t i = format.find('$'); i != std::string::npos; i = format.find('$', i + 1)) {
             format[i + 1] = static_cast<char>('0' + letters.find(format[i + 1]));
         }
-        places_.put(Value::text(runtime, row.operation),
-                    Value::integer(runtime, static_cast<long>(rows_.size())));
+        places_.put(Value::text(runtime, row.operation), Value::integer(runtime, static_cast<long>(rows_.size())));
         rows_.push_back({format, row.needs, row.is_scalar});
     }
 }
@@ -29,8 +27,7 @@ Registry::Registry(const Runtime& runtime) : runtime_(runtime), NODES_(Value::ma
 
 void Registry::node(std::initializer_list<const char*> types, Handler handler) {
     for (const char* type : types) {
-        NODES_.put(Value::text(runtime_, type),
-                   Value::integer(runtime_, static_cast<long>(handlers_.size())));
+        NODES_.put(Value::text(runtime_, type), Value::integer(runtime_, static_cast<long>(handlers_.size())));
     }
     handlers_.push_back(handler);
 }
@@ -45,8 +42,7 @@ Handler Registry::find(const Value& type) const {
 }
 
 const TemplateTable& Registry::table(Text name) const {
-    return std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) { return entry.first == name; })
-        ->second;
+    return std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) { return entry.first == name; })->second;
 }
 
 }  // namespace quillgen

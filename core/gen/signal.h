@@ -12,9 +12,38 @@ class Signal {
 public:
     enum Kind : unsigned char {
         // signals that are one input and a fixed expression
-        P, Pcr, Pobj, N, Nv, I, objpos, vcol, twosided, T_ue, B_ue, campos, pdepth, tanfov, vsize,
+        P,
+        Pcr,
+        Pobj,
+        N,
+        Nv,
+        I,
+        objpos,
+        vcol,
+        twosided,
+        T_ue,
+        B_ue,
+        campos,
+        pdepth,
+        tanfov,
+        vsize,
         // signals that are made of others, or of several inputs
-        Nf, Nobj, Nl, Tl, Bl, Ng, vx, vy, vz, ox, oy, oz, bmin, bmax, generated, view,
+        Nf,
+        Nobj,
+        Nl,
+        Tl,
+        Bl,
+        Ng,
+        vx,
+        vy,
+        vz,
+        ox,
+        oy,
+        oz,
+        bmin,
+        bmax,
+        generated,
+        view,
         uv
     };
 
@@ -27,9 +56,9 @@ public:
     [[nodiscard]] constexpr bool operator==(const Signal&) const = default;
 
     static constexpr std::array<std::string_view, uv> kNames = {
-        "P",      "Pcr",  "Pobj",   "N",     "Nv",   "I",  "objpos", "vcol", "twosided", "T_ue", "B_ue",
-        "campos", "pdepth", "tanfov", "vsize", "Nf", "Nobj", "Nl", "Tl", "Bl",     "Ng",   "vx",       "vy",
-        "vz",     "ox",   "oy",     "oz",    "bmin", "bmax", "generated", "view"};
+        "P",      "Pcr",    "Pobj",   "N",     "Nv", "I",    "objpos", "vcol",      "twosided", "T_ue", "B_ue",
+        "campos", "pdepth", "tanfov", "vsize", "Nf", "Nobj", "Nl",     "Tl",        "Bl",       "Ng",   "vx",
+        "vy",     "vz",     "ox",     "oy",    "oz", "bmin", "bmax",   "generated", "view"};
 
 private:
     constexpr Signal(Kind kind, int index) : kind_(kind), index_(index) {}

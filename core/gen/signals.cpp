@@ -53,9 +53,7 @@ static_assert(std::size(kAxes) == Signal::oz - Signal::vx + 1);
 
 }  // namespace
 
-void Gen::declare_input(Text name, Word kind) {
-    inputs.put({.name = name, .kind = kind});
-}
+void Gen::declare_input(Text name, Word kind) { inputs.put({.name = name, .kind = kind}); }
 
 Text Gen::uv_signal(int index) {
     const Text uv = text("uv$0", index);

@@ -24,8 +24,7 @@ inline constexpr SocketType SHADER{SocketType::shader};
 inline constexpr SocketType ROTATION{SocketType::rotation};
 
 // The HLSL type word of each kind; an unknown type counts as a float.
-inline constexpr std::string_view HL[] = {"float",  "float",   "float",  "float3",
-                                          "float3", "closure", "float3", "float"};
+inline constexpr std::string_view HL[] = {"float", "float", "float", "float3", "float3", "closure", "float3", "float"};
 
 inline constexpr std::string_view hlsl(SocketType type) { return HL[type.kind]; }
 inline constexpr bool is_closure(SocketType type) { return type.kind == SocketType::shader; }

@@ -24,9 +24,7 @@ SocketType Gen::written_type(const Value& word) {
 }
 
 // The same for an unlinked entry's own type, which is only compared: anything may stand there.
-SocketType Gen::socket_type(const Value& word) {
-    return word.is_str() ? written_type(word) : SocketType{};
-}
+SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
 
 bool Gen::linked(const Node& n, Word ident) {
     const Value entry = n.in.get(ident);

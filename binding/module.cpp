@@ -1,0 +1,194 @@
+// The module's entry: what Python sees of the translator, and the one place where C++'s exceptions become
+// Python's.
+#include <array>
+#include <exception>
+#include <new>
+#include <span>
+
+#include "binding/arguments.h"
+#include "closures/compile.h"
+#include "core/gen/registry.h"
+#include "nodes/register.h"
+#include "nodes/texture/image.h"
+
+namespace quillgen {
+
+namespace {
+
+struct State {
+    Module* module;
+};
+
+State& state_of(PyObject* self) { return *static_cast<State*>(PyModule_GetState(self)); }
+
+template <class Body>
+PyObject* guarded(Body body) noexcept {
+    try {
+        return body().release();
+    } catch (const PythonError&) {
+        return nullptr;
+    } catch (const std::bad_alloc&) {
+        return PyErr_NoMemory();
+    } catch (const std::exception& error) {
+        PyErr_SetString(PyExc_RuntimeError, error.what());
+        return nullptr;
+    }
+}
+
+PyDoc_STRVAR(compile_doc,
+             "compile(ir, mode='surface', use_params=True)\n--\n\n"
+             "Translates one material document into the text of a Custom expression.\n\n"
+             "ir          the document: a dict with `nodes` and `out`, and optionally `settings`, `images`, `uv_maps`\n"
+             "mode        'surface' for a lit material, 'emission' for an unlit one whose result is one colour\n"
+             "use_params  whether unlinked sockets become inputs that can be tweaked, or literals\n\n"
+             "Returns a dict: code (str), inputs and outputs (lists of dicts), material (dict), warnings (list of\n"
+             "str), params (name -> [kind, value]), displacement (dict with code, inputs and magnitude in\n"
+             "centimetres, or None).\n\n"
+             "Raises Unsupported where the graph cannot be translated, KeyError where the document lacks a mandatory\n"
+             "key, RecursionError where the graph is too deep, and the errors of Python's own operations on values\n"
+             "that are not what they should be. The document is never changed.");
+
+PyObject* py_compile(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
+    return guarded([&]() -> Ref {
+        constexpr std::array<const char*, 3> kNames = {"ir", "mode", "use_params"};
+        const Arguments<3> given("compile", kNames, 1, args, count, names);
+        const Module& module = *state_of(self).module;
+        const Runtime& runtime = module.runtime;
+        const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "surface");
+        const bool use_params = given[2] == nullptr || borrowed(runtime, given[2]).truthy();
+        return compile(module, borrowed(runtime, given[0]), mode, use_params).take();
+    });
+}
+
+PyDoc_STRVAR(parts_doc,
+             "parts(ir, mode='emission', use_params=False, uv_bias=None)\n--\n\n"
+             "Translates one graph without the text around it, for assemble. uv_bias is a pair of numbers that is\n"
+             "added to every UV coordinate.\n\n"
+             "Returns a dict: body (list of statements), ret (expression of the colour), need and structs (sets of\n"
+             "library names), inputs (name -> record), warnings. Raises as compile does.");
+
+PyObject* py_parts(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
+    return guarded([&]() -> Ref {
+        constexpr std::array<const char*, 4> kNames = {"ir", "mode", "use_params", "uv_bias"};
+        const Arguments<4> given("parts", kNames, 1, args, count, names);
+        const Module& module = *state_of(self).module;
+        const Runtime& runtime = module.runtime;
+        const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "emission");
+        const bool use_params = given[2] != nullptr && borrowed(runtime, given[2]).truthy();
+        const Value uv_bias = given[3] != nullptr ? borrowed(runtime, given[3]) : Value();
+        return parts(module, borrowed(runtime, given[0]), mode, use_params, uv_bias).take();
+    });
+}
+
+PyDoc_STRVAR(assemble_doc,
+             "assemble(bodies, structs, need, selector=None, wrap='%s', extra_lib='')\n--\n\n"
+             "Writes one text around several graphs.\n\n"
+             "bodies         pairs of statements and colour expression: `body` and `ret` of parts\n"
+             "structs, need  the unions of those of the parts\n"
+             "selector       HLSL of a float: below 0.5 chooses the first graph, below 1.5 the second ...; None takes\n"
+             "               the first alone\n"
+             "wrap           a format with one %s, put around each colour\n"
+             "extra_lib      further HLSL for the struct of library functions\n\n"
+             "Returns the text.");
+
+PyObject* py_assemble(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
+    return guarded([&]() -> Ref {
+        constexpr std::array<const char*, 6> kNames = {"bodies", "structs", "need", "selector", "wrap", "extra_lib"};
+        const Arguments<6> given("assemble", kNames, 3, args, count, names);
+        const Runtime& runtime = state_of(self).module->runtime;
+        const auto argument = [&](std::size_t i) { return borrowed(runtime, given[i]); };
+        const Value selector = given[3] != nullptr ? argument(3) : Value();
+        const Value wrap = given[4] != nullptr ? argument(4) : Value::text(runtime, "%s");
+        const Value extra_lib = given[5] != nullptr ? argument(5) : Value();
+        return assemble(runtime, argument(0), argument(1), argument(2), selector, wrap, extra_lib).take();
+    });
+}
+
+PyDoc_STRVAR(param_name_doc,
+             "param_name(node_id, socket)\n--\n\n"
+             "The name of the input that stands for an unlinked socket: P_{node_id}__{socket}, with every character\n"
+             "other than an ASCII letter, digit or underscore replaced by an underscore.");
+
+PyObject* py_param_name(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
+    return guarded([&]() -> Ref {
+        constexpr std::array<const char*, 2> kNames = {"node_id", "socket"};
+        const Arguments<2> given("param_name", kNames, 2, args, count, names);
+        std::string name;
+        append_formatted(name, given[0]);
+        name += "__";
+        append_formatted(name, given[1]);
+        return to_python("P_" + state_of(self).module->runtime.identifier(name));
+    });
+}
+
+PyDoc_STRVAR(tex_input_doc,
+             "tex_input(image_name)\n--\n\n"
+             "The name of the texture input of an image: T_, at most 32 characters of the name as an identifier, and\n"
+             "six digits of the SHA-1 of the name's UTF-8 bytes.");
+
+PyObject* py_tex_input(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
+    return guarded([&]() -> Ref {
+        constexpr std::array<const char*, 1> kNames = {"image_name"};
+        const Arguments<1> given("tex_input", kNames, 1, args, count, names);
+        const Runtime& runtime = state_of(self).module->runtime;
+        return to_python(tex_input(runtime, borrowed(runtime, given[0])));
+    });
+}
+
+int exec(PyObject* self) {
+    const Ref result = Ref::steal(guarded([&]() -> Ref {
+        auto* module = new Module();
+        state_of(self).module = module;
+        register_all(module->registry);
+        checked(PyModule_AddObjectRef(self, "Unsupported", module->runtime.unsupported()));
+        const Ref types = Ref::checked(PySequence_Tuple(module->registry.types().object()));
+        checked(PyModule_AddObjectRef(self, "NODES", types.get()));
+        return Ref::borrow(Py_None);
+    }));
+    return result ? 0 : -1;
+}
+
+int traverse(PyObject* self, visitproc visit, void* arg) {
+    const Module* module = state_of(self).module;
+    return module == nullptr ? 0 : module->runtime.traverse(visit, arg);
+}
+
+int clear(PyObject* self) {
+    delete std::exchange(state_of(self).module, nullptr);
+    return 0;
+}
+
+void release(void* self) { clear(static_cast<PyObject*>(self)); }
+
+PyDoc_STRVAR(module_doc,
+             "Translates Blender shader node trees into HLSL for Custom expressions of Unreal materials.\n\n"
+             "compile(ir, ...)       a whole material\n"
+             "parts, assemble        several graphs in one text\n"
+             "param_name, tex_input  names of inputs\n"
+             "Unsupported            raised for a graph that cannot be translated\n"
+             "NODES                  the node types that have a handler");
+
+PyCFunction keyword_function(PyObject* (*function)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*)) {
+    return reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(function));
+}
+
+constexpr int kFlags = METH_FASTCALL | METH_KEYWORDS;
+
+PyMethodDef methods[] = {
+    {"compile", keyword_function(py_compile), kFlags, compile_doc},
+    {"parts", keyword_function(py_parts), kFlags, parts_doc},
+    {"assemble", keyword_function(py_assemble), kFlags, assemble_doc},
+    {"param_name", keyword_function(py_param_name), kFlags, param_name_doc},
+    {"tex_input", keyword_function(py_tex_input), kFlags, tex_input_doc},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)}, {0, nullptr}};
+PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT, "quillgen", module_doc, sizeof(State), methods, slots, traverse, clear, release};
+
+}  // namespace
+
+}  // namespace quillgen
+
+PyMODINIT_FUNC PyInit_quillgen() { return PyModuleDef_Init(&quillgen::definition); }

@@ -1,0 +1,67 @@
+// Several graphs in one text: `parts` translates each alone, `assemble` writes the text around them.
+#include "closures/compile.h"
+#include "closures/records.h"
+#include "closures/text_layout.h"
+#include "core/gen/gen.h"
+
+namespace quillgen {
+
+namespace {
+
+Value line_list(const Gen& g) {
+    const Value list = Value::list(g.runtime());
+    std::size_t start = 0;
+    for (const std::size_t end : g.line_ends()) {
+        list.append(Value::text(g.runtime(), g.body().substr(start, end - start - 1)));
+        start = end;
+    }
+    return list;
+}
+
+// Appends a graph's statements and the return of its colour.
+void append_graph(const Value& lines, const Value& pair, const Value& wrap) {
+    const auto [body, ret] = pair.unpack2();
+    body.for_each([&](const Value& line) { lines.append(line); });
+    std::string line = "  return ";
+    wrap.remainder(ret).append_to(line);
+    lines.append(Value::text(lines.runtime(), line + ";"));
+}
+
+}  // namespace
+
+Value parts(const Module& module, const Value& ir, const Value& mode, bool use_params, const Value& uv_bias) {
+    const bool emission_mode = mode.is("emission");
+    Gen g(module, ir, emission_mode, use_params, uv_bias);
+    const Gen::Run res = g.run();
+    const Value result = Value::map(g.runtime());
+    result.put("body", line_list(g));
+    result.put("ret", Value::text(g.runtime(), emission_mode ? res.base : g.text("$0.base", res.closure)));
+    result.put("need", g.need());
+    result.put("structs", g.structs());
+    result.put("inputs", inputs_by_name(g));
+    result.put("warnings", warning_list(g));
+    return result;
+}
+
+Value assemble(const Runtime& runtime, const Value& bodies, const Value& structs, const Value& need,
+               const Value& selector, const Value& wrap, const Value& extra_lib) {
+    const Value lines = Value::list(runtime);
+    append_head(lines, kMaterialHeader, structs, need, extra_lib);
+    if (selector.is_none()) {
+        append_graph(lines, bodies.at(Py_ssize_t{0}), wrap);
+        return lines.joined();
+    }
+    int i = 0;
+    bodies.for_each([&](const Value& pair) {
+        std::string chosen = "if (";
+        selector.append_to(chosen);
+        fill(chosen, " < $0.5) {", {i++});
+        lines.append(Value::text(runtime, chosen));
+        append_graph(lines, pair, wrap);
+        lines.append(Value::text(runtime, "}"));
+    });
+    lines.append(Value::text(runtime, "return float3(0.0, 0.0, 0.0);"));
+    return lines.joined();
+}
+
+}  // namespace quillgen

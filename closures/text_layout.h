@@ -1,0 +1,23 @@
+// The layout of a finished text: header, structs, `struct QWK` with the library and the closure
+// functions, its one instance, and the statements.
+#pragma once
+
+#include <string>
+
+#include "core/document/value.h"
+
+namespace quillgen {
+
+inline constexpr Text kMaterialHeader =
+    "// Quillwork - generated from Blender's node tree. Edit the material in Blender, not here.";
+inline constexpr Text kDisplacementHeader = "// Quillwork - displacement of Blender's node tree (Nanite tessellation).";
+
+// Appends the lines above the statements. `structs` and `need` are sets of names that the library is asked
+// for; KeyError for a struct that it lacks, and whatever its `resolve` answers to a name that it lacks.
+// `extra_lib` is absent, or a str that goes directly behind the closure functions.
+void append_head(const Value& lines, Text header, const Value& structs, const Value& need, const Value& extra_lib);
+
+// The finished text; the last of the statements ends without a line feed.
+Value lay_out(const Runtime& runtime, Text header, const Value& structs, const Value& need, Text statements);
+
+}  // namespace quillgen
