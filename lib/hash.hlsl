@@ -2,139 +2,121 @@
 // All arithmetic is on 32-bit words with wrap-around, so every result here is exact: no tolerance.
 
 // Each lane's bits rotated to the left by r places, 0 < r < 32.
-uint4 hash_rotate(uint4 x, uint r)
-{
-    return (x << r) | (x >> (32u - r));
+uint4 hash_rotate(uint4 x, uint r) {
+  return (x << r) | (x >> (32u - r));
 }
 
 // The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that wants one lane takes .x of it,
 // and lanes that share b and c (corners of a noise cell that differ in x only) share the steps that depend on those.
-uint4 hash_final(uint4 a, uint4 b, uint4 c)
-{
-    c = (c ^ b) - hash_rotate(b, 14u);
-    a = (a ^ c) - hash_rotate(c, 11u);
-    b = (b ^ a) - hash_rotate(a, 25u);
-    c = (c ^ b) - hash_rotate(b, 16u);
-    a = (a ^ c) - hash_rotate(c, 4u);
-    b = (b ^ a) - hash_rotate(a, 14u);
-    return (c ^ b) - hash_rotate(b, 24u);
+uint4 hash_final(uint4 a, uint4 b, uint4 c) {
+  c = (c ^ b) - hash_rotate(b, 14u);
+  a = (a ^ c) - hash_rotate(c, 11u);
+  b = (b ^ a) - hash_rotate(a, 25u);
+  c = (c ^ b) - hash_rotate(b, 16u);
+  a = (a ^ c) - hash_rotate(c, 4u);
+  b = (b ^ a) - hash_rotate(a, 14u);
+  return (c ^ b) - hash_rotate(b, 24u);
 }
 
 // The six mixing steps of lookup3 that precede a fourth word, in four independent lanes.
-void hash_mix(inout uint4 a, inout uint4 b, inout uint4 c)
-{
-    a = (a - c) ^ hash_rotate(c, 4u);
-    c += b;
-    b = (b - a) ^ hash_rotate(a, 6u);
-    a += c;
-    c = (c - b) ^ hash_rotate(b, 8u);
-    b += a;
-    a = (a - c) ^ hash_rotate(c, 16u);
-    c += b;
-    b = (b - a) ^ hash_rotate(a, 19u);
-    a += c;
-    c = (c - b) ^ hash_rotate(b, 4u);
-    b += a;
+void hash_mix(inout uint4 a, inout uint4 b, inout uint4 c) {
+  a = (a - c) ^ hash_rotate(c, 4u);
+  c += b;
+  b = (b - a) ^ hash_rotate(a, 6u);
+  a += c;
+  c = (c - b) ^ hash_rotate(b, 8u);
+  b += a;
+  a = (a - c) ^ hash_rotate(c, 16u);
+  c += b;
+  b = (b - a) ^ hash_rotate(a, 19u);
+  a += c;
+  c = (c - b) ^ hash_rotate(b, 4u);
+  b += a;
 }
 
 // lookup3 of one to four words. The start value is 0xDEADBEEF + 4 * words + 13.
-uint hash_word1(uint k)
-{
-    return hash_final(0xDEADBF00u + k, 0xDEADBF00u, 0xDEADBF00u).x;
+uint hash_word1(uint k) {
+  return hash_final(0xDEADBF00u + k, 0xDEADBF00u, 0xDEADBF00u).x;
 }
 
-uint hash_word2(uint2 k)
-{
-    return hash_final(0xDEADBF04u + k.x, 0xDEADBF04u + k.y, 0xDEADBF04u).x;
+uint hash_word2(uint2 k) {
+  return hash_final(0xDEADBF04u + k.x, 0xDEADBF04u + k.y, 0xDEADBF04u).x;
 }
 
-uint hash_word3(uint3 k)
-{
-    k += 0xDEADBF08u;
-    return hash_final(k.x, k.y, k.z).x;
+uint hash_word3(uint3 k) {
+  k += 0xDEADBF08u;
+  return hash_final(k.x, k.y, k.z).x;
 }
 
-uint hash_word4(uint4 k)
-{
-    uint4 a = 0xDEADBF0Cu + k.x;
-    uint4 b = 0xDEADBF0Cu + k.y;
-    uint4 c = 0xDEADBF0Cu + k.z;
-    hash_mix(a, b, c);
-    return hash_final(a + k.w, b, c).x;
+uint hash_word4(uint4 k) {
+  uint4 a = 0xDEADBF0Cu + k.x;
+  uint4 b = 0xDEADBF0Cu + k.y;
+  uint4 c = 0xDEADBF0Cu + k.z;
+  hash_mix(a, b, c);
+  return hash_final(a + k.w, b, c).x;
 }
 
 // A word as a float from 0 to 1, 1 included: words from 0xFFFFFF80 up round to 2^32. The factor is 2^-32.
-float hash_unit(uint h)
-{
-    return float(h) * 2.3283064365386963e-10;
+float hash_unit(uint h) {
+  return float(h) * 2.3283064365386963e-10;
 }
 
 // A float vector's bits hashed to a float from 0 to 1. -0 and +0 differ, and so do NaNs of different bits.
-float hash_float_to_float(float x)
-{
-    return hash_unit(hash_word1(asuint(x)));
+float hash_float_to_float(float x) {
+  return hash_unit(hash_word1(asuint(x)));
 }
 
 // @each DIM 2 3 4
-float hash_floatDIM_to_float(floatDIM x)
-{
-    return hash_unit(hash_wordDIM(asuint(x)));
+float hash_floatDIM_to_float(floatDIM x) {
+  return hash_unit(hash_wordDIM(asuint(x)));
 }
 
 // Three values in 0 to 1. The first is the single-value hash of the same x; the others hash x with 1.0 or 2.0 appended.
-float3 hash_float_to_float3(float x)
-{
-    return float3(hash_float_to_float(x), hash_float2_to_float(float2(x, 1.0)), hash_float2_to_float(float2(x, 2.0)));
+float3 hash_float_to_float3(float x) {
+  return float3(hash_float_to_float(x), hash_float2_to_float(float2(x, 1.0)), hash_float2_to_float(float2(x, 2.0)));
 }
 
-float3 hash_float2_to_float3(float2 x)
-{
-    return float3(hash_float2_to_float(x), hash_float3_to_float(float3(x, 1.0)), hash_float3_to_float(float3(x, 2.0)));
+float3 hash_float2_to_float3(float2 x) {
+  return float3(hash_float2_to_float(x), hash_float3_to_float(float3(x, 1.0)), hash_float3_to_float(float3(x, 2.0)));
 }
 
-float3 hash_float3_to_float3(float3 x)
-{
-    return float3(hash_float3_to_float(x), hash_float4_to_float(float4(x, 1.0)), hash_float4_to_float(float4(x, 2.0)));
+float3 hash_float3_to_float3(float3 x) {
+  return float3(hash_float3_to_float(x), hash_float4_to_float(float4(x, 1.0)), hash_float4_to_float(float4(x, 2.0)));
 }
 
 // There is no hash of five words: the other two values hash the components in another order.
-float3 hash_float4_to_float3(float4 x)
-{
-    return float3(hash_float4_to_float(x), hash_float4_to_float(x.zxwy), hash_float4_to_float(x.wzyx));
+float3 hash_float4_to_float3(float4 x) {
+  return float3(hash_float4_to_float(x), hash_float4_to_float(x.zxwy), hash_float4_to_float(x.wzyx));
 }
 
 // One round of the integer hash below. Later lines read what earlier ones wrote.
-int2 hash_round2(int2 v)
-{
-    v.x += v.y * 1664525;
-    v.y += v.x * 1664525;
-    return v;
+int2 hash_round2(int2 v) {
+  v.x += v.y * 1664525;
+  v.y += v.x * 1664525;
+  return v;
 }
 
-int3 hash_round3(int3 v)
-{
-    v.x += v.y * v.z;
-    v.y += v.z * v.x;
-    v.z += v.x * v.y;
-    return v;
+int3 hash_round3(int3 v) {
+  v.x += v.y * v.z;
+  v.y += v.z * v.x;
+  v.z += v.x * v.y;
+  return v;
 }
 
-int4 hash_round4(int4 v)
-{
-    v.x += v.y * v.w;
-    v.y += v.z * v.x;
-    v.z += v.x * v.y;
-    v.w += v.y * v.z;
-    return v;
+int4 hash_round4(int4 v) {
+  v.x += v.y * v.w;
+  v.y += v.z * v.x;
+  v.z += v.x * v.y;
+  v.w += v.y * v.z;
+  return v;
 }
 
 // Integer hash (a PCG generator with as many outputs as inputs) of a Voronoi cell's number: each component from 0 to 1,
 // 1 included. Several times cheaper than the word hash. The shift must be the arithmetic one of signed integers.
 // The factor is 2^-31, as the top bit is cleared.
 // @each DIM 2 3 4
-floatDIM hash_intDIM_to_floatDIM(intDIM v)
-{
-    v = hash_roundDIM(v * 1664525 + 1013904223);
-    v = hash_roundDIM(v ^ (v >> 16));
-    return floatDIM(v & 0x7FFFFFFF) * 4.656612873077393e-10;
+floatDIM hash_intDIM_to_floatDIM(intDIM v) {
+  v = hash_roundDIM(v * 1664525 + 1013904223);
+  v = hash_roundDIM(v ^ (v >> 16));
+  return floatDIM(v & 0x7FFFFFFF) * 4.656612873077393e-10;
 }
