@@ -1,0 +1,14 @@
+// The normal that a node works on.
+#pragma once
+
+#include "core/gen/gen.h"
+
+namespace quillgen {
+
+// The linked normal as it stands, else the shading normal. Either may be a long expression: a caller that
+// uses it more than once puts it into a variable.
+inline Text _normal_or_shading(Gen& g, const Node& n, Word ident = "Normal") {
+    return g.linked(n, ident) ? g.inp(n, ident, VECTOR) : g.geo("Nf");
+}
+
+}  // namespace quillgen
