@@ -1,7 +1,7 @@
-"""Shaders made only to be compiled: do they pass in both language versions, and how many instructions do they hold?
+"""Shaders made only to be compiled: do both language versions take them, and how many instructions are they?
 
-Every input comes from a typed buffer and every output goes to one, at the thread's own place, so that no address
-arithmetic joins what is counted.
+Every input comes from a typed buffer and every output goes to one, at the thread's own place, so that no
+address arithmetic joins what is counted.
 """
 import re
 

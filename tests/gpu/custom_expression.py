@@ -1,7 +1,7 @@
 """Wraps a generated text as Unreal wraps the text of a Custom expression, to compile it and to run it.
 
-A result is what quillgen.compile gives, or its `displacement`, or any dict with `code`, `inputs` and, where there
-are any, `outputs`.
+A result is what quillgen.compile gives, or its `displacement`, or any dict with `code`, `inputs` and, where
+there are any, `outputs`.
 """
 import numpy as np
 
@@ -51,13 +51,14 @@ def _values(result):
 def outputs_of(result):
     """Name -> HLSL type of what the wrapped text gives, what it returns first."""
     returned = "float3" if "outputs" in result else "float"
-    return {RETURNED: result.get("returns", returned), **{o["name"]: o["type"] for o in result.get("outputs", [])}}
+    assigned = {output["name"]: output["type"] for output in result.get("outputs", [])}
+    return {RETURNED: result.get("returns", returned), **assigned}
 
 
 def function(result):
     """The whole function that Unreal would make of the text.
 
-    It returns a float3 where the result has `outputs`, else (displacement) a float; a key `returns` says otherwise.
+    It returns a float3 where the result has `outputs`, else (displacement) a float, or what `returns` says.
     """
     arguments = ["FMaterialPixelParameters Parameters"]
     for name, record in inputs_of(result):
@@ -92,15 +93,16 @@ def compile_both(result):
 
 
 def instruction_count(result):
-    """The DXIL instructions of the text, all inputs varying, without the fetching of inputs and storing of outputs."""
+    """The DXIL instructions of the text, all inputs varying, as `cost.count` counts them."""
     return cost.count(shader(result))
 
 
 def evaluate(result, values=None, textures=None, hv="2021"):
     """Runs the text: {"result": array, "OutNormal": array, ...}.
 
-    `values`: input name -> array [n] or [n, width], or a number or tuple for all points. Inputs of the kinds scalar
-    and vector fall back to their default, all others must be given. `textures`: input name -> array [h, w, 4].
+    `values`: input name -> array [n] or [n, width], or a number or tuple for all points. Inputs of the kinds
+    scalar and vector fall back to their default, all others must be given. `textures`: input name ->
+    array [height, width, 4].
     """
     values, textures = values or {}, textures or {}
     missing = [name for name, r in _values(result).items() if name not in values and "default" not in r]

@@ -31,7 +31,7 @@ class DeviceError(Exception):
     """The device refused a shader, crashed or took too long."""
 
 
-# ---------------------------------------------------------------------------------------------------------------
+# ----------------------------------------------------------------------------------------------------
 # The worker process
 
 
@@ -57,9 +57,9 @@ class Worker:
         self.stop()
         self.pipe, theirs = multiprocessing.Pipe()
         script = pathlib.Path(__file__).with_name("device_worker.py")
-        self.process = subprocess.Popen([sys.executable, str(script), str(theirs.fileno())], env=_environment(),
+        self.process = subprocess.Popen([sys.executable, str(script), str(theirs.fileno())],
                                         stdin=subprocess.DEVNULL, stdout=sys.__stderr__.fileno(),
-                                        pass_fds=[theirs.fileno()])
+                                        pass_fds=[theirs.fileno()], env=_environment())
         theirs.close()
         self.name = self.answer("starting the device")
         self.seen = set()
@@ -107,9 +107,9 @@ def device_name():
     return _worker.name
 
 
-# ---------------------------------------------------------------------------------------------------------------
-# Packing. All inputs travel in one buffer of floats: first a head (the number of points, then the uniform values),
-# then a row for each point. An integer takes two floats, its upper and its lower 16 bits, both exact as floats.
+# ----------------------------------------------------------------------------------------------------
+# Packing. All inputs travel in one buffer of floats: first a head (the number of points, then the uniform
+# values), then a row for each point. An integer takes two floats, its upper and its lower 16 bits, both exact.
 
 
 def _base(dtype):
@@ -186,7 +186,8 @@ def shader(body, inputs, outputs, textures=(), helpers=""):
               "  int qh_i = int(qh_thread.x);", "  if (qh_i >= int(qh_in[0])) return;"]
     uniform_at, row_at = 1, 0
     for name, (kind, uniform) in inputs.items():
-        lines.append(f"  {kind} {name} = {_read(kind, uniform_at if uniform else f'{head + row_at} + qh_i * {row}')};")
+        at = uniform_at if uniform else f"{head + row_at} + qh_i * {row}"
+        lines.append(f"  {kind} {name} = {_read(kind, at)};")
         if uniform:
             uniform_at += _slots(kind)
         else:
@@ -224,11 +225,11 @@ def _texels(array):
 def evaluate(body, inputs, outputs, textures=None, helpers="", hv="2021"):
     """Runs statements once for each point and gives {output name: array}.
 
-    `inputs`: name -> array [n] or [n, 1..4], a local of the statements for each point (a type float, int, uint or
-    bool by the array's), or a plain number, bool or tuple of numbers: the same for all points. `outputs`: name ->
-    width, or an HLSL type such as "int2"; the statements assign to them. `textures`: name -> array [height, width, 4]
-    (row 0 on top; bytes become 0 to 1), each a Texture2D. `helpers`: text ahead of the entry function. The
-    statements can use `qh_sampler`, a point sampler. Raises DxcError or DeviceError.
+    `inputs`: name -> array [n] or [n, 1..4], a local of the statements for each point (of type float, int, uint
+    or bool by the array's), or a plain number, bool or tuple of numbers: the same for all points. `outputs`:
+    name -> width, or an HLSL type such as "int2"; the statements assign to them. `textures`: name -> array
+    [height, width, 4] (row 0 on top; bytes become 0 to 1), each a Texture2D. `helpers`: text ahead of the entry
+    function. The statements can use `qh_sampler`, a point sampler. Raises DxcError or DeviceError.
     """
     textures = {name: _texels(t) for name, t in (textures or {}).items()}
     classified = {name: _classify(name, value) for name, value in inputs.items()}

@@ -1,8 +1,8 @@
 """The process that owns the Vulkan device: takes compiled shaders and their data over a pipe and runs them.
 
 `device` starts it and sends (spirv, data, result size, textures, groups); the answer is ("ok", bytes) or
-("error", text). It is a process of its own because tearing the device down after very many shaders can hang, and
-a crash of the driver should cost one shader and not the tests: it always ends with os._exit.
+("error", text). It is a process of its own because tearing the device down after very many shaders can hang,
+and a crash of the driver should cost one shader and not the tests: it always ends with os._exit.
 """
 import collections
 import multiprocessing.connection
@@ -18,7 +18,7 @@ class Pipeline:
 
     def __init__(self, gpu, spirv, data_size, result_size, sizes):
         from compushady.formats import R32_FLOAT, R32G32B32A32_FLOAT
-        # A structured buffer as a read-only resource reads zeros on llvmpipe; a typed one reads what it holds.
+        # A structured buffer as a read-only resource reads zeros on llvmpipe; a typed one works.
         self.data = gpu.Buffer(data_size, format=R32_FLOAT)
         self.result = gpu.Buffer(result_size, stride=4)
         self.upload = gpu.Buffer(data_size, gpu.HEAP_UPLOAD)
@@ -32,7 +32,7 @@ class Pipeline:
         self.upload.upload(data)
         self.upload.copy_to(self.data)
         for texture, staging, texels in zip(self.textures, self.staging, textures):
-            # The rows of a texture have a pitch of their own, wider than what they hold.
+            # The rows of a texture can have a pitch that is wider than what they hold.
             staging.upload2d(texels.tobytes(), texture.row_pitch, texture.width, texture.height, 16)
             staging.copy_to(texture)
         self.compute.dispatch(groups, 1, 1)

@@ -12,8 +12,8 @@ CLSID_COMPILER = "73e22d93-e6ce-47f3-b5bf-f0664f39c1b0"
 IID_COMPILER3 = "228b4687-5a6a-4730-900c-9702b2203f54"
 IID_OPERATION_RESULT = "58346cda-dde7-4497-9461-6f87af5e0659"
 
-# Places in an interface's table of methods. The first three are those of IUnknown; on Linux the two entries of a
-# virtual destructor follow, so an interface's own methods begin at 5.
+# Places in an interface's table of methods. The first three are those of IUnknown; on Linux the two entries
+# of a virtual destructor follow, so an interface's own methods begin at 5.
 RELEASE = 2
 COMPILE, DISASSEMBLE = 5, 6
 GET_STATUS, GET_RESULT, GET_ERRORS = 5, 6, 7
@@ -75,7 +75,7 @@ def _blob(result, getter):
 
 
 def _finish(called, result):
-    """(bytes, compiler's messages) of an operation that returned `called`; raises DxcError where it failed."""
+    """The bytes that an operation gave, which returned `called`; raises DxcError where it failed."""
     if called != 0 or not result:
         raise DxcError(f"DXC failed with {called & 0xffffffff:#x}")
     status = ctypes.c_int32(-1)

@@ -48,7 +48,7 @@ def fields(struct):
 
 
 def declarations(need, extra=""):
-    """The library structs that the functions (or `extra`) name, and the struct of the functions, as local text."""
+    """Local text: the library structs that the functions (or `extra`) name, then the struct of functions."""
     functions = "\n".join(library().resolve(set(need)))
     structs = [text for name, text in sorted(library().STRUCTS.items())
                if re.search(rf"\b{name}\b", functions + extra)]
@@ -72,13 +72,16 @@ class _Call:
         """A struct argument whose fields are set from `values`, field -> expression."""
         name = f"struct{len(self.args)}"
         self.before.append(f"{struct} {name} = ({struct})0;")
-        self.before += [f"{name}.{field} = {fields(struct)[field]}({text});" for field, text in values.items()]
+        kinds = fields(struct)
+        self.before += [f"{name}.{field} = {kinds[field]}({text});" for field, text in values.items()]
         self.args.append(name)
 
     def keep(self, name, kind):
         """Names the parts of a value as outputs of the shader."""
-        parts = {f"{name}_{f}": (f"{name}.{f}", k) for f, k in fields(kind).items()} if kind not in COUNTS else \
-            {f"{name}_": (name, kind)}
+        if kind in COUNTS:
+            parts = {f"{name}_": (name, kind)}
+        else:
+            parts = {f"{name}_{field}": (f"{name}.{field}", k) for field, k in fields(kind).items()}
         for output, (text, part_kind) in parts.items():
             self.outputs[output] = part_kind
             self.after.append(f"{output} = {text};")
@@ -100,11 +103,11 @@ class _Call:
 def call(function, *args, result="float3", need=None, out_args=(), textures=None, hv="2021"):
     """Evaluates a library function elementwise.
 
-    An argument is a numpy array ([n] or [n, 1..4]; the type float, int, uint or bool follows the array's), a plain
-    number, bool or tuple of numbers (the same for all points), `Out(type)` for an out argument, a dict of field ->
-    value for a QWKVoronoiParams, or a text, which is passed as HLSL as it stands (say the name of one of
-    `textures`, name -> array [height, width, 4]). `out_args` are the types of out arguments that follow the others.
-    `result`: the function's type, also a library struct (given back as a dict by field) or None for void.
+    An argument is a numpy array ([n] or [n, 1..4]; the type float, int, uint or bool follows the array's), a
+    plain number, bool or tuple of numbers (the same for all points), `Out(type)` for an out argument, a dict of
+    field -> value for a QWKVoronoiParams, or a text, which is passed as HLSL as it stands (say the name of one
+    of `textures`, name -> array [height, width, 4]). `out_args` are the types of out arguments that follow the
+    others. `result`: the function's type, also a library struct (given back as a dict by field) or None for void.
     Gives the result; with out arguments, a tuple of the result (unless void) and those.
     `need`: library names to resolve, where the function's own name is none.
     """
@@ -136,7 +139,7 @@ def call(function, *args, result="float3", need=None, out_args=(), textures=None
 def cost(function, *kinds, result="float3", need=None, out_args=()):
     """How many DXIL instructions a call takes, arguments of these types varying (see `cost.count`).
 
-    A kind is an HLSL type, a library struct, "Texture2D", `Out(type)`, or any other text: passed as it stands.
+    A kind is an HLSL type, a library struct, "Texture2D", `Out(type)`, or any other text, passed as it is.
     Compiles in both language versions with warnings as errors: raises DxcError where one refuses.
     """
     built, inputs, textures = _Call(function, result), {}, []

@@ -116,8 +116,9 @@ def test_elementwise_and_uniform_inputs():
 
 def test_a_wrong_value_is_seen():
     x = np.linspace(-3, 3, 100)
+    got = device.evaluate("y = cos(x);", {"x": x}, {"y": 1})["y"]
     with pytest.raises(AssertionError):
-        np.testing.assert_allclose(device.evaluate("y = cos(x);", {"x": x}, {"y": 1})["y"], np.sin(x), atol=1e-2)
+        np.testing.assert_allclose(got, np.sin(x), atol=1e-2)
 
 
 def test_integers_and_bools_keep_every_bit():
@@ -164,7 +165,8 @@ def test_two_textures_of_bytes_and_new_contents():
 def test_many_shaders_in_one_process():
     x = np.linspace(0, 1, 64)
     for k in range(device.SHADERS_PER_WORKER + 20):
-        np.testing.assert_allclose(device.evaluate(f"y = x * {k}.0;", {"x": x}, {"y": 1})["y"], x * k, rtol=1e-6)
+        got = device.evaluate(f"y = x * {k}.0;", {"x": x}, {"y": 1})["y"]
+        np.testing.assert_allclose(got, x * k, rtol=1e-6)
 
 
 def test_a_dead_device_is_reported_and_comes_back():
@@ -240,8 +242,9 @@ def expression():
 def test_the_signature():
     head = custom_expression.function(expression()).splitlines()[0]
     assert head == (
-        "MaterialFloat3 CustomExpression0(FMaterialPixelParameters Parameters, Texture2D T, SamplerState TSampler, "
-        "MaterialFloat4 p_Color, MaterialFloat p_Scale, MaterialFloat tsign, MaterialFloat2 uv0, "
+        "MaterialFloat3 CustomExpression0(FMaterialPixelParameters Parameters, "
+        "Texture2D T, SamplerState TSampler, MaterialFloat4 p_Color, MaterialFloat p_Scale, "
+        "MaterialFloat tsign, MaterialFloat2 uv0, "
         "MaterialFloat2 uv0_dx, MaterialFloat4 vcol, MaterialFloat3 wpos, "
         "inout MaterialFloat OutMetallic, inout MaterialFloat3 OutNormal)")
 
@@ -268,7 +271,8 @@ def test_an_expression_is_evaluated():
 
 
 def test_a_displacement_text_returns_a_float():
-    result = {"code": "  return 0.5 + lpos.x / 128.0;", "inputs": [{"name": "lpos", "kind": "local_position"}]}
+    result = {"code": "  return 0.5 + lpos.x / 128.0;",
+              "inputs": [{"name": "lpos", "kind": "local_position"}]}
     assert custom_expression.evaluate(result, {"lpos": (64.0, 0.0, 0.0)})["result"].tolist() == [1.0]
 
 
