@@ -109,7 +109,8 @@ def device_name():
 
 # ----------------------------------------------------------------------------------------------------
 # Packing. All inputs travel in one buffer of floats: first a head (the number of points, then the uniform
-# values), then a row for each point. An integer takes two floats, its upper and its lower 16 bits, both exact.
+# values), then a row for each point. An integer takes two floats, its upper and its lower 16 bits, both
+# exact.
 
 
 def _base(dtype):
@@ -225,11 +226,12 @@ def _texels(array):
 def evaluate(body, inputs, outputs, textures=None, helpers="", hv="2021"):
     """Runs statements once for each point and gives {output name: array}.
 
-    `inputs`: name -> array [n] or [n, 1..4], a local of the statements for each point (of type float, int, uint
-    or bool by the array's), or a plain number, bool or tuple of numbers: the same for all points. `outputs`:
-    name -> width, or an HLSL type such as "int2"; the statements assign to them. `textures`: name -> array
-    [height, width, 4] (row 0 on top; bytes become 0 to 1), each a Texture2D. `helpers`: text ahead of the entry
-    function. The statements can use `qh_sampler`, a point sampler. Raises DxcError or DeviceError.
+    `inputs`: name -> array [n] or [n, 1..4], a local of the statements for each point (of type float, int,
+    uint or bool by the array's), or a plain number, bool or tuple of numbers: the same for all points.
+    `outputs`: name -> width, or an HLSL type such as "int2"; the statements assign to them. `textures`:
+    name -> array [height, width, 4] (row 0 on top; bytes become 0 to 1), each a Texture2D. `helpers`: text
+    ahead of the entry function. The statements can use `qh_sampler`, a point sampler. Raises DxcError or
+    DeviceError.
     """
     textures = {name: _texels(t) for name, t in (textures or {}).items()}
     classified = {name: _classify(name, value) for name, value in inputs.items()}

@@ -103,12 +103,13 @@ class _Call:
 def call(function, *args, result="float3", need=None, out_args=(), textures=None, hv="2021"):
     """Evaluates a library function elementwise.
 
-    An argument is a numpy array ([n] or [n, 1..4]; the type float, int, uint or bool follows the array's), a
-    plain number, bool or tuple of numbers (the same for all points), `Out(type)` for an out argument, a dict of
-    field -> value for a QWKVoronoiParams, or a text, which is passed as HLSL as it stands (say the name of one
-    of `textures`, name -> array [height, width, 4]). `out_args` are the types of out arguments that follow the
-    others. `result`: the function's type, also a library struct (given back as a dict by field) or None for void.
-    Gives the result; with out arguments, a tuple of the result (unless void) and those.
+    An argument is a numpy array ([n] or [n, 1..4]; the type float, int, uint or bool follows the array's),
+    a plain number, bool or tuple of numbers (the same for all points), `Out(type)` for an out argument, a
+    dict of field -> value for a QWKVoronoiParams, or a text, which is passed as HLSL as it stands (say the
+    name of one of `textures`, name -> array [height, width, 4]). `out_args` are the types of out arguments
+    that follow the others. `result`: the function's type, also a library struct (given back as a dict by
+    field) or None for void. Gives the result; with out arguments, a tuple of the result (unless void) and
+    those.
     `need`: library names to resolve, where the function's own name is none.
     """
     built, inputs = _Call(function, result), {}
