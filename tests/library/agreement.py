@@ -16,9 +16,12 @@ DTYPES = {"int": np.int32, "int2": np.int32, "uint": np.uint32, "bool": np.bool_
 
 
 @functools.cache
-def signature(function):
-    """(result type, types of the arguments) of a library function; an out argument's type has "out " before it."""
-    for text in library.library().resolve({function}):
+def signature(function, unit=None):
+    """(result type, types of the arguments) of a library function; an out argument's type has "out " before it.
+
+    `unit` is the name that it is asked for by, where that is not its own.
+    """
+    for text in library.library().resolve({unit or function}):
         result, name, arguments = DEFINITION.match(text).groups()
         if name == function:
             return result, [" ".join(argument.split()[:-1]) for argument in arguments.split(",")]
