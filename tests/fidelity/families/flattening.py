@@ -1,0 +1,23 @@
+"""Trees with groups, reroutes and muted nodes: those of the host's own tests, over exact coordinates."""
+
+import trees
+
+from builder import Case
+
+
+def cases():
+    for fill in trees.TREES:
+        if fill.__name__ not in ("second_uv_map", "constant_for_a_normal", "hidden_constant_for_a_normal"):
+            yield Case("(groups, reroutes, muted nodes)", fill.__name__.replace("_", " "), whole(fill))
+
+
+def whole(fill):
+    """The host's tree, with the canvas's vector in place of the raw UV coordinate."""
+    def build(c):
+        before = trees.vector
+        trees.vector = lambda tree: c.vector() if tree == c.tree else before(tree)
+        try:
+            return fill(c.tree)
+        finally:
+            trees.vector = before
+    return build

@@ -1,0 +1,111 @@
+"""Image and environment textures."""
+
+import tempfile
+from pathlib import Path
+
+import bpy
+import numpy as np
+
+from builder import Case, words
+
+SPACE = "colour spaces other than sRGB and linear Rec.709 are read as linear"
+SIZES = {"tall": (5, 7), "wide": (16, 9), "single": (1, 1), "column": (1, 4), "small": (3, 2)}
+OFF_TEXELS = (3 / 16, (-1.0 + 1 / 64, -1.0 + 3 / 128, 0.5))  # never on a border between texels
+
+
+def cases():
+    for size in SIZES:
+        for interpolation in words("TexImage", "interpolation"):
+            for extension in words("TexImage", "extension"):
+                yield image(f"{size} {interpolation} {extension}", ("byte", "sRGB", "STRAIGHT", size), "Color",
+                            interpolation=interpolation, extension=extension)
+    for projection in ("BOX", "SPHERE", "TUBE"):
+        for interpolation in ("Linear", "Closest", "Cubic"):
+            for extension in ("REPEAT", "CLIP", "MIRROR", "EXTEND"):
+                yield image(f"{projection} {interpolation} {extension}", ("byte", "sRGB", "STRAIGHT", "wide"), "Color",
+                            projection=projection, interpolation=interpolation, extension=extension)
+    for kind in ("byte", "float"):
+        for space in ("sRGB", "Non-Color", "Linear Rec.709"):
+            for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
+                for interpolation in ("Linear", "Closest", "Cubic"):
+                    for out in ("Color", "Color beside Alpha", "Alpha"):
+                        yield image(f"{kind} {space} {alpha} {interpolation} {out}", (kind, space, alpha, "tall"), out,
+                                    interpolation=interpolation)
+    for space in ("ACEScg", "Linear Rec.2020"):
+        yield image(f"byte {space}", ("byte", space, "STRAIGHT", "wide"), "Color", reason=SPACE)
+    for file in ("PNG 8", "PNG 16", "OPEN_EXR 32"):
+        for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
+            for out in ("Color", "Color beside Alpha", "Alpha"):
+                yield image(f"file {file} {alpha} {out}", (file, None, alpha, "small"), out)
+    yield Case("Image Texture", "none", lambda c: c.node("TexImage", {"Vector": c.vector()}).outputs["Color"])
+    yield from environments()
+
+
+def image(name, key, out, reason="", **settings):
+    def build(c):
+        node = c.node("TexImage", {"Vector": c.vector(*OFF_TEXELS)}, image=picture(*key), **settings)
+        if out != "Color beside Alpha":
+            return node.outputs[out]
+        return c.node("VectorMath", {0: node.outputs["Color"], 1: node.outputs["Alpha"]}).outputs[0]
+    return Case("Image Texture", name, build, reason)
+
+
+def environments():
+    for projection in words("TexEnvironment", "projection"):
+        for interpolation in words("TexEnvironment", "interpolation"):
+            for kind, space in (("byte", "sRGB"), ("float", "Linear Rec.709")):
+                def build(c, projection=projection, interpolation=interpolation, key=(kind, space, "STRAIGHT", "wide")):
+                    return c.node("TexEnvironment", {"Vector": c.vector(*OFF_TEXELS)}, image=picture(*key),
+                                  projection=projection, interpolation=interpolation).outputs[0]
+                yield Case("Environment Texture", f"{projection} {interpolation} {kind}", build)
+
+
+def picture(kind, space, alpha, size):
+    """An image of these properties, made at its first use."""
+    name = " ".join((kind, space or "", alpha, size))
+    if name not in bpy.data.images:
+        made = from_file(name, kind, alpha, size) if " " in kind else generated(name, kind, size)
+        if space:
+            made.colorspace_settings.name = space
+        made.alpha_mode = alpha
+    return bpy.data.images[name]
+
+
+def generated(name, kind, size):
+    width, height = SIZES[size]
+    made = bpy.data.images.new(name, width, height, alpha=True, float_buffer=kind == "float")
+    made.pixels.foreach_set(texels(width, height, kind == "float"))
+    made.update()
+    made.pack()
+    return made
+
+
+def texels(width, height, bright):
+    random = np.random.default_rng(width * 100 + height)
+    pixels = random.integers(0, 256, (height, width, 4)).astype(np.float32) / np.float32(255)
+    pixels.reshape(-1, 4)[::3, 3] = 1.0
+    pixels.reshape(-1, 4)[1::5, 3] = 0.0
+    if bright:
+        pixels[..., :3] = pixels[..., :3] * 4 - 1
+    return pixels.ravel()
+
+
+def from_file(name, kind, alpha, size):
+    """The same texels by way of a file: "PNG 8", "PNG 16", "OPEN_EXR 32"."""
+    form, depth = kind.split()
+    width, height = SIZES[size]
+    source = bpy.data.images.new("source", width, height, alpha=True, float_buffer=depth != "8")
+    source.pixels.foreach_set(texels(width, height, False))
+    with tempfile.TemporaryDirectory() as folder:
+        path = str(Path(folder) / ("file." + ("png" if form == "PNG" else "exr")))
+        scene = bpy.context.scene
+        before = scene.render.image_settings.file_format, scene.render.image_settings.color_depth
+        scene.render.image_settings.file_format, scene.render.image_settings.color_depth = form, depth
+        scene.render.image_settings.color_mode = "RGBA"
+        source.save_render(path)
+        scene.render.image_settings.file_format, scene.render.image_settings.color_depth = before
+        made = bpy.data.images.load(path)
+        made.name = name
+        made.pack()
+    bpy.data.images.remove(source)
+    return made
