@@ -8,7 +8,9 @@ namespace quillgen {
 
 namespace {
 
-// What Python's own regular expression would not touch: names made of these need no call of it.
+constexpr const char* kNotOfIdentifiers = "[^A-Za-z0-9_]";
+
+// What that regular expression would not touch: names made of these need no call of it.
 bool is_identifier_character(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
@@ -59,7 +61,15 @@ std::string Runtime::identifier(Text name) const {
     if (std::all_of(name.begin(), name.end(), is_identifier_character)) {
         return std::string(name);
     }
-    return re_sub("[^A-Za-z0-9_]", "_", name);
+    return re_sub(kNotOfIdentifiers, "_", name);
+}
+
+std::string Runtime::identifier(PyObject* name) const {
+    if (PyUnicode_Check(name) == 0) {
+        return re_sub(kNotOfIdentifiers, "_", name);
+    }
+    std::string storage;
+    return identifier(to_text(name, storage));
 }
 
 Text Runtime::remembered_identifier(const std::string& id) const {
@@ -79,8 +89,11 @@ Text Runtime::remembered_identifier(const std::string& id) const {
 }
 
 std::string Runtime::re_sub(const char* pattern, const char* replacement, Text text) const {
-    const Ref subject = to_python(text);
-    const Ref arguments = Ref::checked(Py_BuildValue("(ssO)", pattern, replacement, subject.get()));
+    return re_sub(pattern, replacement, to_python(text).get());
+}
+
+std::string Runtime::re_sub(const char* pattern, const char* replacement, PyObject* subject) const {
+    const Ref arguments = Ref::checked(Py_BuildValue("(ssO)", pattern, replacement, subject));
     const Ref replaced = call(re_.get(), "sub", arguments.get());
     std::string storage;
     return std::string(to_text(replaced.get(), storage));

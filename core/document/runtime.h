@@ -31,10 +31,12 @@ public:
 
     // `name` with every character that an identifier of the text cannot hold replaced by "_".
     [[nodiscard]] std::string identifier(Text name) const;
+    [[nodiscard]] std::string identifier(PyObject* name) const;  // TypeError for anything but a str
     // The same for the id of a node, which comes back with every edit of its material: the standard
     // library is asked once for each name. What a name becomes depends on nothing but the name.
     [[nodiscard]] Text remembered_identifier(const std::string& id) const;
     [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, Text text) const;
+    [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, PyObject* subject) const;
     // The first digits of the SHA-1 of a name's UTF-8 bytes. UnicodeEncodeError for a lone surrogate.
     [[nodiscard]] std::string sha1_digits(PyObject* name, std::size_t digits) const;
     // ceil(ln(value) / ln(2)), by the standard library's own functions.

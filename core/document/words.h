@@ -23,7 +23,7 @@ inline constexpr auto kWords = std::to_array<std::string_view>({
     "convert_from", "convert_to", "gradient_type", "bands_direction", "rings_direction", "wave_profile",
     "wave_type", "offset", "offset_frequency", "squash", "squash_frequency", "turbulence_depth",
     "noise_dimensions", "noise_type", "normalize", "voronoi_dimensions", "feature", "distance", "gabor_type",
-    "image", "projection", "projection_blend", "extension", "interpolation", "attribute_name", "normal",
+    "image", "projection", "projection_blend", "extension", "interpolation", "REPEAT", "Linear", "attribute_name", "normal",
     "direction_type", "axis", "space", "convention",
     // sockets
     "A_Color", "A_Float", "A_Vector", "AO", "Alpha", "Angle", "Anisotropy", "Axis", "B_Color", "B_Float",

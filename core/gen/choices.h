@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <span>
 
 #include "core/document/value.h"
 
@@ -14,7 +15,7 @@ struct Choice {
 
 // The code of the property `key`, or of `fallback` where the properties lack it. KeyError for a word that
 // is not among the choices.
-inline int code_of(const Value& props, Word key, Text fallback, std::initializer_list<Choice> choices) {
+inline int code_of(const Value& props, Word key, Text fallback, std::span<const Choice> choices) {
     const Value word = props.get(key);
     for (const Choice& choice : choices) {
         if (word.present() ? word.is(choice.word) : choice.word == fallback) {
@@ -23,6 +24,10 @@ inline int code_of(const Value& props, Word key, Text fallback, std::initializer
     }
     word.check_hashable();
     raise_key_error(word.object());
+}
+
+inline int code_of(const Value& props, Word key, Text fallback, std::initializer_list<Choice> choices) {
+    return code_of(props, key, fallback, std::span<const Choice>(choices.begin(), choices.size()));
 }
 
 // Whether the property `key`, or `fallback` where the properties lack it, equals `word`.

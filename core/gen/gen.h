@@ -10,6 +10,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "core/gen/arena.h"
@@ -100,6 +101,8 @@ public:
     void use(Word name) { use({name}); }
     void use_composed(Text name);  // a name made of words of the document
     void use_struct(Word name);
+    // The library's word for the type of a coordinate of `d` dimensions. KeyError where it has none.
+    Text types(int d);
 
     // ---- output sockets ---------------------------------------------------------------------
     // Whether anything in the document reads the output.
@@ -175,6 +178,7 @@ public:
     Inputs inputs;
     std::vector<Text> warnings;
     std::deque<Texture> textures;
+    std::unordered_map<std::string, Text> texture_names;  // image name -> name of its input
     Uses uses;
     Text n_override;          // replaces the shading normal once a displacement bump has made it
     bool disp_stage = false;  // normals come from vertex data while displacement is compiled

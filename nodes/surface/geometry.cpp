@@ -22,20 +22,24 @@ Text around_axis(Gen& g, Axis axis, Text gen) {
     }
 }
 
-// The tangent `t` of object space in world space, turned into the plane of the shading normal.
-void set_tangent(Gen& g, const Node& n, Text t) {
+// The tangent `t` of object space as a variable in world space.
+Text tangent_to_world(Gen& g, Text t) {
     g.use("n_obj_to_world");
     const Text ox = g.geo("ox");
     const Text oy = g.geo("oy");
     const Text oz = g.geo("oz");
-    const Text to = g.var("float3", "L.n_obj_to_world($0, $1, $2, $3)", t, ox, oy, oz);
-    const Text nf = g.geo("Nf");
-    g.set(n, "Tangent", VECTOR, "cross($1, normalize(cross($0, $1)))", to, nf);
+    return g.var("float3", "L.n_obj_to_world($0, $1, $2, $3)", t, ox, oy, oz);
+}
+
+// A world-space tangent, turned into the plane of the shading normal.
+void set_tangent(Gen& g, const Node& n, Text t, Text nf) {
+    g.set(n, "Tangent", VECTOR, "cross($1, normalize(cross($0, $1)))", t, nf);
 }
 
 void _radial_tangent(Gen& g, const Node& n, Axis axis) {
     const Text gen = g.var("float3", g.geo("generated"));
-    set_tangent(g, n, around_axis(g, axis, gen));
+    const Text to = tangent_to_world(g, around_axis(g, axis, gen));
+    set_tangent(g, n, to, g.geo("Nf"));
 }
 
 // What Unreal cannot tell: a fixed text, and a warning if something reads it.
@@ -74,7 +78,8 @@ void _geometry(Gen& g, const Node& n) {
 void _tangent(Gen& g, const Node& n) {
     const Value p = n.props();
     if (p.get("direction_type").is("UV_MAP")) {
-        set_tangent(g, n, g.geo("Tl"));
+        const Text nf = g.geo("Nf");
+        set_tangent(g, n, tangent_to_world(g, g.geo("Tl")), nf);
     } else {
         _radial_tangent(g, n, static_cast<Axis>(code_of(p, "axis", "Z", {{"X", X}, {"Y", Y}, {"Z", Z}})));
     }

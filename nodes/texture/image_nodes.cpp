@@ -1,0 +1,101 @@
+// Image and environment textures: the coordinate as the node's projection maps it, and the sample there.
+#include "nodes/register.h"
+#include "nodes/texture/image.h"
+
+namespace quillgen {
+
+namespace {
+
+constexpr Text kMagenta = "float3(1.0, 0.0, 1.0)";  // of a missing image
+
+bool is_missing(const Gen& g, const Value& img) {
+    if (!img.truthy()) {
+        return true;
+    }
+    const Value images = g.ir.get("images");
+    return !(images.present() ? images : Value::map(g.runtime())).contains(img);
+}
+
+void bind_sample(Gen& g, const Node& n, Text sample) {
+    g.bind(n, "Color", RGBA, "$0.rgb", sample);
+    g.bind(n, "Alpha", VALUE, "$0.a", sample);
+}
+
+// Three samples, one along each axis, in the shares that the normal gives them.
+Text box_projection(Gen& g, const Node& n, const Value& p, const DeclaredImage& image, Text co) {
+    g.use("box_weights");
+    const Text nb = g.var("float3", g.geo("Nobj"));
+    const Value blend = p.get("projection_blend");
+    const Text w = g.var("float3", "L.box_weights($0, $1)", nb, blend.present() ? g._f(blend) : "0.0");
+    // Mirrored on the far sides. What is far along x is near along the other two.
+    const Text coordinates[] = {
+        g.text("float2(($0.x < 0.0) ? 1.0 - $1.y : $1.y, $1.z)", nb, co),
+        g.text("float2(($0.y > 0.0) ? 1.0 - $1.x : $1.x, $1.z)", nb, co),
+        g.text("float2(($0.z > 0.0) ? 1.0 - $1.y : $1.y, $1.x)", nb, co),
+    };
+    const Text acc = g.var("float4", "float4(0.0, 0.0, 0.0, 0.0)");
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const Text tuv = g.var("float2", coordinates[axis]);
+        const Text smp = _image_lookup(g, image, tuv, g.is_used(n, "Alpha"));
+        g.emit("if ($0.$1 > 0.0) $2 += $0.$1 * $3;", w, Text("xyz").substr(axis, 1), acc, smp);
+    }
+    return acc;
+}
+
+Text projected(Gen& g, const Value& projection, Text co) {
+    if (projection.is("SPHERE")) {
+        g.use("map_to_sphere");
+        return g.var("float2", "L.map_to_sphere(($0 - 0.5) * 2.0)", co);
+    }
+    if (projection.is("TUBE")) {
+        g.use("map_to_tube");
+        return g.var("float2", "L.map_to_tube(($0 - 0.5) * 2.0)", co);
+    }
+    return g.var("float2", "$0.xy", co);
+}
+
+void _tex_image(Gen& g, const Node& n) {
+    const Value p = n.props();
+    const Value img = p.get("image");
+    if (is_missing(g, img)) {
+        g.bind(n, "Color", RGBA, kMagenta);
+        g.bind(n, "Alpha", VALUE, "1.0");
+        return;
+    }
+    const DeclaredImage image = _image_spec(g, n, img);
+    const Text co = g.var("float3", g.vector_or(n, "Vector", "uv0"));
+    const Value projection = p.get("projection");
+    if (projection.is("BOX")) {
+        bind_sample(g, n, box_projection(g, n, p, image, co));
+        return;
+    }
+    const Text tuv = projected(g, projection, co);
+    // The colour is straight only where something reads the alpha too.
+    bind_sample(g, n, _image_lookup(g, image, tuv, g.is_used(n, "Alpha")));
+}
+
+void _tex_environment(Gen& g, const Node& n) {
+    const Value p = n.props();
+    const Value img = p.get("image");
+    if (is_missing(g, img)) {
+        g.bind(n, "Color", RGBA, kMagenta);
+        return;
+    }
+    const DeclaredImage image = _image_spec(g, n, img);
+    g.use("safe_normalize");
+    const Text d = g.var("float3", "L.safe_normalize($0)", g.vector_or(n, "Vector", "P"));
+    const bool is_mirror_ball = p.get("projection").is("MIRROR_BALL");
+    g.use(is_mirror_ball ? Word("mirrorball_uv") : Word("equirect_uv"));
+    const Text tuv =
+        is_mirror_ball ? g.var("float2", "L.mirrorball_uv($0)", d) : g.var("float2", "L.equirect_uv($0)", d);
+    g.bind(n, "Color", RGBA, "$0.rgb", _image_lookup(g, image, tuv));
+}
+
+}  // namespace
+
+void register_image_nodes(Registry& registry) {
+    registry.node({"ShaderNodeTexImage"}, _tex_image);
+    registry.node({"ShaderNodeTexEnvironment"}, _tex_environment);
+}
+
+}  // namespace quillgen

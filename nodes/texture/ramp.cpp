@@ -1,0 +1,126 @@
+// Colour ramps: no lookup table but one `if` for each segment, so that the stops can be parameters.
+#include <vector>
+
+#include "core/gen/gen.h"
+#include "nodes/register.h"
+
+namespace quillgen {
+
+namespace {
+
+// The texts of a ramp: the factor's variable, and of each stop a float and a float4.
+struct Ramp {
+    Text fac;
+    std::vector<Text> pos;
+    std::vector<Text> col;
+    Value r;
+};
+
+// How the colours of a segment become one.
+struct Blending {
+    bool is_constant;
+    bool eases;
+    Text to;  // the library's functions into the colour model and back; empty for plain channels
+    Text from;
+};
+
+Text literal_colour(Gen& g, const Value& colour) {
+    std::vector<Text> c;
+    colour.for_each([&](const Value& component) { c.push_back(g._f(component)); });
+    if (c.size() != 4) {
+        raise_type_error(c.size() < 4 ? "a colour of fewer than four components in a color ramp"
+                                      : "a colour of more than four components in a color ramp");
+    }
+    return g.text("float4($0, $1, $2, $3)", c[0], c[1], c[2], c[3]);
+}
+
+Text stop_colour(Gen& g, const Node& n, int j, const Value& colour) {
+    if (!g.use_params) {
+        return literal_colour(g, colour);
+    }
+    const Text name = g.param_name(n, g.text("stop$0_col", j));
+    g.inputs.put({.name = name, .kind = "vector", .value = colour.copied_list(), .is_parameter = true});
+    return name;
+}
+
+Ramp _ramp_hlsl(Gen& g, const Node& n) {
+    Ramp ramp;
+    ramp.r = n.record.at("ramp");
+    const Value stops = ramp.r.at("stops");
+    ramp.fac = g.var("float", g.inp(n, "Fac", VALUE));
+    stops.for_each([&](const Value& stop) {
+        const Text socket = g.text("stop$0_pos", static_cast<int>(ramp.pos.size()));
+        ramp.pos.push_back(g.param(n, socket, VALUE, stop.at(Py_ssize_t{0})));
+    });
+    stops.for_each([&](const Value& stop) {
+        ramp.col.push_back(stop_colour(g, n, static_cast<int>(ramp.col.size()), stop.at(Py_ssize_t{1})));
+    });
+    return ramp;
+}
+
+Blending blending(const Value& interp, const Value& mode) {
+    Blending b{.is_constant = interp.is("CONSTANT"), .eases = interp.is("EASE"), .to = {}, .from = {}};
+    if (mode.is("HSV")) {
+        b.to = "rgb_to_hsv";
+        b.from = "hsv_to_rgb";
+    } else if (mode.is("HSL")) {
+        b.to = "rgb_to_hsl";
+        b.from = "hsl_to_rgb";
+    }
+    return b;
+}
+
+// The colour between stop j and the next. Alpha does not go through the colour model.
+Text segment_colour(Gen& g, const Ramp& ramp, std::size_t j, const Blending& blending) {
+    const Text ca = ramp.col[j];
+    const Text cb = ramp.col[j + 1];
+    if (blending.is_constant) {
+        return ca;
+    }
+    // The floor keeps two stops at one position apart.
+    Text t = g.text("saturate(($0 - $1) / max($2 - $1, 1e-10))", ramp.fac, ramp.pos[j], ramp.pos[j + 1]);
+    if (blending.eases) {
+        t = g.text("(3.0 - 2.0 * ($0)) * ($0) * ($0)", t);
+    }
+    if (blending.to.empty()) {
+        return g.text("lerp($0, $1, $2)", ca, cb, t);
+    }
+    g.use_composed(blending.to);
+    g.use_composed(blending.from);
+    return g.text("float4(L.$0(lerp(L.$1($2.rgb), L.$1($3.rgb), $4)), lerp($2.a, $3.a, $4))", blending.from,
+                  blending.to, ca, cb, t);
+}
+
+void emit_segments(Gen& g, const Ramp& ramp, Text out, const Blending& blending) {
+    // The tests of the segments are half-open and so leave the last stop to this one.
+    g.emit("if ($0 >= $1) $2 = $3;", ramp.fac, ramp.pos.back(), out, ramp.col.back());
+    for (std::size_t j = 0; j + 1 < ramp.col.size(); ++j) {
+        const Text blend = segment_colour(g, ramp, j, blending);
+        g.emit("if ($0 >= $1 && $0 < $2) $3 = $4;", ramp.fac, ramp.pos[j], ramp.pos[j + 1], out, blend);
+    }
+}
+
+void _ramp(Gen& g, const Node& n) {
+    const Ramp ramp = _ramp_hlsl(g, n);
+    const Value interp = ramp.r.at("interp");
+    const Value mode = ramp.r.at("mode");
+    const Text out = g.tmp("rc");
+    if (ramp.col.empty()) {
+        raise_index_error("a color ramp without stops");
+    }
+    g.emit("float4 $0 = $1;", out, ramp.col.front());
+    if (ramp.col.size() > 1) {
+        emit_segments(g, ramp, out, blending(interp, mode));
+        if (interp.is("B_SPLINE") || interp.is("CARDINAL")) {
+            g.warn("$0: Color Ramp $1 interpolation is evaluated as linear", g.formatted(n.id), g.formatted(interp));
+        }
+    }
+    g.bind(n, "Color", RGBA, "$0.rgb", out);
+    g.bind(n, "Alpha", VALUE, "$0.a", out);
+}
+
+}  // namespace
+
+void register_ramp(Registry& registry) { registry.node({"ShaderNodeValToRGB"}, _ramp); }
+
+}  // namespace quillgen
