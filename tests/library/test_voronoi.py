@@ -1,0 +1,205 @@
+"""Voronoi textures against Blender's values, against the same textures in double precision, and at the edges."""
+import numpy as np
+import pytest
+
+import cost
+import library
+import voronoi_reference as reference
+from agreement import table
+
+VALUES = table("voronoi")
+DIMS = [1, 2, 3, 4]
+PLAIN = {"feature": 0, "metric": 0, "scale": 1.0, "detail": 0.0, "roughness": 0.5, "lacunarity": 2.0, "smoothness": 0.5,
+         "exponent": 0.5, "randomness": 1.0, "max_distance": 1.0, "normalize": 0.0}
+FIELDS = ["distance", "color", "position"]
+
+
+def params(**changes):
+    return {**PLAIN, **changes}
+
+
+def columns(rows):
+    """(params with an array for each field, coordinates) of a table's rows."""
+    fields = {k: np.array([row[0][k] for row in rows], np.int32 if k in ("feature", "metric") else np.float32)
+              for k in rows[0][0]}
+    return fields, np.float32([row[1] for row in rows])
+
+
+def fx(d, fields, co):
+    return library.call(f"fractal_voronoi_x_fx{d}", fields, flat(co), result="QWKVoronoiOutput")
+
+
+def flat(co):
+    return np.ascontiguousarray(co[:, 0]) if co.ndim == 2 and co.shape[1] == 1 else co
+
+
+def points(d, n, seed, extent=40.0):
+    """Random points whose coordinates are multiples of 1/256: exact in float32, also doubled a few times."""
+    return np.float32(np.round(np.random.default_rng(seed).uniform(-extent, extent, (n, d)) * 256.0) / 256.0)
+
+
+def position(d, got):
+    return got["position"][:, 3:] if d == 1 else got["position"][:, :d]
+
+
+@pytest.mark.parametrize("d", [2, 3, 4])
+def test_metrics_of_the_table(d):
+    for a, b, metric, want in VALUES[f"voronoi_distance{d}"]:
+        got = library.call(f"voronoi_distance{d}", np.float32([a]), np.float32([b]), params(**metric), result="float")
+        assert got[0] == pytest.approx(want, rel=1e-6 if metric["metric"] == 3 else 2e-7), metric
+
+
+@pytest.mark.parametrize("d", [2, 3, 4])
+def test_an_unknown_metric_has_no_distances(d):
+    a = points(d, 5, 1)
+    assert (library.call(f"voronoi_distance{d}", a, a + 1, params(metric=np.int32(4)), result="float") == 0.0).all()
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_textures_of_the_table(d):
+    rows = VALUES[f"fractal_voronoi_x_fx{d}"]
+    got = fx(d, *columns(rows))
+    for field in FIELDS:
+        want = np.array([row[2][field] for row in rows])
+        # A position near 40 in one dimension has that many digits fewer.
+        assert np.abs(got[field] - want).max() <= (4e-6 if (d, field) == (1, "position") else 8e-7), field
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_colours_of_the_table_are_exact(d):
+    rows = [r for r in VALUES[f"fractal_voronoi_x_fx{d}"] if r[0]["feature"] < 2 and r[0]["detail"] == 0.0]
+    got = fx(d, *columns(rows))
+    np.testing.assert_array_equal(got["color"], np.float32([row[2]["color"] for row in rows]))
+
+
+@pytest.mark.parametrize("d", DIMS)
+@pytest.mark.parametrize("name", ["fractal_voronoi_distance_to_edge", "voronoi_n_sphere_radius"])
+def test_edges_and_radii_of_the_table(name, d):
+    rows = VALUES[f"{name}{d}"]
+    got = library.call(f"{name}{d}", *columns(rows), result="float")
+    # In one dimension the coordinate is 41.8, whose own digits end at 4e-6. Octaves are blended into an 8 in the
+    # beginning, and how much of its rounding stays is the compiler's choice.
+    assert np.abs(got - [row[2] for row in rows]).max() <= (4e-6 if d == 1 else 1e-6)
+
+
+def agrees(got, want, tolerance, few=0.001):
+    """Almost all points agree: a point about as far from two cells may take either one's colour."""
+    apart = np.abs(np.float64(got) - want)
+    off = (apart > tolerance) if apart.ndim == 1 else (apart > tolerance).any(axis=1)
+    assert not np.isnan(apart).any() and off.mean() <= few, f"{off.mean():.3%} apart, median {np.median(apart):.1e}"
+
+
+@pytest.mark.parametrize("d", DIMS)
+@pytest.mark.parametrize("feature", [0, 1, 2])
+@pytest.mark.parametrize("metric, exponent", [(0, 0.0), (1, 0.0), (2, 0.0), (3, 0.5), (3, 3.0)])
+def test_textures_everywhere(d, feature, metric, exponent):
+    p = params(feature=feature, metric=0 if d == 1 else metric, exponent=exponent, randomness=0.75, smoothness=0.375,
+               detail=1.25, roughness=0.625, scale=4.0, normalize=float(metric % 2), max_distance=1.5)
+    co = points(d, 1500 if d < 4 else 300, 10 * d + feature)
+    got, want = fx(d, p, co), reference.fractal(np.float64(co), p)
+    agrees(got["distance"], want[0], 2e-5 if metric == 3 else 4e-6)
+    agrees(got["color"], want[1], 2e-5 if feature == 2 else 1e-6)
+    agrees(position(d, got), want[2], 1e-5)
+
+
+@pytest.mark.parametrize("d", DIMS)
+@pytest.mark.parametrize("detail, roughness", [(0.0, 0.5), (3.0, 0.0), (2.75, 0.5), (2.0, 1.0)])
+def test_edges_everywhere(d, detail, roughness):
+    p = params(feature=3, detail=detail, roughness=roughness, randomness=0.875, normalize=1.0, max_distance=0.9375)
+    co = points(d, 2000, d)
+    got = library.call(f"fractal_voronoi_distance_to_edge{d}", p, flat(co), result="float")
+    agrees(got, reference.edge(np.float64(co), p), 4e-6)
+
+
+def test_the_sign_of_zero_counts_in_one_dimension():
+    """Blender hashes the cell of -0 with its sign for the edges, while an offset is added to it for the distances."""
+    zeros = np.float32([0.0, -0.0])
+    edge = library.call("fractal_voronoi_distance_to_edge1", params(), zeros, result="float")
+    assert edge[0] != edge[1]
+    assert np.ptp(library.call("voronoi_n_sphere_radius1", params(), zeros, result="float")) == 0.0
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_radii_everywhere(d):
+    p, co = params(feature=4, randomness=0.9375), points(d, 2000, d)
+    got = library.call(f"voronoi_n_sphere_radius{d}", p, flat(co), result="float")
+    agrees(got, reference.n_sphere_radius(np.float64(co), p), 1e-6)
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_without_randomness_the_points_are_the_cells_corners(d):
+    co = np.float32(np.random.default_rng(d).uniform(-9.0, 9.0, (200, d)))
+    got = fx(d, params(randomness=0.0), co)
+    np.testing.assert_array_equal(position(d, got), np.round(co))
+    np.testing.assert_allclose(got["distance"], np.linalg.norm(co - np.round(co), axis=1), atol=1e-6)
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_of_equal_distances_the_first_cell_wins(d):
+    co = np.full((1, d), 0.5, np.float32)
+    got = fx(d, params(randomness=0.0), co)
+    np.testing.assert_array_equal(position(d, got), np.zeros((1, d)))
+    second = fx(d, params(randomness=0.0, feature=1), co)
+    np.testing.assert_array_equal(position(d, second), [[1.0] + [0.0] * (d - 1)])
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_no_smoothness_is_the_nearest(d):
+    # The blend looks at two cells around, where a nearer point can lie: seen in four dimensions.
+    co = points(d, 20000, d)
+    nearest, smooth = fx(d, params(metric=1), co), fx(d, params(metric=1, feature=2, smoothness=0.0), co)
+    for field in FIELDS:
+        np.testing.assert_array_equal(nearest[field], smooth[field])
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_one_octave_where_the_roughness_is_zero(d):
+    # A lacunarity of zero would make further octaves NaN, even of no weight.
+    co = points(d, 200, d)
+    one, many = fx(d, params(), co), fx(d, params(detail=5.5, roughness=0.0, lacunarity=0.0), co)
+    for field in FIELDS:
+        np.testing.assert_array_equal(one[field], many[field])
+
+
+@pytest.mark.parametrize("d", DIMS)
+def test_scale_zero_has_no_position(d):
+    assert (fx(d, params(scale=0.0), points(d, 20, d))["position"] == 0.0).all()
+
+
+@pytest.mark.parametrize("d", [2, 3, 4])
+def test_cells_beyond_the_whole_floats(d):
+    """From 2^24 on the floats skip numbers, but the cells are still hashed one by one."""
+    co = np.float32(np.random.default_rng(d).choice([-1, 1], (100, d)) * (2.0 ** 26 + 8.0 * np.arange(100)[:, None]))
+    got = fx(d, params(), co)
+    distance, color, _ = reference.octave(np.float64(co), params())
+    np.testing.assert_allclose(got["distance"], distance, atol=1e-6)
+    np.testing.assert_array_equal(got["color"], np.float32(color))
+
+
+@pytest.mark.parametrize("d", DIMS)
+@pytest.mark.parametrize("feature", [0, 1, 2])
+def test_coordinates_without_sense_come_to_an_end(d, feature):
+    wild = np.float32([np.nan, np.inf, -np.inf, 1e30, -3e38, 2.0 ** 31, 0.5])
+    co = np.stack([wild] + [np.full_like(wild, 0.25)] * (d - 1), axis=1)
+    got = fx(d, params(feature=feature, detail=2.5, normalize=1.0), co)
+    assert np.isfinite(got["distance"][-1]) and np.isfinite(got["color"][-1]).all()
+    for name in ("fractal_voronoi_distance_to_edge", "voronoi_n_sphere_radius"):
+        got = library.call(f"{name}{d}", params(detail=2.5), flat(co), result="float")
+        assert got.shape == (7,) and np.isfinite(got[-1])
+
+
+@pytest.mark.parametrize("feature, limit", [(0, 300), (1, 315), (2, 400)])
+def test_cost_in_four_dimensions(feature, limit):
+    """Every loop must stay a loop with one body: unrolled cells or octaves cost thousands of instructions."""
+    fields = [f"vp.{f} = {feature if f == 'feature' else 0};" if f in ("feature", "metric") else f"vp.{f} = {f};"
+              for f in library.fields("QWKVoronoiParams")]
+    assert count(fields, "fractal_voronoi_x_fx4") <= limit
+
+
+def count(fields, function):
+    lines = ["QWKVoronoiParams vp;", *fields, f"QWKVoronoiOutput o = L.{function}(vp, co);",
+             "distance_ = o.distance; color_ = o.color; position_ = o.position;"]
+    inputs = {f: k for f, k in library.fields("QWKVoronoiParams").items() if f not in ("feature", "metric")}
+    outputs = {"distance_": "float", "color_": "float3", "position_": "float4"}
+    body = "\n".join([library.declarations({function}, " ".join(lines)), *lines])
+    return cost.count(cost.shader(body, {**inputs, "co": "float4"}, outputs))
