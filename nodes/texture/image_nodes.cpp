@@ -27,7 +27,7 @@ Text box_projection(Gen& g, const Node& n, const Value& p, const DeclaredImage& 
     const Text nb = g.var("float3", g.geo("Nobj"));
     const Value blend = p.get("projection_blend");
     const Text w = g.var("float3", "L.box_weights($0, $1)", nb, blend.present() ? g._f(blend) : "0.0");
-    // Mirrored on the far sides. What is far along x is near along the other two.
+    // Mirrored on one side of each axis: the negative one of x, but the positive ones of y and z.
     const Text coordinates[] = {
         g.text("float2(($0.x < 0.0) ? 1.0 - $1.y : $1.y, $1.z)", nb, co),
         g.text("float2(($0.y > 0.0) ? 1.0 - $1.x : $1.x, $1.z)", nb, co),

@@ -77,7 +77,7 @@ Text segment_colour(Gen& g, const Ramp& ramp, std::size_t j, const Blending& ble
     if (blending.is_constant) {
         return ca;
     }
-    // The floor keeps two stops at one position apart.
+    // The floor keeps the division finite where two stops share a position.
     Text t = g.text("saturate(($0 - $1) / max($2 - $1, 1e-10))", ramp.fac, ramp.pos[j], ramp.pos[j + 1]);
     if (blending.eases) {
         t = g.text("(3.0 - 2.0 * ($0)) * ($0) * ($0)", t);
