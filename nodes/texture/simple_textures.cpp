@@ -7,9 +7,8 @@ namespace quillgen {
 
 namespace {
 
-constexpr Choice kGradients[] = {{"LINEAR", 0},   {"QUADRATIC", 1}, {"EASING", 2},
-                                                      {"DIAGONAL", 3}, {"SPHERICAL", 4}, {"QUADRATIC_SPHERE", 5},
-                                                      {"RADIAL", 6}};
+constexpr Choice kGradients[] = {{"LINEAR", 0},    {"QUADRATIC", 1},        {"EASING", 2}, {"DIAGONAL", 3},
+                                 {"SPHERICAL", 4}, {"QUADRATIC_SPHERE", 5}, {"RADIAL", 6}};
 constexpr Choice kBands[] = {{"X", 0}, {"Y", 1}, {"Z", 2}, {"DIAGONAL", 3}};
 constexpr Choice kRings[] = {{"X", 0}, {"Y", 1}, {"Z", 2}, {"SPHERICAL", 3}};
 constexpr Choice kProfiles[] = {{"SIN", 0}, {"SAW", 1}, {"TRI", 2}};

@@ -9,12 +9,11 @@ namespace {
 enum Feature { kF1, kF2, kSmoothF1, kDistanceToEdge, kNSphereRadius };
 
 constexpr Choice kFeatures[] = {{"F1", kF1},
-                                                     {"F2", kF2},
-                                                     {"SMOOTH_F1", kSmoothF1},
-                                                     {"DISTANCE_TO_EDGE", kDistanceToEdge},
-                                                     {"N_SPHERE_RADIUS", kNSphereRadius}};
-constexpr Choice kMetrics[] = {
-    {"EUCLIDEAN", 0}, {"MANHATTAN", 1}, {"CHEBYCHEV", 2}, {"MINKOWSKI", 3}};
+                                {"F2", kF2},
+                                {"SMOOTH_F1", kSmoothF1},
+                                {"DISTANCE_TO_EDGE", kDistanceToEdge},
+                                {"N_SPHERE_RADIUS", kNSphereRadius}};
+constexpr Choice kMetrics[] = {{"EUCLIDEAN", 0}, {"MANHATTAN", 1}, {"CHEBYCHEV", 2}, {"MINKOWSKI", 3}};
 
 // What a feature has no value for is zero.
 struct CellOutputs {
