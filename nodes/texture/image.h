@@ -13,9 +13,9 @@ std::string tex_input(const Runtime& runtime, const Value& image_name);
 Text tex_input(Gen& g, const Value& image_name);
 
 struct DeclaredImage {
-    Text t;               // the texture input
-    const Texture* spec;  // how it is read, which an earlier node may have fixed
-    Value info;           // the image's record
+    Text t;                  // the texture input
+    const Texture* texture;  // how it is read, which an earlier node may have fixed
+    Value info;              // the image's record
 };
 
 // Declares an image that the document has. A node that wants it read in another way than the first gets a warning.

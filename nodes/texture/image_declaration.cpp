@@ -47,12 +47,12 @@ DeclaredImage _image_spec(Gen& g, const Node& n, const Value& img) {
         g.textures.push_back({img, info.get("float").truthy(), extension, interpolation});
         input = &g.inputs.put({.name = t, .kind = "texture", .texture = &g.textures.back()});
     }
-    const Texture* spec = input->texture;
-    if (!spec->extension.equals(extension) || !spec->interpolation.equals(interpolation)) {
+    const Texture* texture = input->texture;
+    if (!texture->extension.equals(extension) || !texture->interpolation.equals(interpolation)) {
         g.warn("image $0 is used with different extension / interpolation settings - Unreal uses the first",
                g.formatted(img));
     }
-    return {t, spec, info};
+    return {t, texture, info};
 }
 
 bool is_data_space(const Value& colorspace) {

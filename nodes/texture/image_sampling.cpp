@@ -87,7 +87,7 @@ void warn_of_unknown_space(Gen& g, const Value& info, const Value& colorspace) {
 }  // namespace
 
 Text _image_lookup(Gen& g, const DeclaredImage& image, Text tuv, bool unassociate) {
-    const auto& [t, spec, info] = image;
+    const auto& [t, texture, info] = image;
     const Text s = g.tmp("img");
     const AlphaUse alpha = _image_alpha(info);
     const Value colorspace = info.get("colorspace");
@@ -95,7 +95,7 @@ Text _image_lookup(Gen& g, const DeclaredImage& image, Text tuv, bool unassociat
     const Text suv = g.var("float2", "float2($0.x, 1.0 - $0.y)", tuv);
     const Text sz = g.tmp("sz");
     g.emit("uint $0_w, $0_h; $1.GetDimensions($0_w, $0_h); float2 $0 = float2($0_w, $0_h);", sz, t);
-    emit_filter(g, {s, t, suv, sz, extension_code(spec->extension), alpha.assoc}, spec->interpolation);
+    emit_filter(g, {s, t, suv, sz, extension_code(texture->extension), alpha.assoc}, texture->interpolation);
     if (unassociate && alpha.can_unassoc) {
         g.emit("if ($0.a != 1.0 && $0.a != 0.0) $0.rgb /= $0.a;", s);
     }
