@@ -38,7 +38,7 @@ void Gen::read_nodes() {
 }
 
 // Finds out what is read: by a link of any record, also of one that evaluation never reaches, or by an
-// output of the material.
+// output of the material that is not left empty.
 void Gen::read_links() {
     for (Node& n : nodes_) {
         n.in = n.record.at("in");
@@ -52,7 +52,11 @@ void Gen::read_links() {
         });
         state.link_count = static_cast<int>(feeders_.size()) - state.first_link;
     }
-    ir.at("out").for_each_value([&](const Value& source) { mark_used(source); });
+    ir.at("out").for_each_value([&](const Value& source) {
+        if (source.truthy()) {
+            mark_used(source);
+        }
+    });
 }
 
 // The place of the node that a source names, or -1.
