@@ -40,16 +40,11 @@ float noise_gradient3(uint h, float3 f) {
   return dot(asfloat((uint3(0x7777004Cu, 0x5F007777u, 0x005F5F13u) << ((h & 15u) << 1)) & 0xC0000000u), f);
 }
 
-// The product, not doubled, with one of 32 gradients: +-1 along three of four axes.
+// The same with one of 32 gradients: +-1 along three of four axes. Bits 3 and 4 leave one axis out, the others are signs.
 float noise_gradient4(uint h, float4 f) {
   uint s = h & 31u;
-  float a = s < 24u ? f.x : f.y;
-  float b = s < 16u ? f.y : f.z;
-  float c = s < 8u ? f.z : f.w;
-  a = asfloat(asuint(a) ^ (h << 31));
-  b = asfloat(asuint(b) ^ ((h & 2u) << 30));
-  c = asfloat(asuint(c) ^ ((h & 4u) << 29));
-  return a + b + c;
+  float3 a = float3(s < 24u ? f.x : f.y, s < 16u ? f.y : f.z, s < 8u ? f.z : f.w);
+  return dot(asfloat((uint3(h << 31, h << 30, h << 29) & 0x80000000u) | 0x40000000u), a);
 }
 
 // The four corners of a cell in x and y, whose hashes are h (x changes first), summed with the weights w.
@@ -73,7 +68,7 @@ float4 noise_face_weights(float2 u) {
 }
 
 // Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word hash
-// of its cell's numbers; the last factor scales the noise of each dimension to the range.
+// of its cell's numbers. The last factor brings the noise of each dimension to that range; it halves doubled products.
 float noise_signed1(float p) {
   p = noise_wrap1(p);
   float2 f = float2(frac(p), frac(p) - 1.0);
@@ -136,11 +131,12 @@ float noise_signed4(float4 p) {
     f.z -= 1.0;
     weight.x = u.z;
   }
-  return 0.8344 * sum;
+  return 0.4172 * sum;
 }
 
 // The fractals. Octaves are counted by how much of `detail` is done when one begins: -1 at the first, which is always
-// there. The last counts for as much as remains, below 1 where `detail` is no integer.
+// there. The last counts for as much as remains, below 1 where `detail` is no integer. The loops test at their head: with
+// a test at the foot, Mesa's CPU driver gives the last octave of the longest lane to all.
 // plain: the noise alone of the last octave, which with detail 0 is the only one.
 
 // The sum of octaves whose amplitude changes by `roughness`; normalize brings it to 0 to 1. The second components are
@@ -154,15 +150,16 @@ float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacu
   float2 weights = 0.0;
   float2 sum = 0.0;
   float done = -1.0;
+  plain = 0.0;
   [loop]
-  do {
+  while (done < detail) {
     plain = noise_signedDIM(p * scale);
     sum = float2(sum.x + plain * weight, sum.x);
     weights = float2(weights.x + weight, weights.x);
     weight *= roughness;
     scale *= lacunarity;
     done += 1.0;
-  } while (done < detail);
+  }
   if (normalize != 0.0)
     sum = 0.5 * sum / weights + 0.5;
   return done > detail ? lerp(sum.y, sum.x, frac(detail)) : sum.x;
@@ -173,15 +170,14 @@ float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacu
 float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
   float weight = 1.0;
   float value = 1.0;
-  float done = -1.0;
+  plain = 0.0;
   [loop]
-  do {
+  for (float done = -1.0; done < detail; done += 1.0) {
     plain = noise_signedDIM(p);
     value *= min(detail - done, 1.0) * weight * plain + 1.0;
     weight *= roughness;
     p *= lacunarity;
-    done += 1.0;
-  } while (done < detail);
+  }
   return value;
 }
 
@@ -191,9 +187,9 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float rough
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
-  float done = -1.0;
+  plain = 0.0;
   [loop]
-  do {
+  for (float done = -1.0; done < detail && carry > 0.001; done += 1.0) {
     plain = noise_signedDIM(p);
     float octave = (plain + offset) * weight;
     carry = min(carry, 1.0);
@@ -201,8 +197,7 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float rough
     carry *= gain * octave;
     weight *= roughness;
     p *= lacunarity;
-    done += 1.0;
-  } while (done < detail && carry > 0.001);
+  }
   return value;
 }
 
@@ -212,9 +207,9 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float rough
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
-  float done = -1.0;
+  plain = 0.0;
   [loop]
-  do {
+  for (float done = -1.0; done < floor(detail); done += 1.0) {
     plain = noise_signedDIM(p);
     float ridge = offset - abs(plain);
     ridge *= ridge;
@@ -223,8 +218,7 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float rough
     value += ridge * weight;
     weight *= roughness;
     p *= lacunarity;
-    done += 1.0;
-  } while (done < floor(detail));
+  }
   return value;
 }
 
@@ -233,16 +227,15 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float rough
 float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
   float weight = 1.0;
   float value = 0.0;
-  float done = -1.0;
+  plain = 0.0;
   [loop]
-  do {
+  for (float done = -1.0; done < detail; done += 1.0) {
     plain = noise_signedDIM(p);
     float octave = (plain + offset) * weight;
     value += done < 0.0 ? octave : min(detail - done, 1.0) * octave * value;
     weight *= roughness;
     p *= lacunarity;
-    done += 1.0;
-  } while (done < detail);
+  }
   return value;
 }
 
@@ -282,22 +275,16 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
   float plain = 0.0;
   float value = 0.0;
   colour = 0.0;
-  int turn = distortion != 0.0 ? -DIM : 0;
   [loop]
-  do {
+  for (int turn = distortion != 0.0 ? -DIM : 0; turn <= (want_colour != 0.0 ? 2 : 0); turn++) {
     floatDIM p = co;
-    if (turn != 0)
-      p += noise_offsetDIM(turn < 0 ? -1 - turn : DIM - 1 + turn);
+    if (turn != 0) p += noise_offsetDIM(turn < 0 ? -1 - turn : DIM - 1 + turn);
     float result = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize, plain);
     moved = float4(distortion * plain, moved.xyz);
-    if (turn == -1)
-      co += (floatDIM)moved;
-    if (turn == 0)
-      value = result;
+    if (turn == -1) co += (floatDIM)moved;
+    if (turn == 0) value = result;
     colour = float3(colour.yz, result);
-    turn++;
-  } while (turn <= (want_colour != 0.0 ? 2 : 0));
-  if (want_colour == 0.0)
-    colour = 0.0;
+  }
+  if (want_colour == 0.0) colour = 0.0;
   return value;
 }
