@@ -24,6 +24,8 @@ public:
     [[nodiscard]] bool less_than(double number) const;
     [[nodiscard]] bool greater_than(double number) const;
     [[nodiscard]] bool is_list_or_tuple() const;
+    // Whether it is a plain map, of no type derived from it.
+    [[nodiscard]] bool is_map() const { return PyDict_CheckExact(object_.get()) != 0; }
     void check_hashable() const;  // TypeError where it is not
 
     [[nodiscard]] Value at(Word key) const;          // value[key], KeyError

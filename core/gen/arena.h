@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -16,15 +17,23 @@ public:
     Arena(const Arena&) = delete;
     Arena& operator=(const Arena&) = delete;
 
-    std::string_view keep(std::string_view text) {
-        if (text.size() > left_) {
-            grow(text.size());
+    std::string_view keep(std::string_view text) { return keep({text}); }
+    // The pieces as one text.
+    std::string_view keep(std::initializer_list<std::string_view> pieces) {
+        std::size_t size = 0;
+        for (const std::string_view piece : pieces) {
+            size += piece.size();
         }
-        char* place = next_;
-        std::memcpy(place, text.data(), text.size());
-        next_ += text.size();
-        left_ -= text.size();
-        return {place, text.size()};
+        if (size > left_) {
+            grow(size);
+        }
+        char* const start = next_;
+        for (const std::string_view piece : pieces) {
+            std::memcpy(next_, piece.data(), piece.size());
+            next_ += piece.size();
+        }
+        left_ -= size;
+        return {start, size};
     }
 
 private:

@@ -4,7 +4,6 @@
 
 #include <charconv>
 #include <initializer_list>
-#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -27,7 +26,7 @@ public:
 
 private:
     std::string_view text_;
-    char digits_[12] = {};
+    char digits_[12];
     std::ptrdiff_t digits_size_ = 0;
 };
 
@@ -77,11 +76,21 @@ private:
 template <class... Args>
 using Format = BasicFormat<std::type_identity_t<Args>...>;
 
-// Appends the format with its placeholders filled.
-void fill(std::string& out, std::string_view format, std::span<const Argument> arguments);
-
-inline void fill(std::string& out, std::string_view format, std::initializer_list<Argument> arguments) {
-    fill(out, format, std::span<const Argument>(arguments.begin(), arguments.size()));
+// Appends the format with its placeholders filled. `Out` is a std::string or a TextBuffer.
+template <class Out>
+void fill(Out& out, std::string_view format, std::initializer_list<Argument> arguments) {
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t at = format.find('$', start);
+        if (at == std::string_view::npos) {
+            out.append(format.substr(start));
+            return;
+        }
+        out.append(format.substr(start, at - start));
+        const Placeholder placeholder = read_placeholder(format, at);
+        out.append(arguments.begin()[placeholder.index].text());
+        start = placeholder.end;
+    }
 }
 
 }  // namespace quillgen

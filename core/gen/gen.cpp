@@ -2,6 +2,8 @@
 // the run over the whole graph.
 #include "core/gen/gen.h"
 
+#include <charconv>
+
 namespace quillgen {
 
 namespace {
@@ -35,6 +37,8 @@ void Gen::read_nodes() {
         nodes_.push_back({record, std::move(id), {}, place});
     });
     states_.resize(nodes_.size());
+    // About what a node's statements come to, so that most texts never move while they grow.
+    body_.reserve(256 * nodes_.size());
 }
 
 // Finds out what is read: by a link of any record, also of one that evaluation never reaches, or by an
@@ -43,14 +47,15 @@ void Gen::read_links() {
     for (Node& n : nodes_) {
         n.in = n.record.at("in");
         State& state = states_[static_cast<std::size_t>(n.place)];
-        state.first_link = static_cast<int>(feeders_.size());
+        state.first_link = static_cast<int>(links_.size());
         n.in.for_each_value([&](const Value& entry) {
             const Value link = entry.find("link");
             if (link.present()) {
-                feeders_.push_back(mark_used(link));
+                const Source source = mark_used(link);
+                links_.push_back({entry.object(), link, source.place, source.name});
             }
         });
-        state.link_count = static_cast<int>(feeders_.size()) - state.first_link;
+        state.link_count = static_cast<int>(links_.size()) - state.first_link;
     }
     ir.at("out").for_each_value([&](const Value& source) {
         if (source.truthy()) {
@@ -59,8 +64,8 @@ void Gen::read_links() {
     });
 }
 
-// The place of the node that a source names, or -1.
-int Gen::mark_used(const Value& source) {
+// What a source names; a place of -1 for a node that the document lacks.
+Gen::Source Gen::mark_used(const Value& source) {
     const Value nid = source.at(Py_ssize_t{0});
     const Value out = source.at(Py_ssize_t{1});
     const int place = find_place(nid);
@@ -70,7 +75,7 @@ int Gen::mark_used(const Value& source) {
         outputs_.push_back({name, state.first_output});
         state.first_output = static_cast<int>(outputs_.size()) - 1;
     }
-    return place;
+    return {place, name};
 }
 
 // A number for the name of an output; equal names have equal numbers.
@@ -103,29 +108,47 @@ const Node* Gen::find_node(const Value& nid) const {
 // ---- statements -----------------------------------------------------------------------------
 
 Text Gen::tmp(Text prefix) {
-    ++k_;
-    return text("$0$1", prefix, k_);
+    char digits[12];
+    const char* end = std::to_chars(digits, digits + sizeof digits, ++k_).ptr;
+    return arena_.keep({prefix, Text(digits, static_cast<std::size_t>(end - digits))});
 }
 
 void Gen::emit_filled(Text line, Arguments arguments) {
-    body_ += "  ";
+    body_.append("  ");
     fill(body_, line, arguments);
     end_line();
 }
 
 void Gen::end_line() {
-    body_ += '\n';
+    body_.append("\n");
     line_ends_.push_back(body_.size());
     if (line_ends_.size() % kSignalInterval == 0) {
         check_signals();
     }
 }
 
-Text Gen::declare(Text type, Text prefix, Text expr, Arguments arguments) {
+Text Gen::begin_declaration(Text type, Text prefix) {
     const Text name = tmp(prefix);
-    fill(body_, "  $0 $1 = ", {type == "closure" ? Text("QWKClosure") : type, name});
+    body_.append("  ");
+    body_.append(type == "closure" ? Text("QWKClosure") : type);
+    body_.append(" ");
+    body_.append(name);
+    body_.append(" = ");
+    return name;
+}
+
+Text Gen::declare(Text type, Text prefix, Text expr) {
+    const Text name = begin_declaration(type, prefix);
+    body_.append(expr);
+    body_.append(";");
+    end_line();
+    return name;
+}
+
+Text Gen::declare(Text type, Text prefix, Text expr, Arguments arguments) {
+    const Text name = begin_declaration(type, prefix);
     fill(body_, expr, arguments);
-    body_ += ';';
+    body_.append(";");
     end_line();
     return name;
 }
@@ -133,7 +156,7 @@ Text Gen::declare(Text type, Text prefix, Text expr, Arguments arguments) {
 Text Gen::kept(Text format, Arguments arguments) {
     scratch_.clear();
     fill(scratch_, format, arguments);
-    return arena_.keep(scratch_);
+    return arena_.keep(scratch_.view());
 }
 
 Text Gen::formatted(const Value& value) {
@@ -215,7 +238,10 @@ void Gen::bind(const Node& n, const Value& out, SocketType type, Text expr) {
 
 Gen::Bound Gen::output(const Value& nid, const Value& out) {
     const int name = name_of(out);
-    const int place = find_place(nid);
+    return output(find_place(nid), name, nid, out);
+}
+
+Gen::Bound Gen::output(int place, int name, const Value& nid, const Value& out) {
     if (place < 0) {
         raise_key_error(nid.object());
     }
@@ -280,7 +306,7 @@ Gen::Run Gen::run() {
     }
     const Text e = is_closure(surface.type) ? surface.text
                                             : text("L.closure_emission($0)", convert(surface.text, surface.type, RGBA));
-    return {{}, declare("closure", "surf", "$0", {e})};
+    return {{}, declare("closure", "surf", e)};
 }
 
 }  // namespace quillgen

@@ -20,6 +20,7 @@
 #include "core/gen/registry.h"
 #include "core/gen/signal.h"
 #include "core/gen/socket_type.h"
+#include "core/gen/text_buffer.h"
 
 namespace quillgen {
 
@@ -68,7 +69,7 @@ public:
     }
 
     // Declares a variable and gives its name. The type "closure" stands for the closure record.
-    Text var(Text type, Text expr) { return declare(type, "v", "$0", {expr}); }
+    Text var(Text type, Text expr) { return declare(type, "v", expr); }
     template <class... Args>
     Text var(Text type, Format<Args...> expr, const Args&... args) {
         return declare(type, "v", expr.text(), {Argument(args)...});
@@ -166,7 +167,7 @@ public:
     [[nodiscard]] const Module& module() const { return module_; }
     [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
     // The statements, each ended by a line feed; `line_ends` are the places behind those.
-    [[nodiscard]] Text body() const { return body_; }
+    [[nodiscard]] Text body() const { return body_.view(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
     [[nodiscard]] Value need() const { return need_; }            // a set of library names
     [[nodiscard]] Value structs() const { return structs_; }      // a set of struct names
@@ -191,9 +192,16 @@ private:
         bool bound = false;
         Bound value = {};
     };
+    // An input of a node that is linked. `entry` is the socket's entry, by which reading it finds the link again.
+    struct Link {
+        const void* entry;
+        Value link;
+        int source;  // place of the node that it comes from; -1 for an unknown id
+        int name;    // of the output that it comes from
+    };
     struct State {
         int first_output = -1;
-        int first_link = 0;  // the links into the node, in feeders_
+        int first_link = 0;  // the links into the node, in links_
         int link_count = 0;
         bool done = false;  // its handler has started
         Text identifier;    // its id as parameter names hold it
@@ -203,7 +211,12 @@ private:
 
     void read_nodes();
     void read_links();
-    int mark_used(const Value& source);
+    struct Source {
+        int place;
+        int name;
+    };
+    Source mark_used(const Value& source);
+    Bound output(int place, int name, const Value& nid, const Value& out);
     int name_of(const Value& out);
     [[nodiscard]] int find_place(const Value& nid) const;
     [[nodiscard]] const Output* find_output(const Node& n, Word out) const;
@@ -213,15 +226,19 @@ private:
 
     void emit_filled(Text line, Arguments arguments);
     void end_line();
+    Text begin_declaration(Text type, Text prefix);
+    Text declare(Text type, Text prefix, Text expr);
     Text declare(Text type, Text prefix, Text expr, Arguments arguments);
     Text kept(Text format, Arguments arguments);
     void set_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
     void bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
 
     SocketType socket_type(const Value& word);
+    Value link_of(const Node& n, const Value& entry, Source& source);
     SocketType written_type(const Value& word);
     Text scalar_param(Text name, const Value& value);
-    Text vector_param(Text name, const Value& value);
+    Text vector_param(Text expr, const Value& value);
+    Text identifier(const Node& n);
 
     Text _geo(Signal what);
     Text frame_vector(Signal what);
@@ -234,15 +251,15 @@ private:
     const Module& module_;
     const bool emission_mode_;
     Arena arena_;
-    std::string scratch_;
-    std::string body_;
+    TextBuffer scratch_;
+    TextBuffer body_;
     std::vector<std::size_t> line_ends_;
     int k_ = 0;
 
     std::vector<Node> nodes_;
     std::vector<State> states_;
     std::vector<Output> outputs_;
-    std::vector<int> feeders_;  // places of the nodes that links come from, by node; -1 for an unknown id
+    std::vector<Link> links_;   // by node
     Value places_;              // node id -> place; of two records with one id the later
     Value other_names_;         // output names that are no words -> number
     std::deque<Value> unknown_types_;

@@ -1,6 +1,6 @@
 #include "core/gen/inputs.h"
 
-#include <functional>
+#include <cstring>
 
 namespace quillgen {
 
@@ -21,16 +21,16 @@ Input* Inputs::find(Text name) {
     return entry == kFree ? nullptr : &entries_[entry - 1];
 }
 
-Input& Inputs::put(const Input& input) {
+Input& Inputs::put(Input input) {
     // At most half full, so that a chain of taken places stays short.
     if (2 * (entries_.size() + 1) > places_.size()) {
         grow();
     }
     const std::size_t place = place_of(input.name);
     if (places_[place] != kFree) {
-        return entries_[places_[place] - 1] = input;
+        return entries_[places_[place] - 1] = std::move(input);
     }
-    entries_.push_back(input);
+    entries_.push_back(std::move(input));
     places_[place] = static_cast<std::uint32_t>(entries_.size());
     return entries_.back();
 }

@@ -34,7 +34,7 @@ public:
     // The entry of that name, or null.
     Input* find(Text name);
     // Puts the entry in, or in the place of the one that has its name.
-    Input& put(const Input& input);
+    Input& put(Input input);
 
     [[nodiscard]] const std::vector<Input>& entries() const { return entries_; }
     [[nodiscard]] bool empty() const { return entries_.empty(); }

@@ -14,17 +14,43 @@ static_assert(Word("ROTATION").index() - kFirstType == SocketType::rotation);
 // The type that a word of the document stands for. Words that no table knows keep their text, which
 // messages quote. TypeError where the word has no hash, as for any look into a table.
 SocketType Gen::written_type(const Value& word) {
-    const int found = runtime().find_word(word.object());
-    const auto kind = static_cast<std::size_t>(found) - kFirstType;
-    if (found >= 0 && kind <= SocketType::rotation) {
-        return {static_cast<SocketType::Kind>(kind)};
+    if (word.is_str()) {
+        std::string storage;
+        const Text text = word.text(storage);
+        for (std::size_t kind = 0; kind <= SocketType::rotation; ++kind) {
+            if (kWords[kFirstType + kind] == text) {
+                return {static_cast<SocketType::Kind>(kind)};
+            }
+        }
     }
+    word.check_hashable();
     unknown_types_.push_back(word);
     return {SocketType::unknown, &unknown_types_.back()};
 }
 
 // The same for an unlinked entry's own type, which is only compared: anything may stand there.
 SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
+
+// The link of an entry, absent where there is none. What the constructor has read of plain maps holds; of other
+// objects, which may give another entry at each look, nothing is known.
+Value Gen::link_of(const Node& n, const Value& entry, Source& source) {
+    if (n.place < 0 || !n.in.is_map() || !entry.is_map()) {
+        const Value link = entry.find("link");
+        if (link.present()) {
+            source = {find_place(link.at(Py_ssize_t{0})), name_of(link.at(Py_ssize_t{1}))};
+        }
+        return link;
+    }
+    const State& state = states_[static_cast<std::size_t>(n.place)];
+    for (int i = state.first_link; i < state.first_link + state.link_count; ++i) {
+        const Link& link = links_[static_cast<std::size_t>(i)];
+        if (link.entry == entry.object()) {
+            source = {link.source, link.name};
+            return link.link;
+        }
+    }
+    return {};
+}
 
 bool Gen::linked(const Node& n, Word ident) {
     const Value entry = n.in.get(ident);
@@ -39,9 +65,10 @@ Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
         }
         unsupported(text("$0: no input $1", formatted(n.type()), ident.text()));
     }
-    if (const Value link = entry.find("link"); link.present()) {
-        const auto [source, out, type] = link.unpack3();
-        const Bound bound = output(source, out);
+    Source source = {};
+    if (const Value link = link_of(n, entry, source); link.present()) {
+        const auto [nid, out, type] = link.unpack3();
+        const Bound bound = output(source.place, source.name, nid, out);
         // The document is believed over the handler.
         return convert(bound.text, type.truthy() ? written_type(type) : bound.type, want);
     }
@@ -76,22 +103,25 @@ Text Gen::convert(Text expr, SocketType from, SocketType to) {
 
 // ---- parameters -----------------------------------------------------------------------------
 
-// `socket` is in the form that identifiers have; see Runtime::identifier.
-Text Gen::param_name(const Node& n, Text socket) {
+Text Gen::identifier(const Node& n) {
     Text& identifier = states_[static_cast<std::size_t>(n.place)].identifier;
     if (identifier.data() == nullptr) {
         std::string id;
         n.id.append_to(id);
         identifier = keep(runtime().remembered_identifier(id));
     }
-    return text("P_$0__$1", identifier, socket);
+    return identifier;
 }
+
+// `socket` is in the form that identifiers have; see Runtime::identifier.
+Text Gen::param_name(const Node& n, Text socket) { return arena_.keep({"P_", identifier(n), "__", socket}); }
 
 Text Gen::param(const Node& n, Text socket, SocketType type, const Value& value) {
     if (hlsl(type) == "float") {
         return scalar_param(use_params ? param_name(n, socket) : Text(), value);
     }
-    return vector_param(use_params ? param_name(n, socket) : Text(), value);
+    constexpr Text kComponents = ".xyz";
+    return vector_param(use_params ? arena_.keep({param_name(n, socket), kComponents}) : Text(), value);
 }
 
 Text Gen::scalar_param(Text name, const Value& value) {
@@ -104,7 +134,8 @@ Text Gen::scalar_param(Text name, const Value& value) {
     return name;
 }
 
-Text Gen::vector_param(Text name, const Value& value) {
+// `expr` is the parameter's name and the components of it that are read.
+Text Gen::vector_param(Text expr, const Value& value) {
     Value items;
     if (value.is_list_or_tuple()) {
         items = value.copied_list();
@@ -126,8 +157,9 @@ Text Gen::vector_param(Text name, const Value& value) {
     if (!use_params) {
         return _v3(items);
     }
+    const Text name = expr.substr(0, expr.rfind('.'));
     inputs.put({.name = name, .kind = "vector", .value = items, .is_parameter = true});
-    return text("$0.xyz", name);
+    return expr;
 }
 
 Text Gen::vector_or(const Node& n, Word ident, Signal coord) {
