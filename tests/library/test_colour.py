@@ -45,6 +45,7 @@ def test_every_blend_of_the_mix_nodes_is_there():
     ("mix_burn", [0.0, [0.5, -0.5, 1.5], [0.0, 0.0, 0.0], [0.5, 0.0, 1.0]]),
     ("mix_dodge", [1.0, [0.0, 0.5, -0.5], [1.0, 2.0, 0.5], [0.0, 1.0, -1.0]]),
     ("mix_overlay", [1.0, [0.5, 0.49999997, -1.0], [0.25, 0.25, 0.25], [0.25, 0.24999999, -0.5]]),
+    ("mix_overlay", [1.0, [0.5004, 0.4996, 0.5004], [0.0, 0.0, 1.0], [0.0008, 0.0, 1.0]]),
     ("mix_exclusion", [1.0, [-1.0, 1.0, 0.0], [-1.0, 1.0, 0.0], [0.0, 0.0, 0.0]]),
     ("mix_divide", [1.0, [0.5, -0.5, 0.0], [0.0, -0.0, 0.0], [0.5, -0.5, 0.0]]),
     ("mix_mix", [2.0, [0.0, 1.0, 2.0], [1.0, 0.0, 2.0], [2.0, -1.0, 2.0]]),
@@ -124,10 +125,19 @@ def test_hsv_blends_move_what_they_say():
         assert np.abs(evaluate(name, 1.0, a, b) - want).max() < 2e-6, name
 
 
+def test_each_component_of_the_black_body_is_exact():
+    want = np.array([row[-1] for row in VALUES["blackbody_rec709"]])
+    got = evaluate("blackbody_rec709", [row[0] for row in VALUES["blackbody_rec709"]])
+    assert (np.abs(got - want) <= 1e-6 * np.abs(want) + 2e-7).all()
+
+
 def test_the_black_body_curve_joins_its_pieces():
     limits = np.float32([965, 1167, 1449, 1902, 3315, 6365])
-    below, above = (evaluate("blackbody_rec709", t) for t in (np.nextafter(limits, np.float32(0)), limits))
-    assert np.abs(below - above).max() < 2e-3
+    below, at, above = (evaluate("blackbody_rec709", t) for t in (
+        np.nextafter(limits, np.float32(0)), limits, np.nextafter(limits, np.float32(1e6))))
+    jumps = np.abs(below - at).max(axis=1)
+    # The limit itself belongs to the piece above it.
+    assert (jumps > 1e-4).all() and (jumps < 2e-3).all() and np.abs(above - at).max() < 1e-5
     got = evaluate("blackbody_rec709", np.linspace(900, 12000, 5000))
     assert (np.diff(got[:, 2]) > -2e-3).all() and (np.diff(got[:, 0]) < 2e-3).all()
 
