@@ -1,4 +1,4 @@
-// Hashes: the word hash behind white noise, gradient noise and Gabor noise, and the integer hash behind Voronoi cells.
+// Hashes: the word hash of white noise, gradient noise and Gabor noise, and the integer hash of Voronoi cells.
 // All arithmetic is on 32-bit words with wrap-around, so every result here is exact: no tolerance.
 
 // Each lane's bits rotated to the left by r places, 0 < r < 32.
@@ -6,8 +6,9 @@ uint4 hash_rotate(uint4 x, uint r) {
   return (x << r) | (x >> (32u - r));
 }
 
-// The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that wants one lane takes .x of it,
-// and lanes that share b and c (corners of a noise cell that differ in x only) share the steps that depend on those.
+// The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that wants one lane takes .x of
+// it, and lanes that share b and c (corners of a noise cell that differ in x only) share the steps that depend on
+// those.
 uint4 hash_final(uint4 a, uint4 b, uint4 c) {
   c = (c ^ b) - hash_rotate(b, 14u);
   a = (a ^ c) - hash_rotate(c, 11u);
@@ -71,7 +72,8 @@ float hash_floatDIM_to_float(floatDIM x) {
   return hash_unit(hash_wordDIM(asuint(x)));
 }
 
-// Three values in 0 to 1. The first is the single-value hash of the same x; the others hash x with 1.0 or 2.0 appended.
+// Three values in 0 to 1. The first is the single-value hash of the same x; the others hash x with 1.0 or 2.0
+// appended.
 float3 hash_float_to_float3(float x) {
   return float3(hash_float_to_float(x), hash_float2_to_float(float2(x, 1.0)), hash_float2_to_float(float2(x, 2.0)));
 }
@@ -111,8 +113,8 @@ int4 hash_round4(int4 v) {
   return v;
 }
 
-// Integer hash (a PCG generator with as many outputs as inputs) of a Voronoi cell's number: each component from 0 to 1,
-// 1 included. Several times cheaper than the word hash. The shift must be the arithmetic one of signed integers.
+// Integer hash (a PCG generator with as many outputs as inputs) of a Voronoi cell's number: each component from 0 to
+// 1, 1 included. Several times cheaper than the word hash. The shift must be the arithmetic one of signed integers.
 // The factor is 2^-31, as the top bit is cleared.
 // @each DIM 2 3 4
 floatDIM hash_intDIM_to_floatDIM(intDIM v) {

@@ -1,14 +1,14 @@
 // Noise textures: gradient noise of one to four dimensions and the five fractals that sum its octaves.
-// Tolerance against Blender: 2e-6 up to detail 4 without distortion; the rounding of the coordinate, which every octave
-// multiplies by the lacunarity, is the larger part beyond that.
+// Tolerance against Blender: 2e-6 up to detail 4 without distortion; the rounding of the coordinate, which every
+// octave multiplies by the lacunarity, is the larger part beyond that.
 // Everything is inlined where it is called, so each texture calls its fractal at one place and a fractal calls the
 // noise at one place: what differs between octaves, colour channels and components is data of a loop.
 
-// A point brought to where float32 resolves cells: the remainder by 100000 with the sign of the coordinate, and half a
-// cell more from a million on, where most coordinates are integers and the noise would be zero.
-// Exact up to 2e12, the quotients too, though they are products: the first step leaves what the second can take without
-// rounding (409600000 = 4096 * 100000). As mad() the differences also stay ahead of the half in a compiler that may
-// regroup sums.
+// A point brought to where float32 resolves cells: the remainder by 100000 with the sign of the coordinate, and half
+// a cell more from a million on, where most coordinates are integers and the noise would be zero.
+// Exact up to 2e12, the quotients too, though they are products: the first step leaves what the second can take
+// without rounding (409600000 = 4096 * 100000). As mad() the differences also stay ahead of the half in a compiler
+// that may regroup sums.
 // @each DIM 1 2 3 4
 floatDIM noise_wrapDIM(floatDIM p) {
   [branch]
@@ -27,20 +27,21 @@ floatDIM noise_fadeDIM(floatDIM f) {
   return f * f * f * (f * (f * 6.0 - 15.0) + 10.0);
 }
 
-// Twice the product of a corner's gradient and the offset from the corner. The gradient is one of eight, chosen by the
-// low bits of h: +-1 along one axis, +-2 along the other. Each table word holds a component: the eight signs from bit 31
-// down, the eight lengths from bit 23 down. Brought to bits 31 and 23 they make the float +-2 or +-4.
+// Twice the product of a corner's gradient and the offset from the corner. The gradient is one of eight, chosen by
+// the low bits of h: +-1 along one axis, +-2 along the other. Each table word holds a component: the eight signs from
+// bit 31 down, the eight lengths from bit 23 down. Brought to bits 31 and 23 they make the float +-2 or +-4.
 float noise_gradient2(uint h, float2 f) {
   return dot(asfloat(((uint2(0x530F0000u, 0x35F00000u) << (h & 7u)) & 0x80800000u) | 0x40000000u), f);
 }
 
-// The same with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the float 2, 3 makes
-// -2, and 0 makes 0.
+// The same with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the float 2, 3
+// makes -2, and 0 makes 0.
 float noise_gradient3(uint h, float3 f) {
   return dot(asfloat((uint3(0x7777004Cu, 0x5F007777u, 0x005F5F13u) << ((h & 15u) << 1)) & 0xC0000000u), f);
 }
 
-// The same with one of 32 gradients: +-1 along three of four axes. Bits 3 and 4 leave one axis out, the others are signs.
+// The same with one of 32 gradients: +-1 along three of four axes. Bits 3 and 4 leave one axis out, the others are
+// signs.
 float noise_gradient4(uint h, float4 f) {
   uint s = h & 31u;
   float3 a = float3(s < 24u ? f.x : f.y, s < 16u ? f.y : f.z, s < 8u ? f.z : f.w);
@@ -67,8 +68,9 @@ float4 noise_face_weights(float2 u) {
   return float4(1.0 - u.x, u.x, 1.0 - u.x, u.x) * float4(1.0 - u.yy, u.yy);
 }
 
-// Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word hash
-// of its cell's numbers. The last factor brings the noise of each dimension to that range; it halves doubled products.
+// Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word
+// hash of its cell's numbers. The last factor brings the noise of each dimension to that range; it halves doubled
+// products.
 float noise_signed1(float p) {
   p = noise_wrap1(p);
   float2 f = float2(frac(p), frac(p) - 1.0);
@@ -135,8 +137,8 @@ float noise_signed4(float4 p) {
 }
 
 // The fractals. Octaves are counted by how much of `detail` is done when one begins: -1 at the first, which is always
-// there. The last counts for as much as remains, below 1 where `detail` is no integer. The loops test at their head: with
-// a test at the foot, Mesa's CPU driver gives the last octave of the longest lane to all.
+// there. The last counts for as much as remains, below 1 where `detail` is no integer. The loops test at their head:
+// with a test at the foot, Mesa's CPU driver gives the last octave of the longest lane to all.
 // plain: the noise alone of the last octave, which with detail 0 is the only one.
 
 // The sum of octaves whose amplitude changes by `roughness`; normalize brings it to 0 to 1. The second components are
@@ -144,7 +146,8 @@ float noise_signed4(float4 p) {
 // Here the scale grows and the point stays, where the other fractals multiply the point again and again: Blender does
 // so, and the two round differently.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
+float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain,
+    float normalize, out float plain) {
   float scale = 1.0;
   float weight = 1.0;
   float2 weights = 0.0;
@@ -167,7 +170,8 @@ float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacu
 
 // The product of octaves around 1.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
+float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
+    float gain, float normalize, out float plain) {
   float weight = 1.0;
   float value = 1.0;
   plain = 0.0;
@@ -183,7 +187,8 @@ float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, f
 
 // A sum in which each octave counts as far as the ones before it left a signal. A negative signal ends it.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
+float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
+    float gain, float normalize, out float plain) {
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
@@ -203,7 +208,8 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float rough
 
 // Ridges where the noise is 0, each octave weighted by the one before. It has no fractional octave.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
+float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
+    float gain, float normalize, out float plain) {
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
@@ -224,7 +230,8 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float rough
 
 // A sum in which each octave is multiplied by the height so far.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain, float normalize, out float plain) {
+float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness, float lacunarity, float offset,
+    float gain, float normalize, out float plain) {
   float weight = 1.0;
   float value = 0.0;
   plain = 0.0;
@@ -240,8 +247,8 @@ float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness,
 }
 
 // Where the noise is read for the components of the distortion and for the second and third channel of the colour:
-// offsets in 100 to 200 that keep them apart from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s, j),
-// in one dimension 100 + 100 * hash_float_to_float(s).
+// offsets in 100 to 200 that keep them apart from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s,
+// j), in one dimension 100 + 100 * hash_float_to_float(s).
 float noise_offset1(int s) {
   float o[3] = { 158.24258, 114.83605, 188.4887 };
   return o[s];
@@ -265,12 +272,14 @@ floatDIM noise_offsetDIM(int s) {
 }
 
 // A noise texture at co, already scaled: detail 0 to 15, roughness not negative, the rest unlimited; normalize and
-// want_colour are 1.0 or 0.0. Gives the value; colour becomes the value and two more channels where it is wanted, else 0.
-// Turns below 0 make the components of the distortion, the last one first, so that each pushes the others to its place;
-// turn 0 makes the value and turns 1 and 2 the other channels.
+// want_colour are 1.0 or 0.0. Gives the value; colour becomes the value and two more channels where it is wanted,
+// else 0.
+// Turns below 0 make the components of the distortion, the last one first, so that each pushes the others to its
+// place; turn 0 makes the value and turns 1 and 2 the other channels.
 // @each DIM 1 2 3 4
 // @each TYPE FBM MULTIFRACTAL HYBRID_MULTIFRACTAL RIDGED_MULTIFRACTAL HETERO_TERRAIN
-float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain, float distortion, float normalize, float want_colour, out float3 colour) {
+float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain,
+    float distortion, float normalize, float want_colour, out float3 colour) {
   float4 moved = 0.0;
   float plain = 0.0;
   float value = 0.0;
@@ -279,7 +288,8 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
   for (int turn = distortion != 0.0 ? -DIM : 0; turn <= (want_colour != 0.0 ? 2 : 0); turn++) {
     floatDIM p = co;
     if (turn != 0) p += noise_offsetDIM(turn < 0 ? -1 - turn : DIM - 1 + turn);
-    float result = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize, plain);
+    float result = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize,
+        plain);
     moved = float4(distortion * plain, moved.xyz);
     if (turn == -1) co += (floatDIM)moved;
     if (turn == 0) value = result;

@@ -1,7 +1,8 @@
 // The Gradient, Checker, Brick and Magic textures.
 
-// Gradient, not limited to 0 to 1. code: 0 linear, 1 quadratic, 2 easing, 3 diagonal, 4 spherical, 5 quadratic sphere,
-// 6 radial (0.5 on the axis); 0 for any other. A unit vector must give exactly 0 for the spheres, hence 0.999999.
+// Gradient, not limited to 0 to 1. code: 0 linear, 1 quadratic, 2 easing, 3 diagonal, 4 spherical, 5 quadratic
+// sphere, 6 radial (0.5 on the axis); 0 for any other. A unit vector must give exactly 0 for the spheres, hence
+// 0.999999.
 // Tolerance: 2e-7, radial as good as the GPU's atan2.
 float tex_gradient(float3 co, int code) {
   if (code == 0) return co.x;
@@ -17,9 +18,9 @@ float tex_gradient(float3 co, int code) {
 }
 
 // Checker at p, already scaled: 1 in the cells whose three numbers add up to an odd one, 0 in the others. Exact.
-// The nudge keeps coordinates that are whole up to rounding from flickering: zero and the negative whole numbers begin
-// a cell, the positive ones end one. It must be a product, a sum and a product, each rounded: without `precise` a
-// compiler merges the outer factor with the scale that p was multiplied by, and whole numbers change their cells.
+// The nudge keeps coordinates that are whole up to rounding from flickering: zero and the negative whole numbers
+// begin a cell, the positive ones end one. It must be a product, a sum and a product, each rounded: without `precise`
+// a compiler merges the outer factor with the scale that p was multiplied by, and whole numbers change their cells.
 float tex_checker(float3 p) {
   precise float3 q = (p + 0.000001) * 0.999999;
   int3 cell = int3(floor(q));
@@ -27,10 +28,12 @@ float tex_checker(float3 p) {
 }
 
 // Brick at p, already scaled; z plays no part. x of the result is the tint of the brick, y the mortar, both 0 to 1.
-// Rows divisible by squash_frequency have bricks `squash` times as wide, rows divisible by offset_frequency are moved by
-// `offset` of a brick; nothing of that where one of the frequencies is 0. The tint is a hash of row and brick number,
-// exact. Widths and heights must not be 0. Tolerance: a few units in the last place of p, divided by the mortar's size.
-float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, float brick_width, float row_height, float offset, int offset_frequency, float squash, int squash_frequency) {
+// Rows divisible by squash_frequency have bricks `squash` times as wide, rows divisible by offset_frequency are moved
+// by `offset` of a brick; nothing of that where one of the frequencies is 0. The tint is a hash of row and brick
+// number, exact. Widths and heights must not be 0. Tolerance: a few units in the last place of p, divided by the
+// mortar's size.
+float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, float brick_width, float row_height,
+    float offset, int offset_frequency, float squash, int squash_frequency) {
   float row = floor(p.y / row_height);
   if (offset_frequency != 0 && squash_frequency != 0) {
     uint number = asuint(abs(int(row)));
@@ -53,7 +56,8 @@ float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, f
   return float2(saturate(float(h) * 4.656612873077393e-10 + bias), mortar);
 }
 
-// Magic: a colour from sines folded into one another `depth` times (0 to 10). co repeats every 2 pi before it is scaled.
+// Magic: a colour from sines folded into one another `depth` times (0 to 10). co repeats every 2 pi before it is
+// scaled.
 // Tolerance: 1e-5, the GPU's sine at each fold.
 float3 tex_magic(float3 co, float scale, int depth, float distortion) {
   co = mad(trunc(co / 6.2831855), -6.2831855, co);

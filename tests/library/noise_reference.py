@@ -1,7 +1,7 @@
-"""Blender's hashes and noise written out once more in numpy: words in uint32, everything else in double precision.
+"""Blender's hashes and noise written out once more in numpy: words in uint32, the rest in double precision.
 
-Points that are exact in float32, and stay so when they are multiplied by the lacunarity, have here what the library
-should give up to the rounding of its own sums.
+Points that are exact in float32, and stay so when they are multiplied by the lacunarity, have here what the
+library should give up to the rounding of its own sums.
 """
 import itertools
 
@@ -38,7 +38,7 @@ def float_hash(*values):
 
 def cell_hash(cells):
     """The integer hash of cells [n, 2..4]: words [n, 2..4] of 31 bits."""
-    v = [cells[:, k].astype(np.uint32) * np.uint32(1664525) + np.uint32(1013904223) for k in range(cells.shape[1])]
+    v = [column.astype(np.uint32) * np.uint32(1664525) + np.uint32(1013904223) for column in cells.T]
     factors = {2: [(0, 1, None), (1, 0, None)], 3: [(0, 1, 2), (1, 2, 0), (2, 0, 1)],
                4: [(0, 1, 3), (1, 2, 0), (2, 0, 1), (3, 1, 2)]}[len(v)]
     for turn in range(2):

@@ -50,7 +50,9 @@ def test_float_hashes_of_random_floats(d):
     x[::9, 0] = 0.0
     x[1::9, d - 1] = -0.0
     c = [x[:, k] for k in range(d)]
-    more = [(c[2], c[0], c[3], c[1]), (c[3], c[2], c[1], c[0])] if d == 4 else [(*c, np.float32(1)), (*c, np.float32(2))]
+    more = [(*c, np.float32(1)), (*c, np.float32(2))]
+    if d == 4:
+        more = [(c[2], c[0], c[3], c[1]), (c[3], c[2], c[1], c[0])]
     want = np.stack([float_hash(*c), *(float_hash(*m) for m in more)], axis=1)
     point = x[:, 0] if d == 1 else x
     assert np.array_equal(library.call(f"hash_{TYPES[d]}_to_float3", point), want)
@@ -64,7 +66,8 @@ def test_the_sign_of_zero_and_every_bit_of_infinity_count():
 
 
 def test_a_hash_reaches_one_where_the_word_rounds_up():
-    got = library.call("hash_unit", np.uint32([0, 1, 0x80000000, 0xFFFFFF7F, 0xFFFFFF80, 0xFFFFFFFF]), result="float")
+    words = np.uint32([0, 1, 0x80000000, 0xFFFFFF7F, 0xFFFFFF80, 0xFFFFFFFF])
+    got = library.call("hash_unit", words, result="float")
     assert got.tolist() == [0.0, 2.0 ** -32, 0.5, 1.0 - 2.0 ** -24, 1.0, 1.0]
 
 

@@ -59,7 +59,8 @@ def test_signed_noise_of_huge_coordinates(d):
     co = (rng.choice([-1.0, 1.0], (4000, d)) * 10.0 ** rng.uniform(4.9, 12.3, (4000, d))).astype(np.float32)
     # Whole multiples of the period, and their neighbours on both sides.
     exact = np.repeat(np.float32(rng.integers(1, 10000, (300, 1)) * 100000), d, axis=1)
-    co = np.concatenate([co, exact, np.nextafter(exact, np.float32(0)), np.nextafter(exact, np.float32(np.inf))])
+    beside = [np.nextafter(exact, np.float32(towards)) for towards in (0, np.inf)]
+    co = np.concatenate([co, exact, *beside])
     got = library.call(f"noise_signed{d}", flat(co), result="float")
     assert np.abs(got - noise_reference.signed_noise(np.float64(co))).max() <= 6e-7
 
@@ -109,7 +110,7 @@ def test_colour_and_distortion_in_double_precision(kind, d):
     co = points(d, 300, d + 20, 8.0)
     value, colour = texture(f"noise_texture{d}_{kind}", flat(co), settings)
     want = noise_reference.texture(kind, co, *settings)
-    # The coordinates of the second and third channel round to 1.5e-5, which the slope and the octaves multiply.
+    # The coordinates of the second and third channel round to 1.5e-5, which slope and octaves multiply.
     assert np.abs(colour - want).max() <= 5e-4
     assert np.array_equal(colour[:, 0], value)
 
@@ -125,8 +126,8 @@ def test_fifteen_octaves(d):
 @pytest.mark.parametrize("kind", KINDS)
 def test_the_settings_that_a_fractal_does_not_use(kind):
     co = points(3, 50, 5)
-    unused = {"FBM": {3, 4}, "MULTIFRACTAL": {3, 4, 6}, "HYBRID_MULTIFRACTAL": {6}, "RIDGED_MULTIFRACTAL": {6},
-              "HETERO_TERRAIN": {4, 6}}[kind]
+    unused = {"FBM": {3, 4}, "MULTIFRACTAL": {3, 4, 6}, "HYBRID_MULTIFRACTAL": {6},
+              "RIDGED_MULTIFRACTAL": {6}, "HETERO_TERRAIN": {4, 6}}[kind]
     before, _ = texture(f"noise_texture3_{kind}", co, PLAIN)
     for place, other in ((3, 0.75), (4, 0.375), (6, 0.0)):
         settings = [other if i == place else s for i, s in enumerate(PLAIN)]
@@ -162,6 +163,8 @@ def test_the_flags_of_a_generated_text_cut_what_is_not_asked_for():
         return library.cost("noise_texture3_FBM", "float3", *FLOATS[:5], distortion, normalize, want,
                             result="float", out_args=("float3",))
 
-    assert cost("0.0", "0.0", "0.0") < cost("0.0", "1.0", "0.0") < cost("0.0", "1.0", "1.0") < cost(*FLOATS[:3])
+    flags = [("0.0", "0.0", "0.0"), ("0.0", "1.0", "0.0"), ("0.0", "1.0", "1.0")]
+    bare, normalized, coloured = (cost(*f) for f in flags)
+    assert bare < normalized < coloured < cost(*FLOATS[:3])
     # With neither colour nor distortion the loop over them is gone.
-    assert cost("0.0", "0.0", "0.0") <= library.cost("noise_signed3", "float3", result="float") + 30
+    assert bare <= library.cost("noise_signed3", "float3", result="float") + 30

@@ -11,7 +11,8 @@ import noise_reference
 from agreement import evaluate, table
 
 VALUES = table("simple_textures")
-TOLERANCES = {"tex_gradient": 3e-7, "tex_checker": 0.0, "tex_brick": 2e-6, "tex_magic": 2e-5, "tex_wave": 1e-5}
+TOLERANCES = {"tex_gradient": 3e-7, "tex_checker": 0.0, "tex_brick": 2e-6, "tex_magic": 2e-5,
+              "tex_wave": 1e-5}
 
 
 def rows(name, tolerance):
@@ -174,9 +175,11 @@ def waves(kind, bands, rings, profile, p, distortion, detail, detail_scale, roug
         n = np.sqrt((p[:, kept] ** 2).sum(axis=1)) * 20.0
     n = n + phase
     if distortion:
-        n = n + distortion * (2.0 * noise_reference.fbm(p * detail_scale, detail, rough, 2.0, 0.0, 0.0, True) - 1.0)
+        noise = noise_reference.fbm(p * detail_scale, detail, rough, 2.0, 0.0, 0.0, True)
+        n = n + distortion * (2.0 * noise - 1.0)
     u = n / (2.0 * math.pi)
-    return (0.5 + 0.5 * np.sin(n - math.pi / 2), u - np.floor(u), np.abs(u - np.floor(u + 0.5)) * 2.0)[profile]
+    sine = 0.5 + 0.5 * np.sin(n - math.pi / 2)
+    return (sine, u - np.floor(u), np.abs(u - np.floor(u + 0.5)) * 2.0)[profile]
 
 
 @pytest.mark.parametrize("profile", [0, 1, 2])
