@@ -123,24 +123,23 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
         outputs = write_outputs(g, material, res.closure);
     }
     const Value code = lay_out(g.runtime(), kMaterialHeader, g.structs(), g.need(), statements(g, outputs, ret));
-    const Value inputs = sorted_inputs(g);
+    const InputRecords inputs = input_records(g);
     const Value output_list = Value::list(g.runtime());
     for (const OutputRow& row : outputs) {
         output_list.append(output_record(g, row));
     }
-    const Value params = parameters(g);
     const Value warnings = warning_list(g);
     Value displacement = Value::none(g.runtime());
     if (!emission_mode && wants_displacement(g)) {
-        displacement = put_displacement(g, params, warnings);
+        displacement = put_displacement(g, inputs.params, warnings);
     }
     const Value result = Value::map(g.runtime());
     result.put("code", code);
-    result.put("inputs", inputs);
+    result.put("inputs", inputs.sorted);
     result.put("outputs", output_list);
     result.put("material", material);
     result.put("warnings", warnings);
-    result.put("params", params);
+    result.put("params", inputs.params);
     result.put("displacement", displacement);
     return result;
 }

@@ -1,6 +1,7 @@
 #include "closures/records.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace quillgen {
 
@@ -32,24 +33,57 @@ void put_details(const Gen& g, const Value& record, const Input& input) {
     }
 }
 
+// The places of the entries in the order of their names. Names that are nearly all "P_" and a node's name are told
+// apart by eight bytes behind that, as one number, in most cases; the rest is left to the whole names.
+std::vector<std::size_t> order_by_name(const std::vector<Input>& inputs) {
+    struct Entry {
+        std::uint64_t bytes;
+        std::size_t place;
+    };
+    const auto key = [](Text name) {
+        std::uint64_t bytes = 0;
+        for (std::size_t i = 2; i < 10; ++i) {
+            bytes = bytes << 8U | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+        }
+        return bytes;
+    };
+    const auto starts_alike = [](Text a, Text b) { return a[0] == b[0] && a[1] == b[1]; };
+    std::vector<Entry> entries;
+    entries.reserve(inputs.size());
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        entries.push_back({key(inputs[i].name), i});
+    }
+    std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
+        const Text a_name = inputs[a.place].name;
+        const Text b_name = inputs[b.place].name;
+        return a.bytes != b.bytes && starts_alike(a_name, b_name) ? a.bytes < b.bytes : a_name < b_name;
+    });
+    std::vector<std::size_t> order(entries.size());
+    std::transform(entries.begin(), entries.end(), order.begin(), [](const Entry& entry) { return entry.place; });
+    return order;
+}
+
 }  // namespace
 
-Value sorted_inputs(const Gen& g) {
-    std::vector<const Input*> sorted;
-    sorted.reserve(g.inputs.entries().size());
-    for (const Input& input : g.inputs.entries()) {
-        sorted.push_back(&input);
+InputRecords input_records(const Gen& g) {
+    const std::vector<Input>& inputs = g.inputs.entries();
+    const InputRecords records = {Value::list(g.runtime()), Value::map(g.runtime())};
+    std::vector<Value> names;
+    names.reserve(inputs.size());
+    for (const Input& input : inputs) {
+        const Value& name = names.emplace_back(Value::text(g.runtime(), input.name));
+        if (input.is_parameter) {
+            records.params.put(name, Value::pair(word(g, input.kind), input.value));
+        }
     }
-    std::sort(sorted.begin(), sorted.end(), [](const Input* a, const Input* b) { return a->name < b->name; });
-    const Value list = Value::list(g.runtime());
-    for (const Input* input : sorted) {
+    for (const std::size_t i : order_by_name(inputs)) {
         const Value record = Value::map(g.runtime());
-        record.put("name", Value::text(g.runtime(), input->name));
-        record.put("kind", word(g, input->kind));
-        put_details(g, record, *input);
-        list.append(record);
+        record.put("name", names[i]);
+        record.put("kind", word(g, inputs[i].kind));
+        put_details(g, record, inputs[i]);
+        records.sorted.append(record);
     }
-    return list;
+    return records;
 }
 
 Value inputs_by_name(const Gen& g) {
@@ -59,19 +93,6 @@ Value inputs_by_name(const Gen& g) {
         record.put("kind", word(g, input.kind));
         put_details(g, record, input);
         map.put(Value::text(g.runtime(), input.name), record);
-    }
-    return map;
-}
-
-Value parameters(const Gen& g) {
-    const Value map = Value::map(g.runtime());
-    for (const Input& input : g.inputs.entries()) {
-        if (input.is_parameter) {
-            const Value pair = Value::list(g.runtime());
-            pair.append(word(g, input.kind));
-            pair.append(input.value);
-            map.put(Value::text(g.runtime(), input.name), pair);
-        }
     }
     return map;
 }

@@ -72,7 +72,7 @@ std::string Runtime::identifier(PyObject* name) const {
     return identifier(to_text(name, storage));
 }
 
-Text Runtime::remembered_identifier(const std::string& id) const {
+Text Runtime::remembered_identifier(Text id) const {
     // Enough for the nodes of a large scene; a bound, so that a long session does not grow.
     constexpr std::size_t kMost = 4096;
     if (std::all_of(id.begin(), id.end(), is_identifier_character)) {
@@ -85,7 +85,7 @@ Text Runtime::remembered_identifier(const std::string& id) const {
     if (remembered_.size() >= kMost) {
         remembered_.clear();
     }
-    return remembered_.insert_or_assign(id, std::move(replaced)).first->second;
+    return remembered_.insert_or_assign(std::string(id), std::move(replaced)).first->second;
 }
 
 std::string Runtime::re_sub(const char* pattern, const char* replacement, Text text) const {

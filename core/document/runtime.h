@@ -4,11 +4,13 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
 #include "core/document/handle.h"
+#include "core/document/text_hash.h"
 #include "core/document/words.h"
 
 namespace quillgen {
@@ -34,7 +36,7 @@ public:
     [[nodiscard]] std::string identifier(PyObject* name) const;  // TypeError for anything but a str
     // The same for the id of a node, which comes back with every edit of its material: the standard
     // library is asked once for each name. What a name becomes depends on nothing but the name.
-    [[nodiscard]] Text remembered_identifier(const std::string& id) const;
+    [[nodiscard]] Text remembered_identifier(Text id) const;
     [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, Text text) const;
     [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, PyObject* subject) const;
     // The first digits of the SHA-1 of a name's UTF-8 bytes. UnicodeEncodeError for a lone surrogate.
@@ -52,7 +54,7 @@ private:
     std::array<Ref, kWords.size()> words_;
     std::array<std::string, kWords.size()> identifiers_;
     Ref word_places_;
-    mutable std::unordered_map<std::string, std::string> remembered_;
+    mutable std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> remembered_;
     Ref re_;
     Ref hashlib_;
     Ref math_;

@@ -188,6 +188,14 @@ Value Value::lower() const { return called("lower"); }
 
 Value Value::copied_list() const { return own(PySequence_List(object_.get())); }
 
+Text Value::formatted(std::string& storage) const {
+    if (PyUnicode_CheckExact(object_.get())) {
+        return text(storage);
+    }
+    append_to(storage);
+    return storage;
+}
+
 void Value::append_to(std::string& out) const { append_formatted(out, object_.get()); }
 
 Value Value::called(Word method) const {
@@ -216,6 +224,13 @@ Value Value::integer(const Runtime& runtime, long number) { return {Ref::checked
 Value Value::boolean(const Runtime& runtime, bool truth) { return {Ref::borrow(truth ? Py_True : Py_False), runtime}; }
 
 Value Value::list(const Runtime& runtime) { return {Ref::checked(PyList_New(0)), runtime}; }
+
+Value Value::pair(const Value& first, const Value& second) {
+    const Ref list = Ref::checked(PyList_New(2));
+    checked(PyList_SetItem(list.get(), 0, Ref(first.object_).release()));
+    checked(PyList_SetItem(list.get(), 1, Ref(second.object_).release()));
+    return {list, *first.runtime_};
+}
 
 Value Value::map(const Runtime& runtime) { return {Ref::checked(PyDict_New()), runtime}; }
 

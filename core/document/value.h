@@ -66,6 +66,7 @@ public:
     [[nodiscard]] Value lower() const;        // value.lower()
     [[nodiscard]] Value copied_list() const;  // list(value)
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
+    [[nodiscard]] Text formatted(std::string& storage) const;  // as a format writes it
     void append_to(std::string& out) const;  // as a format writes it
     // The text of a str value; `storage` holds it where the value itself cannot.
     [[nodiscard]] bool is_str() const { return present() && PyUnicode_Check(object_.get()) != 0; }
@@ -83,6 +84,7 @@ public:
     static Value integer(const Runtime& runtime, long number);
     static Value boolean(const Runtime& runtime, bool truth);
     static Value list(const Runtime& runtime);
+    static Value pair(const Value& first, const Value& second);  // a list of the two
     static Value map(const Runtime& runtime);
     static Value set(const Runtime& runtime);
     void append(const Value& item) const;         // to a list

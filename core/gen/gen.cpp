@@ -39,6 +39,7 @@ void Gen::read_nodes() {
     states_.resize(nodes_.size());
     // About what a node's statements come to, so that most texts never move while they grow.
     body_.reserve(256 * nodes_.size());
+    line_ends_.reserve(8 * nodes_.size());
 }
 
 // Finds out what is read: by a link of any record, also of one that evaluation never reaches, or by an
@@ -160,9 +161,8 @@ Text Gen::kept(Text format, Arguments arguments) {
 }
 
 Text Gen::formatted(const Value& value) {
-    std::string out;
-    value.append_to(out);
-    return keep(out);
+    std::string storage;
+    return keep(value.formatted(storage));
 }
 
 const TemplateTable::Row* Gen::row(Text table, const Value& operation, Text fallback) const {
@@ -298,7 +298,9 @@ Gen::Run Gen::run() {
     }
     // Before the surface: its whole graph is to see the bumped normal.
     displacement_normal();
-    const Bound surface = output(src.at(Py_ssize_t{0}), src.at(Py_ssize_t{1}));
+    const Value nid = src.at(Py_ssize_t{0});
+    const Value out = src.at(Py_ssize_t{1});
+    const Bound surface = output(nid, out);
     if (emission_mode_) {
         return {
             is_closure(surface.type) ? text("($0).emission", surface.text) : convert(surface.text, surface.type, RGBA),

@@ -106,9 +106,8 @@ Text Gen::convert(Text expr, SocketType from, SocketType to) {
 Text Gen::identifier(const Node& n) {
     Text& identifier = states_[static_cast<std::size_t>(n.place)].identifier;
     if (identifier.data() == nullptr) {
-        std::string id;
-        n.id.append_to(id);
-        identifier = keep(runtime().remembered_identifier(id));
+        std::string storage;
+        identifier = keep(runtime().remembered_identifier(n.id.formatted(storage)));
     }
     return identifier;
 }
