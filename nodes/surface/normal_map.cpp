@@ -1,5 +1,4 @@
 // Normal Map: an encoded normal colour as a shading normal in world space.
-#include "core/gen/choices.h"
 #include "core/gen/gen.h"
 #include "nodes/register.h"
 
@@ -54,6 +53,7 @@ void other_space(Gen& g, const NormalMap& m, const Value& space) {
 
 void _normal_map(Gen& g, const Node& n) {
     const Value p = n.props();
+    const Value space = p.get("space");
     NormalMap m;
     m.col = g.var("float3", "2.0 * ($0 - float3(0.5, 0.5, 0.5))", g.inp(n, "Color", RGBA));
     if (p.get("convention").is("DIRECTX")) {
@@ -66,10 +66,10 @@ void _normal_map(Gen& g, const Node& n) {
     m.oz = g.geo("oz");
     g.use({"n_obj_to_world", "safe_normalize"});
     m.nm = g.tmp("nm");
-    if (property_is(p, "space", "TANGENT", "TANGENT")) {
+    if (!space.present() || space.is("TANGENT")) {
         tangent_space(g, m);
     } else {
-        other_space(g, m, p.get("space"));
+        other_space(g, m, space);
     }
     // A colour may decode to no direction at all.
     g.emit("if (dot($0, $0) == 0.0 || any(isnan($0)) || any(isinf($0))) $0 = $1;", m.nm, m.Nf);

@@ -42,11 +42,13 @@ void _combxyz(Gen& g, const Node& n) {
 // The outputs keep their names in every mode: in HSV they carry hue, saturation and value.
 void _sepcol(Gen& g, const Node& n) {
     const Value p = n.props();
+    const bool hsv = property_is(p, "mode", "RGB", "HSV");
+    const bool hsl = property_is(p, "mode", "RGB", "HSL");
     Text c = g.inp(n, "Color", RGBA);
-    if (property_is(p, "mode", "RGB", "HSV")) {
+    if (hsv) {
         g.use("rgb_to_hsv");
         c = g.text("L.rgb_to_hsv($0)", c);
-    } else if (property_is(p, "mode", "RGB", "HSL")) {
+    } else if (hsl) {
         g.use("rgb_to_hsl");
         c = g.text("L.rgb_to_hsl($0)", c);
     }
@@ -58,13 +60,15 @@ void _sepcol(Gen& g, const Node& n) {
 
 void _combcol(Gen& g, const Node& n) {
     const Value p = n.props();
+    const bool hsv = property_is(p, "mode", "RGB", "HSV");
+    const bool hsl = property_is(p, "mode", "RGB", "HSL");
     const Text red = g.inp(n, "Red", VALUE);
     const Text green = g.inp(n, "Green", VALUE);
     const Text blue = g.inp(n, "Blue", VALUE);
-    if (property_is(p, "mode", "RGB", "HSV")) {
+    if (hsv) {
         g.use("hsv_to_rgb");
         g.set(n, "Color", RGBA, "L.hsv_to_rgb(float3($0, $1, $2))", red, green, blue);
-    } else if (property_is(p, "mode", "RGB", "HSL")) {
+    } else if (hsl) {
         g.use("hsl_to_rgb");
         g.set(n, "Color", RGBA, "L.hsl_to_rgb(float3($0, $1, $2))", red, green, blue);
     } else {

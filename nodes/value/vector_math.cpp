@@ -45,12 +45,12 @@ constexpr Text kZero3 = "float3(0.0, 0.0, 0.0)";
 // All four operands are declared, whichever of them the operation names. The output that the operation
 // does not compute is bound too, so that a link from it reads a neutral constant.
 void _vmath(Gen& g, const Node& n) {
-    const Value p = n.props();
+    const Value operation = n.props().get("operation");
     const Text a = g.var("float3", g.inp(n, "Vector", VECTOR));
     const Text b = g.var("float3", g.inp(n, "Vector_001", VECTOR, kZero3));
     const Text c = g.var("float3", g.inp(n, "Vector_002", VECTOR, kZero3));
     const Text s = g.var("float", g.inp(n, "Scale", VALUE, "1.0"));
-    const TemplateTable::Row* row = g.row("VMATH", p.get("operation"), "ADD");
+    const TemplateTable::Row* row = g.row("VMATH", operation, "ADD");
     const Text e = row != nullptr ? g.fill_row(*row, {a, b, c, s}) : kZero3;
     if (row != nullptr && row->is_scalar) {
         g.set(n, "Value", VALUE, e);
