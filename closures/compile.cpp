@@ -83,15 +83,6 @@ Value output_record(const Gen& g, const OutputRow& row) {
     return record;
 }
 
-std::string statements(const Gen& g, const std::vector<OutputRow>& outputs, Text ret) {
-    std::string lines(g.body());
-    for (const OutputRow& row : outputs) {
-        fill(lines, "  $0 = $1;\n", {row.name.text(), row.expr});
-    }
-    fill(lines, "  return $0;", {ret});
-    return lines;
-}
-
 // The displacement's record without its parameters and warnings, which go to the material's.
 Value put_displacement(const Gen& g, const Value& params, const Value& warnings) {
     const Displacement disp = _displacement(g.module(), g.ir, g.use_params);
@@ -122,7 +113,7 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
         ret = g.text("$0.base", res.closure);
         outputs = write_outputs(g, material, res.closure);
     }
-    const Value code = lay_out(g.runtime(), kMaterialHeader, g.structs(), g.need(), statements(g, outputs, ret));
+    const Value code = lay_out(g.runtime(), kMaterialHeader, g.structs(), g.need(), g.body());
     const InputRecords inputs = input_records(g);
     const Value output_list = Value::list(g.runtime());
     for (const OutputRow& row : outputs) {

@@ -71,13 +71,12 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
         mag = 100.0;
     }
     mag = power_of_two(g.runtime().ceil_log2(mag));
-    std::string lines(g.body());
     std::string magnitude;
     append_literal(magnitude, mag);
-    fill(lines, "  return 0.5 + $0 / $1;", {s_cm, magnitude});
+    g.emit("return 0.5 + $0 / $1;", s_cm, magnitude);
     const InputRecords inputs = input_records(g);
     return {
-        .code = lay_out(g.runtime(), kDisplacementHeader, g.structs(), g.need(), lines),
+        .code = lay_out(g.runtime(), kDisplacementHeader, g.structs(), g.need(), g.body()),
         .inputs = inputs.sorted,
         .magnitude = mag,
         .params = inputs.params,

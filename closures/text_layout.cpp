@@ -40,7 +40,7 @@ void append_head(const Value& lines, Text header, const Value& structs, const Va
 Value lay_out(const Runtime& runtime, Text header, const Value& structs, const Value& need, Text statements) {
     const Value lines = Value::list(runtime);
     append_head(lines, header, structs, need, {});
-    lines.append(Value::text(runtime, statements));
+    lines.append(Value::text(runtime, statements.substr(0, statements.size() - 1)));
     return lines.joined();
 }
 

@@ -17,7 +17,7 @@ inline constexpr Text kDisplacementHeader = "// Quillwork - displacement of Blen
 // `extra_lib` is absent, or a str that goes directly behind the closure functions.
 void append_head(const Value& lines, Text header, const Value& structs, const Value& need, const Value& extra_lib);
 
-// The finished text; the last of the statements ends without a line feed.
+// The finished text. Each of the statements ends in a line feed; the text does not.
 Value lay_out(const Runtime& runtime, Text header, const Value& structs, const Value& need, Text statements);
 
 }  // namespace quillgen

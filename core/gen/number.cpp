@@ -1,8 +1,8 @@
 #include "core/gen/number.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <string_view>
 
 namespace quillgen {
@@ -13,24 +13,21 @@ namespace {
 constexpr int kLeastPositional = -4;
 constexpr int kFirstScientific = 16;
 
-// Appends `digits` (no point, no leading zero) as the number digits[0].digits[1..] * 10^exponent.
-void append_positional(std::string& out, std::string_view digits, int exponent) {
+// Copies the text to `out` and gives the place behind it.
+char* put(char* out, std::string_view text) { return std::copy(text.begin(), text.end(), out); }
+
+char* put_zeros(char* out, std::size_t count) { return std::fill_n(out, count, '0'); }
+
+// Writes `digits` (no point, no leading zero) as the number digits[0].digits[1..] * 10^exponent.
+char* put_positional(char* out, std::string_view digits, int exponent) {
     if (exponent < 0) {
-        out += "0.";
-        out.append(static_cast<std::size_t>(-exponent - 1), '0');
-        out += digits;
-        return;
+        return put(put_zeros(put(out, "0."), static_cast<std::size_t>(-exponent - 1)), digits);
     }
     const auto whole = static_cast<std::size_t>(exponent) + 1;
     if (digits.size() <= whole) {
-        out += digits;
-        out.append(whole - digits.size(), '0');
-        out += ".0";
-        return;
+        return put(put_zeros(put(out, digits), whole - digits.size()), ".0");
     }
-    out += digits.substr(0, whole);
-    out += '.';
-    out += digits.substr(whole);
+    return put(put(put(out, digits.substr(0, whole)), "."), digits.substr(whole));
 }
 
 }  // namespace
@@ -44,28 +41,31 @@ void append_literal(std::string& out, double number) {
         out += number > 0 ? "3.402823466e+38" : "-3.402823466e+38";
         return;
     }
-    // "d.ddde+xx": at most 17 digits, sign, point and an exponent of three digits.
-    char buffer[32] = {};
-    const char* end = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific).ptr;
-    std::string_view text(buffer, static_cast<std::size_t>(end - buffer));
-    if (text.front() == '-') {
-        out += '-';
-        text.remove_prefix(1);
-    }
-    const std::size_t mark = text.find('e');
-    const int exponent = std::atoi(text.data() + mark + 1);
+    // "-d.ddde+xxx": a sign, 17 digits at most with a point, and an exponent; positional at most 24 characters.
+    char buffer[32];
+    const char* const scientific = buffer;
+    const char* const end = std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::scientific).ptr;
+    const char* const mark = std::find(scientific, end, 'e');
+    int exponent = 0;
+    std::from_chars(mark[1] == '+' ? mark + 2 : mark + 1, end, exponent);
     if (exponent < kLeastPositional || exponent >= kFirstScientific) {
-        out += text;
+        out.append(scientific, end);
         return;
     }
-    char digits[20] = {text.front()};
-    std::size_t count = 1;
-    for (const char c : text.substr(1, mark - 1)) {
-        if (c != '.') {
-            digits[count++] = c;
-        }
+    char literal[32];
+    char* next = literal;
+    const char* first = scientific;
+    if (*first == '-') {
+        *next++ = *first++;
     }
-    append_positional(out, {digits, count}, exponent);
+    char digits[20];
+    char* last = digits;
+    *last++ = *first++;
+    if (first != mark) {
+        last = std::copy(first + 1, mark, last);  // behind the point
+    }
+    next = put_positional(next, {digits, static_cast<std::size_t>(last - digits)}, exponent);
+    out.append(literal, next);
 }
 
 std::string _f(const Value& value) {

@@ -15,6 +15,7 @@ Text _curve_table(Gen& g, const Value& table) {
     const Text name = g.tmp("ct");
     const auto size = static_cast<int>(table.size());
     std::string values;
+    values.reserve(static_cast<std::size_t>(size) * 22);  // a literal of 17 digits, its point and the comma
     table.for_each([&](const Value& sample) {
         values += values.empty() ? "" : ", ";
         append_literal(values, sample.as_float());
