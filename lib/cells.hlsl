@@ -1,5 +1,5 @@
-// Walks through the cells around a point: each call moves o to the next offset from -r to r per component, x fastest, and
-// says whether there is one. One flat loop serves every dimension so, and its body stands in the text once.
+// Walks through the cells around a point: each call moves o to the next offset, -r to r in each component, x fastest,
+// and says whether there is one. So one flat loop serves every dimension, and its body stands in the text once.
 bool cell_next1(inout float o, float r)
 {
     o += 1.0;

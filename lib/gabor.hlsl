@@ -1,6 +1,7 @@
 // Gabor noise: a sum of wave packets, eight at random places in each cell of the unit grid.
 
-// The word hash as a float, 0 to 1: of the first three words in 2D, of all four in 3D, which share all but the mixing.
+// The word hash as a float, 0 to 1: of the first three words in 2D, of all four in 3D, which share all but the
+// mixing.
 float gabor_hash(float4 words, bool solid)
 {
     uint start = solid ? 0xDEADBF0Cu : 0xDEADBF08u;
@@ -22,9 +23,9 @@ float gabor_hash_cell(float3 cell, float seed, bool solid)
     return gabor_hash(float4(cell.xy, solid ? cell.z : seed, seed), solid);
 }
 
-// The unit vector `along` turned by an impulse's hashes, by up to `spread` radians. In 3D its inclination and its azimuth
-// grow, the azimuth of the z axis being 0; in 2D, where z is 0, the azimuth goes both ways. Sums of angles save the
-// inverse functions.
+// The unit vector `along` turned by an impulse's hashes, by up to `spread` radians. In 3D its inclination and its
+// azimuth grow, the azimuth of the z axis being 0; in 2D, where z is 0, the azimuth goes both ways. Sums of angles
+// save the inverse functions.
 float3 gabor_turned(float3 cell, float seed, float3 along, float spread, bool solid)
 {
     float h = gabor_hash_cell(cell, seed, solid);
@@ -36,8 +37,9 @@ float3 gabor_turned(float3 cell, float seed, float3 along, float spread, bool so
     return float3(side * (radius * cos(tilt) + along.z * sin(tilt)), along.z * cos(tilt) - radius * sin(tilt));
 }
 
-// The packets of a cell as the sum of complex numbers (cosine, sine), for a point at q from the cell's corner. Most are
-// out of reach and the hashes are the cost, so each is made only when it is needed, and none for a cell too far away.
+// The packets of a cell as the sum of complex numbers (cosine, sine), for a point at q from the cell's corner. Most
+// are out of reach and the hashes are the cost, so each is made only when it is needed, and none for a cell too far
+// away.
 float2 gabor_cell(float3 cell, float3 q, float frequency, float3 along, float spread, bool solid)
 {
     float2 sum = 0.0;
@@ -64,10 +66,10 @@ float2 gabor_cell(float3 cell, float3 q, float frequency, float3 along, float sp
     return sum;
 }
 
-// (value, phase, intensity) of the noise at co * scale in 2 or 3 dimensions; the orientation of the other dimension, in
-// radians or as a vector, is not looked at. anisotropy is limited to 0 to 1, frequency to 0.001 and more. The value is
-// 0.5 in the mean and may leave 0 to 1 a little; the phase goes from 0 to 1 and is 0.5 where the sum is 0. A vector
-// without length is taken for the z axis. Tolerance against Blender: 1e-5.
+// (value, phase, intensity) of the noise at co * scale in 2 or 3 dimensions; the orientation of the other
+// dimension, in radians or as a vector, is not looked at. anisotropy is limited to 0 to 1, frequency to 0.001 and
+// more. The value is 0.5 in the mean and may leave 0 to 1 a little; the phase goes from 0 to 1 and is 0.5 where the
+// sum is 0. A vector without length is taken for the z axis. Tolerance against Blender: 1e-5.
 // @name gabor
 float3 tex_gabor(float3 co, float scale, float frequency, float anisotropy, float angle, float3 along, int dimensions)
 {

@@ -1,6 +1,7 @@
-// Voronoi textures of one to four dimensions. Every cell of the unit grid holds one feature point, in the cell's corner
-// plus a hash of the cell times the randomness (0 to 1). Coordinates come scaled; cells are numbered with 32 bits, so
-// coordinates beyond +-2^31 give arbitrary values. Cells and colours are exactly Blender's, distances differ by rounding.
+// Voronoi textures of one to four dimensions. Every cell of the unit grid holds one feature point, in the cell's
+// corner plus a hash of the cell times the randomness (0 to 1). Coordinates come scaled; cells are numbered with 32
+// bits, so coordinates beyond +-2^31 give arbitrary values. Cells and colours are Blender's exactly, distances up
+// to rounding.
 
 // The largest component.
 float voronoi_largest1(float v)
@@ -23,7 +24,7 @@ float voronoi_largest4(float4 v)
     return max(v.x, voronoi_largest3(v.yzw));
 }
 
-// The length of d in one of the metrics, before its root is taken: enough to compare distances. In 1D all metrics agree.
+// The length of d in one of the metrics, before its root is taken: enough to compare distances. In 1D all agree.
 // @each DIM 1 2 3 4
 float voronoi_boundDIM(floatDIM d, QWKVoronoiParams params)
 {
@@ -43,15 +44,16 @@ float voronoi_root(float bound, QWKVoronoiParams params)
     return bound;
 }
 
-// Distance of a and b: metric 0 Euclidean, 1 Manhattan, 2 Chebychev, 3 Minkowski with the exponent; 0 for other numbers.
-// An exponent of 0 has no sense and gives NaN or infinity.
+// Distance of a and b: metric 0 Euclidean, 1 Manhattan, 2 Chebychev, 3 Minkowski with the exponent; 0 for other
+// numbers of metrics. An exponent of 0 has no sense and gives NaN or infinity.
 // @each DIM 2 3 4
 float voronoi_distanceDIM(floatDIM a, floatDIM b, QWKVoronoiParams params)
 {
     return voronoi_root(voronoi_boundDIM(a - b, params), params);
 }
 
-// The hash, 0 to 1 in each component, that places the feature point of the cell c + o. In 1D the cell is hashed as a float.
+// The hash, 0 to 1 in each component, that places the feature point of the cell c + o. In 1D the cell is hashed as
+// a float.
 float voronoi_hash1(float c, float o)
 {
     return hash_float_to_float(c + o);
@@ -180,8 +182,8 @@ QWKVoronoiOutput voronoi_octaveDIM(QWKVoronoiParams params, floatDIM co)
     return result;
 }
 
-// Features 0 to 2 over detail + 1 octaves; the last counts for its fraction. normalize brings distance and colour back
-// to the range of one octave, the distance divided by max_distance on top. The position is a blend, not a sum.
+// Features 0 to 2 over detail + 1 octaves; the last counts for its fraction. normalize brings distance and colour
+// back to the range of one octave, the distance divided by max_distance on top. The position is a blend, not a sum.
 // @each DIM 1 2 3 4
 QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
 {

@@ -1,8 +1,8 @@
-// The Voronoi features that ask for the space between feature points. Only randomness counts of the cell's settings, and
-// distances are Euclidean throughout. Tolerance against Blender: rounding.
+// The Voronoi features that ask for the space between feature points. Only randomness counts of the cell's
+// settings, and distances are Euclidean throughout. Tolerance against Blender: rounding.
 
-// One octave of the distance to the border between this cell's point and its neighbours'. The cell itself is hashed with
-// the sign of its zero, as Blender does here.
+// One octave of the distance to the border between this cell's point and its neighbours'. The cell itself is hashed
+// with the sign of its zero, as Blender does here.
 float voronoi_edge1(QWKVoronoiParams params, float co)
 {
     float c = floor(co);
@@ -13,8 +13,9 @@ float voronoi_edge1(QWKVoronoiParams params, float co)
     return min(abs(left * 0.5 - at), abs(right * 0.5 - at));
 }
 
-// The first walk finds the nearest point, the second the nearest of its borders with the others. Only one cell around is
-// looked at, so now and then a border is missed, as in Blender. Points nearer to each other than 0.01 make no border.
+// The first walk finds the nearest point, the second the nearest of its borders with the others. Only one cell
+// around is looked at, so now and then a border is missed, as in Blender. Points nearer to each other than 0.01
+// make no border.
 // @each DIM 2 3 4
 float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {

@@ -46,7 +46,8 @@ def reference(co, scale, frequency, anisotropy, angle, along, dimensions):
                 flat = np.hypot(along[0], along[1])
                 turn = np.arccos(along[0] / flat) * (-1 if along[1] < 0 else 1) if flat else 0.0
                 turn = turn + hashed(z, x, a, y) * spread
-                direction = np.stack([np.sin(tilt) * np.cos(turn), np.sin(tilt) * np.sin(turn), np.cos(tilt)], axis=1)
+                flat = np.sin(tilt)
+                direction = np.stack([flat * np.cos(turn), flat * np.sin(turn), np.cos(tilt)], axis=1)
                 sign = hashed(x, y, z, e)
             q = p - k - np.stack(centre, axis=1)
             m = (q * q).sum(axis=1)
@@ -58,7 +59,7 @@ def reference(co, scale, frequency, anisotropy, angle, along, dimensions):
 
 
 def apart(got, want):
-    """How far (value, phase, intensity) lie apart; the phase is a turn, and as uncertain as the sum is small."""
+    """How far (value, phase, intensity) lie apart; the phase is a turn, uncertain where the sum is small."""
     turn = np.abs(got[:, 1] - want[:, 1])
     turn = np.minimum(turn, 1.0 - turn) * np.minimum(want[:, 2] * 10.0, 1.0)
     return np.abs(np.stack([got[:, 0] - want[:, 0], turn, got[:, 2] - want[:, 2]]))

@@ -1,7 +1,8 @@
 """Blender's Voronoi textures written out once more in numpy, step by step and in double precision.
 
-Everything works on arrays of points [n, d] at once; the settings are one dict of plain numbers. Points that are exact
-in float32 have here what the library should give up to rounding, but for points about as far from two cells.
+Everything works on arrays of points [n, d] at once; the settings are one dict of plain numbers. Points that
+are exact in float32 have here what the library should give up to rounding, but for points about as far from
+two cells.
 """
 import itertools
 import math
@@ -29,7 +30,8 @@ def color(cells):
     d = cells.shape[1]
     if d == 1:
         f = np.float32(cells[:, 0])
-        return np.float64(np.stack([float_hash(f), float_hash(f, np.float32(1)), float_hash(f, np.float32(2))], axis=1))
+        hashes = [float_hash(f), float_hash(f, np.float32(1)), float_hash(f, np.float32(2))]
+        return np.float64(np.stack(hashes, axis=1))
     if d == 2:
         cells = np.concatenate([cells, np.zeros((len(cells), 1))], axis=1)
     return hashed(cells)[:, :3]
