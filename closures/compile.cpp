@@ -113,6 +113,10 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
         ret = g.text("$0.base", res.closure);
         outputs = write_outputs(g, material, res.closure);
     }
+    for (const OutputRow& row : outputs) {
+        g.emit("$0 = $1;", row.name.text(), row.expr);
+    }
+    g.emit("return $0;", ret);
     const Value code = lay_out(g.runtime(), kMaterialHeader, g.structs(), g.need(), g.body());
     const InputRecords inputs = input_records(g);
     const Value output_list = Value::list(g.runtime());
