@@ -43,6 +43,8 @@ def test_a_remainder_that_rounding_spoils_is_off_by_no_more_than_that():
     ("safe_powf", [10.0, -60.0, 0.0]),
     ("safe_logf", [-1.0, 10.0, 0.0]),
     ("safe_logf", [1.0, 10.0, 0.0]),
+    ("safe_logf", [8.0, 0.5, -3.0]),
+    ("safe_logf", [0.5, 0.25, 0.5]),
     ("safe_logf", [10.0, 0.0, 0.0]),
     ("safe_logf", [1.0, 1.0, 0.0]),
     ("safe_sqrtf", [NAN, 0.0]),
