@@ -100,17 +100,20 @@ def save_textures(result, folder):
 
 
 def save_texture(picture, path):
+    """A file on the disk goes as it is if its pixels are what the node tree sees. All others are written from the
+    pixels that Blender holds: those of 16-bit files are decoded and multiplied by alpha only there."""
     stored = Path(bpy.path.abspath(picture.filepath)) if picture.filepath else None
-    if not picture.is_float and not picture.is_dirty and picture.packed_file:
-        path = path.with_suffix("." + picture.file_format.lower())
-        path.write_bytes(picture.packed_file.data)
-    elif not picture.is_float and not picture.is_dirty and stored and stored.is_file():
+    whole = not picture.is_float or picture.file_format in ("OPEN_EXR", "HDR")
+    if whole and not picture.is_dirty and not picture.packed_file and stored and stored.is_file():
         path = path.with_suffix(stored.suffix)
         shutil.copyfile(stored, path)
-    else:
-        copy = picture.copy()
-        copy.file_format = "OPEN_EXR" if picture.is_float else "PNG"
-        path = path.with_suffix(".exr" if picture.is_float else ".png")
-        copy.save(filepath=str(path))
-        bpy.data.images.remove(copy)
+        return path
+    path = path.with_suffix(".exr" if picture.is_float else ".png")
+    copy = bpy.data.images.new("copy", *picture.size, alpha=True, float_buffer=picture.is_float)
+    copy.alpha_mode = "CHANNEL_PACKED"  # nothing is multiplied on the way
+    copy.colorspace_settings.name = "Non-Color"
+    copy.pixels.foreach_set(picture.pixels[:])
+    copy.file_format = "OPEN_EXR" if picture.is_float else "PNG"
+    copy.save(filepath=str(path))
+    bpy.data.images.remove(copy)
     return path

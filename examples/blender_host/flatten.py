@@ -103,7 +103,7 @@ class Writer:
         found["outs"] = {socket.identifier: socket.type for socket in node.outputs}
         found["props"] = records.properties(node)
         if node.bl_idname == "ShaderNodeValToRGB":
-            found["ramp"] = records.ramp(node, self.note)
+            found["ramp"] = records.ramp(node)
         if node.bl_idname in records.CURVES:
             found["curve"] = records.curve(node)
         if getattr(node, "image", None):

@@ -1,12 +1,14 @@
 """A node's own settings as plain data: properties, colour ramps, curves and images."""
 
 import bpy
+from mathutils import Vector
+
+from . import hues
 
 SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
 PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")
 CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
 OUTPUT_VALUES = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color", "ShaderNodeNormal": "normal"}
-ASSOCIATED_FORMATS = ("OPEN_EXR", "OPEN_EXR_MULTILAYER", "HDR")
 
 
 def properties(node):
@@ -24,20 +26,22 @@ def properties(node):
         found[prop.identifier] = value
     if node.bl_idname in OUTPUT_VALUES:
         value = node.outputs[0].default_value
+        if node.bl_idname == "ShaderNodeNormal":  # a direction, however long the stored vector is
+            value = Vector(value).normalized()
         found[OUTPUT_VALUES[node.bl_idname]] = value if node.bl_idname == "ShaderNodeValue" else list(value)
     if getattr(node, "image", None):
         found["image"] = node.image.name
     return found
 
 
-def ramp(node, note):
+def ramp(node):
     """The stops of a colour ramp. In HSV and HSL Blender interpolates linearly, whatever the ramp is set to."""
     band = node.color_ramp
-    plain = band.color_mode == "RGB"
-    if not plain and band.hue_interpolation != "NEAR":
-        note(f"{node.name}: the ramp's way round the hues ({band.hue_interpolation}) becomes the nearest")
-    return {"stops": [[stop.position, list(stop.color)] for stop in band.elements],
-            "interp": band.interpolation if plain else "LINEAR", "mode": band.color_mode}
+    stops = [[stop.position, list(stop.color)] for stop in band.elements]
+    if band.color_mode == "RGB":
+        return {"stops": stops, "interp": band.interpolation, "mode": "RGB"}
+    return {"stops": hues.through_the_seam(stops, band.color_mode, band.hue_interpolation),
+            "interp": "LINEAR", "mode": band.color_mode}
 
 
 def curve(node):
@@ -58,12 +62,10 @@ def curve(node):
 
 def image(picture):
     """An image as the translator has to take it so that it shows what Cycles shows. Bytes are always multiplied by
-    their alpha as they load, under Premultiplied too; float pixels only if the file holds straight alpha, which
-    neither the formats of scene-linear light nor images made in Blender do."""
+    their alpha as they load, under Premultiplied too. Float pixels come to a texture as Blender holds them, and then
+    nothing is left to multiply."""
     alpha = picture.alpha_mode
     if alpha in ("STRAIGHT", "PREMUL"):
-        straight = not picture.is_float or (picture.source != "GENERATED"
-                                            and picture.file_format not in ASSOCIATED_FORMATS)
-        alpha = "STRAIGHT" if straight else "PREMUL"
+        alpha = "PREMUL" if picture.is_float else "STRAIGHT"
     return {"name": picture.name, "colorspace": picture.colorspace_settings.name, "alpha": alpha,
             "float": picture.is_float}

@@ -26,6 +26,7 @@ class Canvas:
     def __init__(self, tree):
         self.tree = tree
         self.made = {}
+        self.method = "BUMP"
 
     def node(self, kind, inputs=None, **settings):
         return add(self.tree, kind, inputs, **settings)
@@ -61,6 +62,11 @@ class Canvas:
         """scale * i + offset, or of j or k, by the axis "x", "y" or "z"."""
         parts = self.once("parts", lambda: self.node("SeparateXYZ", {0: self.cells()}).outputs)
         return self.node("Math", {0: parts["xyz".index(axis)], 1: scale, 2: offset}, operation="MULTIPLY_ADD").outputs[0]
+
+    def displace(self, socket, method="BUMP"):
+        """Wires the material's displacement output."""
+        self.tree.links.new(socket, self.tree.get_output_node("CYCLES").inputs["Displacement"])
+        self.method = method
 
     def out(self, node, identifier):
         return named(node.outputs, identifier)

@@ -6,6 +6,7 @@ flattens it with the host of examples/blender_host.
 
 import importlib
 import sys
+import tempfile
 from pathlib import Path
 
 import bpy
@@ -15,22 +16,39 @@ HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "host"), str(HERE.parents[1] / "examples")]
 
 import blender_host  # noqa: E402
+from blender_host import export  # noqa: E402
 import render  # noqa: E402
 import store  # noqa: E402
-from builder import SIDE, Canvas  # noqa: E402
+from builder import SIDE  # noqa: E402
+from scenes import facts, normals, rays, stage, textures  # noqa: E402
 
-TILED = ("value", "vector", "mix", "colour", "patterns", "noise", "tables", "pictures", "flattening")
+TILED = ("value", "vector", "mix", "colour", "patterns", "noise", "tables", "pictures", "shaders", "flattening")
 PER_PICTURE = 400
+JITTER = 1 / 2048, 1 / 2048  # how far from the pixel's middle Cycles takes its one sample
 
 
 def main(wanted):
-    for family in wanted or TILED:
+    store.save_settings(settings())
+    for family in wanted or TILED + ("scenes",):
         bpy.ops.wm.read_factory_settings(use_empty=True)
+        if family == "scenes":
+            save_scenes()
+            continue
         cases = list(importlib.import_module("families." + family).cases())
         records, values = tiled(cases)
-        textures = {name: texels(name) for record in records for name in record["document"]["images"]}
-        store.save(family, records, {"values": values} | {"texture " + name: data for name, data in textures.items()})
-        print(f"{family}: {len(records)} cases, {len(textures)} textures", flush=True)
+        save(family, records, values, {})
+
+
+def settings():
+    """{node type: {property: its possible values}} of all enumerations and switches that Blender has."""
+    common = bpy.types.ShaderNode.bl_rna.properties.keys()
+    found = {}
+    for name in sorted(dir(bpy.types)):
+        if name.startswith("ShaderNode") and name != "ShaderNode":
+            own = [prop for prop in getattr(bpy.types, name).bl_rna.properties if prop.identifier not in common]
+            found[name] = {prop.identifier: [item.identifier for item in prop.enum_items] for prop in own if prop.type == "ENUM"}
+            found[name] |= {prop.identifier: [False, True] for prop in own if prop.type == "BOOLEAN"}
+    return found
 
 
 def tiled(cases):
@@ -38,8 +56,7 @@ def tiled(cases):
     mesh = render.squares(1, 1)
     for start in range(0, len(cases), PER_PICTURE):
         some = cases[start:start + PER_PICTURE]
-        materials = [render.material(f"{case.node} {case.name}", lambda tree, case=case: case.build(Canvas(tree)))
-                     for case in some]
+        materials = [render.material(f"{case.node} {case.name}", case.build) for case in some]
         records += [{"node": case.node, "name": case.name, "reason": case.reason,
                      "document": blender_host.flatten(one, mesh)} for case, one in zip(some, materials)]
         values.append(render.tiles(materials))
@@ -52,19 +69,63 @@ def tiled(cases):
 
 def check_coordinates(count):
     """The second frame: every pixel's UV coordinate lies in the cell that it should lie in."""
-    shown = render.material("UV", lambda tree: tree.nodes.new("ShaderNodeUVMap").outputs[0])
+    shown = render.material("UV", lambda canvas: canvas.node("UVMap").outputs[0])
     uv = render.tiles([shown] * min(count, PER_PICTURE))[..., :2]
     cells = np.stack(np.meshgrid(np.arange(SIDE), np.arange(SIDE)), axis=-1)
     assert (np.floor(uv * SIDE) == cells).all(), "the camera's jitter moves pixels into other cells"
 
 
+def save_scenes():
+    """One family for each scene: all of its cases, the pixels that see the object and their inputs."""
+    for scene in stage.SCENES:
+        bpy.ops.wm.read_factory_settings(use_empty=True)
+        thing, camera = stage.build(scene)
+        render.settings(stage.PIXELS, stage.PIXELS)
+        surface, view = rays.Surface(thing), rays.View(camera, JITTER)
+        columns, rows, triangles = rays.look(surface, view)
+        inputs = rays.inputs(surface, view, columns, rows, triangles)
+        check_positions(thing, inputs, columns, rows)
+        records, values = [], []
+        for case in [case for part in (facts, textures, normals) for case in part.cases(scene)]:
+            shown = render.material(f"{case.node} {case.name}", case.build)
+            records.append({"node": case.node, "name": f"{scene.name}: {case.name}", "reason": case.reason,
+                            "document": blender_host.flatten(shown, thing.data)})
+            values.append(wear(thing, shown)[rows, columns])
+            bpy.data.materials.remove(shown)
+        save("scene_" + scene.name.replace(" ", "_"), records, np.array(values), {"input " + kind: value for kind, value in inputs.items()})
+
+
+def wear(thing, material):
+    thing.data.materials.clear()
+    thing.data.materials.append(material)
+    return render.picture()
+
+
+def check_positions(thing, inputs, columns, rows):
+    """A frame of its own: our rays meet the surface where Cycles' rays do."""
+    shown = wear(thing, render.material("Position", lambda canvas: canvas.node("NewGeometry").outputs["Position"]))
+    ours = inputs["world_position"] * rays.FLIP / 100
+    assert np.abs(shown[rows, columns] - ours).max() < 5e-5 and (np.abs(shown).sum(axis=2) > 0).sum() == len(rows)
+
+
+def save(family, records, values, arrays):
+    used = {name for record in records for name in record["document"]["images"]}
+    store.save(family, records, {"values": values} | arrays | {"texture " + name: texels(name) for name in sorted(used)})
+    print(f"{family}: {values.shape[0]} cases of {values.shape[1]} pixels, {len(used)} textures", flush=True)
+
+
 def texels(name):
-    """An image as a texture holds it, row 0 on top: bytes as they are, floats linear."""
-    image = bpy.data.images[name]
-    pixels = np.empty(len(image.pixels), np.float32)
-    image.pixels.foreach_get(pixels)
-    pixels = pixels.reshape(image.size[1], image.size[0], 4)[::-1]
-    return pixels if image.is_float else np.rint(pixels * 255).astype(np.uint8)
+    """An image as a texture holds it, row 0 on top: what the host saves, bytes as bytes."""
+    with tempfile.TemporaryDirectory() as folder:
+        path = export.save_texture(bpy.data.images[name], Path(folder) / "texture")
+        image = bpy.data.images.load(str(path))
+        image.alpha_mode, image.colorspace_settings.name = "CHANNEL_PACKED", "Non-Color"
+        pixels = np.empty(len(image.pixels), np.float32)
+        image.pixels.foreach_get(pixels)
+        pixels = pixels.reshape(image.size[1], image.size[0], 4)[::-1]
+        pixels = pixels if image.is_float else np.rint(pixels * 255).astype(np.uint8)
+        bpy.data.images.remove(image)
+    return pixels
 
 
 if __name__ == "__main__":

@@ -6,7 +6,7 @@ import tempfile
 import bpy
 import numpy as np
 
-from builder import SIDE
+from builder import SIDE, Canvas
 
 
 def settings(width, height):
@@ -38,15 +38,18 @@ def picture():
     return pixels[..., :3].copy()
 
 
-def material(name, fill):
-    """A material that glows with the socket that `fill` makes."""
+def material(name, build):
+    """A material that glows with the socket that `build` makes on a Canvas, or has it as its shader."""
     made = bpy.data.materials.new(name)
     made.use_nodes = True
     tree = made.node_tree
     tree.nodes.clear()
-    glow = tree.nodes.new("ShaderNodeEmission")
-    tree.links.new(fill(tree), glow.inputs["Color"])
-    tree.links.new(glow.outputs[0], tree.nodes.new("ShaderNodeOutputMaterial").inputs["Surface"])
+    end, glow = tree.nodes.new("ShaderNodeOutputMaterial"), tree.nodes.new("ShaderNodeEmission")
+    tree.links.new(glow.outputs[0], end.inputs["Surface"])
+    canvas = Canvas(tree)
+    shown = build(canvas)
+    tree.links.new(shown, end.inputs["Surface"] if shown.type == "SHADER" else glow.inputs["Color"])
+    made.displacement_method = canvas.method
     return made
 
 

@@ -29,5 +29,14 @@ def load(family):
         return records, {name: arrays[name] for name in arrays.files}
 
 
+def save_settings(settings):
+    DATA.mkdir(exist_ok=True)
+    (DATA / "settings.json").write_text(json.dumps(settings, indent=1) + "\n")
+
+
+def load_settings():
+    return json.loads((DATA / "settings.json").read_text())
+
+
 def families():
     return sorted(path.name.removesuffix(".json.xz") for path in DATA.glob("*.json.xz"))

@@ -210,6 +210,16 @@ def ramp_in_hsv(tree):
     return node.outputs[0]
 
 
+def ramp_past_red(tree):
+    """The nearest way between the hues is by red, which the document's straight way from one to the other never passes."""
+    node = add(tree, "ValToRGB", {0: add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]})
+    band = node.color_ramp
+    band.color_mode = "HSL"
+    band.elements[0].color, band.elements[1].color = (0.8, 0.5, 0.2, 1.0), (0.9, 0.7, 0.1, 0.5)
+    band.elements.new(0.25).color = (0.9, 0.2, 0.6, 1.0)
+    return node.outputs[0]
+
+
 def rgb_curves(tree):
     """The common curve and one channel bent."""
     node = add(tree, "RGBCurve", {"Color": vector(tree)})
@@ -217,6 +227,13 @@ def rgb_curves(tree):
         node.mapping.curves[part].points.new(*place)
     node.mapping.update()
     return node.outputs[0]
+
+
+def direction(tree):
+    """A Normal node whose vector is not of unit length."""
+    node = add(tree, "Normal", {"Normal": vector(tree)})
+    node.outputs["Normal"].default_value = (0.3, -0.4, 0.2)
+    return node.outputs["Dot"]
 
 
 def unused_branch(tree):

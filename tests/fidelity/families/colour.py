@@ -2,8 +2,10 @@
 
 from builder import Case, Draw, words
 
-COLOURS = {"plain": (1 / 16, 0.0), "bright": (0.25, -0.5), "grey": None}
+COLOURS = {"plain": (1 / 16, 0.0), "bright": (0.25, -0.53125), "grey": None}
 LUMINANCE = "the weights of red, green and blue have four digits, Cycles takes them from the working space"
+
+MATRIX = "the matrix from XYZ to red, green and blue differs from Cycles' in the fourth digit"
 
 
 def cases():
@@ -53,4 +55,4 @@ def light():
     for name, (scale, offset) in {"visible": (26.0, 380.0), "edges": (2.0, 372.0), "red": (4.0, 700.0),
                                   "beyond": (100.0, -400.0)}.items():
         yield Case("Wavelength", name, lambda c, s=scale, o=offset: c.node(
-            "Wavelength", {0: c.number("x", s, o)}).outputs[0])
+            "Wavelength", {0: c.number("x", s, o)}).outputs[0], MATRIX if name in ("visible", "beyond") else "")

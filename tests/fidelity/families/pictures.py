@@ -1,16 +1,17 @@
 """Image and environment textures."""
 
 import tempfile
-from pathlib import Path
 
 import bpy
 import numpy as np
 
 from builder import Case, words
 
+FOLDER = tempfile.TemporaryDirectory()  # for the pictures that stay on the disk
 SPACE = "colour spaces other than sRGB and linear Rec.709 are read as linear"
+HALF = "Cycles multiplies and filters pictures of 16 bits on the disk before it decodes them"
 SIZES = {"tall": (5, 7), "wide": (16, 9), "single": (1, 1), "column": (1, 4), "small": (3, 2)}
-OFF_TEXELS = (3 / 16, (-1.0 + 1 / 64, -1.0 + 3 / 128, 0.5))  # never on a border between texels
+OFF_TEXELS = (3 / 16, (-1.0 + 1 / 64, -1.0 + 3 / 128, 0.5 + 1 / 64))  # never on a border between texels
 
 
 def cases():
@@ -33,10 +34,11 @@ def cases():
                                     interpolation=interpolation)
     for space in ("ACEScg", "Linear Rec.2020"):
         yield image(f"byte {space}", ("byte", space, "STRAIGHT", "wide"), "Color", reason=SPACE)
-    for file in ("PNG 8", "PNG 16", "OPEN_EXR 32"):
+    for file in ("PNG 8", "PNG 16", "OPEN_EXR 32", "PNG 8 disk", "PNG 16 disk", "OPEN_EXR 32 disk"):
         for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
             for out in ("Color", "Color beside Alpha", "Alpha"):
-                yield image(f"file {file} {alpha} {out}", (file, None, alpha, "small"), out)
+                half = file == "PNG 16 disk" and out != "Alpha"
+                yield image(f"file {file} {alpha} {out}", (file, None, alpha, "small"), out, HALF if half else "")
     yield Case("Image Texture", "none", lambda c: c.node("TexImage", {"Vector": c.vector()}).outputs["Color"])
     yield from environments()
 
@@ -91,21 +93,20 @@ def texels(width, height, bright):
 
 
 def from_file(name, kind, alpha, size):
-    """The same texels by way of a file: "PNG 8", "PNG 16", "OPEN_EXR 32"."""
-    form, depth = kind.split()
+    """The same texels by way of a file: "PNG 8", "PNG 16", "OPEN_EXR 32", packed unless "disk" is said."""
+    form, depth, *rest = kind.split()
     width, height = SIZES[size]
     source = bpy.data.images.new("source", width, height, alpha=True, float_buffer=depth != "8")
     source.pixels.foreach_set(texels(width, height, False))
-    with tempfile.TemporaryDirectory() as folder:
-        path = str(Path(folder) / ("file." + ("png" if form == "PNG" else "exr")))
-        scene = bpy.context.scene
-        before = scene.render.image_settings.file_format, scene.render.image_settings.color_depth
-        scene.render.image_settings.file_format, scene.render.image_settings.color_depth = form, depth
-        scene.render.image_settings.color_mode = "RGBA"
-        source.save_render(path)
-        scene.render.image_settings.file_format, scene.render.image_settings.color_depth = before
-        made = bpy.data.images.load(path)
-        made.name = name
-        made.pack()
+    path = f"{FOLDER.name}/{name}.{'png' if form == 'PNG' else 'exr'}"
+    settings = bpy.context.scene.render.image_settings
+    before = settings.file_format, settings.color_depth, settings.color_mode
+    settings.file_format, settings.color_depth, settings.color_mode = form, depth, "RGBA"
+    source.save_render(path)
+    settings.file_format, settings.color_depth, settings.color_mode = before
     bpy.data.images.remove(source)
+    made = bpy.data.images.load(path)
+    made.name = name
+    if not rest:
+        made.pack()
     return made

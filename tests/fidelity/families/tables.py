@@ -3,7 +3,6 @@
 from builder import Case, Draw, words
 
 SPLINES = "ramps of this kind are linear in the translation"
-WAY = "the document has no word for this way round the hues"
 TABLE = "Cycles looks a ramp up in a table of 257 entries, so it bends and steps at other places in between"
 
 
@@ -16,8 +15,8 @@ def cases():
                     yield Case("Color Ramp", f"{mode} {interpolation} {out} {seed}",
                                ramp(mode, interpolation, "NEAR", seed, out), SPLINES if spline else "")
         for way in ("FAR", "CW", "CCW") if mode != "RGB" else ():
-            for seed in range(2):
-                yield Case("Color Ramp", f"{mode} {way} {seed}", ramp(mode, "LINEAR", way, seed, "Color"), WAY)
+            for seed in range(4):
+                yield Case("Color Ramp", f"{mode} {way} {seed}", ramp(mode, "LINEAR", way, seed, "Color"))
     for interpolation in ("LINEAR", "CONSTANT"):
         yield Case("Color Ramp", f"between the table's entries {interpolation}",
                    ramp("RGB", interpolation, "NEAR", 1, "Color", odd=True), TABLE)
@@ -34,12 +33,13 @@ def every_step(c, low=0.0, high=1.0):
 
 def ramp(mode, interpolation, way, seed, out, odd=False):
     draw = Draw("ramp", mode, seed)
-    stops = {9: [0.5], 0: [0.0, 1.0]}.get(seed) or sorted(draw.number(0.0625, 0.9375, 1 / 32) for _ in range(5))
+    stops = {9: [0.5], 0: [0.0, 1.0]}.get(seed) or sorted(draw.random.sample(range(2, 31), 5))
+    stops = [(place + (0.3 if odd else 0.0)) / 32 if place > 1 else place for place in stops]
 
     def build(c):
         fac = every_step(c, *((-0.25, 1.25 + 1 / 3) if odd else (0.0, 1.0)))
         if odd:
-            fac = c.node("Math", {0: fac, 1: 0.9}, operation="MULTIPLY").outputs[0]
+            fac = c.node("Math", {0: fac, 1: 0.9371, 2: 0.0013}, operation="MULTIPLY_ADD").outputs[0]
         node = c.node("ValToRGB", {"Fac": fac})
         band = node.color_ramp
         band.color_mode, band.interpolation, band.hue_interpolation = mode, interpolation, way

@@ -50,6 +50,7 @@ def rgb(c, colour):
     return node.outputs[0]
 
 
+HIDDEN_CLAMP = "Clamp counts in Cycles in the smooth modes too, where Blender doesn't show it"
 LIMITS = ("From Min", "From Max", "To Min", "To Max")
 RANGE_SETS = {
     "plain": (-1.0, 1.0, 0.0, 4.0),
@@ -65,7 +66,9 @@ def map_range():
             for clamp in (False, True):
                 for steps in (4.0, 0.0) if interpolation == "STEPPED" else (4.0,):
                     label = f"{interpolation} {name} steps {steps:g}{' clamped' if clamp else ''}"
-                    yield Case("Map Range", label, float_range(interpolation, limits, clamp, steps))
+                    hidden = clamp and name == "empty" and interpolation.startswith("SMOOTH")
+                    yield Case("Map Range", label, float_range(interpolation, limits, clamp, steps),
+                               HIDDEN_CLAMP if hidden else "")
                     yield Case("Map Range", label + " vector", vector_range(interpolation, limits, clamp, steps))
         yield Case("Map Range", f"{interpolation} all linked", linked_range(interpolation))
 

@@ -1,0 +1,49 @@
+"""Ways round the circle of hues.
+
+Between two stops of a ramp in HSV or HSL Blender goes round the circle the near way, the far way or in a set direction. The
+document knows only the straight way from one hue to the other, which never passes the seam at red (hue 0 and 1). Where
+the way does pass it, two stops of the same place are put in: the hue at one end of the range, then at the other.
+"""
+
+import colorsys
+
+EDGE = 1e-5  # how far from the seam the new stops stay, since hue 1 is the colour of hue 0
+
+
+def through_the_seam(stops, mode, way):
+    """The stops with those put in that the way needs."""
+    found = stops[:1]
+    for (start, first), (end, second) in zip(stops, stops[1:]):
+        one, two = split(first, mode), split(second, mode)
+        turn = turned(one[0], two[0], way)
+        if turn and end > start:
+            share = ((1 - one[0]) if turn > 0 else one[0]) / abs(two[0] + turn - one[0])
+            place = start + (end - start) * share
+            between = [a + (b - a) * share for a, b in zip(one, two)]
+            for hue in (1 - EDGE, EDGE) if turn > 0 else (EDGE, 1 - EDGE):
+                found.append([place, join([hue] + between[1:], mode)])
+        found.append([end, second])
+    return found
+
+
+def turned(one, two, way):
+    """The whole turns, -1, 0 or 1, that the second hue lies beyond the first one's round."""
+    if way == "NEAR":
+        return (two - one < -0.5) - (two - one > 0.5)
+    if way == "FAR":
+        return (-0.5 < two - one < 0) - (0 <= two - one < 0.5)
+    return int(way == "CW" and two < one) - int(way == "CCW" and two > one)
+
+
+def split(colour, mode):
+    """[hue, the mode's second and third component, alpha]"""
+    red, green, blue, alpha = colour
+    if mode == "HSV":
+        return [*colorsys.rgb_to_hsv(red, green, blue), alpha]
+    hue, lightness, saturation = colorsys.rgb_to_hls(red, green, blue)
+    return [hue, saturation, lightness, alpha]
+
+
+def join(parts, mode):
+    hue, second, third, alpha = parts
+    return [*(colorsys.hsv_to_rgb(hue, second, third) if mode == "HSV" else colorsys.hls_to_rgb(hue, third, second)), alpha]
