@@ -65,7 +65,7 @@ std::vector<OutputRow> write_outputs(Gen& g, const Value& material, Text c) {
 }
 
 Value material_record(const Gen& g, bool emission_mode) {
-    const Value material = Value::map(g.runtime());
+    Value material = Value::map(g.runtime());
     material.put("shading", Value::word(g.runtime(), emission_mode ? Word("unlit") : Word("default_lit")));
     material.put("blend", Value::word(g.runtime(), "opaque"));
     const bool culled = setting(g.ir, "backface_culling").truthy();
@@ -75,7 +75,7 @@ Value material_record(const Gen& g, bool emission_mode) {
 }
 
 Value output_record(const Gen& g, const OutputRow& row) {
-    const Value record = Value::map(g.runtime());
+    Value record = Value::map(g.runtime());
     record.put("name", Value::word(g.runtime(), row.name));
     record.put("type", Value::word(g.runtime(), row.type));
     record.put("property", Value::word(g.runtime(), row.property));
@@ -88,7 +88,7 @@ Value put_displacement(const Gen& g, const Value& params, const Value& warnings)
     const Displacement disp = _displacement(g.module(), g.ir, g.use_params);
     params.update(disp.params);
     disp.warnings.for_each([&](const Value& warning) { warnings.append(warning); });
-    const Value record = Value::map(g.runtime());
+    Value record = Value::map(g.runtime());
     record.put("code", disp.code);
     record.put("inputs", disp.inputs);
     record.put("magnitude", Value::number(g.runtime(), disp.magnitude));
@@ -128,7 +128,7 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
     if (!emission_mode && wants_displacement(g)) {
         displacement = put_displacement(g, inputs.params, warnings);
     }
-    const Value result = Value::map(g.runtime());
+    Value result = Value::map(g.runtime());
     result.put("code", code);
     result.put("inputs", inputs.sorted);
     result.put("outputs", output_list);

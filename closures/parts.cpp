@@ -9,7 +9,7 @@ namespace quillgen {
 namespace {
 
 Value line_list(const Gen& g) {
-    const Value list = Value::list(g.runtime());
+    Value list = Value::list(g.runtime());
     std::size_t start = 0;
     for (const std::size_t end : g.line_ends()) {
         list.append(Value::text(g.runtime(), g.body().substr(start, end - start - 1)));
@@ -33,7 +33,7 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
     const bool emission_mode = mode.is("emission");
     Gen g(module, ir, emission_mode, use_params, uv_bias);
     const Gen::Run res = g.run();
-    const Value result = Value::map(g.runtime());
+    Value result = Value::map(g.runtime());
     result.put("body", line_list(g));
     result.put("ret", Value::text(g.runtime(), emission_mode ? res.base : g.text("$0.base", res.closure)));
     result.put("need", g.need());

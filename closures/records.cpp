@@ -67,7 +67,7 @@ std::vector<std::size_t> order_by_name(const std::vector<Input>& inputs) {
 
 InputRecords input_records(const Gen& g) {
     const std::vector<Input>& inputs = g.inputs.entries();
-    const InputRecords records = {Value::list(g.runtime()), Value::map(g.runtime())};
+    InputRecords records = {Value::list(g.runtime()), Value::map(g.runtime())};
     std::vector<Value> names;
     names.reserve(inputs.size());
     for (const Input& input : inputs) {
@@ -77,7 +77,7 @@ InputRecords input_records(const Gen& g) {
         }
     }
     for (const std::size_t i : order_by_name(inputs)) {
-        const Value record = Value::map(g.runtime());
+        Value record = Value::map(g.runtime());
         record.put("name", names[i]);
         record.put("kind", word(g, inputs[i].kind));
         put_details(g, record, inputs[i]);
@@ -87,9 +87,9 @@ InputRecords input_records(const Gen& g) {
 }
 
 Value inputs_by_name(const Gen& g) {
-    const Value map = Value::map(g.runtime());
+    Value map = Value::map(g.runtime());
     for (const Input& input : g.inputs.entries()) {
-        const Value record = Value::map(g.runtime());
+        Value record = Value::map(g.runtime());
         record.put("kind", word(g, input.kind));
         put_details(g, record, input);
         map.put(Value::text(g.runtime(), input.name), record);
@@ -98,7 +98,7 @@ Value inputs_by_name(const Gen& g) {
 }
 
 Value warning_list(const Gen& g) {
-    const Value list = Value::list(g.runtime());
+    Value list = Value::list(g.runtime());
     for (const Text warning : g.warnings) {
         list.append(Value::text(g.runtime(), warning));
     }

@@ -146,7 +146,7 @@ Value Value::call(const Value& argument) const {
 Value Value::remainder(const Value& operand) const { return own(PyNumber_Remainder(object_.get(), operand.object())); }
 
 Value Value::sorted_list() const {
-    const Value list = copied_list();
+    Value list = copied_list();
     checked(PyList_Sort(list.object()));
     return list;
 }

@@ -67,7 +67,7 @@ public:
     [[nodiscard]] Value copied_list() const;  // list(value)
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
     [[nodiscard]] Text formatted(std::string& storage) const;  // as a format writes it
-    void append_to(std::string& out) const;  // as a format writes it
+    void append_to(std::string& out) const;                    // as a format writes it
     // The text of a str value; `storage` holds it where the value itself cannot.
     [[nodiscard]] bool is_str() const { return present() && PyUnicode_Check(object_.get()) != 0; }
     [[nodiscard]] Text text(std::string& storage) const { return to_text(object_.get(), storage); }

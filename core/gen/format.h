@@ -8,6 +8,14 @@
 #include <string_view>
 #include <type_traits>
 
+// A handler's frame stays on the stack while the graph above it is evaluated, so what a function only needs
+// for a moment stands in a frame of its own: the arrays of arguments below, and the words of a failure.
+#if defined(_MSC_VER)
+#define QUILLGEN_OWN_FRAME __declspec(noinline)
+#else
+#define QUILLGEN_OWN_FRAME __attribute__((noinline))
+#endif
+
 namespace quillgen {
 
 // What a format takes: a text, or an integer in decimal digits.

@@ -13,9 +13,9 @@ constexpr std::size_t kSignalInterval = 4096;
 
 }  // namespace
 
-Gen::Gen(const Module& module, const Value& document, bool emission_mode, bool params, Value bias)
-    : ir(document),
-      use_params(params),
+Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias)
+    : ir(std::move(document)),
+      use_params(with_params),
       uv_bias(std::move(bias)),
       module_(module),
       emission_mode_(emission_mode),
@@ -169,16 +169,9 @@ const TemplateTable::Row* Gen::row(Text table, const Value& operation, Text fall
     return module_.registry.table(table).find(operation.present() ? operation : Value::text(runtime(), fallback));
 }
 
-Text Gen::fill_row(const TemplateTable::Row& row, Arguments operands) {
-    for (const Word name : row.needs) {
-        use(name);
-    }
-    return kept(row.format, operands);
-}
-
 // ---- library names --------------------------------------------------------------------------
 
-void Gen::use(std::initializer_list<Word> names) {
+void Gen::use(std::span<const Word> names) {
     for (const Word name : names) {
         if (!needed_[name.index()]) {
             needed_[name.index()] = true;
@@ -251,10 +244,15 @@ Gen::Bound Gen::output(int place, int name, const Value& nid, const Value& out) 
         found = find_output(place, name);
     }
     if (found == nullptr || !found->bound) {
-        const Value type = nodes_[static_cast<std::size_t>(place)].type();
-        unsupported(text("$0 has no output $1", formatted(type), formatted(out)));
+        no_output(place, out);
     }
     return found->value;
+}
+
+void Gen::no_output(int place, const Value& out) {
+    const Value type = nodes_[static_cast<std::size_t>(place)].type();
+    const Text word = formatted(type);
+    unsupported(text("$0 has no output $1", word, formatted(out)));
 }
 
 void Gen::node(const Value& nid, int place) {

@@ -9,6 +9,7 @@
 
 #include <deque>
 #include <memory>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -54,7 +55,7 @@ struct Uses {
 class Gen {
 public:
     // KeyError where the document, or a node record of it, lacks a mandatory key.
-    Gen(const Module& module, const Value& ir, bool emission_mode, bool use_params, Value uv_bias);
+    Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias);
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
@@ -64,21 +65,21 @@ public:
 
     void emit(Text line) { emit_filled(line, {}); }
     template <class... Args>
-    void emit(Format<Args...> line, const Args&... args) {
+    QUILLGEN_OWN_FRAME void emit(Format<Args...> line, const Args&... args) {
         emit_filled(line.text(), {Argument(args)...});
     }
 
     // Declares a variable and gives its name. The type "closure" stands for the closure record.
     Text var(Text type, Text expr) { return declare(type, "v", expr); }
     template <class... Args>
-    Text var(Text type, Format<Args...> expr, const Args&... args) {
+    QUILLGEN_OWN_FRAME Text var(Text type, Format<Args...> expr, const Args&... args) {
         return declare(type, "v", expr.text(), {Argument(args)...});
     }
 
     // A text that lives as long as the generator.
     Text keep(Text text) { return arena_.keep(text); }
     template <class... Args>
-    Text text(Format<Args...> format, const Args&... args) {
+    QUILLGEN_OWN_FRAME Text text(Format<Args...> format, const Args&... args) {
         return kept(format.text(), {Argument(args)...});
     }
     Text _f(const Value& value) { return keep(quillgen::_f(value)); }
@@ -87,7 +88,7 @@ public:
 
     void warn(Text warning) { warnings.push_back(keep(warning)); }
     template <class... Args>
-    void warn(Format<Args...> warning, const Args&... args) {
+    QUILLGEN_OWN_FRAME void warn(Format<Args...> warning, const Args&... args) {
         warnings.push_back(kept(warning.text(), {Argument(args)...}));
     }
     [[noreturn]] void unsupported(Text message) const { module_.runtime.raise_unsupported(message); }
@@ -95,10 +96,15 @@ public:
     // The row of an operation, or of `fallback` where the word is absent; null for one without a row.
     [[nodiscard]] const TemplateTable::Row* row(Text table, const Value& operation, Text fallback) const;
     // The row's HLSL with the operands in it; asks for the library names that it calls.
-    Text fill_row(const TemplateTable::Row& row, std::initializer_list<Argument> operands);
+    template <class... Args>
+    QUILLGEN_OWN_FRAME Text fill_row(const TemplateTable::Row& row, const Args&... operands) {
+        use(row.needs);
+        return kept(row.format, {Argument(operands)...});
+    }
 
     // ---- library names ----------------------------------------------------------------------
-    void use(std::initializer_list<Word> names);
+    void use(std::span<const Word> names);
+    void use(std::initializer_list<Word> names) { use(std::span<const Word>(names.begin(), names.size())); }
     void use(Word name) { use({name}); }
     void use_composed(Text name);  // a name made of words of the document
     void use_struct(Word name);
@@ -113,11 +119,11 @@ public:
     void set(const Node& n, Word out, SocketType type, Text expr);
     void bind(const Node& n, Word out, SocketType type, Text expr);
     template <class... Args>
-    void set(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
+    QUILLGEN_OWN_FRAME void set(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
         set_filled(n, out, type, expr.text(), {Argument(args)...});
     }
     template <class... Args>
-    void bind(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
+    QUILLGEN_OWN_FRAME void bind(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
         bind_filled(n, out, type, expr.text(), {Argument(args)...});
     }
     // The same for an output whose name the document gives.
@@ -217,6 +223,8 @@ private:
     };
     Source mark_used(const Value& source);
     Bound output(int place, int name, const Value& nid, const Value& out);
+    [[noreturn]] void no_output(int place, const Value& out);
+    [[noreturn]] void no_input(const Node& n, Word ident);
     int name_of(const Value& out);
     [[nodiscard]] int find_place(const Value& nid) const;
     [[nodiscard]] const Output* find_output(const Node& n, Word out) const;
@@ -233,6 +241,7 @@ private:
     void set_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
     void bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
 
+    QUILLGEN_OWN_FRAME Text unlinked(const Node& n, Word ident, const Value& entry, SocketType want);
     SocketType socket_type(const Value& word);
     Value link_of(const Node& n, const Value& entry, Source& source);
     SocketType written_type(const Value& word);
@@ -259,9 +268,9 @@ private:
     std::vector<Node> nodes_;
     std::vector<State> states_;
     std::vector<Output> outputs_;
-    std::vector<Link> links_;   // by node
-    Value places_;              // node id -> place; of two records with one id the later
-    Value other_names_;         // output names that are no words -> number
+    std::vector<Link> links_;  // by node
+    Value places_;             // node id -> place; of two records with one id the later
+    Value other_names_;        // output names that are no words -> number
     std::deque<Value> unknown_types_;
 
     Value need_;

@@ -6,7 +6,7 @@ namespace quillgen {
 
 std::size_t Inputs::place_of(Text name) const {
     const std::size_t mask = places_.size() - 1;
-    std::size_t place = TextHash{}(name) & mask;
+    std::size_t place = TextHash{}(name)&mask;
     while (places_[place] != kFree && entries_[places_[place] - 1].name != name) {
         place = (place + 1) & mask;
     }

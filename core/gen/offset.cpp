@@ -60,9 +60,8 @@ public:
         for (const int place : up_) {
             State& state = g_.states_[static_cast<std::size_t>(place)];
             done_.push_back(std::exchange(state.done, false));
-            for_outputs(state, [&](Output& output) {
-                bound_.push_back({std::exchange(output.bound, false), output.value});
-            });
+            for_outputs(state,
+                        [&](Output& output) { bound_.emplace_back(std::exchange(output.bound, false), output.value); });
         }
         g_.boff_ = &offset;
     }

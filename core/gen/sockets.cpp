@@ -35,7 +35,7 @@ SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_
 // objects, which may give another entry at each look, nothing is known.
 Value Gen::link_of(const Node& n, const Value& entry, Source& source) {
     if (n.place < 0 || !n.in.is_map() || !entry.is_map()) {
-        const Value link = entry.find("link");
+        Value link = entry.find("link");
         if (link.present()) {
             source = {find_place(link.at(Py_ssize_t{0})), name_of(link.at(Py_ssize_t{1}))};
         }
@@ -52,9 +52,14 @@ Value Gen::link_of(const Node& n, const Value& entry, Source& source) {
     return {};
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): an operation of the generator, like its neighbours
 bool Gen::linked(const Node& n, Word ident) {
     const Value entry = n.in.get(ident);
     return !entry.is_none() && entry.contains("link");
+}
+
+void Gen::no_input(const Node& n, Word ident) {
+    unsupported(text("$0: no input $1", formatted(n.type()), ident.text()));
 }
 
 Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
@@ -63,7 +68,7 @@ Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
         if (fallback.data() != nullptr) {
             return fallback;
         }
-        unsupported(text("$0: no input $1", formatted(n.type()), ident.text()));
+        no_input(n, ident);
     }
     Source source = {};
     if (const Value link = link_of(n, entry, source); link.present()) {
@@ -72,6 +77,11 @@ Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
         // The document is believed over the handler.
         return convert(bound.text, type.truthy() ? written_type(type) : bound.type, want);
     }
+    return unlinked(n, ident, entry, want);
+}
+
+// What the socket's own value comes to.
+Text Gen::unlinked(const Node& n, Word ident, const Value& entry, SocketType want) {
     const SocketType type = socket_type(entry.at("t"));
     if (is_value_type(type)) {
         return convert(param(n, runtime().identifier(ident), type, entry.get("v")), type, want);

@@ -40,8 +40,6 @@ void _bump(Gen& g, const Node& n) {
 
 }  // namespace
 
-void register_bump(Registry& registry) {
-    registry.node({"ShaderNodeBump"}, _bump);
-}
+void register_bump(Registry& registry) { registry.node({"ShaderNodeBump"}, _bump); }
 
 }  // namespace quillgen

@@ -77,8 +77,8 @@ Text _bump_normal(Gen& g, Bump b, bool object_space) {
     const Text det = g.var("float", "dot($0, $1)", b.dpdx, rx);
     // the surface gradient of the height
     const Text sg = g.var("float3", "($0 - $1) * $2 + ($3 - $1) * $4", b.hx, b.hc, rx, b.hy, ry);
-    const Text out = g.var("float3", "L.safe_normalize($0 * abs($1) * $2 - $3 * (($1 < 0.0) ? -1.0 : 1.0) * $4)",
-                           b.fw, det, b.N, b.scale, sg);
+    const Text out = g.var("float3", "L.safe_normalize($0 * abs($1) * $2 - $3 * (($1 < 0.0) ? -1.0 : 1.0) * $4)", b.fw,
+                           det, b.N, b.scale, sg);
     g.emit("if (dot($0, $0) == 0.0) $0 = $1; else $0 = normalize($2 * $0 + (1.0 - $2) * $1);", out, b.N, b.strength);
     if (object_space) {
         return g.var("float3", "L.n_obj_to_world($0, $1, $2, $3)", out, ox, oy, oz);

@@ -24,8 +24,8 @@ void _displacement_node(Gen& g, const Node& n) {
     const Text ox = g.geo("ox");
     const Text oy = g.geo("oy");
     const Text oz = g.geo("oz");
-    const Text d = g.var("float3", "L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3))) * $4", nv, ox,
-                         oy, oz, h);
+    const Text d =
+        g.var("float3", "L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3))) * $4", nv, ox, oy, oz, h);
     g.set(n, "Displacement", VECTOR, "($0.x * $1 + $0.y * $2 + $0.z * $3)", d, ox, oy, oz);
 }
 
@@ -34,8 +34,7 @@ void _displacement_node(Gen& g, const Node& n) {
 Text from_tangent_space(Gen& g, Text d, Text ox, Text oy, Text oz) {
     g.use("safe_normalize");
     const Text nf = g.geo("Nf");
-    const Text nl =
-        g.var("float3", "L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))", nf, ox, oy, oz);
+    const Text nl = g.var("float3", "L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))", nf, ox, oy, oz);
     const Text t = g.var("float3", g.geo("Tl"));
     const Text b = g.var("float3", "L.safe_normalize(cross($0, $1))", nl, t);
     const Text nlo = g.geo("Nl");

@@ -32,9 +32,10 @@ void _layer_weight(Gen& g, const Node& n) {
     const Text f = g.var("float", "abs(dot($0, $1))", i, nor);
     // The blend as an exponent: 0.5 leaves f as it is, and the clamp keeps the division finite.
     const Text b = g.var("float", blend);
-    g.emit("if ($0 != 0.5) { $0 = clamp($0, 0.0, 1.0 - 1e-5); "
-           "$0 = ($0 < 0.5) ? 2.0 * $0 : 0.5 / (1.0 - $0); $1 = pow($1, $0); }",
-           b, f);
+    g.emit(
+        "if ($0 != 0.5) { $0 = clamp($0, 0.0, 1.0 - 1e-5); "
+        "$0 = ($0 < 0.5) ? 2.0 * $0 : 0.5 / (1.0 - $0); $1 = pow($1, $0); }",
+        b, f);
     g.set(n, "Facing", VALUE, "1.0 - $0", f);
 }
 

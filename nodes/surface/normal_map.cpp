@@ -31,8 +31,8 @@ void tangent_space(Gen& g, const NormalMap& m) {
     const Text b = g.var("float3", "cross($0, $1)", nl, t);
     g.emit("if (dot($0, $1) < 0.0) $0 = -$0;", b, bl);
     g.emit("$0.x *= $1; $0.y *= $1; $0.z = lerp(1.0, $0.z, saturate($1));", m.col, m.strength);
-    g.emit("float3 $0 = L.n_obj_to_world(L.safe_normalize($1.x * $2 + $1.y * $3 + $1.z * $4), $5, $6, $7);",
-           m.nm, m.col, t, b, nl, m.ox, m.oy, m.oz);
+    g.emit("float3 $0 = L.n_obj_to_world(L.safe_normalize($1.x * $2 + $1.y * $3 + $1.z * $4), $5, $6, $7);", m.nm,
+           m.col, t, b, nl, m.ox, m.oy, m.oz);
     flip_on_the_back(g, m.nm);
 }
 
@@ -78,8 +78,6 @@ void _normal_map(Gen& g, const Node& n) {
 
 }  // namespace
 
-void register_normal_map(Registry& registry) {
-    registry.node({"ShaderNodeNormalMap"}, _normal_map);
-}
+void register_normal_map(Registry& registry) { registry.node({"ShaderNodeNormalMap"}, _normal_map); }
 
 }  // namespace quillgen

@@ -7,9 +7,7 @@ namespace quillgen {
 
 namespace {
 
-void _value(Gen& g, const Node& n) {
-    g.bind(n, "Value", VALUE, g.param(n, "value", VALUE, n.props().get("value")));
-}
+void _value(Gen& g, const Node& n) { g.bind(n, "Value", VALUE, g.param(n, "value", VALUE, n.props().get("value"))); }
 
 // What an RGB node shows in Blender before anyone touches it.
 Value mid_grey(const Runtime& runtime) {

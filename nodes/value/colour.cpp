@@ -32,11 +32,12 @@ void _bright(Gen& g, const Node& n) {
 void _gamma(Gen& g, const Node& n) {
     const Text c = g.var("float3", g.inp(n, "Color", RGBA));
     const Text gm = g.var("float", g.inp(n, "Gamma", VALUE));
-    g.emit("if ($1 == 0.0) $0 = float3(1.0, 1.0, 1.0); else { "
-           "if ($0.x > 0.0) $0.x = pow($0.x, $1); "
-           "if ($0.y > 0.0) $0.y = pow($0.y, $1); "
-           "if ($0.z > 0.0) $0.z = pow($0.z, $1); }",
-           c, gm);
+    g.emit(
+        "if ($1 == 0.0) $0 = float3(1.0, 1.0, 1.0); else { "
+        "if ($0.x > 0.0) $0.x = pow($0.x, $1); "
+        "if ($0.y > 0.0) $0.y = pow($0.y, $1); "
+        "if ($0.z > 0.0) $0.z = pow($0.z, $1); }",
+        c, gm);
     g.bind(n, "Color", RGBA, c);
 }
 

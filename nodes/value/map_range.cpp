@@ -58,8 +58,8 @@ void map_vector(Gen& g, const Node& n, const Value& p) {
     const Text r = g.var("float3", "$0 + $1 * ($2 - $0)", in.tmin, f, in.tmax);
     if (clamps(p)) {
         for (const char* comp : kComponents) {
-            g.emit("$0.$3 = ($1.$3 > $2.$3) ? clamp($0.$3, $2.$3, $1.$3) : clamp($0.$3, $1.$3, $2.$3);",
-                   r, in.tmin, in.tmax, comp);
+            g.emit("$0.$3 = ($1.$3 > $2.$3) ? clamp($0.$3, $2.$3, $1.$3) : clamp($0.$3, $1.$3, $2.$3);", r, in.tmin,
+                   in.tmax, comp);
         }
     }
     g.bind(n, "Vector", VECTOR, r);
@@ -83,16 +83,16 @@ void assign_factor(Gen& g, const Node& n, const Value& p, const Ranges& in, Text
         g.emit("$0 = ($1 - $2) / ($3 - $2);", f, in.v, in.fmin, in.fmax);
     } else if (interpolation_is(p, "STEPPED")) {
         const Text st = g.var("float", g.inp(n, "Steps", VALUE));
-        g.emit("$0 = ($1 - $2) / ($3 - $2); $0 = ($4 > 0.0) ? floor($0 * ($4 + 1.0)) / $4 : 0.0;",
-               f, in.v, in.fmin, in.fmax, st);
+        g.emit("$0 = ($1 - $2) / ($3 - $2); $0 = ($4 > 0.0) ? floor($0 * ($4 + 1.0)) / $4 : 0.0;", f, in.v, in.fmin,
+               in.fmax, st);
     } else if (interpolation_is(p, "SMOOTHSTEP")) {
         g.use("smoothstepc");
-        g.emit("$0 = ($1 > $2) ? 1.0 - L.smoothstepc($2, $1, $3) : L.smoothstepc($1, $2, $3);",
-               f, in.fmin, in.fmax, in.v);
+        g.emit("$0 = ($1 > $2) ? 1.0 - L.smoothstepc($2, $1, $3) : L.smoothstepc($1, $2, $3);", f, in.fmin, in.fmax,
+               in.v);
     } else {
         g.use("smootherstep");
-        g.emit("$0 = ($1 > $2) ? 1.0 - L.smootherstep($2, $1, $3) : L.smootherstep($1, $2, $3);",
-               f, in.fmin, in.fmax, in.v);
+        g.emit("$0 = ($1 > $2) ? 1.0 - L.smootherstep($2, $1, $3) : L.smootherstep($1, $2, $3);", f, in.fmin, in.fmax,
+               in.v);
     }
 }
 

@@ -9,8 +9,8 @@ namespace {
 
 void _mapping(Gen& g, const Node& n) {
     g.use("mapping");
-    const int m = code_of(n.props(), "vector_type", "POINT",
-                          {{"POINT", 0}, {"TEXTURE", 1}, {"VECTOR", 2}, {"NORMAL", 3}});
+    const int m =
+        code_of(n.props(), "vector_type", "POINT", {{"POINT", 0}, {"TEXTURE", 1}, {"VECTOR", 2}, {"NORMAL", 3}});
     // Blender's node has no location for a direction or a normal.
     const Text loc = g.inp(n, "Location", VECTOR, "float3(0.0, 0.0, 0.0)");
     const Text v = g.inp(n, "Vector", VECTOR);
