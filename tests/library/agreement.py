@@ -33,7 +33,7 @@ def table(name):
     return json.loads(path.read_text(encoding="utf-8"))
 
 
-def evaluate(function, *columns, hv="2021"):
+def evaluate(function, *columns):
     """The function's result for columns of arguments (lists, arrays, or one value for all), each of its own type."""
     result, kinds = signature(function)
     n = max(len(c) for c in columns if np.ndim(c))
@@ -43,7 +43,7 @@ def evaluate(function, *columns, hv="2021"):
         array = np.asarray(column, DTYPES.get(kind, np.float32))
         shape = (n, width) if width > 1 else (n,)
         arrays.append(np.ascontiguousarray(np.broadcast_to(array, shape)))
-    return library.call(function, *arrays, result=result, hv=hv)
+    return library.call(function, *arrays, result=result)
 
 
 def deviation(got, want):
