@@ -17,7 +17,7 @@ DTYPES = {"int": np.int32, "int2": np.int32, "uint": np.uint32, "bool": np.bool_
 
 @functools.cache
 def signature(function, unit=None):
-    """(result type, types of the arguments) of a library function; an out argument's type has "out " before it.
+    """(result type, types of the arguments) of a library function; an out argument has "out " before its type.
 
     `unit` is the name that it is asked for by, where that is not its own.
     """
@@ -34,7 +34,7 @@ def table(name):
 
 
 def evaluate(function, *columns):
-    """The function's result for columns of arguments (lists, arrays, or one value for all), each of its own type."""
+    """The function's result for columns of arguments: lists, arrays, or one value for all."""
     result, kinds = signature(function)
     n = max(len(c) for c in columns if np.ndim(c))
     arrays = []
@@ -61,7 +61,7 @@ def deviation(got, want):
 
 
 def check(function, rows, tolerance):
-    """Fails where a row's result is further from the table's than the tolerance times its largest component."""
+    """Fails where a row's result is off by more than the tolerance times its largest component."""
     *columns, want = ([row[i] for row in rows] for i in range(len(rows[0])))
     same(evaluate(function, *columns), want, tolerance, rows)
 

@@ -14,7 +14,7 @@ INF, NAN = math.inf, math.nan
 LOOSER = {"safe_powf": 1e-6, "safe_pow3": 1e-6, "safe_logf": 1e-6, "compatible_atan2": 5e-6}
 
 
-# Blender's remainder of 0.3 by 0.1 is exact, 7.45e-09; the one that is written out rounds 0.3 / 0.1 to 3 and has 0.
+# Blender's remainder of 0.3 by 0.1 is exact, 7.45e-09; the one that is written out rounds 0.3 / 0.1 to 3: 0.
 def inexact_remainder(name, row):
     return name == "safe_modulo" and row[:2] == [0.3, 0.1]
 

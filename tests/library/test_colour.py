@@ -1,4 +1,4 @@
-"""Colour models, blends and spectra against Blender's values, the standard library's models, and at the edges."""
+"""Colour models, blends and spectra against Blender's values, against colorsys, and at the edges."""
 import colorsys
 import math
 
@@ -105,7 +105,8 @@ def test_without_a_factor_the_first_colour_stays(name):
 def test_whole_blends():
     a, b = CUBE, np.roll(CUBE, 77, axis=0)
     for name, want in {"mix_mix": b, "mix_darken": np.minimum(a, b), "mix_lighten": np.maximum(a, b),
-                       "mix_multiply": a * b, "mix_screen": a + b - a * b, "mix_add": a + b, "mix_subtract": a - b,
+                       "mix_multiply": a * b, "mix_screen": a + b - a * b,
+                       "mix_add": a + b, "mix_subtract": a - b,
                        "mix_difference": np.abs(a - b), "mix_exclusion": a + b - 2 * a * b,
                        "mix_linear_light": a + 2 * b - 1,
                        "mix_overlay": np.where(a < 0.5, 2 * a * b, 1 - 2 * (1 - a) * (1 - b)),

@@ -23,7 +23,8 @@ FUNCTIONS = {name: [f.name for f in SOURCES.functions if f.unit == name] for nam
 ASKED_FOR = """
     safe_divide safe_powf safe_logf safe_sqrtf inversesqrtf safe_modulo safe_floored_modulo wrapf pingpongf
     compatible_atan2 compatible_signf smoothminf smoothstepc smootherstep
-    safe_divide3 safe_normalize project3 reflect3 refract3 faceforward3 safe_fmod3 wrap3 safe_pow3 compatible_sign3
+    safe_divide3 safe_normalize project3 reflect3 refract3 faceforward3 safe_fmod3 wrap3 safe_pow3
+    compatible_sign3
     rgb_to_hsv hsv_to_rgb rgb_to_hsl hsl_to_rgb srgb_to_linear3 blackbody_rec709 wavelength_xyz
     mapping vector_rotate n_obj_to_world dir_world_to_obj rot_to_obj facing_normal make_orthonormals_a bump_dp
     tex_gradient tex_checker tex_brick tex_magic tex_wave gabor radial_tiling
@@ -31,16 +32,18 @@ ASKED_FOR = """
     fresnel_dielectric_cos dither_coverage
 """.split()
 ASKED_FOR += [f"mix_{blend}" for blend in """
-    mix darken multiply burn lighten screen dodge add overlay soft_light linear_light difference exclusion subtract
-    divide hue saturation color value""".split()]
+    mix darken multiply burn lighten screen dodge add overlay soft_light linear_light difference exclusion
+    subtract divide hue saturation color value""".split()]
 ASKED_FOR += [f"noise_texture{d}_{kind}" for d in (1, 2, 3, 4) for kind in (
     "FBM", "MULTIFRACTAL", "HYBRID_MULTIFRACTAL", "RIDGED_MULTIFRACTAL", "HETERO_TERRAIN")]
-ASKED_FOR += [f"hash_{t}_to_{u}" for t in ("float", "float2", "float3", "float4") for u in ("float", "float3")]
+ASKED_FOR += [f"hash_{t}_to_{u}" for t in ("float", "float2", "float3", "float4")
+              for u in ("float", "float3")]
 ASKED_FOR += [f"{name}{d}" for d in (1, 2, 3, 4) for name in (
     "fractal_voronoi_x_fx", "fractal_voronoi_distance_to_edge", "voronoi_n_sphere_radius")]
 ASKED_FOR += [f"voronoi_distance{d}" for d in (2, 3, 4)]
 
-RESERVED = {"sample", "point", "line", "triangle", "half", "min16float", "precise", "packed", "linear", "vector"}
+RESERVED = {"sample", "point", "line", "triangle", "half", "min16float", "precise", "packed", "linear",
+            "vector"}
 
 
 def parts(expression, kind):

@@ -1,4 +1,4 @@
-"""Mapping, rotations, object frames and bump steps against Blender's values and against linear algebra in double."""
+"""Mapping, rotations, object frames and bump steps against Blender's values and linear algebra in double."""
 import math
 
 import numpy as np
@@ -64,7 +64,7 @@ def test_one_angle_turns_in_its_plane_to_the_last_bit(axis):
     i, j = (axis + 1) % 3, (axis + 2) % 3
     got = evaluate("mapping", VECTOR, v, np.zeros(3), rotation, np.ones(3))
     # The device's own sine and cosine of the angle.
-    c, s = (evaluate("mapping", VECTOR, np.eye(3)[[i]], np.zeros(3), rotation, np.ones(3))[0, k] for k in (i, j))
+    c, s = evaluate("mapping", VECTOR, np.eye(3)[[i]], np.zeros(3), rotation, np.ones(3))[0, [i, j]]
     assert np.abs([c - math.cos(0.6), s - math.sin(0.6)]).max() < 1e-6
     assert (got[:, axis] == v[:, axis]).all()
     assert (got[:, i] == c * v[:, i] - s * v[:, j]).all()
