@@ -17,7 +17,7 @@ DTYPES = {"int": np.int32, "int2": np.int32, "uint": np.uint32, "bool": np.bool_
 
 @functools.cache
 def signature(function, unit=None):
-    """(result type, types of the arguments) of a library function; an out argument has "out " before its type.
+    """(result type, types of the arguments) of a library function; out arguments begin with "out ".
 
     `unit` is the name that it is asked for by, where that is not its own.
     """
