@@ -196,6 +196,11 @@ void raise_overflow_error(const char* message) {
     throw PythonError{};
 }
 
+void raise_recursion_error() {
+    PyErr_SetString(PyExc_RecursionError, "maximum recursion depth exceeded while a node graph was evaluated");
+    throw PythonError{};
+}
+
 void check_signals() { checked(PyErr_CheckSignals()); }
 
 }  // namespace quillgen

@@ -74,14 +74,23 @@ void append_formatted(std::string& out, PyObject* object);
 [[noreturn]] void raise_index_error(const char* message);
 [[noreturn]] void raise_value_error(const char* message);
 [[noreturn]] void raise_overflow_error(const char* message);
+[[noreturn]] void raise_recursion_error();
 
 // Lets a waiting Ctrl-C through.
 void check_signals();
 
-// One level of evaluation, counted against the interpreter's recursion limit.
+// One level of evaluation, counted once against the interpreter's recursion limit, and against a budget of the
+// stack of C, which the limit says nothing about: a host may have set it to any number, and a thread may have a
+// stack of 1 MiB. RecursionError beyond either. A level takes 500 to 850 bytes in a release build, so at the
+// interpreter's own limit of 1000 the budget is not reached; what it leaves of 1 MiB is for the host's frames below
+// the call and for what the deepest level calls, which is some 10 KiB each.
 class RecursionLevel {
 public:
-    RecursionLevel() {
+    // `entry` stands on the stack where the call came in.
+    explicit RecursionLevel(const void* entry) {
+        if (distance(this, entry) > kMostStack) {
+            raise_recursion_error();
+        }
         if (Py_EnterRecursiveCall(" while a node graph was evaluated") != 0) {
             throw PythonError{};
         }
@@ -89,6 +98,15 @@ public:
     ~RecursionLevel() { Py_LeaveRecursiveCall(); }
     RecursionLevel(const RecursionLevel&) = delete;
     RecursionLevel& operator=(const RecursionLevel&) = delete;
+
+private:
+    static constexpr std::uintptr_t kMostStack = std::uintptr_t{800} * 1024;
+
+    static std::uintptr_t distance(const void* a, const void* b) {
+        const auto left = reinterpret_cast<std::uintptr_t>(a);
+        const auto right = reinterpret_cast<std::uintptr_t>(b);
+        return left < right ? right - left : left - right;
+    }
 };
 
 }  // namespace quillgen

@@ -260,8 +260,8 @@ void Gen::node(const Value& nid, int place) {
     if (state.done) {
         return;
     }
-    state.done = true;  // before the handler runs, so that a cycle ends at its second visit
-    const RecursionLevel level;
+    state.done = true;                 // before the handler runs, so that a cycle ends at its second visit
+    const RecursionLevel level(this);  // a generator stands on the stack of the call that made it
     const Node& n = nodes_[static_cast<std::size_t>(place)];
     const Value type = n.type();
     if (const Handler handler = module_.registry.find(type)) {
