@@ -74,7 +74,7 @@ std::string Runtime::identifier(PyObject* name) const {
 
 Text Runtime::remembered_identifier(Text id) const {
     // Enough for the nodes of a large scene; a bound, so that a long session does not grow.
-    constexpr std::size_t kMost = 4096;
+    constexpr std::size_t kMostBytes = 256 * 1024;
     if (std::all_of(id.begin(), id.end(), is_identifier_character)) {
         return id;
     }
@@ -82,8 +82,10 @@ Text Runtime::remembered_identifier(Text id) const {
         return known->second;
     }
     std::string replaced = identifier(id);
-    if (remembered_.size() >= kMost) {
+    remembered_bytes_ += id.size() + replaced.size();
+    if (remembered_bytes_ > kMostBytes) {
         remembered_.clear();
+        remembered_bytes_ = id.size() + replaced.size();
     }
     return remembered_.insert_or_assign(std::string(id), std::move(replaced)).first->second;
 }

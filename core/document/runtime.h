@@ -55,6 +55,7 @@ private:
     std::array<std::string, kWords.size()> identifiers_;
     Ref word_places_;
     mutable std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> remembered_;
+    mutable std::size_t remembered_bytes_ = 0;
     Ref re_;
     Ref hashlib_;
     Ref math_;

@@ -1,5 +1,8 @@
 #include "core/document/value.h"
 
+#include <unordered_map>
+#include <vector>
+
 namespace quillgen {
 
 namespace {
@@ -11,6 +14,11 @@ PyObject* looked_up(PyObject* map, PyObject* key) {
         throw PythonError{};
     }
     return item;
+}
+
+// Whether an object of a document could be changed through a result that holds it.
+bool is_container(PyObject* object) {
+    return PyList_CheckExact(object) || PyDict_CheckExact(object) || Py_IS_TYPE(object, &PySet_Type);
 }
 
 bool compare(PyObject* left, PyObject* right, int operation) {
@@ -121,16 +129,26 @@ Value Value::find(const Value& key) const {
 
 template <std::size_t Count>
 std::array<Value, Count> Value::unpack() const {
-    const bool is_list = PyList_CheckExact(object_.get()) != 0;
-    const Ref items = is_list ? object_ : Ref::checked(PySequence_Tuple(object_.get()));
-    const auto size = static_cast<std::size_t>(PyObject_Size(items.get()));
-    if (size != Count) {
-        raise_value_error(size < Count ? "not enough values to unpack" : "too many values to unpack");
-    }
     std::array<Value, Count> result;
-    for (std::size_t i = 0; i < Count; ++i) {
-        const auto place = static_cast<Py_ssize_t>(i);
-        result[i] = share(is_list ? PyList_GetItem(items.get(), place) : PyTuple_GetItem(items.get(), place));
+    if (PyList_CheckExact(object_.get()) && PyList_Size(object_.get()) == Count) {
+        for (std::size_t i = 0; i < Count; ++i) {
+            result[i] = share(PyList_GetItem(object_.get(), static_cast<Py_ssize_t>(i)));
+        }
+        return result;
+    }
+    // One item more than fits is enough to know: other sequences may have no end.
+    const Ref iterator = Ref::checked(PyObject_GetIter(object_.get()));
+    for (std::size_t i = 0; i <= Count; ++i) {
+        const Ref item = Ref::steal(PyIter_Next(iterator.get()));
+        if (!item && PyErr_Occurred() != nullptr) {
+            throw PythonError{};
+        }
+        if (static_cast<bool>(item) != (i < Count)) {
+            raise_value_error(i < Count ? "not enough values to unpack" : "too many values to unpack");
+        }
+        if (item) {
+            result[i] = {item, *runtime_};
+        }
     }
     return result;
 }
@@ -186,7 +204,53 @@ Value Value::to_int() const { return own(PyNumber_Long(object_.get())); }
 
 Value Value::lower() const { return called("lower"); }
 
-Value Value::copied_list() const { return own(PySequence_List(object_.get())); }
+Value Value::copied_list() const {
+    const Value list = own(PySequence_List(object_.get()));
+    for (Py_ssize_t i = 0; i < PyList_Size(list.object()); ++i) {
+        if (is_container(PyList_GetItem(list.object(), i))) {
+            return list.unshared();
+        }
+    }
+    return list;
+}
+
+// Containers are copied one by one, each once, without recursion: they may be nested to any depth, or hold themselves.
+Value Value::unshared() const {
+    if (!is_container(object_.get())) {
+        return *this;
+    }
+    std::vector<Ref> copies;
+    std::unordered_map<PyObject*, std::size_t> places;  // of the copy of each container met so far
+    const auto copy_of = [&](PyObject* item) {
+        if (!is_container(item)) {
+            return Ref::borrow(item);
+        }
+        const auto [known, is_new] = places.try_emplace(item, copies.size());
+        if (is_new) {
+            copies.push_back(Ref::checked(PyList_CheckExact(item)   ? PySequence_List(item)
+                                          : PyDict_CheckExact(item) ? PyDict_Copy(item)
+                                                                    : PySet_New(item)));
+        }
+        return copies[known->second];
+    };
+    const Value result = {copy_of(object_.get()), *runtime_};
+    for (std::size_t i = 0; i < copies.size(); ++i) {
+        const Ref copy = copies[i];
+        if (PyList_CheckExact(copy.get())) {
+            for (Py_ssize_t place = 0; place < PyList_Size(copy.get()); ++place) {
+                checked(PyList_SetItem(copy.get(), place, copy_of(PyList_GetItem(copy.get(), place)).release()));
+            }
+        } else if (PyDict_CheckExact(copy.get())) {
+            const Ref keys = Ref::checked(PyDict_Keys(copy.get()));
+            for (Py_ssize_t place = 0; place < PyList_Size(keys.get()); ++place) {
+                PyObject* const key = PyList_GetItem(keys.get(), place);
+                const Ref item = Ref::checked(PyObject_GetItem(copy.get(), key));
+                checked(PyDict_SetItem(copy.get(), key, copy_of(item.get()).get()));
+            }
+        }
+    }
+    return result;
+}
 
 Text Value::formatted(std::string& storage) const {
     if (PyUnicode_CheckExact(object_.get())) {

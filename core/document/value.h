@@ -64,7 +64,9 @@ public:
     [[nodiscard]] Value to_float() const;     // float(value), as an object
     [[nodiscard]] Value to_int() const;       // int(value), as an object
     [[nodiscard]] Value lower() const;        // value.lower()
-    [[nodiscard]] Value copied_list() const;  // list(value)
+    [[nodiscard]] Value copied_list() const;  // list(value), and what it holds `unshared`
+    // The value, or a copy of a list, map or set, so that a result shares none with its document.
+    [[nodiscard]] Value unshared() const;
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
     [[nodiscard]] Text formatted(std::string& storage) const;  // as a format writes it
     void append_to(std::string& out) const;                    // as a format writes it

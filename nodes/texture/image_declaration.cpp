@@ -14,7 +14,7 @@ constexpr std::size_t kDigits = 6;
 
 Value word_or(const Gen& g, const Value& props, Word key, Word fallback) {
     const Value word = props.get(key);
-    return word.present() ? word : Value::word(g.runtime(), fallback);
+    return word.present() ? word.unshared() : Value::word(g.runtime(), fallback);
 }
 
 }  // namespace
