@@ -32,7 +32,7 @@ WIRING = {
     "pixel_depth": "Pixel Depth",
     "tan_half_fov": "View Property Tan Half Field Of View",
     "view_size": "View Property View Size",
-    "view_axis": "Transform Vector, the unit vector {axis} (x right, y up, z forwards), View Space to World Space",
+    "view_axis": "Transform Vector, the unit vector {axis} (y up, z forwards), View Space to World Space",
     "pixel_position": "Screen Position, in pixels",
     "temporal_index": "the temporal anti-aliasing sample index",
 }
@@ -41,12 +41,13 @@ WIRING = {
 def translate(document, mode="surface", use_params=True):
     """quillgen's result for a document. Imported here, so that flattening works without the module."""
     import quillgen
+
     return quillgen.compile(document, mode, use_params)
 
 
 def write(result, folder, name, document=None, notes=()):
-    """Writes NAME.hlsl, NAME.displacement.hlsl if there is one, NAME.json with all but the texts, NAME.md, a table to
-    wire by, and NAME.document.json if the document is given. Returns the paths."""
+    """Writes NAME.hlsl, NAME.displacement.hlsl if there is one, NAME.json with all but the texts, NAME.md, a
+    table to wire by, and NAME.document.json if the document is given. Returns the paths."""
     folder = Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
     displacement = result["displacement"]
@@ -68,11 +69,23 @@ def write(result, folder, name, document=None, notes=()):
 def wiring(table, name):
     """The inputs and outputs of the Custom expression, for whoever builds the material by hand."""
     material = ", ".join(f"{key} {value}" for key, value in table["material"].items())
-    lines = [f"# {name}", "", f"Material: {material}.", "", "| Input | Expression | Default |", "| --- | --- | --- |"]
+    lines = [
+        f"# {name}",
+        "",
+        f"Material: {material}.",
+        "",
+        "| Input | Expression | Default |",
+        "| --- | --- | --- |",
+    ]
     for entry in table["inputs"]:
         default = entry.get("default", entry.get("image", ""))
         lines.append(f"| {entry['name']} | {expression(entry)} | {default} |")
-    lines += ["", "| Additional output | Type | Goes to |", "| --- | --- | --- |", "| (the result) | float3 | base_color |"]
+    lines += [
+        "",
+        "| Additional output | Type | Goes to |",
+        "| --- | --- | --- |",
+        "| (the result) | float3 | base_color |",
+    ]
     lines += [f"| {out['name']} | {out['type']} | {out['property']} |" for out in table["outputs"]]
     if "displacement" in table:
         lines += ["", f"Displacement: magnitude {table['displacement']['magnitude']} cm, centre 0.5.", ""]
@@ -90,18 +103,21 @@ def expression(entry):
 
 
 def save_textures(result, folder):
-    """Saves the pictures that the inputs name: pictures in bytes as they are stored, others as OpenEXR with the
-    scene-linear pixels that the node tree sees. Returns {input name: path}."""
+    """Saves the pictures that the inputs name: pictures in bytes as they are stored, others as OpenEXR with
+    the scene-linear pixels that the node tree sees. Returns {input name: path}."""
     folder = Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
     inputs = result["inputs"] + (result["displacement"] or {"inputs": []})["inputs"]
-    return {entry["name"]: save_texture(bpy.data.images[entry["image"]], folder / entry["name"])
-            for entry in inputs if entry["kind"] == "texture"}
+    return {
+        entry["name"]: save_texture(bpy.data.images[entry["image"]], folder / entry["name"])
+        for entry in inputs
+        if entry["kind"] == "texture"
+    }
 
 
 def save_texture(picture, path):
-    """A file on the disk goes as it is if its pixels are what the node tree sees. All others are written from the
-    pixels that Blender holds: those of 16-bit files are decoded and multiplied by alpha only there."""
+    """A file on the disk goes as it is if its pixels are what the node tree sees. All others are written from
+    the pixels that Blender holds: those of 16-bit files are decoded and multiplied by alpha only there."""
     stored = Path(bpy.path.abspath(picture.filepath)) if picture.filepath else None
     whole = not picture.is_float or picture.file_format in ("OPEN_EXR", "HDR")
     if whole and not picture.is_dirty and not picture.packed_file and stored and stored.is_file():

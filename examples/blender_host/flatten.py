@@ -8,22 +8,38 @@ from . import records, sources, values
 
 # Sockets that mean "the surface's own" while nothing is linked to them, so that a group's constant can't be
 # handed over as their value: it has to arrive by a link.
-COORDINATE_TEXTURES = ("ShaderNodeTexGradient", "ShaderNodeTexChecker", "ShaderNodeTexBrick", "ShaderNodeTexMagic",
-                       "ShaderNodeTexWave", "ShaderNodeTexNoise", "ShaderNodeTexVoronoi", "ShaderNodeTexGabor",
-                       "ShaderNodeTexImage")
+COORDINATE_TEXTURES = (
+    "ShaderNodeTexGradient",
+    "ShaderNodeTexChecker",
+    "ShaderNodeTexBrick",
+    "ShaderNodeTexMagic",
+    "ShaderNodeTexWave",
+    "ShaderNodeTexNoise",
+    "ShaderNodeTexVoronoi",
+    "ShaderNodeTexGabor",
+    "ShaderNodeTexImage",
+)
 SURFACE_NAMES = ("Normal", "Coat Normal", "Clearcoat Normal", "Tangent")
 
 
 def flatten(material, mesh=None, note=lambda text: None):
-    """The document of a material. `mesh` gives the UV maps (by default the first mesh that wears the material);
-    `note` is called with a line for whatever can't be handed over as it is."""
+    """The document of a material. `mesh` gives the UV maps (by default the first mesh that wears the
+    material); `note` is called with a line for whatever can't be handed over as it is."""
     if material.node_tree is None:
         raise ValueError(f"{material.name} has no nodes")
-    mesh = mesh or next((thing.data for thing in bpy.data.objects if thing.type == "MESH"
-                         and material.name in [slot.name for slot in thing.material_slots]), None)
+    mesh = mesh or next(
+        (
+            thing.data
+            for thing in bpy.data.objects
+            if thing.type == "MESH" and material.name in [slot.name for slot in thing.material_slots]
+        ),
+        None,
+    )
     uv_maps = [layer.name for layer in mesh.uv_layers] if mesh else []
     if mesh and uv_maps and not mesh.uv_layers[0].active_render:
-        note(f"{mesh.name}: the UV map for rendering is not the first one, which is the one that Unreal takes")
+        note(
+            f"{mesh.name}: the UV map for rendering is not the first one, which is the one that Unreal takes"
+        )
     writer = Writer(uv_maps, note)
     end = material.node_tree.get_output_node("CYCLES")
     out = {}
@@ -33,8 +49,13 @@ def flatten(material, mesh=None, note=lambda text: None):
             out[name.lower()] = writer.reference(source)[:2]
     writer.waiting.reverse()
     writer.finish()
-    return {"nodes": writer.nodes, "out": out, "images": writer.images, "uv_maps": uv_maps,
-            "settings": settings(material)}
+    return {
+        "nodes": writer.nodes,
+        "out": out,
+        "images": writer.images,
+        "uv_maps": uv_maps,
+        "settings": settings(material),
+    }
 
 
 def settings(material):
@@ -45,7 +66,7 @@ def settings(material):
 
 
 class Writer:
-    """Collects the node records, beginning with those that are asked for and going on with what feeds them."""
+    """Collects the node records, from those that are asked for on to what feeds them."""
 
     def __init__(self, uv_maps, note):
         self.tree = sources.Tree()
@@ -55,7 +76,7 @@ class Writer:
         self.ids, self.spellings, self.waiting = {}, set(), []
 
     def finish(self):
-        """Records what is waiting and all that feeds it, each node as soon as its first reader's turn comes."""
+        """Records what is waiting and all that feeds it, each node when its first reader's turn comes."""
         recorded = set()
         while self.waiting:
             path, node, identity = self.waiting.pop()
@@ -72,8 +93,8 @@ class Writer:
         return self.ids[names]
 
     def fresh(self, wish):
-        """An id that no other node has. Parameters are named by the id's letters and digits only, so two ids have to
-        differ in these."""
+        """An id that no other node has. Parameters are named by the id's letters and digits only, so two ids
+        have to differ in these."""
         name, count = wish, 0
         while re.sub("[^A-Za-z0-9]", "_", name) in self.spellings:
             count += 1
@@ -109,7 +130,9 @@ class Writer:
         if getattr(node, "image", None):
             self.images[node.image.name] = records.image(node.image)
         if node.bl_idname == "ShaderNodeTexCoord" and node.object:
-            found["object_matrix"] = [part for row in node.object.matrix_world.inverted_safe() for part in row]
+            found["object_matrix"] = [
+                part for row in node.object.matrix_world.inverted_safe() for part in row
+            ]
         if self.other_uv_map(node) is not None:
             self.nodes[place] = attribute(identity, node.uv_map)
 
@@ -119,8 +142,11 @@ class Writer:
         if isinstance(found, sources.Linked):
             return {"t": socket.type, "link": self.link(found, socket, identity)}
         implicit = node.bl_idname in COORDINATE_TEXTURES and socket.identifier == "Vector"
-        if (isinstance(found, sources.Constant) and found.value is not None
-                and not self.own(found, socket, node, implicit)):
+        if (
+            isinstance(found, sources.Constant)
+            and found.value is not None
+            and not self.own(found, socket, node, implicit)
+        ):
             value = values.convert(found.value, found.type, socket.type)
             if implicit or is_surface_socket(socket, node):
                 return {"t": socket.type, "link": self.constant(value, socket, identity)}
@@ -148,16 +174,30 @@ class Writer:
     def number(self, reference, whole, wish):
         """A node that makes one number of what it reads."""
         identity = self.fresh(wish)
-        self.nodes.append({"id": identity, "type": "ShaderNodeMath", "in": {"Value": {"t": "VALUE", "link": reference}},
-                           "outs": {"Value": "VALUE"}, "props": {"operation": "TRUNC" if whole else "ADD"}})
+        self.nodes.append(
+            {
+                "id": identity,
+                "type": "ShaderNodeMath",
+                "in": {"Value": {"t": "VALUE", "link": reference}},
+                "outs": {"Value": "VALUE"},
+                "props": {"operation": "TRUNC" if whole else "ADD"},
+            }
+        )
         return [identity, "Value", "VALUE"]
 
     def constant(self, value, socket, reader):
         """A node that holds a vector."""
         identity = self.fresh(f"{reader} {socket.identifier}")
         parts = {name: {"t": "VALUE", "v": part} for name, part in zip("XYZ", value)}
-        self.nodes.append({"id": identity, "type": "ShaderNodeCombineXYZ", "in": parts,
-                           "outs": {"Vector": "VECTOR"}, "props": {}})
+        self.nodes.append(
+            {
+                "id": identity,
+                "type": "ShaderNodeCombineXYZ",
+                "in": parts,
+                "outs": {"Vector": "VECTOR"},
+                "props": {},
+            }
+        )
         return [identity, "Vector", "VECTOR"]
 
 
@@ -169,6 +209,10 @@ def is_surface_socket(socket, node):
 
 def attribute(identity, uv_map):
     """A UV Map node that doesn't ask for the first map: as an attribute, which is looked up by its name."""
-    return {"id": identity, "type": "ShaderNodeAttribute", "in": {},
-            "outs": {"Color": "RGBA", "Vector": "VECTOR", "Fac": "VALUE", "Alpha": "VALUE"},
-            "props": {"attribute_type": "GEOMETRY", "attribute_name": uv_map}}
+    return {
+        "id": identity,
+        "type": "ShaderNodeAttribute",
+        "in": {},
+        "outs": {"Color": "RGBA", "Vector": "VECTOR", "Fac": "VALUE", "Alpha": "VALUE"},
+        "props": {"attribute_type": "GEOMETRY", "attribute_name": uv_map},
+    }

@@ -1,8 +1,9 @@
 """Ways round the circle of hues.
 
-Between two stops of a ramp in HSV or HSL Blender goes round the circle the near way, the far way or in a set direction. The
-document knows only the straight way from one hue to the other, which never passes the seam at red (hue 0 and 1). Where
-the way does pass it, two stops of the same place are put in: the hue at one end of the range, then at the other.
+Between two stops of a ramp in HSV or HSL Blender goes round the circle the near way, the far way or in a set
+direction. The document knows only the straight way from one hue to the other, which never passes the seam at
+red (hue 0 and 1). Where the way does pass it, two stops of the same place are put in: the hue at one end of
+the range, then at the other.
 """
 
 import colorsys
@@ -46,4 +47,11 @@ def split(colour, mode):
 
 def join(parts, mode):
     hue, second, third, alpha = parts
-    return [*(colorsys.hsv_to_rgb(hue, second, third) if mode == "HSV" else colorsys.hls_to_rgb(hue, third, second)), alpha]
+    return [
+        *(
+            colorsys.hsv_to_rgb(hue, second, third)
+            if mode == "HSV"
+            else colorsys.hls_to_rgb(hue, third, second)
+        ),
+        alpha,
+    ]

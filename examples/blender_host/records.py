@@ -35,18 +35,21 @@ def properties(node):
 
 
 def ramp(node):
-    """The stops of a colour ramp. In HSV and HSL Blender interpolates linearly, whatever the ramp is set to."""
+    """The stops of a colour ramp. In HSV and HSL Blender interpolates linearly, whatever is set."""
     band = node.color_ramp
     stops = [[stop.position, list(stop.color)] for stop in band.elements]
     if band.color_mode == "RGB":
         return {"stops": stops, "interp": band.interpolation, "mode": "RGB"}
-    return {"stops": hues.through_the_seam(stops, band.color_mode, band.hue_interpolation),
-            "interp": "LINEAR", "mode": band.color_mode}
+    return {
+        "stops": hues.through_the_seam(stops, band.color_mode, band.hue_interpolation),
+        "interp": "LINEAR",
+        "mode": band.color_mode,
+    }
 
 
 def curve(node):
-    """The curves as tables over the range of all control points. An RGB curve's common curve is applied before
-    those of the channels, as Blender does."""
+    """The curves as tables over the range of all control points. An RGB curve's common curve is applied
+    before those of the channels, as Blender does."""
     mapping = node.mapping
     mapping.update()
     ends = [point.location[0] for part in mapping.curves for point in part.points]
@@ -56,16 +59,24 @@ def curve(node):
     if node.bl_idname == "ShaderNodeRGBCurve":
         common = parts.pop()
         places = [mapping.evaluate(common, place) for place in places]
-    return {"tables": [[mapping.evaluate(part, place) for place in places] for part in parts],
-            "min": low, "max": high, "extend": mapping.extend}
+    return {
+        "tables": [[mapping.evaluate(part, place) for place in places] for part in parts],
+        "min": low,
+        "max": high,
+        "extend": mapping.extend,
+    }
 
 
 def image(picture):
-    """An image as the translator has to take it so that it shows what Cycles shows. Bytes are always multiplied by
-    their alpha as they load, under Premultiplied too. Float pixels come to a texture as Blender holds them, and then
-    nothing is left to multiply."""
+    """An image as the translator has to take it so that it shows what Cycles shows. Bytes are always
+    multiplied by their alpha as they load, under Premultiplied too. Float pixels come to a texture as Blender
+    holds them, and then nothing is left to multiply."""
     alpha = picture.alpha_mode
     if alpha in ("STRAIGHT", "PREMUL"):
         alpha = "PREMUL" if picture.is_float else "STRAIGHT"
-    return {"name": picture.name, "colorspace": picture.colorspace_settings.name, "alpha": alpha,
-            "float": picture.is_float}
+    return {
+        "name": picture.name,
+        "colorspace": picture.colorspace_settings.name,
+        "alpha": alpha,
+        "float": picture.is_float,
+    }

@@ -2,11 +2,11 @@
 
 Two generations of Blender disagree about what happens on the way:
 
-* up to 4.5 every border of a group, reroute and muted node is a socket of its own. A value that crosses takes the
-  border's type (a colour that passes through a float socket comes out grey), and a reroute or muted node with
-  nothing behind it yields zero;
-* from 5.0 on the groups are dissolved before anything is evaluated. Only the two real ends count, unless the value
-  is a constant, and a dead end is as if there were no link.
+* up to 4.5 every border of a group, reroute and muted node is a socket of its own. A value that crosses takes
+  the border's type (a colour that passes through a float socket comes out grey), and a reroute or muted node
+  with nothing behind it yields zero;
+* from 5.0 on the groups are dissolved before anything is evaluated. Only the two real ends count, unless the
+  value is a constant, and a dead end is as if there were no link.
 """
 
 from typing import NamedTuple
@@ -20,6 +20,7 @@ BORDERS_CONVERT = bpy.app.version < (5, 0, 0)
 
 class Linked(NamedTuple):
     """An output of a real node, and the types of the borders behind it, the nearest to the node first."""
+
     path: tuple
     node: object
     socket: object
@@ -27,7 +28,9 @@ class Linked(NamedTuple):
 
 
 class Constant(NamedTuple):
-    """The value of an unlinked socket on a group's border; `hidden` where the interface shows no field for it."""
+    """The value of an unlinked socket on a group's border; `hidden` where the interface shows no field for
+    it."""
+
     type: str
     value: object
     hidden: bool = False
@@ -41,18 +44,20 @@ class Tree:
         self.links = {}
 
     def link(self, socket):
-        """The link into an input that counts: one that is neither muted nor part of a cycle nor on a socket that the
-        node doesn't show in its present mode."""
+        """The link into an input that counts: one that is neither muted nor part of a cycle nor on a socket
+        that the node doesn't show in its present mode."""
         tree = socket.id_data
         if tree not in self.links:
-            self.links[tree] = {link.to_socket.as_pointer(): link for link in tree.links
-                                if link.is_valid and not link.is_muted
-                                and link.from_socket.enabled and link.to_socket.enabled}
+            self.links[tree] = {
+                link.to_socket.as_pointer(): link
+                for link in tree.links
+                if link.is_valid and not link.is_muted and link.from_socket.enabled and link.to_socket.enabled
+            }
         return self.links[tree].get(socket.as_pointer())
 
     def source(self, socket, path):
-        """The Linked or Constant that an input reads, or None where it is left with its own value. `path` holds
-        the group nodes around the socket, outermost first."""
+        """The Linked or Constant that an input reads, or None where it is left with its own value. `path`
+        holds the group nodes around the socket, outermost first."""
         link = self.link(socket)
         if link is None:
             return None
@@ -104,8 +109,8 @@ def group_end(tree):
 
 def narrow(borders, source, target):
     """What the borders leave of a value on its way from a socket type to another, as (type, narrowed, whole):
-    the type that the value counts as at last, whether it shrank to a single number on the way and has to spread again,
-    and whether it lost its fraction."""
+    the type that the value counts as at last, whether it shrank to a single number on the way and has to
+    spread again, and whether it lost its fraction."""
     now, narrowed, whole = source, False, False
     for border in borders:
         if values.kind(border) == "scalar":

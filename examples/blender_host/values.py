@@ -6,7 +6,7 @@ LUMA = (0.2126, 0.7152, 0.0722)
 
 
 def kind(socket_type):
-    """"scalar", "triple" or None: what a conversion has to know of a type."""
+    """ "scalar", "triple" or None: what a conversion has to know of a type."""
     return "scalar" if socket_type in SCALARS else "triple" if socket_type in TRIPLES else None
 
 
@@ -22,8 +22,14 @@ def default(socket):
 
 
 def zero(socket_type):
-    return {"RGBA": [0.0, 0.0, 0.0, 1.0], "VECTOR": [0.0, 0.0, 0.0], "ROTATION": [0.0, 0.0, 0.0],
-            "VALUE": 0.0, "INT": 0, "BOOLEAN": False}.get(socket_type)
+    return {
+        "RGBA": [0.0, 0.0, 0.0, 1.0],
+        "VECTOR": [0.0, 0.0, 0.0],
+        "ROTATION": [0.0, 0.0, 0.0],
+        "VALUE": 0.0,
+        "INT": 0,
+        "BOOLEAN": False,
+    }.get(socket_type)
 
 
 def convert(value, source, target):

@@ -1,13 +1,15 @@
 """What the families of cases build their little node trees with. Runs inside Blender.
 
-Every tile is a unit square of SIDE x SIDE pixels. Trees don't read the UV coordinate itself, which the renderer's
-camera jitters, but the number of the pixel's cell, which no rounding can change: `cells` gives the whole numbers
-(i, j, k), i and j counting from 0 to SIDE - 1 along the sides and k running through all of them in another order. As
-long as factors and offsets have few bits, what is computed from them is exact everywhere.
+Every tile is a unit square of SIDE x SIDE pixels. Trees don't read the UV coordinate itself, which the
+renderer's camera jitters, but the number of the pixel's cell, which no rounding can change: `cells` gives the
+whole numbers (i, j, k), i and j counting from 0 to SIDE - 1 along the sides and k running through all of them
+in another order. As long as factors and offsets have few bits, what is computed from them is exact
+everywhere.
 """
 
 import random
-from typing import Callable, NamedTuple
+from collections.abc import Callable
+from typing import NamedTuple
 
 from trees import add, named
 
@@ -15,7 +17,8 @@ SIDE = 16
 
 
 class Case(NamedTuple):
-    """`build` fills a Canvas and returns the socket to show. `reason` says why the translation can't agree."""
+    """`build` fills a Canvas and returns the socket to show. `reason`: why the translation can't agree."""
+
     node: str
     name: str
     build: Callable
@@ -43,7 +46,9 @@ class Canvas:
         uv = self.node("UVMap").outputs[0]
         sides = self.node("VectorMath", {0: uv, 1: (SIDE, SIDE, SIDE)}, operation="MULTIPLY").outputs[0]
         whole = self.node("VectorMath", {0: sides}, operation="FLOOR").outputs[0]
-        mixed = self.node("VectorMath", {0: whole, 1: (5.0, 3.0, 0.0)}, operation="DOT_PRODUCT").outputs["Value"]
+        mixed = self.node("VectorMath", {0: whole, 1: (5.0, 3.0, 0.0)}, operation="DOT_PRODUCT").outputs[
+            "Value"
+        ]
         third = self.node("Math", {0: mixed, 1: float(SIDE)}, operation="MODULO").outputs[0]
         parts = self.node("SeparateXYZ", {0: whole})
         return self.node("CombineXYZ", {0: parts.outputs[0], 1: parts.outputs[1], 2: third}).outputs[0]
@@ -51,17 +56,23 @@ class Canvas:
     def vector(self, scale=0.25, offset=-2.0):
         """scale * (i, j, k) + offset; numbers or triples of few bits."""
         scale, offset = ((part,) * 3 if isinstance(part, (int, float)) else part for part in (scale, offset))
-        return self.node("VectorMath", {0: self.cells(), 1: scale, 2: offset}, operation="MULTIPLY_ADD").outputs[0]
+        return self.node(
+            "VectorMath", {0: self.cells(), 1: scale, 2: offset}, operation="MULTIPLY_ADD"
+        ).outputs[0]
 
     def colour(self, scale=1 / 16, offset=0.0):
         """The same as a colour socket."""
-        return self.node("CombineColor", dict(enumerate(
-            self.node("SeparateXYZ", {0: self.vector(scale, offset)}).outputs[:3]))).outputs[0]
+        return self.node(
+            "CombineColor",
+            dict(enumerate(self.node("SeparateXYZ", {0: self.vector(scale, offset)}).outputs[:3])),
+        ).outputs[0]
 
     def number(self, axis, scale=0.25, offset=-2.0):
         """scale * i + offset, or of j or k, by the axis "x", "y" or "z"."""
         parts = self.once("parts", lambda: self.node("SeparateXYZ", {0: self.cells()}).outputs)
-        return self.node("Math", {0: parts["xyz".index(axis)], 1: scale, 2: offset}, operation="MULTIPLY_ADD").outputs[0]
+        return self.node(
+            "Math", {0: parts["xyz".index(axis)], 1: scale, 2: offset}, operation="MULTIPLY_ADD"
+        ).outputs[0]
 
     def displace(self, socket, method="BUMP"):
         """Wires the material's displacement output."""
@@ -91,4 +102,7 @@ class Draw:
 def words(kind, prop):
     """All values of an enumeration of a node type, as Blender has them."""
     import bpy
-    return [item.identifier for item in getattr(bpy.types, "ShaderNode" + kind).bl_rna.properties[prop].enum_items]
+
+    return [
+        item.identifier for item in getattr(bpy.types, "ShaderNode" + kind).bl_rna.properties[prop].enum_items
+    ]

@@ -1,7 +1,7 @@
-"""Compares the generated text with Cycles: translates every case of the reference data, compiles it with DXC, runs it
-on the CPU's Vulkan device and looks at each pixel.
+"""Compares the generated text with Cycles: translates every case of the reference data, compiles it with DXC,
+runs it on the CPU's Vulkan device and looks at each pixel.
 
-    .venv/bin/python tests/fidelity/compare.py [part of a name ...]   # a table; every case that disagrees, with names
+    .venv/bin/python tests/fidelity/compare.py [part of a name ...]   # a table and what disagrees
     .venv/bin/python tests/fidelity/compare.py --write                # the table into docs/fidelity.md
 """
 
@@ -20,7 +20,8 @@ sys.path[:0] = [str(HERE), str(HERE.parent / "gpu")]
 
 import store  # noqa: E402
 
-# The CPU's Vulkan device has approximations of its own for these two, off by up to 4e-4; graphics cards have not.
+# The CPU's Vulkan device has approximations of its own for these two, off by up to 4e-4; graphics cards have
+# not.
 ACCURATE = """#define asin(x) atan2(x, sqrt((1.0 - (x)) * (1.0 + (x))))
 #define acos(x) atan2(sqrt((1.0 - (x)) * (1.0 + (x))), x)
 """
@@ -35,7 +36,7 @@ class Outcome(NamedTuple):
     reason: str
     pixels: int
     agreeing: int
-    worst: float      # the largest difference in terms of the tolerance's measure
+    worst: float  # the largest difference in terms of the tolerance's measure
     error: str = ""
 
 
@@ -47,7 +48,9 @@ def run(parts=(), workers=None):
         records, arrays = store.load(family)
         given = inputs_of(arrays)
         for number, record in enumerate(records):
-            if parts and not any(part.lower() in f"{family} {record['node']} {record['name']}".lower() for part in parts):
+            if parts and not any(
+                part.lower() in f"{family} {record['node']} {record['name']}".lower() for part in parts
+            ):
                 continue
             try:
                 key, task = prepare(record, arrays, given, number, literal=family.startswith("scene"))
@@ -63,7 +66,9 @@ def run(parts=(), workers=None):
 
 
 def inputs_of(arrays):
-    found = {name.removeprefix("input "): value for name, value in arrays.items() if name.startswith("input ")}
+    found = {
+        name.removeprefix("input "): value for name, value in arrays.items() if name.startswith("input ")
+    }
     return found or tile_inputs()
 
 
@@ -71,22 +76,45 @@ def tile_inputs():
     """What a tile hands to the text: a unit square in the plane of x and y, seen from straight above."""
     rows, columns = np.mgrid[:SIDE, :SIDE].reshape(2, -1)
     u, v = (columns + 0.5) / SIDE, (rows + 0.5) / SIDE
-    fixed = {"cycles_normal": (0, 0, 1), "vertex_normal": (0, 0, 1), "camera_vector": (0, 0, 1), "two_sided_sign": (1,),
-             "object_axis:x": (1, 0, 0), "object_axis:y": (0, 1, 0), "object_axis:z": (0, 0, 1), "object_origin": (0, 0, 0)}
+    fixed = {
+        "cycles_normal": (0, 0, 1),
+        "vertex_normal": (0, 0, 1),
+        "camera_vector": (0, 0, 1),
+        "two_sided_sign": (1,),
+        "object_axis:x": (1, 0, 0),
+        "object_axis:y": (0, 1, 0),
+        "object_axis:z": (0, 0, 1),
+        "object_origin": (0, 0, 0),
+    }
     return {"texcoord:0": np.float32(np.stack([u, 1 - v], axis=1))} | {
-        name: np.float32([value]) for name, value in fixed.items()}
+        name: np.float32([value]) for name, value in fixed.items()
+    }
 
 
 def prepare(record, arrays, given, number, literal):
     """(what cases have in common that run as one shader, the case's own part)"""
     import quillgen
+
     result = quillgen.compile(record["document"], "emission", not literal)
     wanted = arrays["values"][number]
     names = [entry["name"] for entry in result["inputs"] if entry["kind"] != "texture"]
-    values = {entry["name"]: value_of(entry, given, len(wanted)) for entry in result["inputs"] if entry["name"] in names}
-    textures = {entry["name"]: arrays["texture " + entry["image"]] for entry in result["inputs"] if entry["kind"] == "texture"}
-    shared = {"code": ACCURATE + result["code"], "outputs": [], "inputs": [
-        {key: value for key, value in entry.items() if key != "default"} for entry in result["inputs"]]}
+    values = {
+        entry["name"]: value_of(entry, given, len(wanted))
+        for entry in result["inputs"]
+        if entry["name"] in names
+    }
+    textures = {
+        entry["name"]: arrays["texture " + entry["image"]]
+        for entry in result["inputs"]
+        if entry["kind"] == "texture"
+    }
+    shared = {
+        "code": ACCURATE + result["code"],
+        "outputs": [],
+        "inputs": [
+            {key: value for key, value in entry.items() if key != "default"} for entry in result["inputs"]
+        ],
+    }
     return json.dumps(shared, sort_keys=True), (record_head(record), values, textures, wanted)
 
 
@@ -121,6 +149,7 @@ def chunks(groups):
 def evaluate(chunk):
     """Runs one shader over the points of all its cases."""
     import custom_expression
+
     shared, tasks = json.loads(chunk[0]), chunk[1]
     values = {name: np.concatenate([task[1][name] for task in tasks]) for name in tasks[0][1]}
     values = {name: value[:, 0] if value.shape[1] == 1 else value for name, value in values.items()}
@@ -142,12 +171,18 @@ def judge(record, got, wanted):
 
 
 def failed(record, pixels, trouble):
-    return Outcome(**record_head(record), pixels=pixels, agreeing=0, worst=float("inf"),
-                   error=f"{type(trouble).__name__}: {str(trouble)[:300]}")
+    return Outcome(
+        **record_head(record),
+        pixels=pixels,
+        agreeing=0,
+        worst=float("inf"),
+        error=f"{type(trouble).__name__}: {str(trouble)[:300]}",
+    )
 
 
 def main(words):
     import report
+
     outcomes = run([word for word in words if word != "--write"])
     print(report.table(outcomes))
     print(report.troubles(outcomes))

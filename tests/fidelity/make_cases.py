@@ -1,5 +1,5 @@
-"""Makes the reference data: builds the node trees of all families in Blender 5.0.1, renders each with Cycles and
-flattens it with the host of examples/blender_host.
+"""Makes the reference data: builds the node trees of all families in Blender 5.0.1, renders each with Cycles
+and flattens it with the host of examples/blender_host.
 
     .venv-blender-5.0/bin/python tests/fidelity/make_cases.py [family ...]
 """
@@ -22,7 +22,18 @@ import store  # noqa: E402
 from builder import SIDE  # noqa: E402
 from scenes import facts, normals, rays, stage, textures  # noqa: E402
 
-TILED = ("value", "vector", "mix", "colour", "patterns", "noise", "tables", "pictures", "shaders", "flattening")
+TILED = (
+    "value",
+    "vector",
+    "mix",
+    "colour",
+    "patterns",
+    "noise",
+    "tables",
+    "pictures",
+    "shaders",
+    "flattening",
+)
 PER_PICTURE = 400
 JITTER = 1 / 2048, 1 / 2048  # how far from the pixel's middle Cycles takes its one sample
 
@@ -45,8 +56,14 @@ def settings():
     found = {}
     for name in sorted(dir(bpy.types)):
         if name.startswith("ShaderNode") and name != "ShaderNode":
-            own = [prop for prop in getattr(bpy.types, name).bl_rna.properties if prop.identifier not in common]
-            found[name] = {prop.identifier: [item.identifier for item in prop.enum_items] for prop in own if prop.type == "ENUM"}
+            own = [
+                prop for prop in getattr(bpy.types, name).bl_rna.properties if prop.identifier not in common
+            ]
+            found[name] = {
+                prop.identifier: [item.identifier for item in prop.enum_items]
+                for prop in own
+                if prop.type == "ENUM"
+            }
             found[name] |= {prop.identifier: [False, True] for prop in own if prop.type == "BOOLEAN"}
     return found
 
@@ -55,10 +72,17 @@ def tiled(cases):
     records, values = [], []
     mesh = render.squares(1, 1)
     for start in range(0, len(cases), PER_PICTURE):
-        some = cases[start:start + PER_PICTURE]
+        some = cases[start : start + PER_PICTURE]
         materials = [render.material(f"{case.node} {case.name}", case.build) for case in some]
-        records += [{"node": case.node, "name": case.name, "reason": case.reason,
-                     "document": blender_host.flatten(one, mesh)} for case, one in zip(some, materials)]
+        records += [
+            {
+                "node": case.node,
+                "name": case.name,
+                "reason": case.reason,
+                "document": blender_host.flatten(one, mesh),
+            }
+            for case, one in zip(some, materials)
+        ]
         values.append(render.tiles(materials))
         for one in materials:
             bpy.data.materials.remove(one)
@@ -88,11 +112,22 @@ def save_scenes():
         records, values = [], []
         for case in [case for part in (facts, textures, normals) for case in part.cases(scene)]:
             shown = render.material(f"{case.node} {case.name}", case.build)
-            records.append({"node": case.node, "name": f"{scene.name}: {case.name}", "reason": case.reason,
-                            "document": blender_host.flatten(shown, thing.data)})
+            records.append(
+                {
+                    "node": case.node,
+                    "name": f"{scene.name}: {case.name}",
+                    "reason": case.reason,
+                    "document": blender_host.flatten(shown, thing.data),
+                }
+            )
             values.append(wear(thing, shown)[rows, columns])
             bpy.data.materials.remove(shown)
-        save("scene_" + scene.name.replace(" ", "_"), records, np.array(values), {"input " + kind: value for kind, value in inputs.items()})
+        save(
+            "scene_" + scene.name.replace(" ", "_"),
+            records,
+            np.array(values),
+            {"input " + kind: value for kind, value in inputs.items()},
+        )
 
 
 def wear(thing, material):
@@ -103,14 +138,22 @@ def wear(thing, material):
 
 def check_positions(thing, inputs, columns, rows):
     """A frame of its own: our rays meet the surface where Cycles' rays do."""
-    shown = wear(thing, render.material("Position", lambda canvas: canvas.node("NewGeometry").outputs["Position"]))
+    shown = wear(
+        thing, render.material("Position", lambda canvas: canvas.node("NewGeometry").outputs["Position"])
+    )
     ours = inputs["world_position"] * rays.FLIP / 100
-    assert np.abs(shown[rows, columns] - ours).max() < 5e-5 and (np.abs(shown).sum(axis=2) > 0).sum() == len(rows)
+    assert np.abs(shown[rows, columns] - ours).max() < 5e-5 and (np.abs(shown).sum(axis=2) > 0).sum() == len(
+        rows
+    )
 
 
 def save(family, records, values, arrays):
     used = {name for record in records for name in record["document"]["images"]}
-    store.save(family, records, {"values": values} | arrays | {"texture " + name: texels(name) for name in sorted(used)})
+    store.save(
+        family,
+        records,
+        {"values": values} | arrays | {"texture " + name: texels(name) for name in sorted(used)},
+    )
     print(f"{family}: {values.shape[0]} cases of {values.shape[1]} pixels, {len(used)} textures", flush=True)
 
 

@@ -1,4 +1,4 @@
-"""Renders exact values with Cycles: what a socket holds, as the colour of an emission. Runs inside Blender."""
+"""Renders exact values with Cycles: what a socket holds, as an emission's colour. Runs inside Blender."""
 
 import math
 import tempfile
@@ -13,9 +13,18 @@ def settings(width, height):
     scene = bpy.context.scene
     scene.render.engine = "CYCLES"
     cycles = scene.cycles
-    cycles.samples, cycles.max_bounces, cycles.use_denoising, cycles.use_adaptive_sampling = 1, 0, False, False
+    cycles.samples, cycles.max_bounces, cycles.use_denoising, cycles.use_adaptive_sampling = (
+        1,
+        0,
+        False,
+        False,
+    )
     cycles.pixel_filter_type, cycles.filter_width = "BOX", 0.01
-    scene.render.resolution_x, scene.render.resolution_y, scene.render.resolution_percentage = width, height, 100
+    scene.render.resolution_x, scene.render.resolution_y, scene.render.resolution_percentage = (
+        width,
+        height,
+        100,
+    )
     scene.render.image_settings.file_format, scene.render.image_settings.color_depth = "OPEN_EXR", "32"
     scene.view_settings.view_transform = "Raw"
     scene.world = scene.world or bpy.data.worlds.new("Black")
@@ -55,7 +64,11 @@ def material(name, build):
 
 def squares(count, columns):
     """A mesh of unit squares, each with the UV map from 0 to 1."""
-    corners = [(n % columns + dx, n // columns + dy, 0.0) for n in range(count) for dx, dy in ((0, 0), (1, 0), (1, 1), (0, 1))]
+    corners = [
+        (n % columns + dx, n // columns + dy, 0.0)
+        for n in range(count)
+        for dx, dy in ((0, 0), (1, 0), (1, 1), (0, 1))
+    ]
     mesh = bpy.data.meshes.new("Squares")
     mesh.from_pydata(corners, [], [range(4 * n, 4 * n + 4) for n in range(count)])
     square = np.array([0, 0, 1, 0, 1, 1, 0, 1], "f")

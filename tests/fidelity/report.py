@@ -8,10 +8,10 @@ SHARE = 0.98  # of a case's pixels have to agree, unless it has a reason not to
 
 HEAD = """# Fidelity
 
-How far the generated text shows what Blender shows. `tests/fidelity` holds node trees for every setting of every node
-that can be evaluated, each rendered once by Cycles in Blender 5.0.1. Every tree is flattened, translated, compiled with DXC and
-run on a Vulkan device; a pixel agrees where no channel is off by more than 1e-4, relative to values above 1. This page is
-written by `tests/fidelity/compare.py --write`.
+How far the generated text shows what Blender shows. `tests/fidelity` holds node trees for every setting of
+every node that can be evaluated, each rendered once by Cycles in Blender 5.0.1. Every tree is flattened,
+translated, compiled with DXC and run on a Vulkan device; a pixel agrees where no channel is off by more
+than 1e-4, relative to values above 1. This page is written by `tests/fidelity/compare.py --write`.
 
 """
 
@@ -33,8 +33,10 @@ def by_node(outcomes):
 
 
 def table(outcomes):
-    lines = ["| Node | Cases | Pixels | Within 1e-4 | Worst case | Its pixels | Largest difference |",
-             "| --- | --- | --- | --- | --- | --- | --- |"]
+    lines = [
+        "| Node | Cases | Pixels | Within 1e-4 | Worst case | Its pixels | Largest difference |",
+        "| --- | --- | --- | --- | --- | --- | --- |",
+    ]
     for node, group in by_node(outcomes).items():
         plain = [one for one in group if not one.reason]
         if plain:
@@ -42,8 +44,10 @@ def table(outcomes):
             worst = min(plain, key=lambda one: (one.agreeing / one.pixels, -one.worst))
             where = worst.name if worst.agreeing < worst.pixels else ""
             its = f"{share(worst.agreeing, worst.pixels)} %" if where else ""
-            lines.append(f"| {node} | {len(plain)} | {pixels} | {share(agreeing, pixels)} % | {where} | {its} | "
-                         f"{max(one.worst for one in plain):.1e} |")
+            lines.append(
+                f"| {node} | {len(plain)} | {pixels} | {share(agreeing, pixels)} % | {where} | {its} | "
+                f"{max(one.worst for one in plain):.1e} |"
+            )
     plain = [one for one in outcomes if not one.reason]
     lines.append(f"| all | {len(plain)} | {count(plain)[1]} | {share(*count(plain))} % | | | |")
     return "\n".join(lines)
@@ -55,7 +59,10 @@ def reasons(outcomes):
         if one.reason:
             groups[one.node, one.reason].append(one)
     lines = ["| Node | Cases | Within 1e-4 | Why it can't agree |", "| --- | --- | --- | --- |"]
-    lines += [f"| {node} | {len(group)} | {share(*count(group))} % | {reason} |" for (node, reason), group in groups.items()]
+    lines += [
+        f"| {node} | {len(group)} | {share(*count(group))} % | {reason} |"
+        for (node, reason), group in groups.items()
+    ]
     return "\n".join(lines)
 
 
@@ -65,17 +72,26 @@ def disagreeing(outcomes):
 
 
 def troubles(outcomes):
-    lines = [f"{one.node} | {one.name}: {share(one.agreeing, one.pixels)} %, off by {one.worst:.2e} {one.error}"
-             for one in outcomes if not one.reason and one.agreeing < one.pixels]
-    needless = [f"{one.node} | {one.name} agrees, but has the reason: {one.reason}"
-                for one in outcomes if one.reason and one.agreeing == one.pixels]
+    lines = [
+        f"{one.node} | {one.name}: {share(one.agreeing, one.pixels)} %, off by {one.worst:.2e} {one.error}"
+        for one in outcomes
+        if not one.reason and one.agreeing < one.pixels
+    ]
+    needless = [
+        f"{one.node} | {one.name} agrees, but has the reason: {one.reason}"
+        for one in outcomes
+        if one.reason and one.agreeing == one.pixels
+    ]
     return "\n".join(lines + needless)
 
 
 def write(outcomes):
     below = disagreeing(outcomes)
     agreeing, pixels = count([one for one in outcomes if not one.reason])
-    text = HEAD + (f"{len(outcomes)} cases, {count(outcomes)[1]} pixels; of the {pixels} pixels of cases that can agree, "
-                   f"{share(agreeing, pixels)} % do. Cases with less than {SHARE:.0%} of their pixels: {len(below)}.\n\n")
+    text = HEAD + (
+        f"{len(outcomes)} cases, {count(outcomes)[1]} pixels.\n"
+        f"Of the {pixels} pixels of cases that can agree, "
+        f"{share(agreeing, pixels)} % do. Cases with less than {SHARE:.0%} of their pixels: {len(below)}.\n\n"
+    )
     text += table(outcomes) + "\n\n## What differs by design\n\n" + reasons(outcomes) + "\n"
     (ROOT / "docs" / "fidelity.md").write_text(text, encoding="utf-8")

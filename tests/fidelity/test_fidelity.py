@@ -1,4 +1,4 @@
-"""The generated text against Cycles. The numbers behind it: compare.py, which also writes docs/fidelity.md."""
+"""The generated text against Cycles. compare.py shows the numbers behind it and writes docs/fidelity.md."""
 
 import re
 from collections import Counter, defaultdict
@@ -14,7 +14,14 @@ ROOT = Path(__file__).resolve().parents[2]
 SHADERS = {"Background", "BsdfAnisotropic"}  # black in a scene without light, or of the world only
 
 # Settings that a tree in a scene of one mesh can't show, or that no handler reads.
-ELSEWHERE = {"from_instancer", "attribute_type", "use_alpha", "distribution", "subsurface_method", "fresnel_type"}
+ELSEWHERE = {
+    "from_instancer",
+    "attribute_type",
+    "use_alpha",
+    "distribution",
+    "subsurface_method",
+    "fresnel_type",
+}
 ELSEWHERE_VALUES = {("ShaderNodeMix", "data_type", "ROTATION")}
 
 
@@ -63,7 +70,9 @@ def test_there_are_cases_enough(outcomes):
 
 
 def test_every_node_type_with_a_handler_has_cases(nodes):
-    sources = [path.read_text() for folder in ("nodes", "closures") for path in (ROOT / folder).rglob("*.cpp")]
+    sources = [
+        path.read_text() for folder in ("nodes", "closures") for path in (ROOT / folder).rglob("*.cpp")
+    ]
     handled = set(re.findall(r'"(ShaderNode\w+)"', "".join(sources)))
     assert len(handled) > 60
     assert handled - set(nodes) <= {"ShaderNode" + name for name in SHADERS}
@@ -74,5 +83,7 @@ def test_every_setting_of_every_node_has_a_case(nodes):
     for kind, settings in store.load_settings().items():
         for prop, values in settings.items() if kind in nodes else ():
             seen = [node["props"].get(prop) for node in nodes[kind]]
-            missing += [(kind, prop, value) for value in values if value not in seen and prop not in ELSEWHERE]
+            missing += [
+                (kind, prop, value) for value in values if value not in seen and prop not in ELSEWHERE
+            ]
     assert set(missing) <= ELSEWHERE_VALUES

@@ -1,5 +1,5 @@
-"""A material with pictures and displacement from Blender to the files for Unreal. Arguments: the folder of quillgen, the
-folder to write to. Prints one JSON object. Runs inside Blender."""
+"""A material with pictures and displacement from Blender to the files for Unreal. Arguments: the folder of
+quillgen, the folder to write to. Prints one JSON object. Runs inside Blender."""
 
 import json
 import sys
@@ -23,7 +23,11 @@ def main(folder):
     material.displacement_method = "BOTH"
     tree = material.node_tree
     images = [picture("Bytes.png", False, "PREMUL"), picture("Light", True, "STRAIGHT")]
-    both = add(tree, "MixRGB", {n + 1: add(tree, "TexImage", image=image).outputs[0] for n, image in enumerate(images)})
+    both = add(
+        tree,
+        "MixRGB",
+        {n + 1: add(tree, "TexImage", image=image).outputs[0] for n, image in enumerate(images)},
+    )
     tree.links.new(both.outputs[0], tree.nodes["Principled BSDF"].inputs["Base Color"])
     height = add(tree, "Displacement", {0: add(tree, "TexNoise").outputs[0], "Scale": 0.05}).outputs[0]
     tree.links.new(height, tree.get_output_node("CYCLES").inputs["Displacement"])
@@ -32,8 +36,16 @@ def main(folder):
     result = blender_host.translate(document)
     files = blender_host.write(result, folder, "Wall", document, notes + ["a note"])
     saved = blender_host.save_textures(result, folder)
-    print(json.dumps({"files": [path.name for path in files], "document": document, "same": {
-        name: same(path, images) for name, path in saved.items()}, "images": document["images"]}))
+    print(
+        json.dumps(
+            {
+                "files": [path.name for path in files],
+                "document": document,
+                "same": {name: same(path, images) for name, path in saved.items()},
+                "images": document["images"],
+            }
+        )
+    )
 
 
 def picture(name, bright, alpha):

@@ -1,5 +1,6 @@
-"""Flattens every little material, builds the document again as a plain tree and renders both. Prints one JSON object:
-{name: {"document": ..., "difference": the largest one between the two pictures}}. Runs inside Blender."""
+"""Flattens every little material, builds the document again as a plain tree and renders both. Prints one JSON
+object: {name: {"document": ..., "difference": the largest one between the two pictures}}. Runs inside
+Blender."""
 
 import json
 import sys
@@ -26,8 +27,14 @@ def main():
     documents = [blender_host.flatten(one, grid) for one in shown]
     again = [rebuild(json.loads(json.dumps(document))) for document in documents]
     first, second = (picture(grid, materials) for materials in (shown, again))
-    report = {fill.__name__: {"document": document, "difference": float(np.abs(a - b).max()), "spread": float(np.ptp(a))}
-              for fill, document, a, b in zip(TREES, documents, first, second)}
+    report = {
+        fill.__name__: {
+            "document": document,
+            "difference": float(np.abs(a - b).max()),
+            "spread": float(np.ptp(a)),
+        }
+        for fill, document, a, b in zip(TREES, documents, first, second)
+    }
     Path(sys.argv[1]).write_text(json.dumps(report))
 
 

@@ -13,7 +13,9 @@ def rebuild(document, name="Rebuilt"):
         for socket, entry in record["in"].items():
             if "link" in entry:
                 source, out, seen = entry["link"]
-                connect(tree, named(nodes[source].outputs, out), seen, named(nodes[record["id"]].inputs, socket))
+                connect(
+                    tree, named(nodes[source].outputs, out), seen, named(nodes[record["id"]].inputs, socket)
+                )
     end = tree.nodes.new("ShaderNodeOutputMaterial")
     for socket, (source, out) in document["out"].items():
         tree.links.new(named(nodes[source].outputs, out), end.inputs[socket.title()])
@@ -29,7 +31,8 @@ def named(sockets, identifier):
 
 
 def connect(tree, out, seen, socket):
-    """A link on which the value counts as another type than its socket's reads it through a node of that type."""
+    """A link on which the value counts as another type than its socket's reads it through a node of that
+    type."""
     if (out.type, seen, socket.type) in (("VECTOR", "RGBA", "VALUE"), ("RGBA", "VECTOR", "VALUE")):
         between = tree.nodes.new("ShaderNodeRGBToBW" if seen == "RGBA" else "ShaderNodeVectorMath")
         if seen == "VECTOR":
@@ -54,7 +57,7 @@ def node(tree, record):
         if "v" in entry:
             target = named(made.inputs, socket)
             value = entry["v"]
-            target.default_value = value[:len(target.default_value)] if isinstance(value, list) else value
+            target.default_value = value[: len(target.default_value)] if isinstance(value, list) else value
     if record["type"] == "ShaderNodeMath":
         for socket in ("Value", "Value_001", "Value_002"):
             if socket not in record["in"]:

@@ -1,4 +1,5 @@
-"""From a material in Blender to the files that Unreal needs, in each Blender that there is an environment for."""
+"""From a material in Blender to the files that Unreal needs, in each Blender that there is an environment
+for."""
 
 import json
 import subprocess
@@ -24,7 +25,13 @@ def exported(request, tmp_path_factory):
 
 def test_all_files_are_written(exported):
     folder, report = exported
-    assert report["files"] == ["Wall.hlsl", "Wall.displacement.hlsl", "Wall.json", "Wall.md", "Wall.document.json"]
+    assert report["files"] == [
+        "Wall.hlsl",
+        "Wall.displacement.hlsl",
+        "Wall.json",
+        "Wall.md",
+        "Wall.document.json",
+    ]
     result = quillgen.compile(report["document"])
     assert (folder / "Wall.hlsl").read_text() == result["code"] + "\n"
     assert (folder / "Wall.displacement.hlsl").read_text() == result["displacement"]["code"] + "\n"
@@ -36,8 +43,12 @@ def test_the_tables_name_everything_to_wire(exported):
     result = quillgen.compile(report["document"])
     table, text = json.loads((folder / "Wall.json").read_text()), (folder / "Wall.md").read_text()
     assert table["inputs"] == result["inputs"] and table["outputs"] == result["outputs"]
-    assert table["displacement"]["magnitude"] == result["displacement"]["magnitude"] and table["notes"] == ["a note"]
-    names = [entry["name"] for entry in result["inputs"] + result["outputs"] + result["displacement"]["inputs"]]
+    assert table["displacement"]["magnitude"] == result["displacement"]["magnitude"] and table["notes"] == [
+        "a note"
+    ]
+    names = [
+        entry["name"] for entry in result["inputs"] + result["outputs"] + result["displacement"]["inputs"]
+    ]
     assert len(names) > 50 and all(f" {name} " in text or f" {name}:" in text for name in names)
     assert "{" not in text.replace("{}", "") and "a note" in text
 
@@ -45,5 +56,8 @@ def test_the_tables_name_everything_to_wire(exported):
 def test_textures_hold_the_pixels_of_their_images(exported):
     folder, report = exported
     assert sorted(report["same"].values()) == [["Bytes.png"], ["Light"]]
-    assert {name: found["alpha"] for name, found in report["images"].items()} == {"Bytes.png": "STRAIGHT", "Light": "PREMUL"}
+    assert {name: found["alpha"] for name, found in report["images"].items()} == {
+        "Bytes.png": "STRAIGHT",
+        "Light": "PREMUL",
+    }
     assert {path.suffix for path in folder.glob("T_*")} == {".png", ".exr"}

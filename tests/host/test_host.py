@@ -1,5 +1,5 @@
-"""The host for Blender, in each Blender that tools/setup has made an environment for: what its documents say, and that
-a tree built from a document renders like the tree it came from."""
+"""The host for Blender, in each Blender that tools/setup has made an environment for: what its documents say,
+and that a tree built from a document renders like the tree it came from."""
 
 import json
 import subprocess
@@ -31,8 +31,11 @@ def test_a_document_rendered_again_shows_the_same_picture(blender):
     tolerance = {"rgb_curves": 5e-4, "ramp_past_red": 1e-4}
     version, report = blender
     assert len(report) > 20
-    off = {name: found["difference"] for name, found in report.items()
-           if not found["difference"] <= tolerance.get(name, 1e-6)}
+    off = {
+        name: found["difference"]
+        for name, found in report.items()
+        if not found["difference"] <= tolerance.get(name, 1e-6)
+    }
     assert off == {}
 
 
@@ -44,7 +47,13 @@ def test_pictures_of_the_trees_show_something(blender):
 
 def test_groups_within_groups(blender):
     found = nodes(blender[1], "nested_groups")
-    assert {"One/First/Noise Texture", "One/Second/Noise Texture", "Two/First/Math", "Two/Math", "Math"} <= set(found)
+    assert {
+        "One/First/Noise Texture",
+        "One/Second/Noise Texture",
+        "Two/First/Math",
+        "Two/Math",
+        "Math",
+    } <= set(found)
     assert found["Two/First/Noise Texture"]["in"]["Scale"]["link"] == ["Two/Math", "Value", "VALUE"]
     assert found["One/Second/Noise Texture"]["in"]["Scale"] == {"t": "VALUE", "v": 3.0}
     assert found["One/Second/Noise Texture"]["in"]["Vector"]["link"] == ["One/First/Math", "Value", "VALUE"]
@@ -83,7 +92,11 @@ def test_a_constant_reaches_an_implicit_socket_by_a_link(blender):
 
 def test_reroutes_and_muted_nodes_vanish(blender):
     version, report = blender
-    assert nodes(report, "reroutes")["Vector Math.001"]["in"]["Vector"]["link"] == ["Vector Math", "Vector", "VECTOR"]
+    assert nodes(report, "reroutes")["Vector Math.001"]["in"]["Vector"]["link"] == [
+        "Vector Math",
+        "Vector",
+        "VECTOR",
+    ]
     for name in ("empty_reroute", "muted_without_a_link"):
         value = nodes(report, name)["Vector Math"]["in"]["Vector"]["v"]
         assert value == pytest.approx([0.4, 0.5, 0.6] if version == "5.0" else [0.0, 0.0, 0.0])
@@ -106,7 +119,11 @@ def test_ids_that_share_their_letters_get_a_number(blender):
 def test_ramps_and_curves(blender):
     report = blender[1]
     ramp = nodes(report, "ramp_in_hsv")["Color Ramp"]["ramp"]
-    assert (ramp["interp"], ramp["mode"], [stop[0] for stop in ramp["stops"]]) == ("LINEAR", "HSV", [0.0, 0.25, 1.0])
+    assert (ramp["interp"], ramp["mode"], [stop[0] for stop in ramp["stops"]]) == (
+        "LINEAR",
+        "HSV",
+        [0.0, 0.25, 1.0],
+    )
     curve = nodes(report, "rgb_curves")["RGB Curves"]["curve"]
     assert [len(table) for table in curve["tables"]] == [257] * 3
     assert (curve["min"], curve["max"], curve["extend"]) == (0.0, 1.0, "EXTRAPOLATED")
@@ -119,7 +136,9 @@ def test_ramps_get_stops_where_their_way_passes_red(blender):
     places = [round(stop[0], 6) for stop in stops]
     assert places[0] == 0 and places[-1] == 1 and places == sorted(places)
     doubled = [(a[1], b[1]) for a, b in zip(stops, stops[1:]) if a[0] == b[0]]
-    assert len(doubled) == 2 and all(a == pytest.approx(b, abs=1e-3) and a[0] > max(a[1:3]) - 1e-6 for a, b in doubled)
+    assert len(doubled) == 2 and all(
+        a == pytest.approx(b, abs=1e-3) and a[0] > max(a[1:3]) - 1e-6 for a, b in doubled
+    )
 
 
 def test_directions_have_unit_length(blender):

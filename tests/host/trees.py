@@ -25,7 +25,9 @@ def named(sockets, identifier):
 def vector(tree):
     """Something with three different components everywhere."""
     uv = add(tree, "UVMap").outputs[0]
-    return add(tree, "VectorMath", {0: uv, 1: (3.0, -2.0, 1.0), 2: (0.1, 0.2, 0.5)}, operation="MULTIPLY_ADD").outputs[0]
+    return add(
+        tree, "VectorMath", {0: uv, 1: (3.0, -2.0, 1.0), 2: (0.1, 0.2, 0.5)}, operation="MULTIPLY_ADD"
+    ).outputs[0]
 
 
 def colour(tree):
@@ -56,19 +58,25 @@ def use(tree, inner, inputs=None, name=None):
 
 def through(kind, reader="VectorMath"):
     """A group that hands what comes in through a border of a type to a reader node."""
+
     def fill(tree, begin, end):
         node = add(tree, reader)
         socket = named(node.inputs, {"VectorMath": "Vector", "Math": "Value"}[reader])
         tree.links.new(begin[0], socket)
         tree.links.new(node.outputs[0], end[0])
+
     return group("Through", [("In", kind)], [("Out", "Color")], fill)
 
 
 def nested_groups(tree):
     """Two instances of a group that has a group inside, with linked and unlinked inputs."""
+
     def inner(tree, begin, end):
         noise = add(tree, "TexNoise", {"Vector": begin[0], "Scale": begin[1]})
-        tree.links.new(add(tree, "Math", {0: noise.outputs[0], 1: begin[1]}, operation="MULTIPLY").outputs[0], end[0])
+        tree.links.new(
+            add(tree, "Math", {0: noise.outputs[0], 1: begin[1]}, operation="MULTIPLY").outputs[0], end[0]
+        )
+
     deep = group("Deep", [("Where", "Vector"), ("Size", "Float")], [("Out", "Float")], inner)
 
     def outer(tree, begin, end):
@@ -76,6 +84,7 @@ def nested_groups(tree):
         first = use(tree, deep, {0: begin[0], 1: bigger}, "First")
         second = use(tree, deep, {0: first.outputs[0], 1: 3.0}, "Second")
         tree.links.new(second.outputs[0], end[0])
+
     wide = group("Wide", [("Where", "Vector"), ("Size", "Float")], [("Out", "Float")], outer)
     one = use(tree, wide, {0: vector(tree), 1: 1.5}, "One")
     two = use(tree, wide, {0: colour(tree), 1: one.outputs[0]}, "Two")
@@ -106,20 +115,36 @@ def number_through_vector(tree):
 def constant_through_borders(tree):
     """A vector that is not linked anywhere, through a float border inside."""
     inner = through("Float")
-    outer = group("Outer", [("In", "Vector")], [("Out", "Color")], lambda tree, begin, end: tree.links.new(
-        use(tree, inner, {0: begin[0]}).outputs[0], end[0]))
+    outer = group(
+        "Outer",
+        [("In", "Vector")],
+        [("Out", "Color")],
+        lambda tree, begin, end: tree.links.new(use(tree, inner, {0: begin[0]}).outputs[0], end[0]),
+    )
     return use(tree, outer, {0: (0.1, 0.2, 0.4)}).outputs[0]
 
 
 def constant_for_a_texture(tree):
-    inner = group("Stripes", [("Where", "Vector")], [("Out", "Color")], lambda tree, begin, end: tree.links.new(
-        add(tree, "TexGradient", {"Vector": begin[0]}).outputs[0], end[0]))
+    inner = group(
+        "Stripes",
+        [("Where", "Vector")],
+        [("Out", "Color")],
+        lambda tree, begin, end: tree.links.new(
+            add(tree, "TexGradient", {"Vector": begin[0]}).outputs[0], end[0]
+        ),
+    )
     return use(tree, inner, {0: (0.25, 0.5, 0.75)}).outputs[0]
 
 
 def rim(hidden):
-    inner = group("Rim", [("Normal", "Vector")], [("Out", "Float")], lambda tree, begin, end: tree.links.new(
-        add(tree, "LayerWeight", {"Normal": begin[0], "Blend": 0.3}).outputs["Facing"], end[0]))
+    inner = group(
+        "Rim",
+        [("Normal", "Vector")],
+        [("Out", "Float")],
+        lambda tree, begin, end: tree.links.new(
+            add(tree, "LayerWeight", {"Normal": begin[0], "Blend": 0.3}).outputs["Facing"], end[0]
+        ),
+    )
     for item in inner.interface.items_tree:
         if item.in_out == "INPUT":
             item.hide_value = hidden
@@ -135,8 +160,12 @@ def hidden_constant_for_a_normal(tree):
 
 
 def group_without_links_inside(tree):
-    inner = group("Plain", [], [("Out", "Color")], lambda tree, begin, end: setattr(
-        end[0], "default_value", (0.1, 0.2, 0.3, 1.0)))
+    inner = group(
+        "Plain",
+        [],
+        [("Out", "Color")],
+        lambda tree, begin, end: setattr(end[0], "default_value", (0.1, 0.2, 0.3, 1.0)),
+    )
     return add(tree, "VectorMath", {0: use(tree, inner).outputs[0]}).outputs[0]
 
 
@@ -172,8 +201,12 @@ def muted_without_a_way(tree):
 
 
 def muted_group(tree):
-    inner = group("Off", [("In", "Color")], [("Out", "Color")], lambda tree, begin, end: tree.links.new(
-        add(tree, "Invert", {"Color": begin[0]}).outputs[0], end[0]))
+    inner = group(
+        "Off",
+        [("In", "Color")],
+        [("Out", "Color")],
+        lambda tree, begin, end: tree.links.new(add(tree, "Invert", {"Color": begin[0]}).outputs[0], end[0]),
+    )
     node = use(tree, inner, {0: colour(tree)})
     node.mute = True
     return add(tree, "VectorMath", {0: node.outputs[0]}).outputs[0]
@@ -211,7 +244,8 @@ def ramp_in_hsv(tree):
 
 
 def ramp_past_red(tree):
-    """The nearest way between the hues is by red, which the document's straight way from one to the other never passes."""
+    """The nearest way between the hues is by red, which the document's straight way from one to the other
+    never passes."""
     node = add(tree, "ValToRGB", {0: add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]})
     band = node.color_ramp
     band.color_mode = "HSL"
@@ -243,8 +277,12 @@ def unused_branch(tree):
 
 
 def names_that_clash(tree):
-    inner = group("A", [], [("Out", "Float")], lambda tree, begin, end: tree.links.new(
-        add(tree, "Value", name="B").outputs[0], end[0]))
+    inner = group(
+        "A",
+        [],
+        [("Out", "Float")],
+        lambda tree, begin, end: tree.links.new(add(tree, "Value", name="B").outputs[0], end[0]),
+    )
     inner.nodes["B"].outputs[0].default_value = 0.5
     first = use(tree, inner, name="A").outputs[0]
     second = add(tree, "Value", name="A/B")
@@ -255,5 +293,10 @@ def names_that_clash(tree):
     return add(tree, "Math", {0: total, 1: third.outputs[0]}, name="Sum.001").outputs[0]
 
 
-TREES = [thing for name, thing in list(globals().items()) if callable(thing) and getattr(thing, "__module__", "") == __name__
-         and name not in ("add", "named", "vector", "colour", "group", "use", "through", "rim")]
+TREES = [
+    thing
+    for name, thing in list(globals().items())
+    if callable(thing)
+    and getattr(thing, "__module__", "") == __name__
+    and name not in ("add", "named", "vector", "colour", "group", "use", "through", "rim")
+]

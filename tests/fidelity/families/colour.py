@@ -12,11 +12,21 @@ def cases():
     for mode in words("SeparateColor", "mode"):
         for name in COLOURS:
             for out in ("Red", "Green", "Blue"):
-                yield Case("Separate Color", f"{mode} {out} {name}", lambda c, mode=mode, name=name, out=out: c.node(
-                    "SeparateColor", {0: colour(c, name)}, mode=mode).outputs[out])
+                yield Case(
+                    "Separate Color",
+                    f"{mode} {out} {name}",
+                    lambda c, mode=mode, name=name, out=out: c.node(
+                        "SeparateColor", {0: colour(c, name)}, mode=mode
+                    ).outputs[out],
+                )
         for name, (scale, offset) in {"plain": (1 / 16, 0.0), "beyond": (0.25, -2.0)}.items():
-            yield Case("Combine Color", f"{mode} {name}", lambda c, mode=mode, s=scale, o=offset: c.node(
-                "CombineColor", {n: c.number(axis, s, o) for n, axis in enumerate("xyz")}, mode=mode).outputs[0])
+            yield Case(
+                "Combine Color",
+                f"{mode} {name}",
+                lambda c, mode=mode, s=scale, o=offset: c.node(
+                    "CombineColor", {n: c.number(axis, s, o) for n, axis in enumerate("xyz")}, mode=mode
+                ).outputs[0],
+            )
     yield from adjustments()
     yield from light()
 
@@ -29,13 +39,26 @@ def adjustments():
     for name in COLOURS:
         for seed in range(6):
             draw = Draw("hue", name, seed)
-            inputs = {"Hue": draw.number(0, 1), "Saturation": draw.number(0, 2), "Value": draw.number(0, 2),
-                      "Fac": draw.number(0, 1)}
-            inputs |= {1: {"Fac": 1.0}, 2: {"Hue": -3.25, "Saturation": 4.0, "Value": -1.0, "Fac": 2.0},
-                       3: {"Hue": 0.5, "Saturation": 1.0, "Value": 1.0, "Fac": 1.0}}.get(seed, {})
+            inputs = {
+                "Hue": draw.number(0, 1),
+                "Saturation": draw.number(0, 2),
+                "Value": draw.number(0, 2),
+                "Fac": draw.number(0, 1),
+            }
+            inputs |= {
+                1: {"Fac": 1.0},
+                2: {"Hue": -3.25, "Saturation": 4.0, "Value": -1.0, "Fac": 2.0},
+                3: {"Hue": 0.5, "Saturation": 1.0, "Value": 1.0, "Fac": 1.0},
+            }.get(seed, {})
             yield simple("Hue/Saturation/Value", "HueSaturation", f"{name} {seed}", name, inputs)
         for seed, (bright, contrast) in enumerate([(0.0, 0.0), (0.5, 0.25), (-0.25, 2.0), (10.0, -1.5)]):
-            yield simple("Brightness/Contrast", "BrightContrast", f"{name} {seed}", name, {"Bright": bright, "Contrast": contrast})
+            yield simple(
+                "Brightness/Contrast",
+                "BrightContrast",
+                f"{name} {seed}",
+                name,
+                {"Bright": bright, "Contrast": contrast},
+            )
         for gamma in (0.0, 1.0, 2.2, 0.45, 10.0, 0.001):
             yield simple("Gamma", "Gamma", f"{name} {gamma}", name, {"Gamma": gamma})
         for factor in (0.0, 0.375, 1.0, 2.0, -1.0):
@@ -48,11 +71,26 @@ def simple(label, kind, name, source, inputs, reason=""):
 
 
 def light():
-    for name, (scale, offset) in {"cold": (64.0, 0.0), "warm": (256.0, 700.0), "hot": (1024.0, 4000.0),
-                                  "hottest": (8192.0, -20000.0)}.items():
-        yield Case("Blackbody", name, lambda c, s=scale, o=offset: c.node(
-            "Blackbody", {0: c.number("x", s, o)}).outputs[0])
-    for name, (scale, offset) in {"visible": (26.0, 380.0), "edges": (2.0, 372.0), "red": (4.0, 700.0),
-                                  "beyond": (100.0, -400.0)}.items():
-        yield Case("Wavelength", name, lambda c, s=scale, o=offset: c.node(
-            "Wavelength", {0: c.number("x", s, o)}).outputs[0], MATRIX if name in ("visible", "beyond") else "")
+    for name, (scale, offset) in {
+        "cold": (64.0, 0.0),
+        "warm": (256.0, 700.0),
+        "hot": (1024.0, 4000.0),
+        "hottest": (8192.0, -20000.0),
+    }.items():
+        yield Case(
+            "Blackbody",
+            name,
+            lambda c, s=scale, o=offset: c.node("Blackbody", {0: c.number("x", s, o)}).outputs[0],
+        )
+    for name, (scale, offset) in {
+        "visible": (26.0, 380.0),
+        "edges": (2.0, 372.0),
+        "red": (4.0, 700.0),
+        "beyond": (100.0, -400.0),
+    }.items():
+        yield Case(
+            "Wavelength",
+            name,
+            lambda c, s=scale, o=offset: c.node("Wavelength", {0: c.number("x", s, o)}).outputs[0],
+            MATRIX if name in ("visible", "beyond") else "",
+        )

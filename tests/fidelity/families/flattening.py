@@ -13,6 +13,7 @@ def cases():
 
 def whole(fill):
     """The host's tree, with the canvas's vector in place of the raw UV coordinate."""
+
     def build(c):
         before = trees.vector
         trees.vector = lambda tree: c.vector() if tree == c.tree else before(tree)
@@ -20,4 +21,5 @@ def whole(fill):
             return fill(c.tree)
         finally:
             trees.vector = before
+
     return build

@@ -12,12 +12,19 @@ def cases():
             for clamp_result in (False, True):
                 switches = f"{'f' if clamp_factor else ''}{'r' if clamp_result else ''}"
                 for name, ranges in COLOURS.items():
-                    yield Case("Mix", f"RGBA {blend} {name} {switches}".strip(),
-                               colours(blend, ranges, clamp_factor, clamp_result))
+                    yield Case(
+                        "Mix",
+                        f"RGBA {blend} {name} {switches}".strip(),
+                        colours(blend, ranges, clamp_factor, clamp_result),
+                    )
         yield Case("Mix", f"RGBA {blend} equal", equal(blend))
         for clamp in (False, True):
             for name, ranges in COLOURS.items():
-                yield Case("Mix Color (legacy)", f"{blend} {name}{' clamped' if clamp else ''}", legacy(blend, ranges, clamp))
+                yield Case(
+                    "Mix Color (legacy)",
+                    f"{blend} {name}{' clamped' if clamp else ''}",
+                    legacy(blend, ranges, clamp),
+                )
     for clamp in (False, True):
         for name, factor in FACTORS.items():
             label = f"{name}{' f' if clamp else ''}"
@@ -41,27 +48,49 @@ def fill(c, node, **inputs):
 
 def colours(blend, ranges, clamp_factor, clamp_result):
     def build(c):
-        node = c.node("Mix", data_type="RGBA", blend_type=blend, clamp_factor=clamp_factor, clamp_result=clamp_result)
-        fill(c, node, Factor_Float=c.number("z", 1 / 8, -0.5), A_Color=c.colour(*ranges[0]),
-             B_Color=c.vector((ranges[1][0], -ranges[1][0], ranges[1][0]), (ranges[1][1], 0.75, 0.125)))
+        node = c.node(
+            "Mix", data_type="RGBA", blend_type=blend, clamp_factor=clamp_factor, clamp_result=clamp_result
+        )
+        fill(
+            c,
+            node,
+            Factor_Float=c.number("z", 1 / 8, -0.5),
+            A_Color=c.colour(*ranges[0]),
+            B_Color=c.vector((ranges[1][0], -ranges[1][0], ranges[1][0]), (ranges[1][1], 0.75, 0.125)),
+        )
         return c.out(node, "Result_Color")
+
     return build
 
 
 def equal(blend):
     """Black, white and grey against a fixed colour."""
+
     def build(c):
         node = c.node("Mix", data_type="RGBA", blend_type=blend)
-        fill(c, node, Factor_Float=c.number("y", 1 / 15, 0.0), A_Color=c.number("x", 1 / 8, -0.5),
-             B_Color=Draw("equal", blend).colour())
+        fill(
+            c,
+            node,
+            Factor_Float=c.number("y", 1 / 15, 0.0),
+            A_Color=c.number("x", 1 / 8, -0.5),
+            B_Color=Draw("equal", blend).colour(),
+        )
         return c.out(node, "Result_Color")
+
     return build
 
 
 def legacy(blend, ranges, clamp):
-    return lambda c: c.node("MixRGB", {"Fac": c.number("z", 1 / 8, -0.5), "Color1": c.colour(*ranges[0]),
-                                       "Color2": c.vector(ranges[1][0], (ranges[1][1], 0.25, 0.5))},
-                            blend_type=blend, use_clamp=clamp).outputs[0]
+    return lambda c: c.node(
+        "MixRGB",
+        {
+            "Fac": c.number("z", 1 / 8, -0.5),
+            "Color1": c.colour(*ranges[0]),
+            "Color2": c.vector(ranges[1][0], (ranges[1][1], 0.25, 0.5)),
+        },
+        blend_type=blend,
+        use_clamp=clamp,
+    ).outputs[0]
 
 
 def floats(factor, clamp):
@@ -69,6 +98,7 @@ def floats(factor, clamp):
         node = c.node("Mix", data_type="FLOAT", clamp_factor=clamp)
         fill(c, node, Factor_Float=factor, A_Float=c.number("x"), B_Float=c.number("y", 1.0, 0.5))
         return c.out(node, "Result_Float")
+
     return build
 
 
@@ -81,4 +111,5 @@ def vectors(mode, factor, clamp):
             fill(c, node, Factor_Vector=c.vector(0.125, (-0.5, 0.0, factor)))
         fill(c, node, A_Vector=c.vector(), B_Vector=c.vector(-1.0, (3.0, 0.5, 8.0)))
         return c.out(node, "Result_Vector")
+
     return build

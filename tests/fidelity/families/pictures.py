@@ -18,27 +18,44 @@ def cases():
     for size in SIZES:
         for interpolation in words("TexImage", "interpolation"):
             for extension in words("TexImage", "extension"):
-                yield image(f"{size} {interpolation} {extension}", ("byte", "sRGB", "STRAIGHT", size), "Color",
-                            interpolation=interpolation, extension=extension)
+                yield image(
+                    f"{size} {interpolation} {extension}",
+                    ("byte", "sRGB", "STRAIGHT", size),
+                    "Color",
+                    interpolation=interpolation,
+                    extension=extension,
+                )
     for projection in ("BOX", "SPHERE", "TUBE"):
         for interpolation in ("Linear", "Closest", "Cubic"):
             for extension in ("REPEAT", "CLIP", "MIRROR", "EXTEND"):
-                yield image(f"{projection} {interpolation} {extension}", ("byte", "sRGB", "STRAIGHT", "wide"), "Color",
-                            projection=projection, interpolation=interpolation, extension=extension)
+                yield image(
+                    f"{projection} {interpolation} {extension}",
+                    ("byte", "sRGB", "STRAIGHT", "wide"),
+                    "Color",
+                    projection=projection,
+                    interpolation=interpolation,
+                    extension=extension,
+                )
     for kind in ("byte", "float"):
         for space in ("sRGB", "Non-Color", "Linear Rec.709"):
             for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
                 for interpolation in ("Linear", "Closest", "Cubic"):
                     for out in ("Color", "Color beside Alpha", "Alpha"):
-                        yield image(f"{kind} {space} {alpha} {interpolation} {out}", (kind, space, alpha, "tall"), out,
-                                    interpolation=interpolation)
+                        yield image(
+                            f"{kind} {space} {alpha} {interpolation} {out}",
+                            (kind, space, alpha, "tall"),
+                            out,
+                            interpolation=interpolation,
+                        )
     for space in ("ACEScg", "Linear Rec.2020"):
         yield image(f"byte {space}", ("byte", space, "STRAIGHT", "wide"), "Color", reason=SPACE)
     for file in ("PNG 8", "PNG 16", "OPEN_EXR 32", "PNG 8 disk", "PNG 16 disk", "OPEN_EXR 32 disk"):
         for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
             for out in ("Color", "Color beside Alpha", "Alpha"):
                 half = file == "PNG 16 disk" and out != "Alpha"
-                yield image(f"file {file} {alpha} {out}", (file, None, alpha, "small"), out, HALF if half else "")
+                yield image(
+                    f"file {file} {alpha} {out}", (file, None, alpha, "small"), out, HALF if half else ""
+                )
     yield Case("Image Texture", "none", lambda c: c.node("TexImage", {"Vector": c.vector()}).outputs["Color"])
     yield from environments()
 
@@ -49,6 +66,7 @@ def image(name, key, out, reason="", **settings):
         if out != "Color beside Alpha":
             return node.outputs[out]
         return c.node("VectorMath", {0: node.outputs["Color"], 1: node.outputs["Alpha"]}).outputs[0]
+
     return Case("Image Texture", name, build, reason)
 
 
@@ -56,9 +74,21 @@ def environments():
     for projection in words("TexEnvironment", "projection"):
         for interpolation in words("TexEnvironment", "interpolation"):
             for kind, space in (("byte", "sRGB"), ("float", "Linear Rec.709")):
-                def build(c, projection=projection, interpolation=interpolation, key=(kind, space, "STRAIGHT", "wide")):
-                    return c.node("TexEnvironment", {"Vector": c.vector(*OFF_TEXELS)}, image=picture(*key),
-                                  projection=projection, interpolation=interpolation).outputs[0]
+
+                def build(
+                    c,
+                    projection=projection,
+                    interpolation=interpolation,
+                    key=(kind, space, "STRAIGHT", "wide"),
+                ):
+                    return c.node(
+                        "TexEnvironment",
+                        {"Vector": c.vector(*OFF_TEXELS)},
+                        image=picture(*key),
+                        projection=projection,
+                        interpolation=interpolation,
+                    ).outputs[0]
+
                 yield Case("Environment Texture", f"{projection} {interpolation} {kind}", build)
 
 

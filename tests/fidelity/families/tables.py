@@ -1,6 +1,6 @@
 """Colour ramps and curves."""
 
-from builder import Case, Draw, words
+from builder import Case, Draw
 
 SPLINES = "ramps of this kind are linear in the translation"
 TABLE = "Cycles looks a ramp up in a table of 257 entries, so it bends and steps at other places in between"
@@ -12,14 +12,22 @@ def cases():
             for seed in range(3):
                 spline = mode == "RGB" and interpolation in ("B_SPLINE", "CARDINAL")
                 for out in ("Color", "Alpha"):
-                    yield Case("Color Ramp", f"{mode} {interpolation} {out} {seed}",
-                               ramp(mode, interpolation, "NEAR", seed, out), SPLINES if spline else "")
+                    yield Case(
+                        "Color Ramp",
+                        f"{mode} {interpolation} {out} {seed}",
+                        ramp(mode, interpolation, "NEAR", seed, out),
+                        SPLINES if spline else "",
+                    )
         for way in ("FAR", "CW", "CCW") if mode != "RGB" else ():
             for seed in range(4):
                 yield Case("Color Ramp", f"{mode} {way} {seed}", ramp(mode, "LINEAR", way, seed, "Color"))
     for interpolation in ("LINEAR", "CONSTANT"):
-        yield Case("Color Ramp", f"between the table's entries {interpolation}",
-                   ramp("RGB", interpolation, "NEAR", 1, "Color", odd=True), TABLE)
+        yield Case(
+            "Color Ramp",
+            f"between the table's entries {interpolation}",
+            ramp("RGB", interpolation, "NEAR", 1, "Color", odd=True),
+            TABLE,
+        )
     yield Case("Color Ramp", "one stop", ramp("RGB", "LINEAR", "NEAR", 9, "Color"))
     yield from curves()
 
@@ -49,6 +57,7 @@ def ramp(mode, interpolation, way, seed, out, odd=False):
             stop = band.elements[0] if number == 0 else band.elements.new(place)
             stop.position, stop.color = place, draw.triple(0, 1) + (draw.number(0, 1),)
         return node.outputs[out]
+
     draw = Draw("ramp colours", mode, seed)
     return build
 
@@ -57,13 +66,16 @@ def curves():
     for kind in ("RGBCurve", "VectorCurve", "FloatCurve"):
         for seed in range(8):
             extend = ("EXTRAPOLATED", "HORIZONTAL")[seed % 2]
-            yield Case({"RGBCurve": "RGB Curves", "VectorCurve": "Vector Curves", "FloatCurve": "Float Curve"}[kind],
-                       f"{extend} {seed}", curve(kind, extend, seed))
+            yield Case(
+                {"RGBCurve": "RGB Curves", "VectorCurve": "Vector Curves", "FloatCurve": "Float Curve"}[kind],
+                f"{extend} {seed}",
+                curve(kind, extend, seed),
+            )
 
 
 def curve(kind, extend, seed):
-    """Seeds below 2 bend within the usual range, 2 and 3 reach beyond it, from 4 on the factor is another one and the
-    input goes far outside."""
+    """Seeds below 2 bend within the usual range, 2 and 3 reach beyond it, from 4 on the factor is another one
+    and the input goes far outside."""
     wide = kind == "VectorCurve"
 
     def build(c):
@@ -86,4 +98,5 @@ def curve(kind, extend, seed):
                 point.handle_type = draw.random.choice(("AUTO", "AUTO_CLAMPED", "VECTOR"))
         mapping.update()
         return node.outputs[0]
+
     return build

@@ -20,13 +20,18 @@ def cases():
             if operation in STEEP_OPERATIONS:
                 ranges = STEEP.get(name, ranges)
             for clamp in (False, True) if name in ("around zero", "hundreds") else (False,):
-                yield Case("Math", f"{operation} {name}{' clamped' if clamp else ''}",
-                           math(operation, ranges, clamp))
+                yield Case(
+                    "Math", f"{operation} {name}{' clamped' if clamp else ''}", math(operation, ranges, clamp)
+                )
     yield from map_range()
     yield from clamp_node()
     yield Case("Value", "fixed", lambda c: c.node("Math", {0: value(c, 0.3125), 1: c.number("x")}).outputs[0])
     yield Case("Value", "large", lambda c: c.node("Math", {0: value(c, -1e9), 1: c.number("x")}).outputs[0])
-    yield Case("RGB", "fixed", lambda c: c.node("VectorMath", {0: rgb(c, (0.1, 2.0, -0.5, 0.3)), 1: c.vector()}).outputs[0])
+    yield Case(
+        "RGB",
+        "fixed",
+        lambda c: c.node("VectorMath", {0: rgb(c, (0.1, 2.0, -0.5, 0.3)), 1: c.vector()}).outputs[0],
+    )
 
 
 def math(operation, ranges, clamp):
@@ -35,6 +40,7 @@ def math(operation, ranges, clamp):
         for place, (axis, part) in enumerate(zip("xyz", ranges)):
             inputs[place] = c.number(axis, *part) if isinstance(part, tuple) else part
         return c.node("Math", inputs, operation=operation, use_clamp=clamp).outputs[0]
+
     return build
 
 
@@ -67,23 +73,38 @@ def map_range():
                 for steps in (4.0, 0.0) if interpolation == "STEPPED" else (4.0,):
                     label = f"{interpolation} {name} steps {steps:g}{' clamped' if clamp else ''}"
                     hidden = clamp and name == "empty" and interpolation.startswith("SMOOTH")
-                    yield Case("Map Range", label, float_range(interpolation, limits, clamp, steps),
-                               HIDDEN_CLAMP if hidden else "")
-                    yield Case("Map Range", label + " vector", vector_range(interpolation, limits, clamp, steps))
+                    yield Case(
+                        "Map Range",
+                        label,
+                        float_range(interpolation, limits, clamp, steps),
+                        HIDDEN_CLAMP if hidden else "",
+                    )
+                    yield Case(
+                        "Map Range", label + " vector", vector_range(interpolation, limits, clamp, steps)
+                    )
         yield Case("Map Range", f"{interpolation} all linked", linked_range(interpolation))
 
 
 def float_range(interpolation, limits, clamp, steps):
-    return lambda c: c.node("MapRange", {"Value": c.number("x"), "Steps": steps} | dict(zip(LIMITS, limits)),
-                            interpolation_type=interpolation, clamp=clamp).outputs["Result"]
+    return lambda c: c.node(
+        "MapRange",
+        {"Value": c.number("x"), "Steps": steps} | dict(zip(LIMITS, limits)),
+        interpolation_type=interpolation,
+        clamp=clamp,
+    ).outputs["Result"]
 
 
 def linked_range(interpolation):
     def build(c):
-        inputs = {"Value": c.number("x", 0.125, -1.0), "From Min": c.number("y", 0.25, -2.0),
-                  "From Max": c.number("z", 0.25, 0.5), "To Min": c.number("z", -0.5, 0.25),
-                  "To Max": c.number("y", 1.0, 0.0)}
+        inputs = {
+            "Value": c.number("x", 0.125, -1.0),
+            "From Min": c.number("y", 0.25, -2.0),
+            "From Max": c.number("z", 0.25, 0.5),
+            "To Min": c.number("z", -0.5, 0.25),
+            "To Max": c.number("y", 1.0, 0.0),
+        }
         return c.node("MapRange", inputs, interpolation_type=interpolation, clamp=True).outputs["Result"]
+
     return build
 
 
@@ -99,13 +120,28 @@ def vector_range(interpolation, limits, clamp, steps):
             ends[name].default_value = limit
         ends["Steps_FLOAT3"].default_value = (steps, steps * 2, 3.0)
         return node.outputs["Vector"]
+
     return build
 
 
 def clamp_node():
     for kind in words("Clamp", "clamp_type"):
-        for name, (low, high) in {"plain": (-0.5, 1.0), "reversed": (1.0, -0.5), "equal": (0.25, 0.25)}.items():
-            yield Case("Clamp", f"{kind} {name}", lambda c, kind=kind, low=low, high=high: c.node(
-                "Clamp", {"Value": c.number("x"), "Min": low, "Max": high}, clamp_type=kind).outputs[0])
-        yield Case("Clamp", f"{kind} linked", lambda c, kind=kind: c.node(
-            "Clamp", {"Value": c.number("x"), "Min": c.number("y"), "Max": c.number("z")}, clamp_type=kind).outputs[0])
+        for name, (low, high) in {
+            "plain": (-0.5, 1.0),
+            "reversed": (1.0, -0.5),
+            "equal": (0.25, 0.25),
+        }.items():
+            yield Case(
+                "Clamp",
+                f"{kind} {name}",
+                lambda c, kind=kind, low=low, high=high: c.node(
+                    "Clamp", {"Value": c.number("x"), "Min": low, "Max": high}, clamp_type=kind
+                ).outputs[0],
+            )
+        yield Case(
+            "Clamp",
+            f"{kind} linked",
+            lambda c, kind=kind: c.node(
+                "Clamp", {"Value": c.number("x"), "Min": c.number("y"), "Max": c.number("z")}, clamp_type=kind
+            ).outputs[0],
+        )

@@ -5,7 +5,11 @@ import math
 from builder import Case, Draw, words
 
 RANGES = {
-    "around zero": ((0.25, -2.0), ((0.1875, 0.25, -0.125), (-1.0, -2.0, 0.75)), ((0.125, -0.25, 0.5), (0.25, 1.0, -3.0))),
+    "around zero": (
+        (0.25, -2.0),
+        ((0.1875, 0.25, -0.125), (-1.0, -2.0, 0.75)),
+        ((0.125, -0.25, 0.5), (0.25, 1.0, -3.0)),
+    ),
     "hundreds": ((124.6875, -1000.25), ((16.25, -15.5, 8.0), (-128.0, 100.0, -64.5)), (4.0, -32.5)),
     "tiny": ((1 / 1024, -8 / 1024), ((1 / 512, -1 / 256, 1 / 512), (-8 / 512, 1 / 64, 0.0)), (1 / 2048, 0.0)),
     "nothing": ((0.25, -2.0), None, None),
@@ -31,6 +35,7 @@ def vector_math(operation, ranges, scale):
         inputs["Scale"] = scale
         node = c.node("VectorMath", inputs, operation=operation)
         return node.outputs["Value" if operation in NUMBERS else "Vector"]
+
     return build
 
 
@@ -38,16 +43,30 @@ def mapping():
     for kind in words("Mapping", "vector_type"):
         for seed in range(6):
             draw = Draw("mapping", kind, seed)
-            inputs = {"Location": draw.triple(-4, 4), "Rotation": draw.triple(-4, 4),
-                      "Scale": (draw.number(-3, 3), 0.0 if seed == 1 else 1.5, draw.number(-100, 100))}
+            inputs = {
+                "Location": draw.triple(-4, 4),
+                "Rotation": draw.triple(-4, 4),
+                "Scale": (draw.number(-3, 3), 0.0 if seed == 1 else 1.5, draw.number(-100, 100)),
+            }
             if seed == 0:
                 inputs["Rotation"] = (0.0, 0.0, 0.0)
             scale, offset = (0.25, -2.0) if seed < 4 else (100.0, -800.0)
-            yield Case("Mapping", f"{kind} {seed}", lambda c, inputs=inputs, kind=kind, scale=scale, offset=offset: c.node(
-                "Mapping", {"Vector": c.vector(scale, offset)} | usable(c, inputs, kind), vector_type=kind).outputs[0])
-        yield Case("Mapping", f"{kind} linked", lambda c, kind=kind: c.node(
-            "Mapping", {"Vector": c.vector(), "Rotation": c.vector(0.5, -4.0), "Scale": c.vector(0.25, -1.0)},
-            vector_type=kind).outputs[0])
+            yield Case(
+                "Mapping",
+                f"{kind} {seed}",
+                lambda c, inputs=inputs, kind=kind, scale=scale, offset=offset: c.node(
+                    "Mapping", {"Vector": c.vector(scale, offset)} | usable(c, inputs, kind), vector_type=kind
+                ).outputs[0],
+            )
+        yield Case(
+            "Mapping",
+            f"{kind} linked",
+            lambda c, kind=kind: c.node(
+                "Mapping",
+                {"Vector": c.vector(), "Rotation": c.vector(0.5, -4.0), "Scale": c.vector(0.25, -1.0)},
+                vector_type=kind,
+            ).outputs[0],
+        )
 
 
 def usable(c, inputs, kind):
@@ -60,12 +79,19 @@ def rotate():
         for invert in (False, True):
             for seed in range(4):
                 draw = Draw("rotate", kind, invert, seed)
-                inputs = {"Center": draw.triple(-2, 2), "Axis": (0.0, 0.0, 0.0) if seed == 1 else draw.triple(-1, 1),
-                          "Angle": draw.number(-8, 8), "Rotation": draw.triple(-4, 4)}
+                inputs = {
+                    "Center": draw.triple(-2, 2),
+                    "Axis": (0.0, 0.0, 0.0) if seed == 1 else draw.triple(-1, 1),
+                    "Angle": draw.number(-8, 8),
+                    "Rotation": draw.triple(-4, 4),
+                }
                 if seed == 2:
                     inputs["Angle"] = math.pi
-                yield Case("Vector Rotate", f"{kind}{' inverted' if invert else ''} {seed}",
-                           vector_rotate(kind, invert, inputs, seed))
+                yield Case(
+                    "Vector Rotate",
+                    f"{kind}{' inverted' if invert else ''} {seed}",
+                    vector_rotate(kind, invert, inputs, seed),
+                )
 
 
 def vector_rotate(kind, invert, inputs, seed):
@@ -74,16 +100,27 @@ def vector_rotate(kind, invert, inputs, seed):
         if seed == 3:
             given |= {"Angle": c.number("x", 0.5, -4.0), "Axis": c.vector(0.25, (-1.0, -2.0, 0.5))}
         return c.node("VectorRotate", given, rotation_type=kind, invert=invert).outputs[0]
+
     return build
 
 
 def parts():
     for name, (scale, offset) in {"around zero": (0.25, -2.0), "hundreds": (125.0, -1000.0)}.items():
         for axis in "XYZ":
-            yield Case("Separate XYZ", f"{axis} {name}", lambda c, axis=axis, s=scale, o=offset: c.node(
-                "SeparateXYZ", {0: c.vector(s, o)}).outputs[axis])
-        yield Case("Combine XYZ", name, lambda c, s=scale, o=offset: c.node(
-            "CombineXYZ", {0: c.number("z", s, o), 1: 0.375, 2: c.number("x", s, o)}).outputs[0])
+            yield Case(
+                "Separate XYZ",
+                f"{axis} {name}",
+                lambda c, axis=axis, s=scale, o=offset: c.node("SeparateXYZ", {0: c.vector(s, o)}).outputs[
+                    axis
+                ],
+            )
+        yield Case(
+            "Combine XYZ",
+            name,
+            lambda c, s=scale, o=offset: c.node(
+                "CombineXYZ", {0: c.number("z", s, o), 1: 0.375, 2: c.number("x", s, o)}
+            ).outputs[0],
+        )
     yield Case("Vector to number", "mean", lambda c: c.node("Math", {0: c.vector(), 1: 0.0}).outputs[0])
     yield Case("Number to vector", "spread", lambda c: c.node("VectorMath", {0: c.number("x")}).outputs[0])
     yield Case("Number to colour", "spread", lambda c: c.number("x"))
@@ -99,4 +136,5 @@ def normal(direction, out):
         node = c.node("Normal", {"Normal": c.vector(0.25, (-2.0, -1.75, 0.5))})
         node.outputs["Normal"].default_value = direction
         return node.outputs[out]
+
     return build

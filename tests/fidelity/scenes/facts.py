@@ -7,9 +7,22 @@ SECOND_MAP_FACTOR = "the factor of a UV map is the mean of its components, in Cy
 
 
 def cases(scene):
-    for out in ("Position", "Normal", "True Normal", "Incoming", "Tangent", "Backfacing", "Parametric", "Pointiness",
-                "Random Per Island"):
-        reason = FIXED if out in ("Parametric", "Random Per Island") or out == "Pointiness" and scene.smooth else ""
+    for out in (
+        "Position",
+        "Normal",
+        "True Normal",
+        "Incoming",
+        "Tangent",
+        "Backfacing",
+        "Parametric",
+        "Pointiness",
+        "Random Per Island",
+    ):
+        reason = (
+            FIXED
+            if out in ("Parametric", "Random Per Island") or out == "Pointiness" and scene.smooth
+            else ""
+        )
         yield single("Geometry", "NewGeometry", out, reason)
     for out in ("Generated", "Normal", "UV", "Object", "Reflection", "Camera", "Window"):
         yield single("Texture Coordinate", "TexCoord", out, FIXED if out in ("Camera", "Window") else "")
@@ -20,9 +33,21 @@ def cases(scene):
         yield single("Camera Data", "CameraData", out)
     for out in ("Location", "Color", "Alpha", "Object Index", "Material Index", "Random"):
         yield single("Object Info", "ObjectInfo", out, FIXED if out == "Random" else "")
-    for out in ("Is Camera Ray", "Is Shadow Ray", "Is Diffuse Ray", "Is Glossy Ray", "Is Singular Ray", "Is Reflection Ray",
-                "Is Transmission Ray", "Ray Length", "Ray Depth", "Diffuse Depth", "Glossy Depth", "Transparent Depth",
-                "Transmission Depth"):
+    for out in (
+        "Is Camera Ray",
+        "Is Shadow Ray",
+        "Is Diffuse Ray",
+        "Is Glossy Ray",
+        "Is Singular Ray",
+        "Is Reflection Ray",
+        "Is Transmission Ray",
+        "Ray Length",
+        "Ray Depth",
+        "Diffuse Depth",
+        "Glossy Depth",
+        "Transparent Depth",
+        "Transmission Depth",
+    ):
         yield single("Light Path", "LightPath", out, FIXED if out == "Ray Length" else "")
     for axis in "XYZ" if scene.smooth else "Z":  # the others run along the normal of the grid
         yield single("Tangent", "Tangent", "Tangent", direction_type="RADIAL", axis=axis)
@@ -40,7 +65,9 @@ def single(label, kind, out, reason="", **settings):
 def attributes():
     for out in ("Color", "Vector", "Fac", "Alpha"):
         yield single("Attribute", "Attribute", out, attribute_name="Col")
-        yield single("Attribute", "Attribute", out, SECOND_MAP_FACTOR if out == "Fac" else "", attribute_name="Second")
+        yield single(
+            "Attribute", "Attribute", out, SECOND_MAP_FACTOR if out == "Fac" else "", attribute_name="Second"
+        )
     for out in ("Color", "Alpha"):
         yield single("Color Attribute", "VertexColor", out, layer_name="Col")
 
@@ -48,18 +75,28 @@ def attributes():
 def facing():
     for ior in (1.45, 1.0, 0.6, 0.0, 4.0):
         yield Case("Fresnel", f"{ior}", lambda c, ior=ior: c.node("Fresnel", {"IOR": ior}).outputs[0])
-    yield Case("Fresnel", "normal linked", lambda c: c.node("Fresnel", {"Normal": tilted(c), "IOR": 1.3}).outputs[0])
+    yield Case(
+        "Fresnel", "normal linked", lambda c: c.node("Fresnel", {"Normal": tilted(c), "IOR": 1.3}).outputs[0]
+    )
     for out in ("Fresnel", "Facing"):
         for blend in (0.5, 0.0, 0.2, 0.75, 1.0, -0.5):
-            yield Case("Layer Weight", f"{out} {blend}", lambda c, out=out, blend=blend: c.node(
-                "LayerWeight", {"Blend": blend}).outputs[out])
-        yield Case("Layer Weight", f"{out} normal linked", lambda c, out=out: c.node(
-            "LayerWeight", {"Normal": tilted(c), "Blend": 0.375}).outputs[out])
+            yield Case(
+                "Layer Weight",
+                f"{out} {blend}",
+                lambda c, out=out, blend=blend: c.node("LayerWeight", {"Blend": blend}).outputs[out],
+            )
+        yield Case(
+            "Layer Weight",
+            f"{out} normal linked",
+            lambda c, out=out: c.node("LayerWeight", {"Normal": tilted(c), "Blend": 0.375}).outputs[out],
+        )
 
 
 def tilted(c):
     """The shading normal, leaned over and of unit length again."""
-    leaned = c.node("VectorMath", {0: c.node("NewGeometry").outputs["Normal"], 1: (0.2, -0.1, 0.3)}).outputs[0]
+    leaned = c.node("VectorMath", {0: c.node("NewGeometry").outputs["Normal"], 1: (0.2, -0.1, 0.3)}).outputs[
+        0
+    ]
     return c.node("VectorMath", {0: leaned}, operation="NORMALIZE").outputs[0]
 
 
@@ -68,26 +105,67 @@ def spaces():
         for source in words("VectorTransform", "convert_from"):
             for target in words("VectorTransform", "convert_to"):
                 settings = {"vector_type": kind, "convert_from": source, "convert_to": target}
-                yield Case("Vector Transform", f"{kind} {source} {target}", lambda c, settings=settings: c.node(
-                    "VectorTransform", {0: c.node("TexCoord").outputs["Object"]}, **settings).outputs[0])
-                yield Case("Vector Transform", f"{kind} {source} {target} fixed", lambda c, settings=settings: c.node(
-                    "VectorTransform", {0: (0.3, -1.2, 0.5)}, **settings).outputs[0])
+                yield Case(
+                    "Vector Transform",
+                    f"{kind} {source} {target}",
+                    lambda c, settings=settings: c.node(
+                        "VectorTransform", {0: c.node("TexCoord").outputs["Object"]}, **settings
+                    ).outputs[0],
+                )
+                yield Case(
+                    "Vector Transform",
+                    f"{kind} {source} {target} fixed",
+                    lambda c, settings=settings: c.node(
+                        "VectorTransform", {0: (0.3, -1.2, 0.5)}, **settings
+                    ).outputs[0],
+                )
 
 
 def traced(scene):
     """What looks at the surroundings, of which a flat grid has none."""
     for inside in (False, True):
         for local in (False, True):
-            yield Case("Ambient Occlusion", f"Color {inside} {local}", lambda c, inside=inside, local=local: c.node(
-                "AmbientOcclusion", {"Color": c.node("TexCoord").outputs["UV"]}, inside=inside, only_local=local
-                ).outputs["Color"], FIXED if scene.smooth else "")
-    yield Case("Ambient Occlusion", "AO", lambda c: c.node("AmbientOcclusion").outputs["AO"], FIXED if scene.smooth else "")
-    yield Case("Bevel", "Normal", lambda c: c.node("Bevel", {"Radius": 0.1}).outputs[0],
-               FIXED if scene.smooth or scene.behind else "")
-    yield Case("Bevel", "normal linked", lambda c: c.node("Bevel", {"Radius": 0.0, "Normal": tilted(c)}).outputs[0])
+            yield Case(
+                "Ambient Occlusion",
+                f"Color {inside} {local}",
+                lambda c, inside=inside, local=local: c.node(
+                    "AmbientOcclusion",
+                    {"Color": c.node("TexCoord").outputs["UV"]},
+                    inside=inside,
+                    only_local=local,
+                ).outputs["Color"],
+                FIXED if scene.smooth else "",
+            )
+    yield Case(
+        "Ambient Occlusion",
+        "AO",
+        lambda c: c.node("AmbientOcclusion").outputs["AO"],
+        FIXED if scene.smooth else "",
+    )
+    yield Case(
+        "Bevel",
+        "Normal",
+        lambda c: c.node("Bevel", {"Radius": 0.1}).outputs[0],
+        FIXED if scene.smooth or scene.behind else "",
+    )
+    yield Case(
+        "Bevel", "normal linked", lambda c: c.node("Bevel", {"Radius": 0.0, "Normal": tilted(c)}).outputs[0]
+    )
     for pixels in (False, True):
-        yield Case("Wireframe", f"Fac{' in pixels' if pixels else ''}", lambda c, pixels=pixels: c.node(
-            "Wireframe", {0: 1.0 if pixels else 0.05}, use_pixel_size=pixels).outputs[0], FIXED)
-    yield Case("Squeeze Value", "Value", lambda c: c.node(
-        "Squeeze", {0: c.node("SeparateXYZ", {0: c.node("TexCoord").outputs["UV"]}).outputs[0], 1: 4.0, 2: 0.5}).outputs[0],
-        "Cycles leaves this node out")
+        yield Case(
+            "Wireframe",
+            f"Fac{' in pixels' if pixels else ''}",
+            lambda c, pixels=pixels: c.node(
+                "Wireframe", {0: 1.0 if pixels else 0.05}, use_pixel_size=pixels
+            ).outputs[0],
+            FIXED,
+        )
+    yield Case(
+        "Squeeze Value",
+        "Value",
+        lambda c: c.node(
+            "Squeeze",
+            {0: c.node("SeparateXYZ", {0: c.node("TexCoord").outputs["UV"]}).outputs[0], 1: 4.0, 2: 0.5},
+        ).outputs[0],
+        "Cycles leaves this node out",
+    )

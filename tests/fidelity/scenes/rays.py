@@ -14,7 +14,12 @@ class View:
 
     def __init__(self, camera, jitter):
         matrix = np.array(camera.matrix_world)
-        self.eye, self.right, self.up, self.forward = matrix[:3, 3], matrix[:3, 0], matrix[:3, 1], -matrix[:3, 2]
+        self.eye, self.right, self.up, self.forward = (
+            matrix[:3, 3],
+            matrix[:3, 0],
+            matrix[:3, 1],
+            -matrix[:3, 2],
+        )
         self.tangent = 0.5 * camera.data.sensor_width / camera.data.lens
         self.jitter = jitter
 
@@ -27,7 +32,9 @@ class View:
         """Where points appear, in pixels from the lower left corner."""
         away = points - self.eye
         depth = away @ self.forward
-        return np.stack([(away @ axis / depth / self.tangent + 1) / 2 * PIXELS for axis in (self.right, self.up)], axis=1)
+        return np.stack(
+            [(away @ axis / depth / self.tangent + 1) / 2 * PIXELS for axis in (self.right, self.up)], axis=1
+        )
 
 
 class Surface:
@@ -93,16 +100,18 @@ def look(surface, view):
 
 
 def inputs(surface, view, columns, rows, triangles):
-    """Every kind of input that a text can ask for: {name: array [pixels, width]}, `name` being the kind with the
-    index or axis behind a colon, and "ddx:" or "ddy:" before it."""
+    """Every kind of input that a text can ask for: {name: array [pixels, width]}, `name` being the kind with
+    the index or axis behind a colon, and "ddx:" or "ddy:" before it."""
     distance, weights = surface.solve(triangles, view.eye, view.rays(columns, rows))
     found = varying(surface, view, triangles, weights)
     # Unreal's screen y runs down. Neighbours see the plane of the same triangle, as in a quad of pixels.
     for name, (dx, dy) in {"ddx": (1, 0), "ddy": (0, -1)}.items():
         _, beside = surface.solve(triangles, view.eye, view.rays(columns + dx, rows + dy))
         there = varying(surface, view, triangles, beside)
-        found |= {f"{name}:{kind}": there[kind] - found[kind]
-                  for kind in ("texcoord:0", "texcoord:1", "vertex_color", "world_position_cr")}
+        found |= {
+            f"{name}:{kind}": there[kind] - found[kind]
+            for kind in ("texcoord:0", "texcoord:1", "vertex_color", "world_position_cr")
+        }
     found |= normals(surface, view, triangles, weights)
     found |= fixed(surface, view)
     return {name: np.atleast_2d(value).astype(np.float32) for name, value in found.items()}
@@ -111,10 +120,14 @@ def inputs(surface, view, columns, rows, triangles):
 def varying(surface, view, triangles, weights):
     local = surface.mix(surface.local[surface.corners.ravel()], triangles, weights)
     world = surface.mix(surface.world[surface.corners.ravel()], triangles, weights)
-    found = {"local_position": 100 * local * FLIP, "world_position": 100 * world * FLIP,
-             "world_position_cr": 100 * (world - view.eye) * FLIP, "camera_vector": unit(view.eye - world) * FLIP,
-             "pixel_depth": 100 * ((world - view.eye) @ view.forward)[:, None],
-             "vertex_color": surface.mix(surface.colours, triangles, weights)}
+    found = {
+        "local_position": 100 * local * FLIP,
+        "world_position": 100 * world * FLIP,
+        "world_position_cr": 100 * (world - view.eye) * FLIP,
+        "camera_vector": unit(view.eye - world) * FLIP,
+        "pixel_depth": 100 * ((world - view.eye) @ view.forward)[:, None],
+        "vertex_color": surface.mix(surface.colours, triangles, weights),
+    }
     for number, layer in enumerate(surface.layers.values()):
         uv = surface.mix(layer, triangles, weights)
         found[f"texcoord:{number}"] = np.stack([uv[:, 0], 1 - uv[:, 1]], axis=1)
@@ -122,8 +135,8 @@ def varying(surface, view, triangles, weights):
 
 
 def normals(surface, view, triangles, weights):
-    """The normal that Cycles shades with, which is right on stretched objects, and Unreal's own tangent frame, which is
-    turned with the object but not stretched."""
+    """The normal that Cycles shades with, which is right on stretched objects, and Unreal's own tangent
+    frame, which is turned with the object but not stretched."""
     linear = surface.matrix[:3, :3]
     upright = np.linalg.inv(linear).T
     rotation = linear / np.linalg.norm(linear, axis=0)
@@ -134,11 +147,15 @@ def normals(surface, view, triangles, weights):
 
     def turned(vectors, matrix):
         return surface.mix(vectors, triangles, weights) @ matrix.T * FLIP
+
     corners = unit(surface.normals @ upright.T)
-    return {"cycles_normal": unit(surface.mix(corners, triangles, weights)) * FLIP,
-            "vertex_normal": turned(surface.normals, rotation), "tangent_world": turned(surface.tangents, rotation),
-            "bitangent_world": -turned(surface.bitangents, rotation),
-            "two_sided_sign": np.where(front, 1.0, -1.0)[:, None]}
+    return {
+        "cycles_normal": unit(surface.mix(corners, triangles, weights)) * FLIP,
+        "vertex_normal": turned(surface.normals, rotation),
+        "tangent_world": turned(surface.tangents, rotation),
+        "bitangent_world": -turned(surface.bitangents, rotation),
+        "two_sided_sign": np.where(front, 1.0, -1.0)[:, None],
+    }
 
 
 def fixed(surface, view):
@@ -147,9 +164,17 @@ def fixed(surface, view):
     flat = (high - low) == 0
     low, high = low - FLAT_MARGIN * flat, high + FLAT_MARGIN * flat
     axes = surface.matrix[:3, :3].T
-    return {"object_origin": 100 * surface.matrix[:3, 3] * FLIP, "camera_position": 100 * view.eye * FLIP,
-            "local_bounds_min": 100 * np.array([low[0], -high[1], low[2]]),
-            "local_bounds_max": 100 * np.array([high[0], -low[1], high[2]]),
-            "object_axis:x": axes[0] * FLIP, "object_axis:y": -axes[1] * FLIP, "object_axis:z": axes[2] * FLIP,
-            "view_axis:x": view.right * FLIP, "view_axis:y": view.up * FLIP, "view_axis:z": view.forward * FLIP,
-            "tan_half_fov": np.array([view.tangent]), "view_size": np.array([PIXELS, PIXELS], float)}
+    return {
+        "object_origin": 100 * surface.matrix[:3, 3] * FLIP,
+        "camera_position": 100 * view.eye * FLIP,
+        "local_bounds_min": 100 * np.array([low[0], -high[1], low[2]]),
+        "local_bounds_max": 100 * np.array([high[0], -low[1], high[2]]),
+        "object_axis:x": axes[0] * FLIP,
+        "object_axis:y": -axes[1] * FLIP,
+        "object_axis:z": axes[2] * FLIP,
+        "view_axis:x": view.right * FLIP,
+        "view_axis:y": view.up * FLIP,
+        "view_axis:z": view.forward * FLIP,
+        "tan_half_fov": np.array([view.tangent]),
+        "view_size": np.array([PIXELS, PIXELS], float),
+    }
