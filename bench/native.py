@@ -1,0 +1,30 @@
+"""Builds the measurements' own C files."""
+import importlib.util
+import os
+import pathlib
+import shlex
+import subprocess
+import sysconfig
+
+HERE = pathlib.Path(__file__).parent
+BUILT = HERE.parent / "build" / "bench"
+
+
+def built(name, *options):
+    """The shared object of a C file here, built where it is older than its source."""
+    source, target = HERE / f"{name}.c", BUILT / f"bench_{name}.so"
+    if not target.exists() or target.stat().st_mtime < source.stat().st_mtime:
+        BUILT.mkdir(parents=True, exist_ok=True)
+        compiler = shlex.split(os.environ.get("CC", "cc"))
+        flags = ["-O3", "-Wall", "-Wextra", "-Werror", "-fPIC", "-shared", *options]
+        subprocess.run([*compiler, *flags, str(source), "-o", str(target)], check=True)
+    return target
+
+
+def extension(name):
+    """The Python module of a C file here."""
+    path = built(name, f"-I{sysconfig.get_path('include')}")
+    spec = importlib.util.spec_from_file_location(f"bench_{name}", path)
+    module = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(module)
+    return module

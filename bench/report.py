@@ -1,0 +1,137 @@
+"""All measurements, as the table docs/performance.md.
+
+    report.py PYTHON    PYTHON is an interpreter that has MaterialX; tools/bench makes one
+"""
+import json
+import os
+import pathlib
+import platform
+import sys
+
+import text_cost
+import translation
+
+BASELINE = pathlib.Path(__file__).with_name("baseline.json")
+TARGET = translation.documents.ROOT / "docs" / "performance.md"
+MOST_OVER_FLOOR = 1.5
+LEAST_OVER_MATERIALX = 20.0
+LONGEST_IMPORT = 5.0  # milliseconds
+MISS = " **!**"
+
+TRANSLATION = """## Translation
+
+Processor time in microseconds, minimum / median over {repeats} repeated batches. The floor, timed in turns with the
+call, reads each key that the translation reads once and makes the same result from finished strings, in C.
+Allocations are all calls of malloc, calloc, realloc and aligned_alloc in one warm call with `PYTHONMALLOC=malloc`, so
+Python's objects and C++'s blocks alike: `compile`, its floor, `parts`, its floor. `parts` has the mode of a surface
+and parameters. A ratio over {ratio} is marked, and a speed per kilobyte below {faster:.0f} times MaterialX's.
+
+MaterialX {version}, a material of {nodes} nodes (noise, ramps and mixes under a standard surface), warm:
+{us:.0f} / {median:.0f} µs for {kilobytes:.0f} kB of GLSL, {rate:.2f} µs a kilobyte.
+"""
+
+TEXTS = """## The texts
+
+DXIL instructions after inlining, what fetches the inputs and stores the outputs left out; milliseconds of DXC's
+processor time (language version 2021); processor time of Mesa's CPU Vulkan device in milliseconds for a million
+points, from {points} random points, reading and storing included. Before: the library when all example materials
+first compiled (`bench/baseline.json`).
+
+### Textures
+
+Each as an emission that shows its first output, every socket an input. Marked: what isn't below its limit, and what
+DXC needs over {slowest:.0f} ms for.
+"""
+
+
+def _rows(head, rows):
+    align = ["---"] + ["---:"] * (len(head) - 1)
+    return ["| " + " | ".join(map(str, row)) + " |" for row in (head, align, *rows)] + [""]
+
+
+def _flagged(text, missed):
+    return f"{text}{MISS if missed else ''}"
+
+
+def _two(reading):
+    return f"{reading[0]:.1f} / {reading[1]:.1f}"
+
+
+def _translation_row(row, materialx):
+    compiled, least, parted, least_parted = row["times"]
+    ratios = [one[0] / floor[0] for one, floor in ((compiled, least), (parted, least_parted))]
+    faster = materialx["us"] / materialx["kilobytes"] / (compiled[0] / row["kilobytes"])
+    return (row["name"], row["nodes"], f"{row['kilobytes']:.1f}", _two(compiled), _two(least),
+            _flagged(f"{ratios[0]:.2f}", ratios[0] > MOST_OVER_FLOOR), _two(parted), _two(least_parted),
+            _flagged(f"{ratios[1]:.2f}", ratios[1] > MOST_OVER_FLOOR), " / ".join(map(str, row["allocations"])),
+            _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
+
+
+def translation_part(materialx):
+    """The lines on time, allocations, growth and import."""
+    head = ("document", "nodes", "kB", "`compile` µs", "floor µs", "ratio", "`parts` µs", "floor µs", "ratio",
+            "allocations", "× MaterialX")
+    growth = [(size, f"{us:.0f}", f"{us / size:.2f}", f"{least / size:.2f}")
+              for size, us, least in translation.growth()]
+    imports = [(name, _flagged(_two(readings), readings[0] > LONGEST_IMPORT), f"{size / 1000:.0f}")
+               for name, (*readings, size) in translation.imports().items()]
+    rate = materialx["us"] / materialx["kilobytes"]
+    return [
+        *TRANSLATION.format(repeats=translation.REPEATS, ratio=MOST_OVER_FLOOR, faster=LEAST_OVER_MATERIALX, rate=rate,
+                            **materialx).split("\n"),
+        *_rows(head, [_translation_row(row, materialx) for row in translation.table()]),
+        "### Growth", "", "A balanced tree of Math nodes, all reached.", "",
+        *_rows(("nodes", "`compile` µs", "µs a node", "floor µs a node"), growth),
+        "### Import", "", "With re, hashlib and math loaded before; `quillgen` after `quillgen_lib`.", "",
+        *_rows(("module", "ms, minimum / median", "binary kB"), imports)]
+
+
+def _change(before, now):
+    return f"{(now - before) / before:+.0%}".replace("+0%", "0%").replace("-0%", "0%")
+
+
+def _texture_row(name, now, before):
+    most = text_cost.limit(name)
+    return (name, before["instructions"], _flagged(now["instructions"], most and now["instructions"] >= most),
+            most or "", _flagged(now["compile_ms"], now["compile_ms"] > text_cost.SLOWEST_TEXTURE),
+            before["million_ms"], now["million_ms"])
+
+
+def _material_row(name, now, before):
+    counts = before["instructions"], now["instructions"]
+    return (name, *counts, _change(*counts), before["compile_ms"], now["compile_ms"], before["million_ms"], now["million_ms"])
+
+
+def text_part():
+    """The lines on what the texts cost."""
+    before = json.loads(BASELINE.read_text(encoding="utf-8"))
+    textures = text_cost.measure_all(text_cost.textures())
+    materials = text_cost.measure_all(translation.documents.examples())
+
+    def total(figures):
+        return {key: round(sum(one[key] for one in figures.values())) for key in next(iter(figures.values()))}
+
+    materials["**all**"] = total(materials)
+    earlier = {**before["materials"], "**all**": total(before["materials"])}
+    return [
+        *TEXTS.format(points=text_cost.POINTS, slowest=text_cost.SLOWEST_TEXTURE).split("\n"),
+        *_rows(("texture", "instructions before", "now", "limit", "DXC ms", "ms/million before", "now"),
+               [_texture_row(name, now, before["textures"][name]) for name, now in textures.items()]),
+        "### Example materials", "",
+        *_rows(("material", "instructions before", "now", "change", "DXC ms before", "now", "ms/million before",
+                "now"), [_material_row(name, now, earlier[name]) for name, now in materials.items()])]
+
+
+def main(python):
+    lines = ["# What it costs", "",
+             f"Made by `tools/bench` on {os.cpu_count()} processors ({platform.machine()}), "
+             f"{platform.python_implementation()} {platform.python_version()}.", "",
+             *translation_part(translation.materialx(python)), *text_part()]
+    text = "\n".join(lines)
+    TARGET.parent.mkdir(exist_ok=True)
+    TARGET.write_text(text, encoding="utf-8")
+    print(text)
+
+
+if __name__ == "__main__":
+    main(sys.argv[1])
