@@ -31,7 +31,7 @@ def node(kind, inputs=None, *, id=None, props=None, without=(), outs=True, **fur
     for name in without:
         sockets.pop(name, None)
     properties = {k: v for k, v in {**properties, **(props or {})}.items() if v is not None}
-    record = {"id": id or kind.removeprefix("ShaderNode"), "type": kind, "in": sockets}
+    record = {"id": kind.removeprefix("ShaderNode") if id is None else id, "type": kind, "in": sockets}
     if outs:
         record["outs"] = dict(outs) if isinstance(outs, dict) else outputs
     return {**record, "props": properties, **copy.deepcopy(FURTHER.get(kind, {})), **further}
