@@ -1,0 +1,103 @@
+"""Real displacement: a shape whose surface is moved along its normals by a material's displacement text.
+
+The distances are taken once, on a grid over the UV square, and rays are followed until they are below the surface.
+"""
+from typing import NamedTuple
+
+import numpy as np
+
+from . import camera as cameras
+from . import materials, surfaces, wiring
+
+STEPS = 96
+HALVINGS = 8
+
+
+class Relief(NamedTuple):
+    heights: np.ndarray  # metres along the normal, [rows, columns] over v (from the bottom) and u
+    round: bool          # a sphere of radius 1, whose u goes round; else a square
+
+
+def relief(record, thing, camera, rows):
+    """The heights that a displacement text gives on a thing, a sphere of radius 1 or a square."""
+    is_round = thing.shape.low[2] == -1
+    columns = 2 * rows if is_round else rows
+    v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns, indexing="ij")
+    local = _unrolled(thing, u.ravel(), v.ravel(), is_round)
+    points = local @ thing.turn.T + thing.place
+    given = wiring.inputs(thing, camera, np.zeros((len(points), 2)), points)
+    given["two_sided_sign"] = np.ones((1, 1))
+    shares = np.clip(materials.evaluate(record, given)["result"], 0, 1)
+    return Relief((shares.reshape(rows, columns) - 0.5) * record["magnitude"] / 100, is_round)
+
+
+def _unrolled(thing, u, v, is_round):
+    """Points of the shape at UV coordinates."""
+    if not is_round:
+        half = thing.shape.high[0]
+        return np.stack([(2 * u - 1) * half, (2 * v - 1) * half, 0 * u], axis=1)
+    turn, tilt = (u - 0.5) * 2 * np.pi, (1 - v) * np.pi
+    return np.stack([np.sin(tilt) * np.sin(turn), -np.sin(tilt) * np.cos(turn), np.cos(tilt)], axis=1)
+
+
+def height(relief, uv):
+    """Heights at UV coordinates, linear between the points of the grid."""
+    rows, columns = relief.heights.shape
+    x, y = uv[:, 0] * columns - 0.5, np.clip(uv[:, 1] * rows - 0.5, 0, rows - 1.001)
+    x = x if relief.round else np.clip(x, 0, columns - 1.001)
+    i, j = np.floor(x).astype(int), np.floor(y).astype(int)
+    left, right = i % columns, (i + 1) % columns
+    a, b = (relief.heights[j + k, left] * (1 - x + i) + relief.heights[j + k, right] * (x - i) for k in (0, 1))
+    return a * (1 - y + j) + b * (y - j)
+
+
+def above(relief, thing, points):
+    """How far points of the world are above the surface, measured along the normal of the shape."""
+    local = (points - thing.place) @ thing.turn
+    base = np.linalg.norm(local, axis=1) - 1 if relief.round else local[:, 2]
+    normals, _ = thing.shape.frame(local)
+    return base - height(relief, thing.shape.uv(local, normals))
+
+
+def meet(relief, thing, eye, rays):
+    """Distances along rays from the eye to the moved surface, NEVER where they miss it."""
+    begin, end = _span(relief, thing, eye, rays)
+    found = np.full(len(rays), surfaces.NEVER)
+    open_ = np.flatnonzero(np.isfinite(begin))
+    step = (end - begin) / STEPS
+    for n in range(1, STEPS + 1):
+        at = begin[open_] + n * step[open_]
+        below = above(relief, thing, eye + at[:, None] * rays[open_]) < 0
+        found[open_[below]] = at[below]
+        open_ = open_[~below]
+    hit = np.isfinite(found)
+    low, high = found[hit] - step[hit], found[hit]
+    for _ in range(HALVINGS):
+        middle = (low + high) / 2
+        below = above(relief, thing, eye + middle[:, None] * rays[hit]) < 0
+        low, high = np.where(below, low, middle), np.where(below, middle, high)
+    found[hit] = high
+    return found
+
+
+def _span(relief, thing, eye, rays):
+    """Where rays can meet the surface at all."""
+    top, bottom = float(relief.heights.max()), float(relief.heights.min())
+    if relief.round:
+        outer = thing._replace(shape=surfaces.sphere(1 + top))
+        begin, end = (surfaces.meet(outer._replace(far=far), eye, rays) for far in (False, True))
+        inner = surfaces.meet(thing._replace(shape=surfaces.sphere(1 + bottom)), eye, rays)
+        return begin, np.minimum(end, inner)
+    up = thing.turn[:, 2]
+    begin, end = (surfaces.meet(thing._replace(place=np.add(thing.place, level * up)), eye, rays)
+                  for level in (top + 1e-6, bottom - 1e-6))
+    return np.where(np.isfinite(begin) & np.isfinite(end), begin, surfaces.NEVER), end
+
+
+def faces(relief, thing, camera, points, reach):
+    """The normals of the moved surface, from its slopes over `reach` metres."""
+    found = surfaces.describe(thing, points)
+    slopes = [(above(relief, thing, points + reach * found[way]) - above(relief, thing, points - reach * found[way]))
+              / (2 * reach) for way in ("tangent", "bitangent")]
+    raised = found["normal"] + slopes[0][:, None] * found["tangent"] + slopes[1][:, None] * found["bitangent"]
+    return cameras.unit(raised)

@@ -1,0 +1,129 @@
+"""Pictures of the example materials: every output of a text, lit by the shader of `shade` on the Vulkan device."""
+import numpy as np
+
+import quillgen
+
+from . import camera as cameras
+from . import materials, relief, scenes, shade, surfaces, tone, wiring
+
+FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
+
+
+def picture(name, subdivision=2, samples=32, pixels=256, ir=None):
+    """The material as [pixels, pixels, 3] bytes. `ir` stands in for its document."""
+    return tone.srgb(tone.neutral(radiance(name, subdivision, samples, pixels, ir)))
+
+
+def radiance(name, subdivision=2, samples=32, pixels=256, ir=None):
+    scene = scenes.scene(name)
+    camera = scene.camera._replace(pixels=pixels)
+    result = quillgen.compile(ir or materials.document(name))
+    places = cameras.positions(camera, subdivision)
+    rays = cameras.rays(camera, places)
+    seen = [_see(thing, scene, camera, result, places, rays) for thing in scene.things]
+    around = _reflecting(scene.around, seen)
+    layers = [_layer(hit, around, camera, rays, samples, scene.premultiplied) for hit in seen]
+    layers.append(_backdrop(around, scene, camera, rays, samples))
+    light = _composed(layers)
+    side = pixels * subdivision
+    return light.reshape(pixels, subdivision, pixels, subdivision, 3).mean(axis=(1, 3)) if side else light
+
+
+def _see(thing, scene, camera, result, places, rays):
+    """Where a thing is seen and what its material is there: distances [n] and values of the points that are hit."""
+    moved = faces = None
+    if scene.relief_rows and result["displacement"]:
+        moved = relief.relief(result["displacement"], thing, camera, scene.relief_rows)
+    distance = relief.meet(moved, thing, camera.eye, rays) if moved else surfaces.meet(thing, camera.eye, rays)
+    hit = np.isfinite(distance)
+    points = camera.eye + distance[hit, None] * rays[hit]
+    if moved:
+        faces = relief.faces(moved, thing, camera, points, reach=0.01)
+    given = wiring.inputs(thing, camera, places[hit], points, faces=faces)
+    front = given["cycles_normal"] * given["two_sided_sign"] * wiring.FLIP
+    return {"distance": distance, "hit": hit, "at": points, "coat_normal": front} | _material(result, given)
+
+
+def _material(result, given):
+    """The outputs of the text, the normal in Blender's frame."""
+    found = materials.evaluate(result, given)
+    count = max(map(len, given.values()))
+    values = {"base": found["result"], "normal": found["OutNormal"] * wiring.FLIP}
+    for name, output, default in (("metallic", "OutMetallic", 0.0), ("roughness", "OutRoughness", 0.5),
+                                  ("specular", "OutSpecular", 0.5), ("coat", "OutCoat", 0.0),
+                                  ("coat_roughness", "OutCoatRoughness", 0.03), ("opacity", "OutOpacity", 1.0)):
+        values[name] = np.broadcast_to(found.get(output, np.float32(default)), (count,))
+    values["emission"] = np.broadcast_to(found.get("OutEmissive", np.zeros((1, 3))), (count, 3))
+    if result["material"]["blend"] == "masked":
+        values["opacity"] = np.mean([_coverage(result, given, frame) for frame in range(FRAMES)], axis=0)
+    return values
+
+
+def _coverage(result, given, frame):
+    """Where a masked material is drawn in one frame."""
+    frames = given | {"temporal_index": np.float64([[frame]])}
+    return materials.evaluate(result, frames)["OutOpacity"] >= result["material"]["clip"]
+
+
+def _reflecting(around, seen):
+    """The surroundings, with the mean colour and the mean glow of what stands in them."""
+    if around.blocker == shade.NOTHING:
+        return around
+    weights = seen[0]["opacity"][:, None] / max(seen[0]["opacity"].sum(), 1e-9)
+    return around._replace(blocker_base=tuple((seen[0]["base"] * weights).sum(axis=0)),
+                           blocker_glow=tuple((seen[0]["emission"] * weights).sum(axis=0)))
+
+
+def _layer(hit, around, camera, rays, samples, premultiplied):
+    """(distances, light, opacity) for all rays."""
+    shown = hit["hit"]
+    light, opacity = np.zeros((len(rays), 3)), np.zeros((len(rays), 1))
+    opacity[shown, 0] = hit["opacity"]
+    points = {key: hit[key] for key in ("normal", "coat_normal", "base", "metallic", "roughness", "specular", "coat", "coat_roughness")}
+    points |= {"view": -rays[shown], "at": hit["at"] - 1e-3 * rays[shown]}
+    if shown.any():
+        light[shown] = shade.lit(around, points, samples) + hit["emission"]
+    return hit["distance"], light if premultiplied else light * opacity, opacity
+
+
+def _backdrop(around, scene, camera, rays, samples):
+    """The studio's floor and wall, or what the scene says is behind."""
+    light = np.broadcast_to(np.float64(scene.behind), (len(rays), 3)).copy()
+    if around.floor is not None:
+        at, normal = studio(around, np.float64(camera.eye), rays)
+        light = shade.lit(around, {
+            "at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal, "view": -rays, "base": (around.floor,) * 3, "metallic": 0.0,
+            "roughness": 1.0, "specular": 0.0, "coat": 0.0, "coat_roughness": 0.0}, samples)
+    return np.full(len(rays), 1e9), light, np.ones((len(rays), 1))
+
+
+def studio(around, eye, rays, level=-1.0):
+    """Where rays meet the floor that rises to a wall, and the normals there."""
+    begin, radius = around.studio
+    with np.errstate(divide="ignore"):
+        floor = np.where(rays[:, 2] < 0, (level - eye[2]) / rays[:, 2], np.inf)
+        wall = (begin + radius - eye[1]) / rays[:, 1]
+    middle = np.array([begin, level + radius])
+    a, b = (rays[:, 1:] ** 2).sum(axis=1), rays[:, 1:] @ (eye[1:] - middle)
+    rise = (-b + np.sqrt(np.maximum(b * b - a * (((eye[1:] - middle) ** 2).sum() - radius ** 2), 0))) / a
+    at = {name: eye + distance[:, None] * rays for name, distance in (("floor", np.minimum(floor, 1e6)),
+                                                                     ("rise", rise), ("wall", wall))}
+    on_floor = np.isfinite(floor) & (at["floor"][:, 1] < begin)
+    on_rise = ~on_floor & (at["rise"][:, 2] < middle[1])
+    bent = np.concatenate([np.zeros((len(rays), 1)), (middle - at["rise"][:, 1:]) / radius], axis=1)
+    points = np.where(on_floor[:, None], at["floor"], np.where(on_rise[:, None], at["rise"], at["wall"]))
+    normals = np.where(on_floor[:, None], (0.0, 0.0, 1.0), np.where(on_rise[:, None], bent, (0.0, -1.0, 0.0)))
+    return points, normals
+
+
+def _composed(layers):
+    """The layers in front of each other, the nearest first."""
+    distance = np.stack([layer[0] for layer in layers])
+    order = np.argsort(distance, axis=0)
+    light, through = np.zeros_like(layers[0][1]), np.ones((len(layers[0][1]), 1))
+    for place in range(len(layers)):
+        for number, (_, color, opacity) in enumerate(layers):
+            here = order[place] == number
+            light[here] += through[here] * color[here]
+            through[here] *= 1 - opacity[here]
+    return light

@@ -1,0 +1,98 @@
+"""Lights points of surfaces on the Vulkan device, with the shader in shade.hlsl."""
+from pathlib import Path
+from typing import NamedTuple
+
+import numpy as np
+
+from . import materials  # noqa: F401  (makes the harness known)
+
+import device
+
+HLSL = Path(__file__).with_name("shade.hlsl").read_text(encoding="utf-8")
+SPHERE, BOX, NOTHING = 1, 2, 0
+POINTS_AT_ONCE = 1 << 16
+
+
+class Light(NamedTuple):
+    """A square light that shines towards one place."""
+    at: tuple
+    size: float
+    glow: tuple            # radiance
+    towards: tuple = (0.0, 0.0, 0.0)
+
+
+class Surroundings(NamedTuple):
+    lights: tuple
+    sky: tuple                             # radiance from above the horizon
+    ground: tuple                          # and from below
+    floor: float | None = None             # reflectance of the studio's floor and wall
+    studio: tuple = (2.35, 2.23)           # where the floor begins to rise, radius of the rise
+    blocker: int = NOTHING
+    blocker_size: float = 1.0
+    blocker_turn: np.ndarray = np.eye(3)
+    blocker_base: tuple = (0.3, 0.3, 0.3)  # what its reflection in the floor looks like
+    blocker_glow: tuple = (0.0, 0.0, 0.0)
+
+
+def lit(around, points, samples):
+    """Radiance towards the viewer [n, 3], emission not included.
+
+    `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular", "coat",
+    "coat_roughness" [n], in Blender's frame and in metres; a tuple or a number is the same for all.
+    """
+    count = len(points["at"])
+    values = {f"in_{name}": np.float32(v) if isinstance(v, np.ndarray) else v for name, v in points.items()}
+    helpers, body = constants(around) + HLSL, _body(samples)
+    pieces = []
+    for begin in range(0, count, POINTS_AT_ONCE):
+        some = slice(begin, min(begin + POINTS_AT_ONCE, count))
+        part = {name: v[some] if isinstance(v, np.ndarray) else v for name, v in values.items()}
+        part["in_seed"] = np.arange(some.start, some.stop).astype(np.uint32)
+        pieces.append(device.evaluate(body, part, {"radiance": 3}, helpers=helpers)["radiance"])
+    return np.concatenate(pieces)
+
+
+def _body(samples):
+    return f"""
+  Surface s;
+  s.view = in_view; s.normal = normalize(in_normal); s.at = in_at;
+  // A bumped normal that looks away from the viewer is turned to the rim, as renderers do.
+  float looks = dot(s.normal, s.view);
+  if (looks < 0.02) s.normal = normalize(s.normal + (0.02 - looks) * s.view);
+  s.coat_normal = in_coat_normal;
+  s.base = in_base; s.metallic = in_metallic; s.f0 = 0.08 * in_specular;
+  s.alpha = max(in_roughness * in_roughness, 0.002);
+  s.coat = in_coat; s.coat_alpha = max(in_coat_roughness * in_coat_roughness, 0.002);
+  radiance = lit(s, {samples}, hashed(in_seed));"""
+
+
+def constants(around):
+    """What of the scene stands ahead of the shader's text."""
+    sides = [_sides(light) for light in around.lights]
+    lines = [f"static const int LIGHTS = {len(around.lights)}, BLOCKER = {around.blocker};",
+             f"static const float BLOCKER_SIZE = {around.blocker_size!r};",
+             f"static const float2 STUDIO = float2({around.studio[0]!r}, {around.studio[1]!r});"]
+    lines += [f"static const float3 {name}[{len(values)}] = {{{', '.join(map(_vector, values))}}};"
+              for name, values in {"LIGHT_AT": [light.at for light in around.lights],
+                                   "LIGHT_A": [a for a, _ in sides], "LIGHT_B": [b for _, b in sides],
+                                   "LIGHT_GLOW": [light.glow for light in around.lights]}.items()]
+    reflectance = -1.0 if around.floor is None else around.floor
+    lines += [f"static const float3 {name} = {_vector(value)};"
+              for name, value in {"SKY": around.sky, "GROUND": around.ground, "FLOOR": (reflectance,) * 3,
+                                  "BLOCKER_X": around.blocker_turn[:, 0], "BLOCKER_Y": around.blocker_turn[:, 1],
+                                  "BLOCKER_BASE": around.blocker_base, "BLOCKER_GLOW": around.blocker_glow}.items()]
+    return "\n".join(lines) + "\n"
+
+
+def _sides(light):
+    """Halves of the two sides, so that their cross product looks where the light shines."""
+    ahead = np.subtract(light.towards, light.at).astype(float)
+    ahead /= np.linalg.norm(ahead)
+    a = np.cross(ahead, (0.0, 0.0, 1.0))
+    a = a / np.linalg.norm(a) if np.linalg.norm(a) > 1e-6 else np.array([1.0, 0.0, 0.0])
+    b = np.cross(ahead, a)
+    return a * light.size / 2, b * light.size / 2
+
+
+def _vector(value):
+    return "float3({!r}, {!r}, {!r})".format(*map(float, value))

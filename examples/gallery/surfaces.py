@@ -1,0 +1,110 @@
+"""The objects that wear the materials: where rays meet them, and what the surface is like there.
+
+An object is a shape in a frame of its own, turned and moved into the world. A shape says where a ray meets it,
+and at a point of it the normal, the tangent (the direction in which u grows) and the UV coordinate.
+"""
+from typing import NamedTuple
+
+import numpy as np
+
+from .camera import unit
+
+NEVER = np.inf
+
+
+class Shape(NamedTuple):
+    meet: object   # (origin, rays [n, 3], whether the far side) -> distances, NEVER where there is none
+    frame: object  # points [n, 3] -> (normals, tangents)
+    uv: object     # (points, normals) -> [n, 2]
+    low: tuple     # bounds
+    high: tuple
+
+
+class Thing(NamedTuple):
+    shape: Shape
+    turn: np.ndarray = np.eye(3)  # its columns are the object's axes in the world
+    place: tuple = (0.0, 0.0, 0.0)
+    far: bool = False             # shows the side that is turned away from the viewer
+
+
+def turned(degrees, axis="z"):
+    """The rotation about an axis of the world."""
+    c, s = np.cos(np.radians(degrees)), np.sin(np.radians(degrees))
+    i, j = {"x": (1, 2), "y": (2, 0), "z": (0, 1)}[axis]
+    matrix = np.eye(3)
+    matrix[i, i] = matrix[j, j] = c
+    matrix[j, i], matrix[i, j] = s, -s
+    return matrix
+
+
+def sphere(radius=1.0):
+    def meet(origin, rays, far):
+        middle = -rays @ origin
+        square = middle ** 2 - origin @ origin + radius ** 2
+        reach = np.sqrt(np.maximum(square, 0)) * (1 if far else -1)
+        return np.where((square > 0) & (middle + reach > 0), middle + reach, NEVER)
+
+    def frame(points):
+        normals = unit(points)
+        east = np.cross((0.0, 0.0, 1.0), normals)
+        return normals, unit(east + (1e-9, 0, 0))
+
+    def uv(points, normals):
+        n = unit(points)
+        return np.stack([np.arctan2(n[:, 0], -n[:, 1]) / (2 * np.pi) + 0.5, np.arccos(n[:, 2]) / -np.pi + 1], axis=1)
+
+    return Shape(meet, frame, uv, (-radius,) * 3, (radius,) * 3)
+
+
+def square(half=1.0):
+    """A square in the plane of x and y that faces up, u along x."""
+    def meet(origin, rays, far):
+        with np.errstate(divide="ignore", invalid="ignore"):
+            distance = -origin[2] / rays[:, 2]
+            inside = (np.abs(origin + distance[:, None] * rays)[:, :2] <= half).all(axis=1)
+        return np.where(inside & (distance > 0), distance, NEVER)
+
+    def frame(points):
+        return np.broadcast_to((0.0, 0.0, 1.0), points.shape), np.broadcast_to((1.0, 0.0, 0.0), points.shape)
+
+    def uv(points, normals):
+        return points[:, :2] / (2 * half) + 0.5
+
+    # A flat object has no depth, which its generated coordinate could not be divided by.
+    return Shape(meet, frame, uv, (-half, -half, -0.01), (half, half, 0.01))
+
+
+def box(half):
+    """A cube whose faces each carry the whole UV square, upright on the sides."""
+    def meet(origin, rays, far):
+        with np.errstate(divide="ignore"):
+            one, two = (-half - origin) / rays, (half - origin) / rays
+        enter, leave = np.minimum(one, two).max(axis=1), np.maximum(one, two).min(axis=1)
+        return np.where((enter <= leave) & (leave > 0), leave if far else enter, NEVER)
+
+    def frame(points):
+        axis = np.abs(points).argmax(axis=1)
+        normals = np.eye(3)[axis] * np.sign(np.take_along_axis(points, axis[:, None], axis=1))
+        along = np.cross((0.0, 0.0, 1.0), normals)
+        return normals, np.where(np.abs(normals[:, 2:]) > 0.5, (1.0, 0.0, 0.0), along)
+
+    def uv(points, normals):
+        _, tangents = frame(points)
+        return np.stack([(points * t).sum(axis=1) for t in (tangents, np.cross(normals, tangents))], axis=1) \
+            / (2 * half) + 0.5
+
+    return Shape(meet, frame, uv, (-half,) * 3, (half,) * 3)
+
+
+def meet(thing, eye, rays):
+    """Distances along rays from the eye."""
+    origin = (np.subtract(eye, thing.place)) @ thing.turn
+    return thing.shape.meet(origin, rays @ thing.turn, thing.far)
+
+
+def describe(thing, points):
+    """{"local", "normal", "tangent", "bitangent", "uv"} at points of the world; directions in the world."""
+    local = (points - thing.place) @ thing.turn
+    normals, tangents = thing.shape.frame(local)
+    return {"local": local, "normal": normals @ thing.turn.T, "tangent": tangents @ thing.turn.T,
+            "bitangent": np.cross(normals, tangents) @ thing.turn.T, "uv": thing.shape.uv(local, normals)}

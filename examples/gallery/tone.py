@@ -1,0 +1,36 @@
+"""From light to the bytes of a picture."""
+import io
+
+import numpy as np
+from PIL import Image
+
+
+def srgb(linear):
+    """Linear values 0 to 1 as the bytes of a screen."""
+    x = np.clip(linear, 0, 1)
+    return np.uint8(np.round(255 * np.where(x <= 0.0031308, 12.92 * x, 1.055 * x ** (1 / 2.4) - 0.055)))
+
+
+def neutral(linear):
+    """The view "Khronos PBR Neutral", with which Blender made the previews: colours up to 0.8 stay what they are, less
+    the reflection of a dielectric; what is brighter is compressed and loses saturation."""
+    x = np.maximum(np.float64(linear), 0)
+    least = x.min(axis=-1, keepdims=True)
+    x = x - np.where(least < 0.08, least - 6.25 * least ** 2, 0.04)
+    peak = x.max(axis=-1, keepdims=True)
+    start = 0.8 - 0.04
+    room = 1 - start
+    bright = 1 - room ** 2 / np.maximum(peak + room - start, 1e-9)
+    kept = 1 / (0.15 * (peak - bright) + 1)
+    compressed = x * bright / np.maximum(peak, 1e-9) * kept + bright * (1 - kept)
+    return np.where(peak < start, x, compressed)
+
+
+def save(pixels, path, colours=None):
+    """Bytes [height, width, 3] as a PNG, with a palette of so many colours if that is given."""
+    image = Image.fromarray(pixels)
+    if colours:
+        image = image.quantize(colours, Image.Quantize.MEDIANCUT, dither=Image.Dither.NONE)
+    held = io.BytesIO()
+    image.save(held, "PNG", optimize=True)
+    path.write_bytes(held.getvalue())
