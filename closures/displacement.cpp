@@ -53,9 +53,7 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
     Gen g(module, ir, false, use_params, {});
     g.disp_stage = true;
     const Value src = ir.at("out").at("displacement");
-    const Value nid = src.at(Py_ssize_t{0});
-    const Value out = src.at(Py_ssize_t{1});
-    const Gen::Bound source = g.output(nid, out);
+    const Gen::Bound source = g.output(src);
     const Text d = g.var("float3", g.convert(source.text, source.type, VECTOR));
     g.use("dir_world_to_obj");
     const Text ox = g.geo("ox");
@@ -63,7 +61,7 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
     const Text oz = g.geo("oz");
     const Text nl = g.geo("Nl");
     const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)", d, ox, oy, oz, nl);
-    double mag = estimated_range(g, nid);
+    double mag = estimated_range(g, src.at(Py_ssize_t{0}));
     if (mag == 0.0) {
         g.warn(
             "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are "

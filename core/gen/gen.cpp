@@ -53,7 +53,7 @@ void Gen::read_links() {
             const Value link = entry.find("link");
             if (link.present()) {
                 const Source source = mark_used(link);
-                links_.push_back({entry.object(), link, source.place, source.name});
+                links_.push_back({entry.object(), link, source});
             }
         });
         state.link_count = static_cast<int>(links_.size()) - state.first_link;
@@ -65,18 +65,21 @@ void Gen::read_links() {
     });
 }
 
-// What a source names; a place of -1 for a node that the document lacks.
-Gen::Source Gen::mark_used(const Value& source) {
+Gen::Source Gen::find_source(const Value& source) {
     const Value nid = source.at(Py_ssize_t{0});
     const Value out = source.at(Py_ssize_t{1});
     const int place = find_place(nid);
-    const int name = name_of(out);
-    if (place >= 0 && find_output(place, name) == nullptr) {
-        State& state = states_[static_cast<std::size_t>(place)];
-        outputs_.push_back({name, state.first_output});
+    return {place, name_of(out)};
+}
+
+Gen::Source Gen::mark_used(const Value& source) {
+    const Source found = find_source(source);
+    if (found.place >= 0 && find_output(found.place, found.name) == nullptr) {
+        State& state = states_[static_cast<std::size_t>(found.place)];
+        outputs_.push_back({found.name, state.first_output});
         state.first_output = static_cast<int>(outputs_.size()) - 1;
     }
-    return {place, name};
+    return found;
 }
 
 // A number for the name of an output; equal names have equal numbers.
@@ -229,33 +232,25 @@ void Gen::bind(const Node& n, const Value& out, SocketType type, Text expr) {
     }
 }
 
-Gen::Bound Gen::output(const Value& nid, const Value& out) {
-    const int name = name_of(out);
-    return output(find_place(nid), name, nid, out);
+Gen::Bound Gen::output(const Value& source) { return output(find_source(source), source); }
+
+Gen::Bound Gen::output(const Source& found, const Value& source) {
+    if (found.place < 0) {
+        raise_key_error(source.at(Py_ssize_t{0}).object());
+    }
+    const Output* output = find_output(found.place, found.name);
+    if (output == nullptr || !output->bound) {
+        node(found.place, source);
+        output = find_output(found.place, found.name);
+    }
+    if (output == nullptr || !output->bound) {
+        const Value type = nodes_[static_cast<std::size_t>(found.place)].type();
+        unsupported(text("$0 has no output $1", formatted(type), formatted(source.at(Py_ssize_t{1}))));
+    }
+    return output->value;
 }
 
-Gen::Bound Gen::output(int place, int name, const Value& nid, const Value& out) {
-    if (place < 0) {
-        raise_key_error(nid.object());
-    }
-    const Output* found = find_output(place, name);
-    if (found == nullptr || !found->bound) {
-        node(nid, place);
-        found = find_output(place, name);
-    }
-    if (found == nullptr || !found->bound) {
-        no_output(place, out);
-    }
-    return found->value;
-}
-
-void Gen::no_output(int place, const Value& out) {
-    const Value type = nodes_[static_cast<std::size_t>(place)].type();
-    const Text word = formatted(type);
-    unsupported(text("$0 has no output $1", word, formatted(out)));
-}
-
-void Gen::node(const Value& nid, int place) {
+void Gen::node(int place, const Value& source) {
     State& state = states_[static_cast<std::size_t>(place)];
     if (state.done) {
         return;
@@ -267,7 +262,7 @@ void Gen::node(const Value& nid, int place) {
     if (const Handler handler = module_.registry.find(type)) {
         handler(*this, n);
     } else {
-        fall_back(nid, n, type);
+        fall_back(source.at(Py_ssize_t{0}), n, type);
     }
 }
 
@@ -296,9 +291,7 @@ Gen::Run Gen::run() {
     }
     // Before the surface: its whole graph is to see the bumped normal.
     displacement_normal();
-    const Value nid = src.at(Py_ssize_t{0});
-    const Value out = src.at(Py_ssize_t{1});
-    const Bound surface = output(nid, out);
+    const Bound surface = output(src);
     if (emission_mode_) {
         return {
             is_closure(surface.type) ? text("($0).emission", surface.text) : convert(surface.text, surface.type, RGBA),

@@ -28,7 +28,9 @@ Input& Inputs::put(Input input) {
     }
     const std::size_t place = place_of(input.name);
     if (places_[place] != kFree) {
-        return entries_[places_[place] - 1] = std::move(input);
+        Input& entry = entries_[places_[place] - 1];
+        ambiguous_ = ambiguous_ || entry.value.object() != input.value.object();
+        return entry = std::move(input);
     }
     entries_.push_back(std::move(input));
     places_[place] = static_cast<std::uint32_t>(entries_.size());

@@ -37,7 +37,9 @@ public:
     Input& put(Input input);
 
     [[nodiscard]] const std::vector<Input>& entries() const { return entries_; }
-    [[nodiscard]] bool empty() const { return entries_.empty(); }
+    // Whether an entry has been replaced by one with another value: two sockets whose names come to the same
+    // then take it in turns, and what was read of either may not be left out.
+    [[nodiscard]] bool ambiguous() const { return ambiguous_; }
 
 private:
     [[nodiscard]] std::size_t place_of(Text name) const;
@@ -45,6 +47,7 @@ private:
 
     static constexpr std::uint32_t kFree = 0;
 
+    bool ambiguous_ = false;
     std::vector<Input> entries_;
     std::vector<std::uint32_t> places_;  // open addressing: index of an entry plus 1, or kFree
 };

@@ -42,7 +42,7 @@ std::vector<int> Gen::upstream(int place) const {
     for (std::size_t i = 0; i < reached.size(); ++i) {
         const State& state = states_[static_cast<std::size_t>(reached[i])];
         for (int link = state.first_link; link < state.first_link + state.link_count; ++link) {
-            const int feeder = links_[static_cast<std::size_t>(link)].source;
+            const int feeder = links_[static_cast<std::size_t>(link)].source.place;
             if (feeder >= 0 && !seen[static_cast<std::size_t>(feeder)]) {
                 seen[static_cast<std::size_t>(feeder)] = true;
                 reached.push_back(feeder);

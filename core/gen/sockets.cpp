@@ -31,29 +31,33 @@ SocketType Gen::written_type(const Value& word) {
 // The same for an unlinked entry's own type, which is only compared: anything may stand there.
 SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
 
-// The link of an entry, absent where there is none. What the constructor has read of plain maps holds; of other
-// objects, which may give another entry at each look, nothing is known.
-Value Gen::link_of(const Node& n, const Value& entry, Source& source) {
-    if (n.place < 0 || !n.in.is_map() || !entry.is_map()) {
-        Value link = entry.find("link");
-        if (link.present()) {
-            source = {find_place(link.at(Py_ssize_t{0})), name_of(link.at(Py_ssize_t{1}))};
-        }
-        return link;
+const Gen::Socket* Gen::find_socket(const Node& n, Word ident) const {
+    if (n.place < 0 || inputs.ambiguous()) {
+        return nullptr;
     }
+    const Socket* socket = states_[static_cast<std::size_t>(n.place)].sockets;
+    while (socket != nullptr && socket->ident != ident) {
+        socket = socket->next;
+    }
+    return socket;
+}
+
+const Gen::Link* Gen::find_link(const Node& n, const Value& entry) const {
     const State& state = states_[static_cast<std::size_t>(n.place)];
     for (int i = state.first_link; i < state.first_link + state.link_count; ++i) {
         const Link& link = links_[static_cast<std::size_t>(i)];
         if (link.entry == entry.object()) {
-            source = {link.source, link.name};
-            return link.link;
+            return &link;
         }
     }
-    return {};
+    return nullptr;
 }
 
 // NOLINTNEXTLINE(readability-convert-member-functions-to-static): an operation of the generator, like its neighbours
 bool Gen::linked(const Node& n, Word ident) {
+    if (const Socket* known = find_socket(n, ident)) {
+        return known->link != nullptr;
+    }
     const Value entry = n.in.get(ident);
     return !entry.is_none() && entry.contains("link");
 }
@@ -63,25 +67,60 @@ void Gen::no_input(const Node& n, Word ident) {
 }
 
 Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
-    const Value entry = n.in.get(ident);
-    if (entry.is_none()) {
-        if (fallback.data() != nullptr) {
-            return fallback;
+    const Socket* socket = find_socket(n, ident);
+    if (socket == nullptr) {
+        const Value entry = n.in.get(ident);
+        if (entry.is_none()) {
+            if (fallback.data() != nullptr) {
+                return fallback;
+            }
+            no_input(n, ident);
         }
-        no_input(n, ident);
+        // What has been read of plain maps holds; other objects may give another entry at each look.
+        if (n.place < 0 || !n.in.is_map() || !entry.is_map()) {
+            return read_entry(n, ident, entry, want);
+        }
+        socket = &remember(n, ident, entry);
     }
-    Source source = {};
-    if (const Value link = link_of(n, entry, source); link.present()) {
-        const auto [nid, out, type] = link.unpack3();
-        const Bound bound = output(source.place, source.name, nid, out);
-        // The document is believed over the handler.
-        return convert(bound.text, type.truthy() ? written_type(type) : bound.type, want);
-    }
-    return unlinked(n, ident, entry, want);
+    return read(*socket, want);
 }
 
-// What the socket's own value comes to.
-Text Gen::unlinked(const Node& n, Word ident, const Value& entry, SocketType want) {
+const Gen::Socket& Gen::remember(const Node& n, Word ident, const Value& entry) {
+    Socket socket = {ident, nullptr, find_link(n, entry), {}, true, {}};
+    if (socket.link != nullptr) {
+        const Value type = socket.link->link.unpack3()[2];
+        socket.is_typed = type.truthy();
+        socket.type = socket.is_typed ? written_type(type) : SocketType{};
+    } else {
+        socket.type = socket_type(entry.at("t"));
+        if (is_value_type(socket.type)) {
+            socket.text = param(n, runtime().identifier(ident), socket.type, entry.get("v"));
+        }
+    }
+    const Socket*& first = states_[static_cast<std::size_t>(n.place)].sockets;
+    socket.next = first;
+    return *(first = &sockets_.emplace_back(socket));
+}
+
+Text Gen::read(const Socket& socket, SocketType want) {
+    if (socket.link != nullptr) {
+        const Bound bound = output(socket.link->source, socket.link->link);
+        // The document is believed over the handler.
+        return convert(bound.text, socket.is_typed ? socket.type : bound.type, want);
+    }
+    if (is_value_type(socket.type)) {
+        return convert(socket.text, socket.type, want);
+    }
+    return is_closure(socket.type) && is_closure(want) ? "L.closure_none()" : "0.0";
+}
+
+// Reads an entry that may be any object, as if for the first time.
+Text Gen::read_entry(const Node& n, Word ident, const Value& entry, SocketType want) {
+    if (const Value link = entry.find("link"); link.present()) {
+        const auto [nid, out, type] = link.unpack3();
+        const Bound bound = output({find_place(nid), name_of(out)}, Value::pair(nid, out));
+        return convert(bound.text, type.truthy() ? written_type(type) : bound.type, want);
+    }
     const SocketType type = socket_type(entry.at("t"));
     if (is_value_type(type)) {
         return convert(param(n, runtime().identifier(ident), type, entry.get("v")), type, want);
