@@ -23,6 +23,9 @@ State& state_of(PyObject* self) { return *static_cast<State*>(PyModule_GetState(
 
 template <class Body>
 PyObject* guarded(Body body) noexcept {
+    // The C++ runtime makes its record of a thread's exceptions at its first use, and ends the process where there is
+    // no memory for it: so it is asked for here, and not when memory has run out.
+    [[maybe_unused]] const volatile int uncaught = std::uncaught_exceptions();
     try {
         return body().release();
     } catch (const PythonError&) {

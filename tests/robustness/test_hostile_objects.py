@@ -1,0 +1,82 @@
+"""Objects whose own code raises, or changes the document, in the middle of a translation."""
+import copy
+
+import pytest
+
+import quillgen
+from robustness.hostile import Mine, raising, shuffle, trap, wreck
+from robustness.outcomes import CALLS, at, base_documents, outcome, paths, put
+
+DOCUMENTS = base_documents()
+ALL = pytest.mark.parametrize("title", DOCUMENTS)
+
+
+def with_traps(title, make):
+    """A copy of the document for each of its places, with a trap made of the value that was there."""
+    for path in paths(DOCUMENTS[title]):
+        document = copy.deepcopy(DOCUMENTS[title])
+        yield path, put(document, path, make(document, at(document, path)))
+
+
+@ALL
+def test_derived_types_count_as_what_they_derive_from(title):
+    plain = {name: outcome(call, DOCUMENTS[title]) for name, call in CALLS.items()}
+    for path, document in with_traps(title, lambda _, value: trap(value, lambda name: None)):
+        if type(at(DOCUMENTS[title], path)) in (str, float, int, dict, list):
+            for name, call in CALLS.items():
+                assert outcome(call, document) == plain[name], (path, name)
+
+
+@ALL
+def test_what_an_object_raises_reaches_the_caller(title):
+    raised = 0
+    for path, document in with_traps(title, lambda _, value: raising(value)):
+        for name, call in CALLS.items():
+            raised += outcome(call, document, [Mine])[1] is Mine
+    assert raised
+
+
+@ALL
+def test_foreign_objects(title):
+    for path, document in with_traps(title, lambda _, value: trap(None, lambda name: None)):
+        for name, call in CALLS.items():
+            outcome(call, document)
+    for path, document in with_traps(title, lambda _, value: raising(None)):
+        for name, call in CALLS.items():
+            outcome(call, document, [Mine])
+
+
+@ALL
+@pytest.mark.parametrize("change", [wreck, shuffle])
+def test_document_that_an_object_changes_in_the_middle(title, change):
+    for call in CALLS.values():
+        for _, document in with_traps(title, lambda document, value: trap(value, lambda name: change(document))):
+            # The interpreter's own word for a dict that changed under an iteration is a RuntimeError.
+            outcome(call, document, [RuntimeError])
+
+
+def test_other_arguments_may_be_objects_too():
+    document = next(iter(DOCUMENTS.values()))
+    for argument in ("mode", "use_params"):
+        with pytest.raises(Mine):
+            quillgen.compile(document, **{argument: raising(None)})
+    with pytest.raises(Mine):
+        quillgen.parts(next(d for t, d in DOCUMENTS.items() if t == "ShaderNodeUVMap"), uv_bias=raising([0.5, 0.5]))
+    for name, value in {"bodies": [], "structs": set(), "need": set(), "selector": "s", "wrap": "%s",
+                        "extra_lib": ""}.items():
+        arguments = {"bodies": [([], "r")], "structs": set(), "need": set(), name: raising(None)}
+        with pytest.raises((Mine, TypeError)):
+            quillgen.assemble(**arguments)
+
+
+def test_sequence_without_an_end():
+
+    class Endless:
+
+        def __getitem__(self, place):
+            return "RGB"
+
+    document = DOCUMENTS["ShaderNodeGamma"]
+    document["nodes"][0]["in"]["Color"]["link"] = Endless()
+    with pytest.raises(ValueError, match="too many values to unpack"):
+        quillgen.compile(document)
