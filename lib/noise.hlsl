@@ -6,25 +6,22 @@
 
 // A point brought to where float32 resolves cells: the remainder by 100000 with the sign of the coordinate, and half
 // a cell more from a million on, where most coordinates are integers and the noise would be zero.
-// Exact up to 2e12, the quotients too, though they are products: the first step leaves what the second can take
-// without rounding (409600000 = 4096 * 100000). As mad() the differences also stay ahead of the half in a compiler
-// that may regroup sums.
+// Exact up to 2e12 also where a compiler makes the remainder of a rounded quotient: the first step leaves what the
+// second can take without rounding (409600000 = 4096 * 100000). The squared length is one test for all components; a
+// smaller one that comes along stays as it is.
 // @each DIM 1 2 3 4
 floatDIM noise_wrapDIM(floatDIM p) {
   [branch]
-  if (any(abs(p) >= 100000.0)) {
-    floatDIM moved = 0.5 * step(1000000.0, abs(p));
-    p = mad(trunc(p * 2.44140625e-9), -409600000.0, p);
-    p = mad(trunc(p * 1e-5), -100000.0, p);
-    p += moved;
+  if (dot(p, p) >= 1e10) {
+    p = p % 409600000.0 % 100000.0 + 0.5 * step(1000000.0, abs(p));
   }
   return p;
 }
 
-// The weight of a cell's upper side, from the offset f in the cell, 0 to 1.
+// The weight of a cell's lower side, from the offset f in the cell, 0 to 1: one minus the fade of the fifth order.
 // @each DIM 1 2 3 4
 floatDIM noise_fadeDIM(floatDIM f) {
-  return f * f * f * (f * (f * 6.0 - 15.0) + 10.0);
+  return mad(f * f * f, mad(f, mad(f, -6.0, 15.0), -10.0), 1.0);
 }
 
 // Twice the product of a corner's gradient and the offset from the corner. The gradient is one of eight, chosen by
@@ -48,26 +45,6 @@ float noise_gradient4(uint h, float4 f) {
   return dot(asfloat((uint3(h << 31, h << 30, h << 29) & 0x80000000u) | 0x40000000u), a);
 }
 
-// The four corners of a cell in x and y, whose hashes are h (x changes first), summed with the weights w.
-// @each DIM 2 3 4
-float noise_faceDIM(uint4 h, floatDIM f, float4 w) {
-  floatDIM e = f;
-  float4 g = 0.0;
-  g.x = noise_gradientDIM(h.x, e);
-  e.x = f.x - 1.0;
-  g.y = noise_gradientDIM(h.y, e);
-  e.y = f.y - 1.0;
-  g.w = noise_gradientDIM(h.w, e);
-  e.x = f.x;
-  g.z = noise_gradientDIM(h.z, e);
-  return dot(g, w);
-}
-
-// The weights of those four corners.
-float4 noise_face_weights(float2 u) {
-  return float4(1.0 - u.x, u.x, 1.0 - u.x, u.x) * float4(1.0 - u.yy, u.yy);
-}
-
 // Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word
 // hash of its cell's numbers. The last factor brings the noise of each dimension to that range; it halves doubled
 // products.
@@ -76,62 +53,63 @@ float noise_signed1(float p) {
   float2 f = float2(frac(p), frac(p) - 1.0);
   uint2 h = hash_final(0xDEADBF00u + asuint(int(floor(p))) + uint4(0u, 1u, 0u, 1u), 0xDEADBF00u, 0xDEADBF00u).xy;
   float2 g = asfloat(asuint(float2(1u + (h & 7u)) * f) ^ ((h & 8u) << 28));
-  return 0.25 * lerp(g.x, g.y, noise_fade1(f.x));
+  return 0.25 * lerp(g.y, g.x, noise_fade1(f.x));
 }
 
+// In more dimensions the corners are turns of one loop: of the hash they share the first steps alone. Four corners side
+// by side were 100 instructions more and as fast; one loop within the other for each direction is slower by half.
+// `at` is 0 or 1 in each direction, v - at the weight there up to its sign.
 float noise_signed2(float2 p) {
   p = noise_wrap2(p);
   float2 f = frac(p);
+  float2 v = noise_fade2(f);
   uint2 k = 0xDEADBF04u + asuint(int2(floor(p)));
-  uint4 h = hash_final(k.x + uint4(0u, 1u, 0u, 1u), k.y + uint4(0u, 0u, 1u, 1u), 0xDEADBF04u);
-  return 0.3308 * noise_face2(h, f, noise_face_weights(noise_fade2(f)));
+  float sum = 0.0;
+  [loop]
+  for (uint corner = 0u; corner < 4u; corner++) {
+    uint2 at = uint2(corner & 1u, corner >> 1);
+    float2 w = v - at;
+    sum = mad(abs(w.x * w.y), noise_gradient2(hash_final(k.x + at.x, k.y + at.y, 0xDEADBF04u).x, f - at), sum);
+  }
+  return 0.3308 * sum;
 }
 
-// The two sides in z are two turns of a loop, at half the code and the same work: they share no step of the hash.
 float noise_signed3(float3 p) {
   p = noise_wrap3(p);
   float3 f = frac(p);
-  float3 u = noise_fade3(f);
-  float4 w = noise_face_weights(u.xy);
+  float3 v = noise_fade3(f);
   uint3 k = 0xDEADBF08u + asuint(int3(floor(p)));
-  float weight = 1.0 - u.z;
   float sum = 0.0;
   [loop]
-  for (uint z = 0u; z < 2u; z++) {
-    uint4 h = hash_final(k.x + uint4(0u, 1u, 0u, 1u), k.y + uint4(0u, 0u, 1u, 1u), k.z + z);
-    sum += weight * noise_face3(h, f, w);
-    f.z -= 1.0;
-    weight = u.z;
+  for (uint corner = 0u; corner < 8u; corner++) {
+    uint3 at = uint3(corner & 1u, corner >> 1 & 1u, corner >> 2);
+    float3 w = v - at;
+    uint3 h = k + at;
+    sum = mad(abs(w.x * w.y * w.z), noise_gradient3(hash_final(h.x, h.y, h.z).x, f - at), sum);
   }
   return 0.491 * sum;
 }
 
-// The sides in w are a loop within that: they share the mixing of the other three numbers.
+// The two corners that differ in w alone are taken together: they share the mixing of the other three numbers.
 float noise_signed4(float4 p) {
   p = noise_wrap4(p);
   float4 f = frac(p);
-  float4 u = noise_fade4(f);
-  float4 w = noise_face_weights(u.xy);
+  float4 v = noise_fade4(f);
   uint4 k = asuint(int4(floor(p)));
-  float2 weight = 1.0 - u.zw;
   float sum = 0.0;
   [loop]
-  for (uint z = 0u; z < 2u; z++) {
-    uint4 a = 0xDEADBF0Cu + k.x + uint4(0u, 1u, 0u, 1u);
-    uint4 b = 0xDEADBF0Cu + k.y + uint4(0u, 0u, 1u, 1u);
-    uint4 c = 0xDEADBF0Cu + k.z + z;
+  for (uint corner = 0u; corner < 8u; corner++) {
+    uint3 at = uint3(corner & 1u, corner >> 1 & 1u, corner >> 2);
+    float3 w = v.xyz - at;
+    uint4 a = 0xDEADBF0Cu + k.x + at.x;
+    uint4 b = 0xDEADBF0Cu + k.y + at.y;
+    uint4 c = 0xDEADBF0Cu + k.z + at.z;
     hash_mix(a, b, c);
-    a += k.w;
-    float4 e = f;
-    weight.y = 1.0 - u.w;
-    [loop]
-    for (uint side = 0u; side < 2u; side++) {
-      sum += weight.x * weight.y * noise_face4(hash_final(a + side, b, c), e, w);
-      e.w -= 1.0;
-      weight.y = u.w;
-    }
-    f.z -= 1.0;
-    weight.x = u.z;
+    uint4 h = hash_final(a + k.w + uint4(0u, 1u, 0u, 1u), b, c);
+    float4 e = float4(f.xyz - at, f.w);
+    float low = noise_gradient4(h.x, e);
+    e.w -= 1.0;
+    sum = mad(abs(w.x * w.y * w.z), lerp(noise_gradient4(h.y, e), low, v.w), sum);
   }
   return 0.4172 * sum;
 }
@@ -143,6 +121,8 @@ float noise_signed4(float4 p) {
 
 // The sum of octaves whose amplitude changes by `roughness`; normalize brings it to 0 to 1. The second components are
 // those of one octave earlier: a fractional octave mixes the two results.
+// The loop asks for the first octave by name, so that the compiler knows there is one; the 1e-30 keeps the quotient of
+// the octave before that one at 0.
 // Here the scale grows and the point stays, where the other fractals multiply the point again and again: Blender does
 // so, and the two round differently.
 // @each DIM 1 2 3 4
@@ -150,22 +130,22 @@ float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacu
     float normalize, out float plain) {
   float scale = 1.0;
   float weight = 1.0;
-  float2 weights = 0.0;
+  float2 weights = 1e-30;
   float2 sum = 0.0;
   float done = -1.0;
   plain = 0.0;
   [loop]
-  while (done < detail) {
+  while (done < 0.0 || done < detail) {
     plain = noise_signedDIM(p * scale);
-    sum = float2(sum.x + plain * weight, sum.x);
+    sum = float2(mad(plain, weight, sum.x), sum.x);
     weights = float2(weights.x + weight, weights.x);
     weight *= roughness;
     scale *= lacunarity;
     done += 1.0;
   }
-  if (normalize != 0.0)
-    sum = 0.5 * sum / weights + 0.5;
-  return done > detail ? lerp(sum.y, sum.x, frac(detail)) : sum.x;
+  if (normalize != 0.0) sum /= weights;
+  float value = mad(min(detail - done, 0.0), sum.x - sum.y, sum.x);
+  return normalize != 0.0 ? mad(value, 0.5, 0.5) : value;
 }
 
 // The product of octaves around 1.
@@ -248,27 +228,32 @@ float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness,
 
 // Where the noise is read for the components of the distortion and for the second and third channel of the colour:
 // offsets in 100 to 200 that keep them apart from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s,
-// j), in one dimension 100 + 100 * hash_float_to_float(s).
+// j), in one dimension 100 + 100 * hash_float_to_float(s). Choices, as an array costs memory at each use; and typed
+// values, as a choice of plain literals loses digits in one of the two targets of the compiler.
 float noise_offset1(int s) {
-  float o[3] = { 158.24258, 114.83605, 188.4887 };
-  return o[s];
+  float3 o = float3(158.24258, 114.83605, 188.4887);
+  return s == 0 ? o.x : s == 1 ? o.y : o.z;
 }
 
 float4 noise_offset(int s) {
-  float4 o[6] = {
-    float4(186.03128, 114.955956, 154.44751, 142.50491),
-    float4(199.84, 162.2926, 154.04823, 142.26761),
-    float4(111.63384, 157.36938, 199.0881, 178.43613),
-    float4(165.44528, 162.76822, 193.40842, 145.25551),
-    float4(155.58092, 177.15463, 138.14003, 180.18573),
-    float4(188.85379, 132.67769, 162.05215, 185.26816)
-  };
-  return o[s];
+  return s == 0 ? float4(186.03128, 114.955956, 154.44751, 142.50491) :
+    s == 1 ? float4(199.84, 162.2926, 154.04823, 142.26761) :
+    s == 2 ? float4(111.63384, 157.36938, 199.0881, 178.43613) :
+    s == 3 ? float4(165.44528, 162.76822, 193.40842, 145.25551) :
+    s == 4 ? float4(155.58092, 177.15463, 138.14003, 180.18573) :
+    float4(188.85379, 132.67769, 162.05215, 185.26816);
 }
 
 // @each DIM 2 3 4
 floatDIM noise_offsetDIM(int s) {
   return (floatDIM)noise_offset(s);
+}
+
+// Where a turn of the texture below reads the noise, from the point. Choices that `turn` cannot meet fall away.
+// @each DIM 1 2 3 4
+floatDIM noise_turnDIM(int turn, floatDIM moved) {
+  return turn == -1 ? noise_offsetDIM(0) : DIM > 1 && turn == -2 ? noise_offsetDIM(1) :
+    DIM > 2 && turn == -3 ? noise_offsetDIM(2) : DIM > 3 && turn == -4 ? noise_offsetDIM(3) : moved;
 }
 
 // A noise texture at co, already scaled: detail 0 to 15, roughness not negative, the rest unlimited; normalize and
@@ -286,15 +271,11 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
   colour = 0.0;
   [loop]
   for (int turn = distortion != 0.0 ? -DIM : 0; turn <= (want_colour != 0.0 ? 2 : 0); turn++) {
-    floatDIM p = co;
-    if (turn != 0) p += noise_offsetDIM(turn < 0 ? -1 - turn : DIM - 1 + turn);
-    float result = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize,
-        plain);
-    moved = float4(distortion * plain, moved.xyz);
-    if (turn == -1) co += (floatDIM)moved;
-    if (turn == 0) value = result;
-    colour = float3(colour.yz, result);
+    floatDIM p = co + noise_turnDIM(turn, (floatDIM)moved);
+    if (want_colour != 0.0 && turn > 0) p += turn == 1 ? noise_offsetDIM(DIM) : noise_offsetDIM(DIM + 1);
+    value = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize, plain);
+    if (want_colour == 0.0 || turn < 0) moved = float4(distortion * plain, moved.xyz);
+    if (want_colour != 0.0) colour = float3(colour.yz, value);
   }
-  if (want_colour == 0.0) colour = 0.0;
-  return value;
+  return want_colour != 0.0 ? colour.x : value;
 }
