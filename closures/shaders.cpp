@@ -84,8 +84,9 @@ void _principled(Gen& g, const Node& n) {
     const Text color = g.inp(n, "Emission Color", RGBA);
     const Text strength = g.inp(n, "Emission Strength", VALUE);
     g.emit("$0.emission = $1 * $2;", c, color, strength);
-    g.uses.emission = g.uses.emission || emits(g, n);
-    g.uses.alpha = g.uses.alpha || is_see_through(n);
+    // The test comes first: whether a value fails it must not hang on what other nodes have turned on.
+    g.uses.emission = emits(g, n) || g.uses.emission;
+    g.uses.alpha = is_see_through(n) || g.uses.alpha;
     g.emit("$0.alpha = saturate($1);", c, g.inp(n, "Alpha", VALUE));
     write_coat(g, n, c);
     write_normal(g, n, c);
