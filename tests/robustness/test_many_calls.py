@@ -1,0 +1,129 @@
+"""Many calls, one after another and side by side: memory stays where it was, and all give the same bytes."""
+import json
+import subprocess
+import threading
+
+import pytest
+
+import quillgen
+from golden.documents import example
+from robustness.isolated import run
+from robustness.outcomes import CALLS, base_documents, outcome
+
+# Memory is looked at once everything has been called a few times, and at the end.
+FLAT = """
+import copy, gc, os, resource, sys
+import quillgen
+from robustness.outcomes import CALLS, base_documents, outcome, paths, put
+
+def resident():
+    gc.collect()
+    return int(open("/proc/self/statm").read().split()[1]) * resource.getpagesize()
+
+documents = list(base_documents().values())
+calls = list(CALLS.values())
+
+def sound(number):
+    outcome(calls[number % 5], documents[number % len(documents)])
+
+wrong = [put(copy.deepcopy(d), path, value) for d in documents[::7] for path in list(paths(d))[::5]
+         for value in (None, [], "x", 10**400)]
+
+def mistaken(number):
+    outcome(calls[number % 5], wrong[number % len(wrong)])
+
+def named_anew(number):
+    document = {**documents[12], "nodes": [{**n, "id": f"{n['id']} {number}" * 20} for n in documents[12]["nodes"]]}
+    document["out"] = {"surface": [f"{documents[12]['out']['surface'][0]} {number}" * 20, "Result"]}
+    outcome(calls[0], document)
+    quillgen.param_name(f"node {number}", "Value"), quillgen.tex_input(f"image {number}.png")
+
+work = {"sound": sound, "mistaken": mistaken, "named anew": named_anew}[sys.argv[1]]
+objects = None
+for number in range(int(sys.argv[2])):
+    work(number)
+    if number == 10_000:
+        before, objects = resident(), len(gc.get_objects())
+print(resident() - before, len(gc.get_objects()) - objects)
+"""
+
+
+@pytest.mark.parametrize("work", ["sound", "mistaken", "named anew"])
+def test_memory_is_flat(work):
+    grown, objects = map(int, run(FLAT, work, 110_000, timeout=300).split())
+    assert grown < 1_000_000 and abs(objects) < 100
+
+
+def test_the_check_sees_a_leak():
+    leaking = FLAT.replace("outcome(calls[number % 5], documents[number % len(documents)])",
+                           "LEAK.append(str(number) * 10)").replace("import copy", "LEAK = []\nimport copy")
+    grown, _ = map(int, run(leaking, "sound", 110_000).split())
+    assert grown > 1_000_000
+
+
+def test_eight_threads_give_the_same_bytes():
+    documents = [example(name) for name in ("oak_planks", "lava", "mossy_rock", "pbr_crate")]
+    wanted = [json.dumps(quillgen.compile(document)) for document in documents]
+    results = {}
+
+    def work(number):
+        results[number] = [[json.dumps(quillgen.compile(document)) for document in documents] for _ in range(25)]
+
+    threads = [threading.Thread(target=work, args=[number]) for number in range(8)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert all(result == wanted for number in range(8) for result in results[number])
+
+
+def test_eight_threads_with_objects_that_let_others_run():
+    """Objects of Python's own code in the document are where the interpreter changes threads."""
+
+    class Slow(float):
+
+        def __gt__(self, other):
+            for _ in range(2000):
+                pass
+            return float.__gt__(self, other)
+
+    document = base_documents()["ShaderNodeBsdfPrincipled"]
+    for record in document["nodes"]:
+        for name in ("Coat Weight", "Sheen Weight", "Subsurface Weight"):
+            record["in"][name] = {"t": "VALUE", "v": Slow(0.5)}
+    wanted = quillgen.compile(document)
+    results = []
+    threads = [threading.Thread(target=lambda: results.extend(quillgen.compile(document) for _ in range(50)))
+               for _ in range(8)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert len(results) == 400 and all(result == wanted for result in results)
+
+
+EVERYTHING = """
+import hashlib
+from robustness.outcomes import CALLS, base_documents, outcome, plain
+said = [plain(outcome(call, document)) for document in base_documents().values() for call in CALLS.values()]
+print(hashlib.sha256(repr(said).encode("utf-8", "surrogatepass")).hexdigest())
+"""
+
+
+def test_hash_randomisation():
+    assert len({run(EVERYTHING, PYTHONHASHSEED=str(seed)) for seed in (0, 1, 2, 12345)}) == 1
+
+
+@pytest.fixture(scope="session")
+def german_locale(tmp_path_factory):
+    """A locale with a decimal comma, made from its source: few machines have one ready."""
+    folder = tmp_path_factory.mktemp("locale")
+    subprocess.run(["localedef", "-i", "de_DE", "-f", "UTF-8", folder / "de_DE.UTF-8"], check=True)
+    return {"LOCPATH": str(folder), "LC_ALL": "de_DE.UTF-8"}
+
+
+def test_locale_with_a_decimal_comma(german_locale):
+    asked = "import locale\nlocale.setlocale(locale.LC_ALL, '')\nprint(locale.localeconv()['decimal_point'])\n"
+    comma, result = run(asked + EVERYTHING, **german_locale).split()
+    assert comma == ","
+    assert result == run(EVERYTHING, LC_ALL="C")
