@@ -74,7 +74,7 @@ std::string Runtime::identifier(PyObject* name) const {
 
 Text Runtime::remembered_identifier(Text id) const {
     // Enough for the nodes of a large scene; a bound, so that a long session does not grow.
-    constexpr std::size_t kMostBytes = 256 * 1024;
+    constexpr std::size_t kMostBytes = std::size_t{256} * 1024;
     if (std::all_of(id.begin(), id.end(), is_identifier_character)) {
         return id;
     }

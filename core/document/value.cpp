@@ -18,7 +18,7 @@ PyObject* looked_up(PyObject* map, PyObject* key) {
 
 // Whether an object of a document could be changed through a result that holds it.
 bool is_container(PyObject* object) {
-    return PyList_CheckExact(object) || PyDict_CheckExact(object) || Py_IS_TYPE(object, &PySet_Type);
+    return PyList_CheckExact(object) || PyDict_CheckExact(object) || Py_IS_TYPE(object, &PySet_Type) != 0;
 }
 
 bool compare(PyObject* left, PyObject* right, int operation) {
@@ -205,7 +205,7 @@ Value Value::to_int() const { return own(PyNumber_Long(object_.get())); }
 Value Value::lower() const { return called("lower"); }
 
 Value Value::copied_list() const {
-    const Value list = own(PySequence_List(object_.get()));
+    Value list = own(PySequence_List(object_.get()));
     for (Py_ssize_t i = 0; i < PyList_Size(list.object()); ++i) {
         if (is_container(PyList_GetItem(list.object(), i))) {
             return list.unshared();
@@ -233,7 +233,8 @@ Value Value::unshared() const {
         }
         return copies[known->second];
     };
-    const Value result = {copy_of(object_.get()), *runtime_};
+    Value result = {copy_of(object_.get()), *runtime_};
+    // NOLINTNEXTLINE(modernize-loop-convert): the list grows while it is gone through
     for (std::size_t i = 0; i < copies.size(); ++i) {
         const Ref copy = copies[i];
         if (PyList_CheckExact(copy.get())) {

@@ -286,8 +286,8 @@ private:
     std::vector<Output> outputs_;
     std::vector<Link> links_;  // by node
     std::deque<Socket> sockets_;
-    Value places_;             // node id -> place; of two records with one id the later
-    Value other_names_;        // output names that are no words -> number
+    Value places_;       // node id -> place; of two records with one id the later
+    Value other_names_;  // output names that are no words -> number
     std::deque<Value> unknown_types_;
 
     Value need_;
