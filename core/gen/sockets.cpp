@@ -89,6 +89,9 @@ const Gen::Socket& Gen::remember(const Node& n, Word ident, const Value& entry) 
     Socket socket = {ident, nullptr, find_link(n, entry), {}, true, {}};
     if (socket.link != nullptr) {
         const Value type = socket.link->link.unpack3()[2];
+        if (!type.is_str() && !type.is_none()) {
+            output(socket.link->source, socket.link->link);  // what is no word may fail, but not ahead of its source
+        }
         socket.is_typed = type.truthy();
         socket.type = socket.is_typed ? written_type(type) : SocketType{};
     } else {
