@@ -3,7 +3,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
 #include <initializer_list>
 #include <memory>
 #include <string_view>
@@ -29,8 +28,7 @@ public:
         }
         char* const start = next_;
         for (const std::string_view piece : pieces) {
-            std::memcpy(next_, piece.data(), piece.size());
-            next_ += piece.size();
+            next_ = std::copy_n(piece.data(), piece.size(), next_);
         }
         left_ -= size;
         return {start, size};

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -16,7 +15,7 @@ public:
         if (text.size() > capacity_ - size_) {
             reserve(size_ + text.size());
         }
-        std::memcpy(data_.get() + size_, text.data(), text.size());
+        std::copy_n(text.data(), text.size(), data_.get() + size_);
         size_ += text.size();
     }
     // Makes room for a text of that size in all.
@@ -26,9 +25,7 @@ public:
         }
         const std::size_t capacity = std::max(size, 2 * capacity_);
         auto data = std::make_unique_for_overwrite<char[]>(capacity);
-        if (size_ > 0) {
-            std::memcpy(data.get(), data_.get(), size_);
-        }
+        std::copy_n(data_.get(), size_, data.get());
         data_ = std::move(data);
         capacity_ = capacity;
     }
