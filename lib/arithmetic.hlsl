@@ -74,7 +74,7 @@ float smoothminf(float a, float b, float c) {
 // Hermite step from 0 below lo to 1 from hi on. With lo = hi a hard step: the two tests leave no x for the division.
 float smoothstepc(float lo, float hi, float x) {
   float t = (x - lo) / (hi - lo);
-  return x < lo ? 0.0 : (x >= hi ? 1.0 : (3.0 - 2.0 * t) * (t * t));
+  return x < lo ? 0.0 : (x >= hi ? 1.0 : mad(t, -2.0, 3.0) * (t * t));
 }
 
 // Step of the fifth order from 0 at lo to 1 at hi; 0 everywhere if lo = hi.

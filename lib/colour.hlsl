@@ -1,19 +1,20 @@
 // Colour models. Components are linear and not limited to 0 to 1. The models agree with Blender to a few units in the
 // last place of the largest component; srgb_to_linear3 to 1e-6 relative.
 
-// Hue (0 to 1, red at 0) of a colour whose largest component is hi, d above its smallest; without meaning for d = 0.
-float hue(float3 c, float hi, float d) {
-  float2 h = c.r == hi ? float2(c.g - c.b, c.g < c.b ? 6.0 : 0.0) :
-    c.g == hi ? float2(c.b - c.r, 2.0) : float2(c.r - c.g, 4.0);
-  return (h.x / d + h.y) / 6.0;
+// (hue, largest, smallest component); hue is 0 to 1, red at 0, without meaning for a grey. Green and blue are put in order
+// first, then red and the larger of them; x of the result begins as the hue at which the largest component stands.
+float3 hue_range(float3 c) {
+  float2 hue = c.g < c.b ? float2(-1.0, 0.6666667) : float2(0.0, -0.33333334);
+  float hi = max(c.g, c.b), lo = min(c.g, c.b);
+  float top = max(c.r, hi), middle = min(c.r, hi), bottom = min(middle, lo);
+  return float3(abs((c.r < hi ? hue.y : hue.x) + (middle - lo) / (6.0 * (top - bottom))), top, bottom);
 }
 
 // Hue, saturation, value. Grey, and a colour whose largest component is 0, has hue and saturation 0.
 float3 rgb_to_hsv(float3 c) {
-  float v = max(c.r, max(c.g, c.b));
-  float d = v - min(c.r, min(c.g, c.b));
-  float s = v == 0.0 ? 0.0 : d / v;
-  return float3(s == 0.0 ? 0.0 : hue(c, v, d), s, v);
+  float3 h = hue_range(c);
+  float s = h.y == 0.0 ? 0.0 : (h.y - h.z) / h.y;
+  return float3(s == 0.0 ? 0.0 : h.x, s, h.y);
 }
 
 // The reverse. Hue 1 counts as 0; any other hue outside 0 to 1 is not wrapped but falls into the last sextant.
@@ -29,10 +30,10 @@ float3 hsv_to_rgb(float3 c) {
 // Hue, saturation, lightness; lightness at most 1. Grey has hue and saturation 0. Colours outside 0 to 1 give
 // saturations outside 0 to 1, an infinite one where the largest and the smallest component add up to 0 or 2.
 float3 rgb_to_hsl(float3 c) {
-  float hi = max(c.r, max(c.g, c.b)), lo = min(c.r, min(c.g, c.b));
-  float d = hi - lo, l = min((hi + lo) * 0.5, 1.0);
-  float s = d / (l > 0.5 ? 2.0 - hi - lo : hi + lo);
-  return d == 0.0 ? float3(0.0, 0.0, l) : float3(hue(c, hi, d), s, l);
+  float3 h = hue_range(c);
+  float d = h.y - h.z, l = min((h.y + h.z) * 0.5, 1.0);
+  float s = d / (l > 0.5 ? 2.0 - h.y - h.z : h.y + h.z);
+  return d == 0.0 ? float3(0.0, 0.0, l) : float3(h.x, s, l);
 }
 
 // The reverse. A hue outside 0 to 1 is not wrapped: it is red.

@@ -17,7 +17,7 @@ float3 dir_world_to_obj(float3 d, float3 ox, float3 oy, float3 oz) {
   float3 c = cross(oy, oz);
   float det = dot(ox, c);
   float3 v = float3(dot(d, c), dot(d, cross(oz, ox)), dot(d, cross(ox, oy)));
-  return det == 0.0 ? float3(0.0, 0.0, 0.0) : v * (1.0 / det);
+  return v * (det == 0.0 ? 0.0 : 1.0 / det);
 }
 
 // A direction from world to object space by the rotation alone, which is all that Unreal applies to the frame of a
@@ -34,9 +34,12 @@ float3 facing_normal(float3 n, float3 incoming) {
 }
 
 // A unit vector at a right angle to the unit vector n, the same one that Blender takes; zero for n = 0. It is the
-// cross product with (1, 1, 1), which needs a stand-in on the diagonal.
+// cross product with (1, 1, 1), which needs a stand-in on the diagonal: 1.2247449 is the root of 3/2, and n.x there
+// that of 1/3.
 float3 make_orthonormals_a(float3 n) {
-  return safe_normalize((n.x == n.y && n.x == n.z) ? float3(0.0, n.x, -n.x) : n.zxy - n.yzx);
+  float3 t = n.zxy - n.yzx;
+  float l = dot(t, t);
+  return l == 0.0 ? float3(0.0, 1.2247449, -1.2247449) * n.x : t * rsqrt(l);
 }
 
 // Length (that of `view`) of the step between neighbouring pixels at the shaded point: the mean, over the horizontal

@@ -93,23 +93,23 @@ float3 hash_float4_to_float3(float4 x) {
 
 // One round of the integer hash below. Later lines read what earlier ones wrote.
 int2 hash_round2(int2 v) {
-  v.x += v.y * 1664525;
-  v.y += v.x * 1664525;
+  v.x = mad(v.y, 1664525, v.x);
+  v.y = mad(v.x, 1664525, v.y);
   return v;
 }
 
 int3 hash_round3(int3 v) {
-  v.x += v.y * v.z;
-  v.y += v.z * v.x;
-  v.z += v.x * v.y;
+  v.x = mad(v.y, v.z, v.x);
+  v.y = mad(v.z, v.x, v.y);
+  v.z = mad(v.x, v.y, v.z);
   return v;
 }
 
 int4 hash_round4(int4 v) {
-  v.x += v.y * v.w;
-  v.y += v.z * v.x;
-  v.z += v.x * v.y;
-  v.w += v.y * v.z;
+  v.x = mad(v.y, v.w, v.x);
+  v.y = mad(v.z, v.x, v.y);
+  v.z = mad(v.x, v.y, v.z);
+  v.w = mad(v.y, v.z, v.w);
   return v;
 }
 
@@ -118,7 +118,7 @@ int4 hash_round4(int4 v) {
 // The factor is 2^-31, as the top bit is cleared.
 // @each DIM 2 3 4
 floatDIM hash_intDIM_to_floatDIM(intDIM v) {
-  v = hash_roundDIM(v * 1664525 + 1013904223);
+  v = hash_roundDIM(mad(v, 1664525, 1013904223));
   v = hash_roundDIM(v ^ (v >> 16));
   return floatDIM(v & 0x7FFFFFFF) * 4.656612873077393e-10;
 }

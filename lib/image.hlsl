@@ -21,8 +21,8 @@ float4 texel_fetch_a(Texture2D tex, int2 texel, int2 size, int extension, int as
   if (extension == 2 && (any(texel < 0) || any(texel >= size))) return float4(0.0, 0.0, 0.0, 0.0);
   float4 t = tex.Load(int3(wrap_texel(texel.x, size.x, extension), wrap_texel(texel.y, size.y, extension), 0));
   if (association == 1) {
-    float4 bytes = floor(255.0 * t + 0.5);
-    t.rgb = floor((bytes.rgb * bytes.a + 0.5) / 255.0) / 255.0;
+    float4 bytes = floor(mad(t, 255.0, 0.5));
+    t.rgb = floor(mad(bytes.rgb, bytes.a, 0.5) / 255.0) / 255.0;
   }
   if (association == 2) t.rgb *= t.a;
   return t;

@@ -5,18 +5,18 @@
 // and equal it to the last bit while only one of the angles is not 0.
 float3 euler_rotate(float3 v, float3 r) {
   float3 s = sin(r), c = cos(r);
-  v.yz = float2(c.x * v.y - s.x * v.z, s.x * v.y + c.x * v.z);
-  v.xz = float2(c.y * v.x + s.y * v.z, c.y * v.z - s.y * v.x);
-  v.xy = float2(c.z * v.x - s.z * v.y, s.z * v.x + c.z * v.y);
+  v.yz = mad(c.x, v.yz, s.x * float2(-v.z, v.y));
+  v.xz = mad(c.y, v.xz, s.y * float2(v.z, -v.x));
+  v.xy = mad(c.z, v.xy, s.z * float2(-v.y, v.x));
   return v;
 }
 
 // The inverse of euler_rotate: the other way about z, then y, then x.
 float3 euler_unrotate(float3 v, float3 r) {
   float3 s = sin(r), c = cos(r);
-  v.xy = float2(c.z * v.x + s.z * v.y, c.z * v.y - s.z * v.x);
-  v.xz = float2(c.y * v.x - s.y * v.z, s.y * v.x + c.y * v.z);
-  v.yz = float2(c.x * v.y + s.x * v.z, c.x * v.z - s.x * v.y);
+  v.xy = mad(c.z, v.xy, s.z * float2(v.y, -v.x));
+  v.xz = mad(c.y, v.xz, s.y * float2(-v.z, v.x));
+  v.yz = mad(c.x, v.yz, s.x * float2(v.z, -v.y));
   return v;
 }
 

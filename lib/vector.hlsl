@@ -10,7 +10,7 @@ float3 safe_divide3(float3 a, float3 b) {
 // whose squared length overflows becomes zero.
 float3 safe_normalize(float3 a) {
   float l = dot(a, a);
-  return l == 0.0 ? a : a * rsqrt(l);
+  return a * (l == 0.0 ? 1.0 : rsqrt(l));
 }
 
 // Projection of a on b; zero for b = 0.
