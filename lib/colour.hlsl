@@ -1,8 +1,8 @@
 // Colour models. Components are linear and not limited to 0 to 1. The models agree with Blender to a few units in the
 // last place of the largest component; srgb_to_linear3 to 1e-6 relative.
 
-// (hue, largest, smallest component); hue is 0 to 1, red at 0, without meaning for a grey. Green and blue are put in order
-// first, then red and the larger of them; x of the result begins as the hue at which the largest component stands.
+// (hue, largest, smallest component); hue is 0 to 1, red at 0, without meaning for a grey. Green and blue are put in
+// order first, then red and the larger of them; the hue counts from where the largest component stands.
 float3 hue_range(float3 c) {
   float2 hue = c.g < c.b ? float2(-1.0, 0.6666667) : float2(0.0, -0.33333334);
   float hi = max(c.g, c.b), lo = min(c.g, c.b);

@@ -4,16 +4,16 @@
 // Everything is inlined where it is called, so each texture calls its fractal at one place and a fractal calls the
 // noise at one place: what differs between octaves, colour channels and components is data of a loop.
 
-// A coordinate brought to where float32 resolves cells: the remainder by 100000 with its sign, and half a cell more from
-// a million on, where most coordinates are integers and the noise would be zero.
+// A coordinate brought to where float32 resolves cells: the remainder by 100000 with its sign, and half a cell more
+// from a million on, where most coordinates are integers and the noise would be zero.
 // Exact up to 2e12 also where a compiler makes the remainder of a rounded quotient: the first step leaves what the
 // second can take without rounding (409600000 = 4096 * 100000).
 float noise_wrap(float x) {
   return x % 409600000.0 % 100000.0 + 0.5 * step(1000000.0, abs(x));
 }
 
-// All coordinates of a point brought there, where one of them is 100000 or more. The squared length is one test for all;
-// a smaller coordinate that comes along stays as it is. Each turn wraps one coordinate and moves the others up.
+// All coordinates of a point brought there, where one of them is 100000 or more. The squared length is one test for
+// all; a smaller coordinate that comes along stays as it is. Each turn wraps one coordinate and moves the others up.
 float noise_wrap1(float p) {
   [branch]
   if (abs(p) >= 100000.0) p = noise_wrap(p);
