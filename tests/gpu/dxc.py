@@ -55,6 +55,9 @@ def _compiler():
         raise RuntimeError("the package compushady is missing: run tools/setup")
     folder = pathlib.Path(package.origin).parent / "backends"
     library = ctypes.CDLL(str(next(folder.glob("libdxcompiler*.so*"))))
+    # What the library does when the process ends has been seen to wait for a lock for ever: leave without it.
+    libc = ctypes.CDLL(None)
+    libc.on_exit(ctypes.cast(libc._exit, ctypes.c_void_p), None)
     made = ctypes.c_void_p()
     status = library.DxcCreateInstance(_guid(CLSID_COMPILER), _guid(IID_COMPILER3), ctypes.byref(made))
     if status != 0:
