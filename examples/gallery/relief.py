@@ -11,6 +11,8 @@ from . import materials, surfaces, wiring
 
 STEPS = 96
 HALVINGS = 8
+RAYS = 4  # for the shadow of a light
+SHADOW_STEPS, SHADOW_REACH = 14, 0.35  # metres
 
 
 class Relief(NamedTuple):
@@ -24,7 +26,7 @@ def relief(record, thing, camera, rows):
     columns = 2 * rows if is_round else rows
     v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns, indexing="ij")
     local = _unrolled(thing, u.ravel(), v.ravel(), is_round)
-    points = local @ thing.turn.T + thing.place
+    points = thing.scale * local @ thing.turn.T + thing.place
     given = wiring.inputs(thing, camera, np.zeros((len(points), 2)), points)
     given["two_sided_sign"] = np.ones((1, 1))
     shares = np.clip(materials.evaluate(record, given)["result"], 0, 1)
@@ -52,8 +54,8 @@ def height(relief, uv):
 
 
 def above(relief, thing, points):
-    """How far points of the world are above the surface, measured along the normal of the shape."""
-    local = (points - thing.place) @ thing.turn
+    """How far points of the world are above the surface, along the normal of the shape, in the object's measure."""
+    local = surfaces.to_local(thing, points)
     base = np.linalg.norm(local, axis=1) - 1 if relief.round else local[:, 2]
     normals, _ = thing.shape.frame(local)
     return base - height(relief, thing.shape.uv(local, normals))
@@ -64,7 +66,7 @@ def meet(relief, thing, eye, rays):
     begin, end = _span(relief, thing, eye, rays)
     found = np.full(len(rays), surfaces.NEVER)
     open_ = np.flatnonzero(np.isfinite(begin))
-    step = (end - begin) / STEPS
+    step = np.where(np.isfinite(begin), end - np.where(np.isfinite(begin), begin, 0), 0) / STEPS
     for n in range(1, STEPS + 1):
         at = begin[open_] + n * step[open_]
         below = above(relief, thing, eye + at[:, None] * rays[open_]) < 0
@@ -89,7 +91,7 @@ def _span(relief, thing, eye, rays):
         inner = surfaces.meet(thing._replace(shape=surfaces.sphere(1 + bottom)), eye, rays)
         return begin, np.minimum(end, inner)
     up = thing.turn[:, 2]
-    begin, end = (surfaces.meet(thing._replace(place=np.add(thing.place, level * up)), eye, rays)
+    begin, end = (surfaces.meet(thing._replace(place=np.add(thing.place, level * thing.scale * up)), eye, rays)
                   for level in (top + 1e-6, bottom - 1e-6))
     return np.where(np.isfinite(begin) & np.isfinite(end), begin, surfaces.NEVER), end
 
@@ -98,6 +100,28 @@ def faces(relief, thing, camera, points, reach):
     """The normals of the moved surface, from its slopes over `reach` metres."""
     found = surfaces.describe(thing, points)
     slopes = [(above(relief, thing, points + reach * found[way]) - above(relief, thing, points - reach * found[way]))
-              / (2 * reach) for way in ("tangent", "bitangent")]
+              * thing.scale / (2 * reach) for way in ("tangent", "bitangent")]
     raised = found["normal"] + slopes[0][:, None] * found["tangent"] + slopes[1][:, None] * found["bitangent"]
     return cameras.unit(raised)
+
+
+def shadows(relief, thing, points, lights, seed=1):
+    """How much the surface lets of each light (at most three) and of the surroundings reach its points:
+    [n, 3] and [n], 0 to 1."""
+    random = np.random.default_rng(seed)
+    normals = surfaces.describe(thing, points)["normal"]
+    begin = points + 0.004 * normals
+    seen = np.ones((len(points), 3))
+    for number, light in enumerate(lights):
+        places = light.at + light.size * random.uniform(-0.4, 0.4, (RAYS, len(points), 3))
+        seen[:, number] = np.mean([_free(relief, thing, begin, cameras.unit(place - begin)) for place in places], axis=0)
+    directions = cameras.unit(normals + cameras.unit(random.normal(size=(2 * RAYS, len(points), 3))) * 0.98)
+    return seen, np.mean([_free(relief, thing, begin, direction) for direction in directions], axis=0)
+
+
+def _free(relief, thing, points, directions):
+    """Whether rays get away from the surface, looked at in places that are closer together near their beginnings."""
+    free = np.ones(len(points), dtype=bool)
+    for share in np.linspace(0, 1, SHADOW_STEPS + 1)[1:]:
+        free[free] = above(relief, thing, (points + SHADOW_REACH * share ** 2 * directions)[free]) > 0
+    return free

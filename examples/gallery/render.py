@@ -6,7 +6,7 @@ import quillgen
 from . import camera as cameras
 from . import materials, relief, scenes, shade, surfaces, tone, wiring
 
-FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
+FRAMES = 16  # of a masked material, whose coverage changes from frame to frame
 
 
 def picture(name, subdivision=2, samples=32, pixels=256, ir=None):
@@ -24,14 +24,13 @@ def radiance(name, subdivision=2, samples=32, pixels=256, ir=None):
     around = _reflecting(scene.around, seen)
     layers = [_layer(hit, around, camera, rays, samples, scene.premultiplied) for hit in seen]
     layers.append(_backdrop(around, scene, camera, rays, samples))
-    light = _composed(layers)
-    side = pixels * subdivision
-    return light.reshape(pixels, subdivision, pixels, subdivision, 3).mean(axis=(1, 3)) if side else light
+    return _filtered(_composed(layers).reshape(pixels * subdivision, pixels * subdivision, 3), subdivision)
 
 
 def _see(thing, scene, camera, result, places, rays):
     """Where a thing is seen and what its material is there: distances [n] and values of the points that are hit."""
     moved = faces = None
+    unshaded = {"seen": (1.0, 1.0, 1.0), "open": 1.0}
     if scene.relief_rows and result["displacement"]:
         moved = relief.relief(result["displacement"], thing, camera, scene.relief_rows)
     distance = relief.meet(moved, thing, camera.eye, rays) if moved else surfaces.meet(thing, camera.eye, rays)
@@ -39,9 +38,11 @@ def _see(thing, scene, camera, result, places, rays):
     points = camera.eye + distance[hit, None] * rays[hit]
     if moved:
         faces = relief.faces(moved, thing, camera, points, reach=0.01)
+        seen, free = relief.shadows(moved, thing, points, scene.around.lights)
+        unshaded = {"seen": seen, "open": free}
     given = wiring.inputs(thing, camera, places[hit], points, faces=faces)
     front = given["cycles_normal"] * given["two_sided_sign"] * wiring.FLIP
-    return {"distance": distance, "hit": hit, "at": points, "coat_normal": front} | _material(result, given)
+    return {"distance": distance, "hit": hit, "at": points, "coat_normal": front} | unshaded | _material(result, given)
 
 
 def _material(result, given):
@@ -79,21 +80,36 @@ def _layer(hit, around, camera, rays, samples, premultiplied):
     shown = hit["hit"]
     light, opacity = np.zeros((len(rays), 3)), np.zeros((len(rays), 1))
     opacity[shown, 0] = hit["opacity"]
-    points = {key: hit[key] for key in ("normal", "coat_normal", "base", "metallic", "roughness", "specular", "coat", "coat_roughness")}
+    points = {key: hit[key] for key in ("normal", "coat_normal", "base", "metallic", "roughness", "specular", "coat",
+                                        "coat_roughness", "seen", "open")}
     points |= {"view": -rays[shown], "at": hit["at"] - 1e-3 * rays[shown]}
     if shown.any():
-        light[shown] = shade.lit(around, points, samples) + hit["emission"]
+        light[shown] = shade.lit(around, points, samples) + hit["emission"] * _through_coat(hit, points["view"])
     return hit["distance"], light if premultiplied else light * opacity, opacity
 
 
+def _through_coat(hit, view):
+    """How much of what is below the clear coat comes through it."""
+    facing = np.abs((hit["coat_normal"] * view).sum(axis=1))
+    return (1 - hit["coat"] * (0.04 + 0.96 * (1 - facing) ** 5))[:, None]
+
+
 def _backdrop(around, scene, camera, rays, samples):
-    """The studio's floor and wall, or what the scene says is behind."""
-    light = np.broadcast_to(np.float64(scene.behind), (len(rays), 3)).copy()
+    """The studio's floor and wall, the panel behind, or what else the scene says is behind."""
+    below, above = np.float64(scene.behind)
+    light = below + (above - below) * np.linspace(1, 0, len(rays))[:, None]
+    plain = {"metallic": 0.0, "roughness": 1.0, "specular": 0.0, "coat": 0.0, "coat_roughness": 0.0,
+             "seen": (1.0, 1.0, 1.0), "open": 1.0}
     if around.floor is not None:
         at, normal = studio(around, np.float64(camera.eye), rays)
-        light = shade.lit(around, {
-            "at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal, "view": -rays, "base": (around.floor,) * 3, "metallic": 0.0,
-            "roughness": 1.0, "specular": 0.0, "coat": 0.0, "coat_roughness": 0.0}, samples)
+        light = shade.lit(around, plain | {"at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal,
+                                           "view": -rays, "base": around.floor}, samples)
+    if scene.panel:
+        distance = -camera.eye[1] / rays[:, 1]
+        normal = np.broadcast_to((0.0, -1.0, 0.0), rays.shape).copy()
+        light = shade.lit(around, plain | scene.panel | {
+            "at": camera.eye + distance[:, None] * rays + 1e-3 * normal, "normal": normal, "coat_normal": normal,
+            "view": -rays}, samples)
     return np.full(len(rays), 1e9), light, np.ones((len(rays), 1))
 
 
@@ -126,4 +142,18 @@ def _composed(layers):
             here = order[place] == number
             light[here] += through[here] * color[here]
             through[here] *= 1 - opacity[here]
+    return light
+
+
+def _filtered(light, subdivision):
+    """Rays gathered to pixels with the filter that Blender's pictures have: a bell 1.5 pixels wide."""
+    reach = int(np.ceil(0.75 * subdivision))
+    offsets = np.arange(-reach, reach + subdivision) + 0.5 - subdivision / 2
+    turn = np.clip(offsets / (1.5 * subdivision) + 0.5, 0, 1) * 2 * np.pi
+    bell = 0.35875 - 0.48829 * np.cos(turn) + 0.14128 * np.cos(2 * turn) - 0.01168 * np.cos(3 * turn)
+    for axis in (0, 1):
+        padded = np.pad(light, [(reach, reach) if axis == k else (0, 0) for k in range(3)], mode="edge")
+        pixels = light.shape[axis] // subdivision
+        light = sum(weight * padded.take(np.arange(pixels) * subdivision + n, axis=axis)
+                    for n, weight in enumerate(bell / bell.sum()))
     return light

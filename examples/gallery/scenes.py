@@ -14,22 +14,24 @@ class Scene(NamedTuple):
     camera: Camera
     things: tuple
     around: Surroundings
-    behind: tuple = (0.0, 0.0, 0.0)  # what is seen where there is nothing, as radiance
+    behind: tuple = ((0.0,) * 3,) * 2  # radiance where there is nothing, at the lower and upper edge of the picture
+    panel: dict | None = None        # what a plane wears that stands upright behind the object
     relief_rows: int = 0             # rows of the grid of real displacement, 0 for none
     premultiplied: bool = False      # whether the text's colours are multiplied by the opacity already
 
 
-STUDIO_LIGHTS = (Light((-3.11, -3.27, 4.3), 2.5, (18.2, 17.6, 17.0)), Light((3.93, -3.48, 1.74), 3.8, (2.3, 2.5, 2.74)),
+STUDIO_LIGHTS = (Light((-3.11, -3.27, 4.3), 2.4, (19.7, 19.1, 18.5)), Light((3.93, -3.48, 1.74), 3.0, (3.7, 4.0, 4.4)),
                  Light((1.8, 3.04, 4.63), 2.2, (20.2, 20.5, 21.4)))
-STUDIO = Surroundings(STUDIO_LIGHTS, sky=(0.092, 0.096, 0.12), ground=(0.05, 0.05, 0.05), floor=0.338)
-STUDIO_CAMERA = Camera((0.0, -5.9, 1.4), (0.0, 0.0, -0.045), 73.0)
+STUDIO = Surroundings(STUDIO_LIGHTS, sky=(0.092, 0.096, 0.12), ground=(0.05, 0.05, 0.05), floor=(0.338,) * 3)
+STUDIO_CAMERA = Camera((0.0, -5.9, 1.4), (0.0, 0.0, -0.036), 74.0)
 BALL = (surfaces.Thing(surfaces.sphere()),)
 
 
-def dimmed(around, share, glow=(0.0, 0.0, 0.0)):
-    """The studio with the lights turned down, and an object that glows."""
+def dimmed(around, share):
+    """The studio with the lights turned down."""
     lights = tuple(light._replace(glow=tuple(share * g for g in light.glow)) for light in around.lights)
-    return around._replace(lights=lights, sky=tuple(share * s for s in around.sky), blocker_glow=glow)
+    return around._replace(lights=lights, sky=tuple(share * s for s in around.sky),
+                           ground=tuple(share * g for g in around.ground))
 
 
 def on_a_ball(**changes):
@@ -40,4 +42,88 @@ def scene(name):
     return SCENES.get(name, on_a_ball)()
 
 
-SCENES = {}
+def hologram():
+    """Front and back of a ball in the dark."""
+    far_side = BALL[0]._replace(far=True)
+    return on_a_ball(things=BALL + (far_side,), around=dimmed(STUDIO, 0.003)._replace(blocker=shade.SPHERE),
+                     premultiplied=True)
+
+
+def lava():
+    return on_a_ball(around=dimmed(STUDIO, 0.12)._replace(blocker=shade.SPHERE))
+
+
+def mossy_rock():
+    """A ball of 0.93 m with real displacement."""
+    small = BALL[0]._replace(scale=0.93)
+    return on_a_ball(things=(small,), around=STUDIO._replace(blocker=shade.SPHERE, blocker_size=0.88), relief_rows=768)
+
+
+def pbr_crate():
+    turn = surfaces.turned(29.3)
+    crate = surfaces.Thing(surfaces.box(0.75), turn, (0.0, 0.0, -0.25))
+    around = STUDIO._replace(blocker=shade.BOX, blocker_size=0.75, blocker_turn=turn)
+    return Scene(Camera((0.0, -6.13, 2.3), (0.0, 0.0, -0.24), 73.0), (crate,), around)
+
+
+WALL_HALF = 1.6
+UPRIGHT = surfaces.Thing(surfaces.square(WALL_HALF), surfaces.turned(90, "x"))
+
+
+def wall(eye=(0.57, -3.3, 0.35), **changes):
+    """A wall 3.2 m wide; places are in halves of its width."""
+    def metres(place):
+        return tuple(WALL_HALF * part for part in place)
+    lights = (Light(metres((-1.78, -1.3, 2.03)), 0.7 * WALL_HALF, (79.0,) * 3),
+              Light(metres((3.0, -2.6, 1.5)), 1.5 * WALL_HALF, (6.0,) * 3))
+    around = Surroundings(lights, sky=(0.17,) * 3, ground=(0.17,) * 3)
+    return Scene(Camera(metres(eye), (0.0, 0.0, 0.0), 65.0), (UPRIGHT,), around)._replace(**changes)
+
+
+def brick_wall():
+    return wall(relief_rows=1024)
+
+
+def stained_glass():
+    """Against the light."""
+    return wall((0.42, -3.82, 0.2), behind=((0.3,) * 3, (0.7, 0.73, 0.8)))
+
+
+def hazard_decal():
+    metal = {"base": (0.25, 0.3, 0.34), "metallic": 1.0, "roughness": 0.4}
+    return wall((0.95, -3.73, 0.77), panel=metal, premultiplied=True)
+
+
+GROUND = surfaces.Thing(surfaces.square(3.0, wide=8.0))
+GROUND_CAMERA = Camera((0.0, -4.25, 1.98), (0.0, -0.74, 0.0), 50.0)
+
+
+def chequered_floor():
+    """Under a large lamp and an even sky."""
+    lamp = Light((0.0, -2.0, 4.5), 3.0, (6.8, 6.5, 6.1), (0.0, -2.0, 0.0))
+    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.4, 0.4, 0.41), ground=(1.5, 1.5, 1.5)))
+
+
+def wet_asphalt():
+    """Under a lamp at night, the horizon brighter than the sky."""
+    lamp = Light((0.3, -0.5, 3.0), 1.0, (44.0, 42.0, 40.0), (0.3, -0.5, 0.0))
+    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.12, 0.15, 0.22), ground=(1.3, 1.27, 1.22)))
+
+
+def maple_leaf():
+    """Three cards in the air, the right one from behind."""
+    cards = tuple(surfaces.Thing(surfaces.square(), _euler(*turn), place, size) for turn, place, size in (
+        ((79.9, 16.9, 10.9), (-0.052, 0.0, 0.021), 1.0), ((91.2, 39.8, -6.8), (-1.068, 0.6, 0.361), 0.5),
+        ((120.5, -34.0, 164.5), (0.845, 0.0, -0.38), 0.54)))
+    lights = (Light((-1.0, -1.0, 5.0), 4.0, (6.0, 6.0, 6.0)), Light((-3.1, -3.3, 3.0), 2.4, (9.0, 8.8, 8.5)))
+    return Scene(STUDIO_CAMERA, cards, STUDIO._replace(lights=lights, floor=(0.4, 0.43, 0.41)))
+
+
+def _euler(x, y, z):
+    return surfaces.turned(z, "z") @ surfaces.turned(y, "y") @ surfaces.turned(x, "x")
+
+
+SCENES = {"hologram": hologram, "lava": lava, "mossy_rock": mossy_rock, "pbr_crate": pbr_crate, "maple_leaf": maple_leaf,
+          "brick_wall": brick_wall, "oak_planks": wall, "ramp_banner": wall, "rosette_tiles": wall,
+          "stained_glass": stained_glass, "hazard_decal": hazard_decal, "chequered_floor": chequered_floor,
+          "wet_asphalt": wet_asphalt}

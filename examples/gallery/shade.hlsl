@@ -13,7 +13,8 @@ static const float FLOOR_Z = -1.0;
 static const float FAR = 1e6;
 
 struct Surface {
-  float3 at, normal, view, base, coat_normal;
+  float3 at, normal, view, base, coat_normal, seen;  // seen: shares of the lights that the surface's own relief lets by
+  float open;                                        // the same for the surroundings
   float metallic, alpha, f0, coat, coat_alpha;  // alpha: the square of the roughness
 };
 
@@ -130,6 +131,9 @@ float visibility(float alpha, float nl, float nv) {
 
 float rising(float vh) { return pow(saturate(1.0 - vh), 5.0); }
 
+// What the coat reflects of light that comes at this cosine.
+float mirrored(float cosine) { return 0.04 + 0.96 * rising(cosine); }
+
 // Light passed on towards the viewer, cosine included; `pdf`: how likely `favoured` takes this direction.
 float3 scattered(Surface s, float3 to, out float pdf) {
   float3 h = normalize(to + s.view);
@@ -142,9 +146,9 @@ float3 scattered(Surface s, float3 to, out float pdf) {
   pdf = (max(nl, 0.0) / PI + ggx(s.alpha, nh) * nh / (4.0 * vh)) / lobes;
   if (s.coat > 0.0) {
     float cl = dot(s.coat_normal, to), cv = max(dot(s.coat_normal, s.view), 1e-3), ch = saturate(dot(s.coat_normal, h));
-    float through = s.coat * (0.04 + 0.96 * rising(vh)), d = ggx(s.coat_alpha, ch);
-    color *= (1.0 - through) * (1.0 - through);
-    if (cl > 0.0) color += through * d * visibility(s.coat_alpha, cl, cv) * cl;
+    float d = ggx(s.coat_alpha, ch);
+    color *= (1.0 - s.coat * mirrored(cl)) * (1.0 - s.coat * mirrored(cv));
+    if (cl > 0.0) color += s.coat * mirrored(vh) * d * visibility(s.coat_alpha, cl, cv) * cl;
     pdf += d * ch / (4.0 * vh) / lobes;
   }
   return color;
@@ -169,7 +173,7 @@ float3 from_lights(Surface s, float2 u) {
     to /= t;
     float3 f = scattered(s, to, pdf);
     if (dot(to, light_normal(k)) < -1e-5 && pdf > 0.0 && blocked(s.at, to) > t)
-      sum += f * LIGHT_GLOW[k] / (light_pdf(k, to, t) + pdf);
+      sum += s.seen[k] * f * LIGHT_GLOW[k] / (light_pdf(k, to, t) + pdf);
   }
   return sum;
 }
@@ -181,9 +185,9 @@ float3 from_favoured(Surface s, float3 to) {
   float nearest = min(studio(s.at, to, n), blocked(s.at, to));
   [loop] for (int k = 0; k < LIGHTS; k++) {
     float t = light_hit(k, s.at, to);
-    if (t < nearest) return f * LIGHT_GLOW[k] / (pdf + light_pdf(k, to, t));
+    if (t < nearest) return s.seen[k] * f * LIGHT_GLOW[k] / (pdf + light_pdf(k, to, t));
   }
-  return f * surroundings(s.at, to) / pdf;
+  return s.open * f * surroundings(s.at, to) / pdf;
 }
 
 float3 lit(Surface s, int count, uint seed) {

@@ -25,7 +25,7 @@ class Surroundings(NamedTuple):
     lights: tuple
     sky: tuple                             # radiance from above the horizon
     ground: tuple                          # and from below
-    floor: float | None = None             # reflectance of the studio's floor and wall
+    floor: tuple | None = None             # reflectance of the studio's floor and wall
     studio: tuple = (2.35, 2.23)           # where the floor begins to rise, radius of the rise
     blocker: int = NOTHING
     blocker_size: float = 1.0
@@ -38,7 +38,8 @@ def lit(around, points, samples):
     """Radiance towards the viewer [n, 3], emission not included.
 
     `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular", "coat",
-    "coat_roughness" [n], in Blender's frame and in metres; a tuple or a number is the same for all.
+    "coat_roughness" [n], in Blender's frame and in metres; "seen" [n, 3] and "open" [n]: the shares of three lights and
+    of the surroundings that are not shadowed by the surface itself. A tuple or a number is the same for all.
     """
     count = len(points["at"])
     values = {f"in_{name}": np.float32(v) if isinstance(v, np.ndarray) else v for name, v in points.items()}
@@ -63,6 +64,7 @@ def _body(samples):
   s.base = in_base; s.metallic = in_metallic; s.f0 = 0.08 * in_specular;
   s.alpha = max(in_roughness * in_roughness, 0.002);
   s.coat = in_coat; s.coat_alpha = max(in_coat_roughness * in_coat_roughness, 0.002);
+  s.seen = in_seen; s.open = in_open;
   radiance = lit(s, {samples}, hashed(in_seed));"""
 
 
@@ -76,9 +78,8 @@ def constants(around):
               for name, values in {"LIGHT_AT": [light.at for light in around.lights],
                                    "LIGHT_A": [a for a, _ in sides], "LIGHT_B": [b for _, b in sides],
                                    "LIGHT_GLOW": [light.glow for light in around.lights]}.items()]
-    reflectance = -1.0 if around.floor is None else around.floor
     lines += [f"static const float3 {name} = {_vector(value)};"
-              for name, value in {"SKY": around.sky, "GROUND": around.ground, "FLOOR": (reflectance,) * 3,
+              for name, value in {"SKY": around.sky, "GROUND": around.ground, "FLOOR": around.floor or (-1.0, -1.0, -1.0),
                                   "BLOCKER_X": around.blocker_turn[:, 0], "BLOCKER_Y": around.blocker_turn[:, 1],
                                   "BLOCKER_BASE": around.blocker_base, "BLOCKER_GLOW": around.blocker_glow}.items()]
     return "\n".join(lines) + "\n"

@@ -24,6 +24,7 @@ class Thing(NamedTuple):
     shape: Shape
     turn: np.ndarray = np.eye(3)  # its columns are the object's axes in the world
     place: tuple = (0.0, 0.0, 0.0)
+    scale: float = 1.0
     far: bool = False             # shows the side that is turned away from the viewer
 
 
@@ -56,12 +57,13 @@ def sphere(radius=1.0):
     return Shape(meet, frame, uv, (-radius,) * 3, (radius,) * 3)
 
 
-def square(half=1.0):
-    """A square in the plane of x and y that faces up, u along x."""
+def square(half=1.0, wide=1.0):
+    """A square in the plane of x and y that faces up, u along x. It is `wide` times as wide as its UV square, which
+    goes on beyond 0 and 1 then."""
     def meet(origin, rays, far):
         with np.errstate(divide="ignore", invalid="ignore"):
             distance = -origin[2] / rays[:, 2]
-            inside = (np.abs(origin + distance[:, None] * rays)[:, :2] <= half).all(axis=1)
+            inside = (np.abs(origin + distance[:, None] * rays)[:, :2] <= half * wide).all(axis=1)
         return np.where(inside & (distance > 0), distance, NEVER)
 
     def frame(points):
@@ -71,7 +73,7 @@ def square(half=1.0):
         return points[:, :2] / (2 * half) + 0.5
 
     # A flat object has no depth, which its generated coordinate could not be divided by.
-    return Shape(meet, frame, uv, (-half, -half, -0.01), (half, half, 0.01))
+    return Shape(meet, frame, uv, (-half * wide, -half * wide, -0.01), (half * wide, half * wide, 0.01))
 
 
 def box(half):
@@ -98,13 +100,17 @@ def box(half):
 
 def meet(thing, eye, rays):
     """Distances along rays from the eye."""
-    origin = (np.subtract(eye, thing.place)) @ thing.turn
-    return thing.shape.meet(origin, rays @ thing.turn, thing.far)
+    origin = to_local(thing, np.asarray(eye, dtype=float))
+    return thing.shape.meet(origin, rays @ thing.turn, thing.far) * thing.scale
+
+
+def to_local(thing, points):
+    return (points - thing.place) @ thing.turn / thing.scale
 
 
 def describe(thing, points):
     """{"local", "normal", "tangent", "bitangent", "uv"} at points of the world; directions in the world."""
-    local = (points - thing.place) @ thing.turn
+    local = to_local(thing, points)
     normals, tangents = thing.shape.frame(local)
     return {"local": local, "normal": normals @ thing.turn.T, "tangent": tangents @ thing.turn.T,
             "bitangent": np.cross(normals, tangents) @ thing.turn.T, "uv": thing.shape.uv(local, normals)}

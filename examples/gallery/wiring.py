@@ -53,7 +53,7 @@ def fixed(thing, camera):
     """What is the same for all points."""
     (lx, ly, lz), (hx, hy, hz) = thing.shape.low, thing.shape.high
     right, up, forward = cameras.axes(camera)
-    x, y, z = thing.turn.T
+    x, y, z = thing.scale * thing.turn.T
     values = {"object_origin": np.multiply(100, thing.place) * FLIP, "camera_position": np.multiply(100, camera.eye) * FLIP,
               "object_axis:x": x * FLIP, "object_axis:y": -y * FLIP, "object_axis:z": z * FLIP,
               "view_axis:x": right * FLIP, "view_axis:y": up * FLIP, "view_axis:z": forward * FLIP,
