@@ -1,4 +1,6 @@
 """The harness itself: what it says of known functions, and that it sees what is wrong."""
+import pathlib
+
 import numpy as np
 import pytest
 
@@ -51,7 +53,7 @@ struct QWKVoronoiOutput { float distance; float3 color; };
 @pytest.fixture
 def small_library(tmp_path, monkeypatch):
     (tmp_path / "small.hlsl").write_text(SMALL_LIBRARY)
-    library.library()  # puts the folder of embed.py on the path
+    monkeypatch.syspath_prepend(pathlib.Path(__file__).parents[2] / "lib")
     import embed
     loaded = embed.load(tmp_path.glob("*.hlsl"))
     monkeypatch.setattr(library, "library", lambda: loaded)
