@@ -48,7 +48,8 @@ def _layer(number, colour):
     ranged = named("MapRange", {"Value": link(cells, "Distance")})
     factor = named("Math", {"Value": link(ranged, "Result"), "Value_001": link(noise, "Fac")})
     colours = {"Color1": link(ramp, "Color"), **({"Color2": colour} if colour else {})}
-    blended = named("MixRGB", {"Fac": link(factor), **colours}, props={"blend_type": BLENDS[number % len(BLENDS)]})
+    blend = {"blend_type": BLENDS[number % len(BLENDS)]}
+    blended = named("MixRGB", {"Fac": link(factor), **colours}, props=blend)
     tinted = named("HueSaturation", {"Color": link(blended)})
     image = named("TexImage", {"Vector": link(moved)})
     sockets = {"Factor_Float": link(image, "Alpha"), "A_Color": link(tinted), "B_Color": link(image, "Color")}

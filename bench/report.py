@@ -20,11 +20,12 @@ MISS = " **!**"
 
 TRANSLATION = """## Translation
 
-Processor time in microseconds, minimum / median over {repeats} repeated batches. The floor, timed in turns with the
-call, reads each key that the translation reads once and makes the same result from finished strings, in C.
-Allocations are all calls of malloc, calloc, realloc and aligned_alloc in one warm call with `PYTHONMALLOC=malloc`, so
-Python's objects and C++'s blocks alike: `compile`, its floor, `parts`, its floor. `parts` has the mode of a surface
-and parameters. A ratio over {ratio} is marked, and a speed per kilobyte below {faster:.0f} times MaterialX's.
+Processor time in microseconds, minimum / median over {repeats} repeated batches. The floor, timed in turns
+with the call, reads each key that the translation reads once and makes the same result from finished
+strings, in C. Allocations are all calls of malloc, calloc, realloc and aligned_alloc in one warm call with
+`PYTHONMALLOC=malloc`, so Python's objects and C++'s blocks alike: `compile`, its floor, `parts`, its floor.
+`parts` has the mode of a surface and parameters. A ratio over {ratio} is marked, and a speed per kilobyte
+below {faster:.0f} times MaterialX's.
 
 MaterialX {version}, a material of {nodes} nodes (noise, ramps and mixes under a standard surface), warm:
 {us:.0f} / {median:.0f} µs for {kilobytes:.0f} kB of GLSL, {rate:.2f} µs a kilobyte.
@@ -32,15 +33,15 @@ MaterialX {version}, a material of {nodes} nodes (noise, ramps and mixes under a
 
 TEXTS = """## The texts
 
-DXIL instructions after inlining, what fetches the inputs and stores the outputs left out; milliseconds of DXC's
-processor time (language version 2021); processor time of Mesa's CPU Vulkan device in milliseconds for a million
-points, from {points} random points, reading and storing included. Before: the library when all example materials
-first compiled (`bench/baseline.json`).
+DXIL instructions after inlining, what fetches the inputs and stores the outputs left out; milliseconds of
+DXC's processor time (language version 2021); processor time of Mesa's CPU Vulkan device in milliseconds for
+a million points, from {points} random points, reading and storing included. Before: the library when all
+example materials first compiled (`bench/baseline.json`).
 
 ### Textures
 
-Each as an emission that shows its first output, every socket an input. Marked: what isn't below its limit, and what
-DXC needs over {slowest:.0f} ms for.
+Each as an emission that shows its first output, every socket an input. Marked: what isn't below its limit,
+and what DXC needs over {slowest:.0f} ms for.
 """
 
 
@@ -63,8 +64,8 @@ def _translation_row(row, materialx):
     faster = materialx["us"] / materialx["kilobytes"] / (compiled[0] / row["kilobytes"])
     return (row["name"], row["nodes"], f"{row['kilobytes']:.1f}", _two(compiled), _two(least),
             _flagged(f"{ratios[0]:.2f}", ratios[0] > MOST_OVER_FLOOR), _two(parted), _two(least_parted),
-            _flagged(f"{ratios[1]:.2f}", ratios[1] > MOST_OVER_FLOOR), " / ".join(map(str, row["allocations"])),
-            _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
+            _flagged(f"{ratios[1]:.2f}", ratios[1] > MOST_OVER_FLOOR),
+            " / ".join(map(str, row["allocations"])), _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
 
 
 def translation_part(materialx):
@@ -77,8 +78,8 @@ def translation_part(materialx):
                for name, (*readings, size) in translation.imports().items()]
     rate = materialx["us"] / materialx["kilobytes"]
     return [
-        *TRANSLATION.format(repeats=translation.REPEATS, ratio=MOST_OVER_FLOOR, faster=LEAST_OVER_MATERIALX, rate=rate,
-                            **materialx).split("\n"),
+        *TRANSLATION.format(repeats=translation.REPEATS, ratio=MOST_OVER_FLOOR, faster=LEAST_OVER_MATERIALX,
+                            rate=rate, **materialx).split("\n"),
         *_rows(head, [_translation_row(row, materialx) for row in translation.table()]),
         "### Growth", "", "A balanced tree of Math nodes, all reached.", "",
         *_rows(("nodes", "`compile` µs", "µs a node", "floor µs a node"), growth),
@@ -99,7 +100,8 @@ def _texture_row(name, now, before):
 
 def _material_row(name, now, before):
     counts = before["instructions"], now["instructions"]
-    return (name, *counts, _change(*counts), before["compile_ms"], now["compile_ms"], before["million_ms"], now["million_ms"])
+    times = [figures[key] for key in ("compile_ms", "million_ms") for figures in (before, now)]
+    return (name, *counts, _change(*counts), *times)
 
 
 def text_part():
@@ -118,8 +120,8 @@ def text_part():
         *_rows(("texture", "instructions before", "now", "limit", "DXC ms", "ms/million before", "now"),
                [_texture_row(name, now, before["textures"][name]) for name, now in textures.items()]),
         "### Example materials", "",
-        *_rows(("material", "instructions before", "now", "change", "DXC ms before", "now", "ms/million before",
-                "now"), [_material_row(name, now, earlier[name]) for name, now in materials.items()])]
+        *_rows(("material", "instructions before", "now", "change", "DXC ms before", "now",
+                "ms/million before", "now"), [_material_row(name, now, earlier[name]) for name, now in materials.items()])]
 
 
 def main(python):
