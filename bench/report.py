@@ -65,7 +65,8 @@ def _translation_row(row, materialx):
     return (row["name"], row["nodes"], f"{row['kilobytes']:.1f}", _two(compiled), _two(least),
             _flagged(f"{ratios[0]:.2f}", ratios[0] > MOST_OVER_FLOOR), _two(parted), _two(least_parted),
             _flagged(f"{ratios[1]:.2f}", ratios[1] > MOST_OVER_FLOOR),
-            " / ".join(map(str, row["allocations"])), _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
+            " / ".join(map(str, row["allocations"])),
+            _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
 
 
 def translation_part(materialx):
@@ -121,7 +122,8 @@ def text_part():
                [_texture_row(name, now, before["textures"][name]) for name, now in textures.items()]),
         "### Example materials", "",
         *_rows(("material", "instructions before", "now", "change", "DXC ms before", "now",
-                "ms/million before", "now"), [_material_row(name, now, earlier[name]) for name, now in materials.items()])]
+                "ms/million before", "now"),
+               [_material_row(name, now, earlier[name]) for name, now in materials.items()])]
 
 
 def main(python):
