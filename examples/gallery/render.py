@@ -6,7 +6,7 @@ import quillgen
 from . import camera as cameras
 from . import materials, relief, scenes, shade, surfaces, tone, wiring
 
-FRAMES = 16  # of a masked material, whose coverage changes from frame to frame
+FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
 
 
 def picture(name, subdivision=2, samples=32, pixels=256, ir=None):
@@ -20,14 +20,14 @@ def radiance(name, subdivision=2, samples=32, pixels=256, ir=None):
     result = quillgen.compile(ir or materials.document(name))
     places = cameras.positions(camera, subdivision)
     rays = cameras.rays(camera, places)
-    seen = [_see(thing, scene, camera, result, places, rays) for thing in scene.things]
+    seen = [_see(thing, scene, camera, result, places, rays, subdivision) for thing in scene.things]
     around = _reflecting(scene.around, seen)
     layers = [_layer(hit, around, camera, rays, samples, scene.premultiplied) for hit in seen]
-    layers.append(_backdrop(around, scene, camera, rays, samples))
+    layers.append(_backdrop(around, scene, camera, rays, samples * 3))
     return _filtered(_composed(layers).reshape(pixels * subdivision, pixels * subdivision, 3), subdivision)
 
 
-def _see(thing, scene, camera, result, places, rays):
+def _see(thing, scene, camera, result, places, rays, subdivision):
     """Where a thing is seen and what its material is there: distances [n] and values of the points that are hit."""
     moved = faces = None
     unshaded = {"seen": (1.0, 1.0, 1.0), "open": 1.0}
@@ -41,6 +41,7 @@ def _see(thing, scene, camera, result, places, rays):
         seen, free = relief.shadows(moved, thing, points, scene.around.lights)
         unshaded = {"seen": seen, "open": free}
     given = wiring.inputs(thing, camera, places[hit], points, faces=faces)
+    given["pixel_position"] = np.floor(places[hit] * subdivision)  # each ray is a pixel of a finer picture
     front = given["cycles_normal"] * given["two_sided_sign"] * wiring.FLIP
     return {"distance": distance, "hit": hit, "at": points, "coat_normal": front} | unshaded | _material(result, given)
 

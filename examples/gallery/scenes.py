@@ -27,11 +27,13 @@ STUDIO_CAMERA = Camera((0.0, -5.9, 1.4), (0.0, 0.0, -0.036), 74.0)
 BALL = (surfaces.Thing(surfaces.sphere()),)
 
 
-def dimmed(around, share):
-    """The studio with the lights turned down."""
-    lights = tuple(light._replace(glow=tuple(share * g for g in light.glow)) for light in around.lights)
-    return around._replace(lights=lights, sky=tuple(share * s for s in around.sky),
-                           ground=tuple(share * g for g in around.ground))
+def dark(share):
+    """The studio with a dark floor and the lights turned down, for what glows."""
+    def less(color):
+        return tuple(share * part for part in color)
+    lights = tuple(light._replace(glow=less(light.glow)) for light in STUDIO.lights)
+    return STUDIO._replace(lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground), floor=(0.085,) * 3,
+                           blocker=shade.SPHERE)
 
 
 def on_a_ball(**changes):
@@ -45,12 +47,11 @@ def scene(name):
 def hologram():
     """Front and back of a ball in the dark."""
     far_side = BALL[0]._replace(far=True)
-    return on_a_ball(things=BALL + (far_side,), around=dimmed(STUDIO, 0.003)._replace(blocker=shade.SPHERE),
-                     premultiplied=True)
+    return on_a_ball(things=BALL + (far_side,), around=dark(0.005), premultiplied=True)
 
 
 def lava():
-    return on_a_ball(around=dimmed(STUDIO, 0.12)._replace(blocker=shade.SPHERE))
+    return on_a_ball(around=dark(0.25))
 
 
 def mossy_rock():
@@ -94,20 +95,20 @@ def hazard_decal():
     return wall((0.95, -3.73, 0.77), panel=metal, premultiplied=True)
 
 
-GROUND = surfaces.Thing(surfaces.square(3.0, wide=8.0))
-GROUND_CAMERA = Camera((0.0, -4.25, 1.98), (0.0, -0.74, 0.0), 50.0)
+GROUND = surfaces.Thing(surfaces.square(5.0, wide=8.0))
+GROUND_CAMERA = Camera((0.0, -7.08, 3.3), (0.0, -1.23, 0.0), 50.0)
 
 
 def chequered_floor():
     """Under a large lamp and an even sky."""
-    lamp = Light((0.0, -2.0, 4.5), 3.0, (6.8, 6.5, 6.1), (0.0, -2.0, 0.0))
-    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.4, 0.4, 0.41), ground=(1.5, 1.5, 1.5)))
+    lamp = Light((-1.0, -3.3, 7.5), 5.0, (7.4, 7.0, 6.5), (-1.0, -3.3, 0.0))
+    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.45, 0.45, 0.46), ground=(1.3, 1.3, 1.3)))
 
 
 def wet_asphalt():
-    """Under a lamp at night, the horizon brighter than the sky."""
-    lamp = Light((0.3, -0.5, 3.0), 1.0, (44.0, 42.0, 40.0), (0.3, -0.5, 0.0))
-    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.12, 0.15, 0.22), ground=(1.3, 1.27, 1.22)))
+    """Under a lamp at dusk, the horizon brighter than the sky."""
+    lamp = Light((-4.0, -1.9, 5.0), 1.7, (75.0, 70.0, 64.0), (-0.6, -0.8, 0.0))
+    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.15, 0.18, 0.26), ground=(1.5, 1.46, 1.4)))
 
 
 def maple_leaf():
