@@ -23,7 +23,7 @@ def tan_half_fov(camera):
 
 
 def positions(camera, subdivision):
-    """Where the rays go through the picture, in pixels from the upper left: [n, 2]. Each pixel has subdivision^2."""
+    """Where rays go through the picture, in pixels from the upper left: [n, 2], subdivision^2 for each pixel."""
     line = (np.arange(camera.pixels * subdivision) + 0.5) / subdivision
     y, x = np.meshgrid(line, line, indexing="ij")
     return np.stack([x.ravel(), y.ravel()], axis=1)

@@ -1,9 +1,9 @@
 """Makes the gallery: docs/gallery.md and its pictures.
 
-    .venv/bin/python -m examples.gallery.make [NAME ...]   # the pictures of the named or of all materials, and the page
+    .venv/bin/python -m examples.gallery.make [NAME ...]   # the named or all materials, and the page
 
-For each material a strip of Blender's base colour, ours and ten times the difference, and a full picture of ours beside
-the preview that Cycles made. The numbers are kept in docs/gallery/numbers.json.
+For each material a strip of Blender's base colour, ours and ten times the difference, and a full picture of
+ours beside the preview that Cycles made. The numbers are kept in docs/gallery/numbers.json.
 """
 import json
 import sys
@@ -20,7 +20,7 @@ device.TIMEOUT = 1800  # the first compilation of glazed_vase takes minutes: six
 
 
 def strip(wanted, found):
-    """Blender's values, ours and ten times the difference, each 256 wide; row 0 of the values is at the bottom."""
+    """Blender's values, ours and ten times the difference, 256 wide each; row 0 of the values is at the bottom."""
     pictures = [tone.srgb(wanted), tone.srgb(found), tone.srgb(10 * np.abs(found - wanted))]
     return side_by_side([picture[::-1].repeat(4, axis=0).repeat(4, axis=1) for picture in pictures])
 
@@ -32,7 +32,7 @@ def side_by_side(pictures):
 
 
 def make(name):
-    """Writes a material's pictures; gives its numbers: {array: (largest difference, share within 1e-4, within 1e-3)}."""
+    """Writes a material's pictures; gives {array: (largest difference, share within 1e-4, within 1e-3)}."""
     pairs = square.compare(name)
     tone.save(strip(*pairs["value"]), page.FOLDER / f"{name}_base.png")
     ours = render.picture(name, subdivision=3, samples=16)
@@ -40,19 +40,20 @@ def make(name):
     numbers = {array: square.numbers(*pair) for array, pair in pairs.items()}
     base = materials.base_document(name)
     if ramps.has(base):
-        numbers["value_tables"] = square.numbers(*square.compare(name, base_ir=ramps.as_cycles(base))["value"])
+        tables = square.compare(name, base_ir=ramps.as_cycles(base))
+        numbers["value_tables"] = square.numbers(*tables["value"])
     return numbers
 
 
 def main(chosen):
     page.FOLDER.mkdir(parents=True, exist_ok=True)
     kept = page.FOLDER / "numbers.json"
-    numbers = json.loads(kept.read_text()) if chosen and kept.exists() else {}
     for name in chosen or materials.names():
+        numbers = json.loads(kept.read_text()) if kept.exists() else {}
         numbers[name] = make(name)
         print(name, *(f"{number:.6g}" for number in numbers[name]["value"]), flush=True)
-    kept.write_text(json.dumps({name: numbers[name] for name in sorted(numbers)}, indent=1) + "\n")
-    page.write(numbers)
+        kept.write_text(json.dumps({name: numbers[name] for name in sorted(numbers)}, indent=1) + "\n")
+        page.write(numbers)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,4 @@
-"""The example materials: their documents, pictures and reference values, and their texts run on the device."""
+"""The example materials: their documents, pictures and reference values; their texts run on the device."""
 import copy
 import json
 import sys

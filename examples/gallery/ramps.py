@@ -1,5 +1,5 @@
-"""Colour ramps as Cycles looks them up: in a table of 257 entries. With them in the document, what remains of a
-difference has another reason."""
+"""Colour ramps as Cycles looks them up: in a table of 257 entries. With them in the document, what remains
+of a difference has another reason."""
 import copy
 
 import numpy as np
@@ -31,7 +31,8 @@ def table(ramp):
     if ramp["interp"] == "EASE":
         share = share ** 2 * (3 - 2 * share)
     second = np.minimum(first + 1, len(places) - 1)
-    return [[float(a), color.tolist()] for a, color in zip(at, colors[first] * (1 - share) + colors[second] * share)]
+    mixed = colors[first] * (1 - share) + colors[second] * share
+    return [[float(a), color.tolist()] for a, color in zip(at, mixed)]
 
 
 def has(ir):

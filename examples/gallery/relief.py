@@ -1,6 +1,6 @@
 """Real displacement: a shape whose surface is moved along its normals by a material's displacement text.
 
-The distances are taken once, on a grid over the UV square, and rays are followed until they are below the surface.
+The distances are taken once, on a grid over the UV square, and rays are followed until they are below it.
 """
 from typing import NamedTuple
 
@@ -49,12 +49,13 @@ def height(relief, uv):
     x = x if relief.round else np.clip(x, 0, columns - 1.001)
     i, j = np.floor(x).astype(int), np.floor(y).astype(int)
     left, right = i % columns, (i + 1) % columns
-    a, b = (relief.heights[j + k, left] * (1 - x + i) + relief.heights[j + k, right] * (x - i) for k in (0, 1))
+    grid = relief.heights
+    a, b = (grid[j + k, left] * (1 - x + i) + grid[j + k, right] * (x - i) for k in (0, 1))
     return a * (1 - y + j) + b * (y - j)
 
 
 def above(relief, thing, points):
-    """How far points of the world are above the surface, along the normal of the shape, in the object's measure."""
+    """How far points of the world are above the surface, along the shape's normal, in the object's measure."""
     local = surfaces.to_local(thing, points)
     base = np.linalg.norm(local, axis=1) - 1 if relief.round else local[:, 2]
     normals, _ = thing.shape.frame(local)
@@ -91,17 +92,19 @@ def _span(relief, thing, eye, rays):
         inner = surfaces.meet(thing._replace(shape=surfaces.sphere(1 + bottom)), eye, rays)
         return begin, np.minimum(end, inner)
     up = thing.turn[:, 2]
-    begin, end = (surfaces.meet(thing._replace(place=np.add(thing.place, level * thing.scale * up)), eye, rays)
-                  for level in (top + 1e-6, bottom - 1e-6))
+    levels = (thing._replace(place=np.add(thing.place, level * thing.scale * up))
+              for level in (top + 1e-6, bottom - 1e-6))
+    begin, end = (surfaces.meet(level, eye, rays) for level in levels)
     return np.where(np.isfinite(begin) & np.isfinite(end), begin, surfaces.NEVER), end
 
 
 def faces(relief, thing, camera, points, reach):
     """The normals of the moved surface, from its slopes over `reach` metres."""
     found = surfaces.describe(thing, points)
-    slopes = [(above(relief, thing, points + reach * found[way]) - above(relief, thing, points - reach * found[way]))
-              * thing.scale / (2 * reach) for way in ("tangent", "bitangent")]
-    raised = found["normal"] + slopes[0][:, None] * found["tangent"] + slopes[1][:, None] * found["bitangent"]
+    raised = found["normal"]
+    for way in (found["tangent"], found["bitangent"]):
+        ahead, back = (above(relief, thing, points + step * way) for step in (reach, -reach))
+        raised = raised + ((ahead - back) * thing.scale / (2 * reach))[:, None] * way
     return cameras.unit(raised)
 
 
@@ -114,13 +117,18 @@ def shadows(relief, thing, points, lights, seed=1):
     seen = np.ones((len(points), 3))
     for number, light in enumerate(lights):
         places = light.at + light.size * random.uniform(-0.4, 0.4, (RAYS, len(points), 3))
-        seen[:, number] = np.mean([_free(relief, thing, begin, cameras.unit(place - begin)) for place in places], axis=0)
+        seen[:, number] = _share(relief, thing, begin, cameras.unit(places - begin))
     directions = cameras.unit(normals + cameras.unit(random.normal(size=(2 * RAYS, len(points), 3))) * 0.98)
-    return seen, np.mean([_free(relief, thing, begin, direction) for direction in directions], axis=0)
+    return seen, _share(relief, thing, begin, directions)
+
+
+def _share(relief, thing, points, directions):
+    """The share of directions [m, n, 3] in which a ray gets away."""
+    return np.mean([_free(relief, thing, points, some) for some in directions], axis=0)
 
 
 def _free(relief, thing, points, directions):
-    """Whether rays get away from the surface, looked at in places that are closer together near their beginnings."""
+    """Whether rays get away from the surface, looked at in places that are closer together near the beginning."""
     free = np.ones(len(points), dtype=bool)
     for share in np.linspace(0, 1, SHADOW_STEPS + 1)[1:]:
         free[free] = above(relief, thing, (points + SHADOW_REACH * share ** 2 * directions)[free]) > 0

@@ -1,4 +1,4 @@
-"""Pictures of the example materials: every output of a text, lit by the shader of `shade` on the Vulkan device."""
+"""Pictures of the example materials: every output of a text, lit by the shader of `shade` on the device."""
 import numpy as np
 
 import quillgen
@@ -6,6 +6,11 @@ import quillgen
 from . import camera as cameras
 from . import materials, relief, scenes, shade, surfaces, tone, wiring
 
+# What the shader takes, the output that gives it, and its value where the text has no such output.
+SCALARS = (("metallic", "OutMetallic", 0.0), ("roughness", "OutRoughness", 0.5), ("specular", "OutSpecular", 0.5),
+           ("coat", "OutCoat", 0.0), ("coat_roughness", "OutCoatRoughness", 0.03), ("opacity", "OutOpacity", 1.0))
+LIT_BY = ("normal", "coat_normal", "base", "metallic", "roughness", "specular", "coat", "coat_roughness", "seen",
+          "open")
 FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
 
 
@@ -28,12 +33,14 @@ def radiance(name, subdivision=2, samples=32, pixels=256, ir=None):
 
 
 def _see(thing, scene, camera, result, places, rays, subdivision):
-    """Where a thing is seen and what its material is there: distances [n] and values of the points that are hit."""
+    """Where a thing is seen and what its material is there: distances [n] and values of the points hit."""
     moved = faces = None
     unshaded = {"seen": (1.0, 1.0, 1.0), "open": 1.0}
     if scene.relief_rows and result["displacement"]:
         moved = relief.relief(result["displacement"], thing, camera, scene.relief_rows)
-    distance = relief.meet(moved, thing, camera.eye, rays) if moved else surfaces.meet(thing, camera.eye, rays)
+        distance = relief.meet(moved, thing, camera.eye, rays)
+    else:
+        distance = surfaces.meet(thing, camera.eye, rays)
     hit = np.isfinite(distance)
     points = camera.eye + distance[hit, None] * rays[hit]
     if moved:
@@ -43,7 +50,8 @@ def _see(thing, scene, camera, result, places, rays, subdivision):
     given = wiring.inputs(thing, camera, places[hit], points, faces=faces)
     given["pixel_position"] = np.floor(places[hit] * subdivision)  # each ray is a pixel of a finer picture
     front = given["cycles_normal"] * given["two_sided_sign"] * wiring.FLIP
-    return {"distance": distance, "hit": hit, "at": points, "coat_normal": front} | unshaded | _material(result, given)
+    where = {"distance": distance, "hit": hit, "at": points, "coat_normal": front}
+    return where | unshaded | _material(result, given)
 
 
 def _material(result, given):
@@ -51,9 +59,7 @@ def _material(result, given):
     found = materials.evaluate(result, given)
     count = max(map(len, given.values()))
     values = {"base": found["result"], "normal": found["OutNormal"] * wiring.FLIP}
-    for name, output, default in (("metallic", "OutMetallic", 0.0), ("roughness", "OutRoughness", 0.5),
-                                  ("specular", "OutSpecular", 0.5), ("coat", "OutCoat", 0.0),
-                                  ("coat_roughness", "OutCoatRoughness", 0.03), ("opacity", "OutOpacity", 1.0)):
+    for name, output, default in SCALARS:
         values[name] = np.broadcast_to(found.get(output, np.float32(default)), (count,))
     values["emission"] = np.broadcast_to(found.get("OutEmissive", np.zeros((1, 3))), (count, 3))
     if result["material"]["blend"] == "masked":
@@ -81,11 +87,11 @@ def _layer(hit, around, camera, rays, samples, premultiplied):
     shown = hit["hit"]
     light, opacity = np.zeros((len(rays), 3)), np.zeros((len(rays), 1))
     opacity[shown, 0] = hit["opacity"]
-    points = {key: hit[key] for key in ("normal", "coat_normal", "base", "metallic", "roughness", "specular", "coat",
-                                        "coat_roughness", "seen", "open")}
+    points = {key: hit[key] for key in LIT_BY}
     points |= {"view": -rays[shown], "at": hit["at"] - 1e-3 * rays[shown]}
     if shown.any():
-        light[shown] = shade.lit(around, points, samples) + hit["emission"] * _through_coat(hit, points["view"])
+        light[shown] = shade.lit(around, points, samples)
+        light[shown] += hit["emission"] * _through_coat(hit, points["view"])
     return hit["distance"], light if premultiplied else light * opacity, opacity
 
 
@@ -109,8 +115,8 @@ def _backdrop(around, scene, camera, rays, samples):
         distance = -camera.eye[1] / rays[:, 1]
         normal = np.broadcast_to((0.0, -1.0, 0.0), rays.shape).copy()
         light = shade.lit(around, plain | scene.panel | {
-            "at": camera.eye + distance[:, None] * rays + 1e-3 * normal, "normal": normal, "coat_normal": normal,
-            "view": -rays}, samples)
+            "at": camera.eye + distance[:, None] * rays + 1e-3 * normal, "normal": normal,
+            "coat_normal": normal, "view": -rays}, samples)
     return np.full(len(rays), 1e9), light, np.ones((len(rays), 1))
 
 

@@ -1,7 +1,7 @@
 """What each material is shown on: the objects, the camera and the lights of Blender's previews.
 
-Cameras and lights were found from the previews themselves: the cameras so that the patterns lie where they lie there,
-the lights so that floor, objects and highlights are as bright and lie where they do.
+Cameras and lights were found from the previews themselves: the cameras so that the patterns lie where they
+lie there, the lights so that floor, objects and highlights are as bright and lie where they do.
 """
 from typing import NamedTuple
 
@@ -14,13 +14,14 @@ class Scene(NamedTuple):
     camera: Camera
     things: tuple
     around: Surroundings
-    behind: tuple = ((0.0,) * 3,) * 2  # radiance where there is nothing, at the lower and upper edge of the picture
+    behind: tuple = ((0.0,) * 3,) * 2  # radiance of nothing, at the lower and the upper edge
     panel: dict | None = None        # what a plane wears that stands upright behind the object
     relief_rows: int = 0             # rows of the grid of real displacement, 0 for none
     premultiplied: bool = False      # whether the text's colours are multiplied by the opacity already
 
 
-STUDIO_LIGHTS = (Light((-3.11, -3.27, 4.3), 2.4, (19.7, 19.1, 18.5)), Light((3.93, -3.48, 1.74), 3.0, (3.7, 4.0, 4.4)),
+STUDIO_LIGHTS = (Light((-3.11, -3.27, 4.3), 2.4, (19.7, 19.1, 18.5)),
+                 Light((3.93, -3.48, 1.74), 3.0, (3.7, 4.0, 4.4)),
                  Light((1.8, 3.04, 4.63), 2.2, (20.2, 20.5, 21.4)))
 STUDIO = Surroundings(STUDIO_LIGHTS, sky=(0.092, 0.096, 0.12), ground=(0.05, 0.05, 0.05), floor=(0.338,) * 3)
 STUDIO_CAMERA = Camera((0.0, -5.9, 1.4), (0.0, 0.0, -0.036), 74.0)
@@ -32,8 +33,8 @@ def dark(share):
     def less(color):
         return tuple(share * part for part in color)
     lights = tuple(light._replace(glow=less(light.glow)) for light in STUDIO.lights)
-    return STUDIO._replace(lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground), floor=(0.085,) * 3,
-                           blocker=shade.SPHERE)
+    return STUDIO._replace(lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground),
+                           floor=(0.085,) * 3, blocker=shade.SPHERE)
 
 
 def on_a_ball(**changes):
@@ -57,7 +58,8 @@ def lava():
 def mossy_rock():
     """A ball of 0.93 m with real displacement."""
     small = BALL[0]._replace(scale=0.93)
-    return on_a_ball(things=(small,), around=STUDIO._replace(blocker=shade.SPHERE, blocker_size=0.88), relief_rows=768)
+    around = STUDIO._replace(blocker=shade.SPHERE, blocker_size=0.88)
+    return on_a_ball(things=(small,), around=around, relief_rows=768)
 
 
 def pbr_crate():
@@ -102,13 +104,15 @@ GROUND_CAMERA = Camera((0.0, -7.08, 3.3), (0.0, -1.23, 0.0), 50.0)
 def chequered_floor():
     """Under a large lamp and an even sky."""
     lamp = Light((-1.0, -3.3, 7.5), 5.0, (7.4, 7.0, 6.5), (-1.0, -3.3, 0.0))
-    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.45, 0.45, 0.46), ground=(1.3, 1.3, 1.3)))
+    around = Surroundings((lamp,), sky=(0.45, 0.45, 0.46), ground=(1.3, 1.3, 1.3))
+    return Scene(GROUND_CAMERA, (GROUND,), around)
 
 
 def wet_asphalt():
     """Under a lamp at dusk, the horizon brighter than the sky."""
     lamp = Light((-4.0, -1.9, 5.0), 1.7, (75.0, 70.0, 64.0), (-0.6, -0.8, 0.0))
-    return Scene(GROUND_CAMERA, (GROUND,), Surroundings((lamp,), sky=(0.15, 0.18, 0.26), ground=(1.5, 1.46, 1.4)))
+    around = Surroundings((lamp,), sky=(0.15, 0.18, 0.26), ground=(1.5, 1.46, 1.4))
+    return Scene(GROUND_CAMERA, (GROUND,), around)
 
 
 def maple_leaf():
@@ -124,7 +128,8 @@ def _euler(x, y, z):
     return surfaces.turned(z, "z") @ surfaces.turned(y, "y") @ surfaces.turned(x, "x")
 
 
-SCENES = {"hologram": hologram, "lava": lava, "mossy_rock": mossy_rock, "pbr_crate": pbr_crate, "maple_leaf": maple_leaf,
-          "brick_wall": brick_wall, "oak_planks": wall, "ramp_banner": wall, "rosette_tiles": wall,
+SCENES = {"hologram": hologram, "lava": lava, "mossy_rock": mossy_rock, "pbr_crate": pbr_crate,
+          "maple_leaf": maple_leaf, "brick_wall": brick_wall, "oak_planks": wall,
+          "ramp_banner": wall, "rosette_tiles": wall,
           "stained_glass": stained_glass, "hazard_decal": hazard_decal, "chequered_floor": chequered_floor,
           "wet_asphalt": wet_asphalt}

@@ -1,20 +1,21 @@
-// A plain physically based surface under rectangular lights: Lambert, a GGX lobe and a GGX clear coat, with the meaning
-// that Unreal gives to the outputs; the coat lies on a normal of its own. Light is gathered from points on the lights and from directions that the
-// surface favours, weighted against each other. Metres, right-handed, z up.
+// A plain physically based surface under rectangular lights: Lambert, a GGX lobe and a GGX clear coat, with the
+// meaning that Unreal gives to the outputs; the coat lies on a normal of its own. Light is gathered from points on
+// the lights and from directions that the surface favours, weighted against each other. Metres, right-handed, z up.
 //
 // Ahead of this text stand constants of the scene: LIGHTS, LIGHT_AT, LIGHT_A, LIGHT_B (the halves of its sides),
-// LIGHT_GLOW (radiance), SKY and GROUND (radiance from above and below the horizon), FLOOR (reflectance of the studio's
-// floor and rear wall, negative for no studio), BLOCKER (1 a sphere, 2 a box, 0 nothing that casts shadows),
-// BLOCKER_SIZE (radius or half edge), BLOCKER_X, BLOCKER_Y (directions of the box's sides), BLOCKER_BASE (its mean
-// colour), BLOCKER_GLOW (its mean emission), STUDIO (where the floor begins to rise, radius of the rise).
+// LIGHT_GLOW (radiance), SKY and GROUND (radiance from above and below the horizon), FLOOR (reflectance of the
+// studio's floor and rear wall, negative for no studio), STUDIO (where the floor begins to rise, radius of the
+// rise), BLOCKER (what casts shadows: 1 a sphere, 2 a box, 0 nothing), BLOCKER_SIZE (radius or half edge),
+// BLOCKER_X, BLOCKER_Y (directions of the box's sides), BLOCKER_BASE, BLOCKER_GLOW (its mean colour and emission).
 
 static const float PI = 3.14159265;
 static const float FLOOR_Z = -1.0;
 static const float FAR = 1e6;
 
 struct Surface {
-  float3 at, normal, view, base, coat_normal, seen;  // seen: shares of the lights that the surface's own relief lets by
-  float open;                                        // the same for the surroundings
+  float3 at, normal, view, base, coat_normal;
+  float3 seen;  // shares of the lights that the surface's own relief lets by
+  float open;   // the same for the surroundings
   float metallic, alpha, f0, coat, coat_alpha;  // alpha: the square of the roughness
 };
 
@@ -45,7 +46,8 @@ float blocked(float3 at, float3 to) {
   }
   if (BLOCKER == 2) {
     float3 z = float3(0.0, 0.0, 1.0), p = at - float3(0.0, 0.0, FLOOR_Z + BLOCKER_SIZE);
-    float3 o = float3(dot(p, BLOCKER_X), dot(p, BLOCKER_Y), p.z), d = float3(dot(to, BLOCKER_X), dot(to, BLOCKER_Y), to.z);
+    float3 o = float3(dot(p, BLOCKER_X), dot(p, BLOCKER_Y), p.z);
+    float3 d = float3(dot(to, BLOCKER_X), dot(to, BLOCKER_Y), to.z);
     float3 one = (-BLOCKER_SIZE - o) / d, two = (BLOCKER_SIZE - o) / d, near = min(one, two), far = max(one, two);
     float enter = max(near.x, max(near.y, near.z)), leave = min(far.x, min(far.y, far.z));
     return enter <= leave && enter > 1e-4 ? enter : FAR;
@@ -80,8 +82,8 @@ float light_hit(int k, float3 at, float3 to) {
   if (falling >= -1e-5) return FAR;
   float t = dot(LIGHT_AT[k] - at, n) / falling;
   float3 p = at + t * to - LIGHT_AT[k];
-  float2 inside = abs(float2(dot(p, LIGHT_A[k]) / dot(LIGHT_A[k], LIGHT_A[k]), dot(p, LIGHT_B[k]) / dot(LIGHT_B[k], LIGHT_B[k])));
-  return t > 0.0 && max(inside.x, inside.y) <= 1.0 ? t : FAR;
+  float a = dot(p, LIGHT_A[k]) / dot(LIGHT_A[k], LIGHT_A[k]), b = dot(p, LIGHT_B[k]) / dot(LIGHT_B[k], LIGHT_B[k]);
+  return t > 0.0 && max(abs(a), abs(b)) <= 1.0 ? t : FAR;
 }
 
 // Probability per solid angle that the light's sampling takes this direction.
@@ -145,8 +147,8 @@ float3 scattered(Surface s, float3 to, out float pdf) {
   color *= max(nl, 0.0);
   pdf = (max(nl, 0.0) / PI + ggx(s.alpha, nh) * nh / (4.0 * vh)) / lobes;
   if (s.coat > 0.0) {
-    float cl = dot(s.coat_normal, to), cv = max(dot(s.coat_normal, s.view), 1e-3), ch = saturate(dot(s.coat_normal, h));
-    float d = ggx(s.coat_alpha, ch);
+    float cl = dot(s.coat_normal, to), cv = max(dot(s.coat_normal, s.view), 1e-3);
+    float ch = saturate(dot(s.coat_normal, h)), d = ggx(s.coat_alpha, ch);
     color *= (1.0 - s.coat * mirrored(cl)) * (1.0 - s.coat * mirrored(cv));
     if (cl > 0.0) color += s.coat * mirrored(vh) * d * visibility(s.coat_alpha, cl, cv) * cl;
     pdf += d * ch / (4.0 * vh) / lobes;

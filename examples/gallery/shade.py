@@ -37,9 +37,10 @@ class Surroundings(NamedTuple):
 def lit(around, points, samples):
     """Radiance towards the viewer [n, 3], emission not included.
 
-    `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular", "coat",
-    "coat_roughness" [n], in Blender's frame and in metres; "seen" [n, 3] and "open" [n]: the shares of three lights and
-    of the surroundings that are not shadowed by the surface itself. A tuple or a number is the same for all.
+    `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular",
+    "coat", "coat_roughness" [n], in Blender's frame and in metres; "seen" [n, 3] and "open" [n]: the shares of
+    three lights and of the surroundings that the surface itself does not shadow. A tuple or a number is the same
+    for all.
     """
     count = len(points["at"])
     values = {f"in_{name}": np.float32(v) if isinstance(v, np.ndarray) else v for name, v in points.items()}
@@ -78,10 +79,11 @@ def constants(around):
               for name, values in {"LIGHT_AT": [light.at for light in around.lights],
                                    "LIGHT_A": [a for a, _ in sides], "LIGHT_B": [b for _, b in sides],
                                    "LIGHT_GLOW": [light.glow for light in around.lights]}.items()]
+    vectors = {"SKY": around.sky, "GROUND": around.ground, "FLOOR": around.floor or (-1.0, -1.0, -1.0),
+               "BLOCKER_X": around.blocker_turn[:, 0], "BLOCKER_Y": around.blocker_turn[:, 1],
+               "BLOCKER_BASE": around.blocker_base, "BLOCKER_GLOW": around.blocker_glow}
     lines += [f"static const float3 {name} = {_vector(value)};"
-              for name, value in {"SKY": around.sky, "GROUND": around.ground, "FLOOR": around.floor or (-1.0, -1.0, -1.0),
-                                  "BLOCKER_X": around.blocker_turn[:, 0], "BLOCKER_Y": around.blocker_turn[:, 1],
-                                  "BLOCKER_BASE": around.blocker_base, "BLOCKER_GLOW": around.blocker_glow}.items()]
+              for name, value in vectors.items()]
     return "\n".join(lines) + "\n"
 
 

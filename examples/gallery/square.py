@@ -1,6 +1,6 @@
 """The flat square on which Blender's reference values were taken, and how far the texts are from them.
 
-It lies in the plane of x and y, one metre wide from the origin, seen from straight above by an orthographic camera.
+It lies in the plane of x and y, one metre wide from the origin, seen from straight above without perspective.
 """
 import numpy as np
 
@@ -21,13 +21,15 @@ def inputs(uv):
     def columns(*parts):
         return np.stack(parts, axis=1)
     position = columns(100 * u, -100 * v, zero)
-    varying = {"texcoord:0": columns(u, 1 - v), "texcoord:1": columns(2 * u, 1 - 2 * v), "world_position": position,
-               "local_position": position, "world_position_cr": position - (50, -50, 1000),
+    varying = {"texcoord:0": columns(u, 1 - v), "texcoord:1": columns(2 * u, 1 - 2 * v),
+               "world_position": position, "local_position": position,
+               "world_position_cr": position - (50, -50, 1000),
                "vertex_color": columns(u, v, 0.5 * one, one)}
     up = (0, 0, 1)
     fixed = {"cycles_normal": up, "vertex_normal": up, "camera_vector": up, "two_sided_sign": (1,),
              "tangent_world": (1, 0, 0), "bitangent_world": (0, 1, 0), "object_origin": (0, 0, 0),
-             "camera_position": (50, -50, 1000), "pixel_depth": (1000,), "view_size": (64, 64), "tan_half_fov": (0.05,),
+             "camera_position": (50, -50, 1000), "pixel_depth": (1000,), "view_size": (64, 64),
+             "tan_half_fov": (0.05,),
              "view_axis:x": (1, 0, 0), "view_axis:y": (0, -1, 0), "view_axis:z": (0, 0, -1),
              "object_axis:x": (1, 0, 0), "object_axis:y": (0, 1, 0), "object_axis:z": up,
              "local_bounds_min": (0, -100, -50), "local_bounds_max": (100, 0, 50),
@@ -45,11 +47,11 @@ def _derivatives():
         "ddx:world_position_cr": (100 * step, 0, 0), "ddy:world_position_cr": (0, 100 * step, 0)}.items()}
 
 
-def compare(name, size=64, base_ir=None):
+def compare(name, size=64, base_ir=None, whole=True):
     """{array: (Blender's values, ours)}, both [size, size, ...], row 0 at the bottom.
 
-    `size` takes that many evenly spread rows and columns out of the 64. `base_ir` stands in for the document of
-    the base colour.
+    `size` takes that many evenly spread rows and columns out of the 64. `base_ir` stands in for the document
+    of the base colour. Without `whole` the outputs of the whole text are left out.
     """
     arrays = materials.reference(name)
     take = np.linspace(0, 63, size).round().astype(int)
@@ -57,10 +59,10 @@ def compare(name, size=64, base_ir=None):
     given = inputs(arrays.pop("uv"))
     result = quillgen.compile(base_ir or materials.base_document(name), "emission")
     pairs = {"value": (arrays["value"], _grid(materials.evaluate(result, given)["result"], arrays["value"]))}
-    if set(arrays) & set(OUTPUTS):
+    if whole and set(arrays) & set(OUTPUTS):
         found = materials.evaluate(quillgen.compile(materials.undithered(materials.document(name))), given)
         for key in arrays.keys() & OUTPUTS.keys():
-            default = np.ones(1, np.float32) if key == "alpha" else np.zeros(arrays[key].shape[2:], np.float32)
+            default = np.full(arrays[key].shape[2:], key == "alpha", np.float32)
             pairs[key] = (arrays[key], _grid(found.get(OUTPUTS[key], default), arrays[key]))
     return pairs
 
@@ -70,7 +72,7 @@ def _grid(values, like):
 
 
 def numbers(wanted, found):
-    """(largest difference, share of pixels within 1e-4, within 1e-3): relative where Blender's value is above 1."""
+    """(largest difference, share of points within 1e-4, within 1e-3), relative where Blender's value is above 1."""
     with np.errstate(invalid="ignore"):
         off = np.abs(found - wanted) / np.maximum(1, np.abs(wanted))
     off = np.where(np.isfinite(off), off, np.inf).reshape(wanted.shape[0] * wanted.shape[1], -1).max(axis=1)

@@ -1,7 +1,7 @@
 """The objects that wear the materials: where rays meet them, and what the surface is like there.
 
-An object is a shape in a frame of its own, turned and moved into the world. A shape says where a ray meets it,
-and at a point of it the normal, the tangent (the direction in which u grows) and the UV coordinate.
+An object is a shape in a frame of its own, turned and moved into the world. A shape says where a ray meets
+it, and at a point of it the normal, the tangent (the direction in which u grows) and the UV coordinate.
 """
 from typing import NamedTuple
 
@@ -52,14 +52,15 @@ def sphere(radius=1.0):
 
     def uv(points, normals):
         n = unit(points)
-        return np.stack([np.arctan2(n[:, 0], -n[:, 1]) / (2 * np.pi) + 0.5, np.arccos(n[:, 2]) / -np.pi + 1], axis=1)
+        turn, tilt = np.arctan2(n[:, 0], -n[:, 1]), np.arccos(n[:, 2])
+        return np.stack([turn / (2 * np.pi) + 0.5, 1 - tilt / np.pi], axis=1)
 
     return Shape(meet, frame, uv, (-radius,) * 3, (radius,) * 3)
 
 
 def square(half=1.0, wide=1.0):
-    """A square in the plane of x and y that faces up, u along x. It is `wide` times as wide as its UV square, which
-    goes on beyond 0 and 1 then."""
+    """A square in the plane of x and y that faces up, u along x. It is `wide` times as wide as its UV square,
+    which goes on beyond 0 and 1 then."""
     def meet(origin, rays, far):
         with np.errstate(divide="ignore", invalid="ignore"):
             distance = -origin[2] / rays[:, 2]

@@ -12,8 +12,8 @@ def srgb(linear):
 
 
 def neutral(linear):
-    """The view "Khronos PBR Neutral", with which Blender made the previews: colours up to 0.8 stay what they are, less
-    the reflection of a dielectric; what is brighter is compressed and loses saturation."""
+    """The view "Khronos PBR Neutral", with which Blender made the previews: colours up to 0.8 stay what they are,
+    less the reflection of a dielectric; what is brighter is compressed and loses saturation."""
     x = np.maximum(np.float64(linear), 0)
     least = x.min(axis=-1, keepdims=True)
     x = x - np.where(least < 0.08, least - 6.25 * least ** 2, 0.04)

@@ -10,8 +10,8 @@ FLIP = np.array([1.0, -1.0, 1.0])
 def inputs(thing, camera, places, points, normals=None, faces=None):
     """Kind -> array [n, width] or [1, width].
 
-    `places`: where the points appear in the picture. `normals`: the shading normals, and `faces` those of the real
-    surface, if they are not those of the shape.
+    `places`: where the points appear in the picture. `normals`: the shading normals, and `faces` those of the
+    real surface, if they are not those of the shape.
     """
     found = surfaces.describe(thing, points)
     normals = found["normal"] if normals is None else normals
@@ -35,7 +35,7 @@ def unreal_uv(uv):
 
 
 def derivatives(thing, camera, places, points, faces):
-    """The change to the next pixel to the right and to the one below, on the plane that touches the surface."""
+    """The change to the pixel to the right and to the one below, on the plane that touches the surface."""
     found = {}
     here = surfaces.describe(thing, points)["uv"]
     for word, step in (("ddx", (1, 0)), ("ddy", (0, 1))):
@@ -54,10 +54,12 @@ def fixed(thing, camera):
     (lx, ly, lz), (hx, hy, hz) = thing.shape.low, thing.shape.high
     right, up, forward = cameras.axes(camera)
     x, y, z = thing.scale * thing.turn.T
-    values = {"object_origin": np.multiply(100, thing.place) * FLIP, "camera_position": np.multiply(100, camera.eye) * FLIP,
+    values = {"object_origin": np.multiply(100, thing.place) * FLIP,
+              "camera_position": np.multiply(100, camera.eye) * FLIP,
               "object_axis:x": x * FLIP, "object_axis:y": -y * FLIP, "object_axis:z": z * FLIP,
               "view_axis:x": right * FLIP, "view_axis:y": up * FLIP, "view_axis:z": forward * FLIP,
-              "local_bounds_min": np.multiply(100, (lx, -hy, lz)), "local_bounds_max": np.multiply(100, (hx, -ly, hz)),
+              "local_bounds_min": np.multiply(100, (lx, -hy, lz)),
+              "local_bounds_max": np.multiply(100, (hx, -ly, hz)),
               "tan_half_fov": (cameras.tan_half_fov(camera),), "view_size": (camera.pixels, camera.pixels),
               "temporal_index": (0,)}
     return {kind: np.float64([value]) for kind, value in values.items()}
