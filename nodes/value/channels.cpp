@@ -11,7 +11,7 @@ void _value(Gen& g, const Node& n) { g.bind(n, "Value", VALUE, g.param(n, "value
 
 // What an RGB node shows in Blender before anyone touches it.
 Value mid_grey(const Runtime& runtime) {
-    const Value colour = Value::list(runtime);
+    Value colour = Value::list(runtime);
     for (const double component : {0.5, 0.5, 0.5, 1.0}) {
         colour.append(Value::number(runtime, component));
     }
