@@ -53,10 +53,10 @@ Value assemble(const Runtime& runtime, const Value& bodies, const Value& structs
     }
     int i = 0;
     bodies.for_each([&](const Value& pair) {
-        std::string chosen = "if (";
-        selector.append_to(chosen);
-        fill(chosen, " < $0.5) {", {i++});
-        lines.append(Value::text(runtime, chosen));
+        std::string storage;
+        TextBuffer chosen;
+        fill(chosen, "if ($0 < $1.5) {", {selector.formatted(storage), i++});
+        lines.append(Value::text(runtime, chosen.view()));
         append_graph(lines, pair, wrap);
         lines.append(Value::text(runtime, "}"));
     });

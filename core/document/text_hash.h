@@ -14,19 +14,21 @@ struct TextHash {
 
     std::size_t operator()(std::string_view text) const {
         std::uint64_t mixed = text.size();
-        const auto mix = [&](std::uint64_t bytes) {
+        const auto mix = [&](const char* from, std::size_t size) {
+            std::uint64_t bytes = 0;
+            std::memcpy(&bytes, from, size);
             mixed = (mixed ^ bytes) * 0x9E3779B97F4A7C15U;
             mixed ^= mixed >> 32U;
         };
-        std::size_t i = 0;
-        for (; i + 8 <= text.size(); i += 8) {
-            std::uint64_t bytes = 0;
-            std::memcpy(&bytes, text.data() + i, 8);
-            mix(bytes);
+        if (text.size() < 8) {
+            mix(text.data(), text.size());
+            return static_cast<std::size_t>(mixed);
         }
-        std::uint64_t rest = 0;
-        std::memcpy(&rest, text.data() + i, text.size() - i);
-        mix(rest);
+        // The last eight bytes may overlap those before: a copy of a fixed size is no call.
+        for (std::size_t i = 0; i + 8 < text.size(); i += 8) {
+            mix(text.data() + i, 8);
+        }
+        mix(text.data() + text.size() - 8, 8);
         return static_cast<std::size_t>(mixed);
     }
 };

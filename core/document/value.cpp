@@ -1,5 +1,6 @@
 #include "core/document/value.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <vector>
 
@@ -125,6 +126,23 @@ Value Value::find(Word key) const {
 Value Value::find(const Value& key) const {
     PyObject* item = looked_up(object_.get(), key.object());
     return item != nullptr ? share(item) : Value();
+}
+
+bool Value::pick(std::initializer_list<Word> keys, std::initializer_list<Value*> found) const {
+    if (!PyDict_CheckExact(object_.get())) {
+        return false;
+    }
+    PyObject* key = nullptr;
+    PyObject* item = nullptr;
+    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
+        const auto* const word =
+            std::find_if(keys.begin(), keys.end(), [&](Word wanted) { return runtime_->word(wanted) == key; });
+        if (word == keys.end()) {
+            return false;
+        }
+        *found.begin()[word - keys.begin()] = share(item);
+    }
+    return true;
 }
 
 template <std::size_t Count>

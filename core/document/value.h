@@ -40,6 +40,10 @@ public:
     // subscript in one look.
     [[nodiscard]] Value find(Word key) const;
     [[nodiscard]] Value find(const Value& key) const;  // of a map of our own; TypeError without a hash
+    // find(key) for each of the keys in one pass over a small plain map, whose keys are told by their addresses:
+    // literals of a program are the words themselves, and so is every text of one character. False where the map
+    // has another key, and for any other value; then what has not been found may be there all the same.
+    bool pick(std::initializer_list<Word> keys, std::initializer_list<Value*> found) const;
     // What `a, b, c = value` gives; ValueError where there are not three items.
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 
@@ -53,7 +57,8 @@ public:
     // Calls `visit(Value)` for each item in the order of Python's `for`. A list may change meanwhile.
     template <class Visit>
     void for_each(Visit visit) const;
-    // The same over value.values(), and over value.items() with the pair apart.
+    // The same over value.values(), as visit(address of the key of a plain map, item), and over value.items() with
+    // the pair apart.
     template <class Visit>
     void for_each_value(Visit visit) const;
     template <class Visit>
@@ -65,6 +70,7 @@ public:
     [[nodiscard]] Value to_int() const;       // int(value), as an object
     [[nodiscard]] Value lower() const;        // value.lower()
     [[nodiscard]] Value copied_list() const;  // list(value), and what it holds `unshared`
+    [[nodiscard]] Value copied_map() const { return own(PyDict_Copy(object_.get())); }  // of a map of our own
     // The value, or a copy of a list, map or set, so that a result shares none with its document.
     [[nodiscard]] Value unshared() const;
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
@@ -128,13 +134,14 @@ void Value::for_each(Visit visit) const {
 template <class Visit>
 void Value::for_each_value(Visit visit) const {
     if (!PyDict_CheckExact(object_.get())) {
-        called("values").for_each(visit);
+        called("values").for_each([&](const Value& item) { visit(nullptr, item); });
         return;
     }
     const Py_ssize_t size = PyDict_Size(object_.get());
+    PyObject* key = nullptr;
     PyObject* item = nullptr;
-    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, nullptr, &item) != 0;) {
-        visit(share(item));
+    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
+        visit(key, share(item));
         check_unchanged(size, object_.get());
     }
 }

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/gen/put.h"
+
 namespace quillgen {
 
 class Arena {
@@ -28,7 +30,7 @@ public:
         }
         char* const start = next_;
         for (const std::string_view piece : pieces) {
-            next_ = std::copy_n(piece.data(), piece.size(), next_);
+            next_ = put(next_, piece);
         }
         left_ -= size;
         return {start, size};

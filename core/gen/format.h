@@ -8,6 +8,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "core/gen/text_buffer.h"
+
 // A handler's frame stays on the stack while the graph above it is evaluated, so what a function only needs
 // for a moment stands in a frame of its own: the arrays of arguments below, and the words of a failure.
 #if defined(_MSC_VER)
@@ -40,20 +42,19 @@ private:
 
 struct Placeholder {
     std::size_t index;  // of the argument
-    std::size_t end;    // behind the placeholder
+    const char* end;    // behind the placeholder
 };
 
-// Reads the placeholder whose dollar sign stands at `at`.
-constexpr Placeholder read_placeholder(std::string_view format, std::size_t at) {
-    if (format[at + 1] != '(') {
-        return {static_cast<std::size_t>(format[at + 1] - '0'), at + 2};
+// Reads the placeholder whose dollar sign stands in front of `at`.
+constexpr Placeholder read_placeholder(const char* at) {
+    if (*at != '(') {
+        return {static_cast<std::size_t>(*at - '0'), at + 1};
     }
     std::size_t index = 0;
-    std::size_t end = at + 2;
-    for (; format[end] != ')'; ++end) {
-        index = index * 10 + static_cast<std::size_t>(format[end] - '0');
+    for (++at; *at != ')'; ++at) {
+        index = index * 10 + static_cast<std::size_t>(*at - '0');
     }
-    return {index, end + 1};
+    return {index, at + 1};
 }
 
 template <class... Args>
@@ -62,9 +63,9 @@ public:
     // NOLINTNEXTLINE(google-explicit-constructor): a format is written as a plain text
     consteval BasicFormat(const char* text) : text_(text) {
         unsigned long seen = 0;
-        for (std::size_t i = 0; i < text_.size(); ++i) {
-            if (text_[i] == '$') {
-                const std::size_t index = read_placeholder(text_, i).index;
+        for (const char* at = text; *at != '\0'; ++at) {
+            if (*at == '$') {
+                const std::size_t index = read_placeholder(at + 1).index;
                 if (index >= sizeof...(Args)) {
                     throw "a placeholder without an argument";
                 }
@@ -84,21 +85,24 @@ private:
 template <class... Args>
 using Format = BasicFormat<std::type_identity_t<Args>...>;
 
-// Appends the format with its placeholders filled. `Out` is a std::string or a TextBuffer.
-template <class Out>
-void fill(Out& out, std::string_view format, std::initializer_list<Argument> arguments) {
-    std::size_t start = 0;
-    for (;;) {
-        const std::size_t at = format.find('$', start);
-        if (at == std::string_view::npos) {
-            out.append(format.substr(start));
-            return;
+// Appends the format with its placeholders filled.
+inline void fill(TextBuffer& out, std::string_view format, std::initializer_list<Argument> arguments) {
+    const char* from = format.data();
+    const char* const end = from + format.size();
+    char* to = out.room(format.size());  // there is always room for what is left of the format
+    while (from != end) {
+        const char c = *from++;
+        if (c != '$') {
+            *to++ = c;
+            continue;
         }
-        out.append(format.substr(start, at - start));
-        const Placeholder placeholder = read_placeholder(format, at);
-        out.append(arguments.begin()[placeholder.index].text());
-        start = placeholder.end;
+        const Placeholder placeholder = read_placeholder(from);
+        from = placeholder.end;
+        const std::string_view argument = arguments.begin()[placeholder.index].text();
+        out.end_at(to);
+        to = put(out.room(argument.size() + static_cast<std::size_t>(end - from)), argument);
     }
+    out.end_at(to);
 }
 
 }  // namespace quillgen

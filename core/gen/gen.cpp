@@ -2,8 +2,6 @@
 // the run over the whole graph.
 #include "core/gen/gen.h"
 
-#include <charconv>
-
 namespace quillgen {
 
 namespace {
@@ -40,6 +38,8 @@ void Gen::read_nodes() {
     // About what a node's statements come to, so that most texts never move while they grow.
     body_.reserve(256 * nodes_.size());
     line_ends_.reserve(8 * nodes_.size());
+    sockets_.reserve(8 * nodes_.size());
+    inputs.reserve(4 * nodes_.size());
 }
 
 // Finds out what is read: by a link of any record, also of one that evaluation never reaches, or by an
@@ -48,21 +48,30 @@ void Gen::read_links() {
     for (Node& n : nodes_) {
         n.in = n.record.at("in");
         State& state = states_[static_cast<std::size_t>(n.place)];
-        state.first_link = static_cast<int>(links_.size());
-        n.in.for_each_value([&](const Value& entry) {
-            const Value link = entry.find("link");
-            if (link.present()) {
-                const Source source = mark_used(link);
-                links_.push_back({entry.object(), link, source});
-            }
-        });
-        state.link_count = static_cast<int>(links_.size()) - state.first_link;
+        state.first_socket = static_cast<int>(sockets_.size());
+        n.in.for_each_value([&](const void* key, const Value& entry) { read_link(key, entry); });
+        state.socket_count = static_cast<int>(sockets_.size()) - state.first_socket;
     }
-    ir.at("out").for_each_value([&](const Value& source) {
+    ir.at("out").for_each_value([&](const void*, const Value& source) {
         if (source.truthy()) {
             mark_used(source);
         }
     });
+}
+
+void Gen::read_link(const void* key, const Value& entry) {
+    Socket& socket = sockets_.emplace_back();
+    // What is no plain map may give another entry, or another item of it, at each look: no word finds those here.
+    const bool is_plain = key != nullptr && entry.is_map();
+    socket.key = is_plain ? key : nullptr;
+    socket.is_named = !is_plain;
+    socket.entry = entry;
+    if (!entry.pick({"t", "v", "link"}, {&socket.t, &socket.v, &socket.link}) && !socket.link.present()) {
+        socket.link = entry.find("link");
+    }
+    if (socket.link.present()) {
+        socket.source = mark_used(socket.link);
+    }
 }
 
 Gen::Source Gen::find_source(const Value& source) {
@@ -113,8 +122,12 @@ const Node* Gen::find_node(const Value& nid) const {
 
 Text Gen::tmp(Text prefix) {
     char digits[12];
-    const char* end = std::to_chars(digits, digits + sizeof digits, ++k_).ptr;
-    return arena_.keep({prefix, Text(digits, static_cast<std::size_t>(end - digits))});
+    char* const end = digits + sizeof digits;
+    char* first = end;
+    for (int rest = ++k_; rest > 0; rest /= 10) {
+        *--first = static_cast<char>('0' + rest % 10);
+    }
+    return arena_.keep({prefix, Text(first, static_cast<std::size_t>(end - first))});
 }
 
 void Gen::emit_filled(Text line, Arguments arguments) {
@@ -133,11 +146,9 @@ void Gen::end_line() {
 
 Text Gen::begin_declaration(Text type, Text prefix) {
     const Text name = tmp(prefix);
-    body_.append("  ");
-    body_.append(type == "closure" ? Text("QWKClosure") : type);
-    body_.append(" ");
-    body_.append(name);
-    body_.append(" = ");
+    const Text word = type == "closure" ? Text("QWKClosure") : type;
+    char* const start = body_.room(word.size() + name.size() + 6);
+    body_.end_at(put(put(put(put(put(start, "  "), word), " "), name), " = "));
     return name;
 }
 
@@ -258,12 +269,15 @@ void Gen::node(int place, const Value& source) {
     state.done = true;                 // before the handler runs, so that a cycle ends at its second visit
     const RecursionLevel level(this);  // a generator stands on the stack of the call that made it
     const Node& n = nodes_[static_cast<std::size_t>(place)];
-    const Value type = n.type();
-    if (const Handler handler = module_.registry.find(type)) {
-        handler(*this, n);
-    } else {
-        fall_back(source.at(Py_ssize_t{0}), n, type);
+    if (state.handler == nullptr) {
+        const Value type = n.type();
+        state.handler = module_.registry.find(type);
+        if (state.handler == nullptr) {
+            fall_back(source.at(Py_ssize_t{0}), n, type);
+            return;
+        }
     }
+    state.handler(*this, n);
 }
 
 // A node type without a handler: a warning, and zeros for the outputs that its record declares.

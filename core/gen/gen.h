@@ -201,38 +201,38 @@ private:
     };
     // What the items of a source come to.
     struct Source {
-        int place;  // of the node; -1 for one that the document lacks
-        int name;   // of the output
+        int place = -1;  // of the node; -1 for one that the document lacks
+        int name = -1;   // of the output
     };
-    // A linked input of a node. `entry` is the socket's entry, by which reading it finds the link again.
-    struct Link {
-        const void* entry;
-        Value link;
-        Source source;
-    };
-    // An input that has been read, so that evaluating its node again at moved positions need not ask the
-    // document again: bumps read most sockets three times, and this takes a quarter off their translation.
+    // An entry of a node's inputs. What has been read of it is kept: bumps read most sockets three times, and
+    // asking the document once takes a quarter off their translation.
     struct Socket {
-        Word ident;
-        const Socket* next;  // the node's next one, or null
-        const Link* link;    // null where it is unlinked
-        SocketType type;     // of a link as it is written there, else the socket's own
-        bool is_typed;       // whether the link has a type written
-        Text text;           // of an unlinked value
+        const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
+        bool is_named = false;      // whether a word has found it, or none may
+        Value entry = {};
+        Value link = {};     // absent where it is unlinked
+        Source source = {};  // of a link
+        Value t = {};        // the entry's `t` and `v`, absent where the first look did not meet them
+        Value v = {};
+        bool is_read = false;
+        SocketType type = {};   // of a link as it is written there, else the socket's own
+        bool is_typed = false;  // whether the link has a type written
+        Text text = {};         // of an unlinked value
     };
     struct State {
         int first_output = -1;
-        int first_link = 0;  // the links into the node, in links_
-        int link_count = 0;
-        const Socket* sockets = nullptr;
-        bool done = false;  // its handler has started
-        Text identifier;    // its id as parameter names hold it
+        int first_socket = 0;  // in sockets_
+        int socket_count = 0;
+        bool done = false;          // its handler has started
+        Handler handler = nullptr;  // once it has been looked up
+        Text identifier;            // its id as parameter names hold it
     };
     class MovedEvaluation;
     using Arguments = std::initializer_list<Argument>;
 
     void read_nodes();
     void read_links();
+    void read_link(const void* key, const Value& entry);
     Source find_source(const Value& source);
     Source mark_used(const Value& source);
     Bound output(const Source& found, const Value& source);
@@ -255,9 +255,10 @@ private:
     void bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
 
     SocketType socket_type(const Value& word);
-    [[nodiscard]] const Socket* find_socket(const Node& n, Word ident) const;
-    [[nodiscard]] const Link* find_link(const Node& n, const Value& entry) const;
-    const Socket& remember(const Node& n, Word ident, const Value& entry);
+    std::span<Socket> sockets(int place);
+    Socket* find_socket(const Node& n, Word ident);
+    Socket* find_socket(const Node& n, Word ident, const Value& entry);
+    void read_socket(const Node& n, Word ident, Socket& socket);
     Text read(const Socket& socket, SocketType want);
     Text read_entry(const Node& n, Word ident, const Value& entry, SocketType want);
     SocketType written_type(const Value& word);
@@ -270,7 +271,7 @@ private:
     Text uv_signal(int index);
     Text axis_signal(Signal what);
 
-    std::vector<int> upstream(int place) const;
+    std::vector<int> upstream(int place);
     void displacement_bump(const Value& src, bool object_space);
 
     const Module& module_;
@@ -284,10 +285,9 @@ private:
     std::vector<Node> nodes_;
     std::vector<State> states_;
     std::vector<Output> outputs_;
-    std::vector<Link> links_;  // by node
-    std::deque<Socket> sockets_;
-    Value places_;       // node id -> place; of two records with one id the later
-    Value other_names_;  // output names that are no words -> number
+    std::vector<Socket> sockets_;  // by node
+    Value places_;                 // node id -> place; of two records with one id the later
+    Value other_names_;            // output names that are no words -> number
     std::deque<Value> unknown_types_;
 
     Value need_;

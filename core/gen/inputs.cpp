@@ -1,5 +1,8 @@
 #include "core/gen/inputs.h"
 
+#include <algorithm>
+#include <bit>
+
 #include "core/document/text_hash.h"
 
 namespace quillgen {
@@ -24,7 +27,7 @@ Input* Inputs::find(Text name) {
 Input& Inputs::put(Input input) {
     // At most half full, so that a chain of taken places stays short.
     if (2 * (entries_.size() + 1) > places_.size()) {
-        grow();
+        reserve(std::max<std::size_t>(32, places_.size()));
     }
     const std::size_t place = place_of(input.name);
     if (places_[place] != kFree) {
@@ -37,9 +40,9 @@ Input& Inputs::put(Input input) {
     return entries_.back();
 }
 
-void Inputs::grow() {
-    places_.assign(places_.empty() ? 64 : 2 * places_.size(), kFree);
-    entries_.reserve(places_.size() / 2);
+void Inputs::reserve(std::size_t count) {
+    entries_.reserve(count);
+    places_.assign(std::bit_ceil(2 * count), kFree);
     for (std::uint32_t i = 0; i < entries_.size(); ++i) {
         places_[place_of(entries_[i].name)] = i + 1;
     }

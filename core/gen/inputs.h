@@ -36,6 +36,9 @@ public:
     // Puts the entry in, or in the place of the one that has its name.
     Input& put(Input input);
 
+    // Makes room for that many entries.
+    void reserve(std::size_t count);
+
     [[nodiscard]] const std::vector<Input>& entries() const { return entries_; }
     // Whether an entry has been replaced by one with another value: two sockets whose names come to the same
     // then take it in turns, and what was read of either may not be left out.
@@ -43,7 +46,6 @@ public:
 
 private:
     [[nodiscard]] std::size_t place_of(Text name) const;
-    void grow();
 
     static constexpr std::uint32_t kFree = 0;
 

@@ -31,7 +31,7 @@ Text Gen::geo(Signal what) {
 }
 
 // The places of a node and of every node that feeds it, through any link.
-std::vector<int> Gen::upstream(int place) const {
+std::vector<int> Gen::upstream(int place) {
     std::vector<int> reached;
     if (place < 0) {
         return reached;
@@ -40,9 +40,8 @@ std::vector<int> Gen::upstream(int place) const {
     seen[static_cast<std::size_t>(place)] = true;
     reached.push_back(place);
     for (std::size_t i = 0; i < reached.size(); ++i) {
-        const State& state = states_[static_cast<std::size_t>(reached[i])];
-        for (int link = state.first_link; link < state.first_link + state.link_count; ++link) {
-            const int feeder = links_[static_cast<std::size_t>(link)].source.place;
+        for (const Socket& socket : sockets(reached[i])) {
+            const int feeder = socket.source.place;
             if (feeder >= 0 && !seen[static_cast<std::size_t>(feeder)]) {
                 seen[static_cast<std::size_t>(feeder)] = true;
                 reached.push_back(feeder);
@@ -100,8 +99,11 @@ private:
 };
 
 Text Gen::inp_offset(const Node& n, Word ident, SocketType want, const Offset& offset) {
-    const Value source = n.in.at(ident).at("link").at(Py_ssize_t{0});
-    const MovedEvaluation moved(*this, upstream(find_place(source)), offset);
+    const Socket* const socket = find_socket(n, ident);
+    const int place = socket != nullptr && socket->link.present()
+                          ? socket->source.place
+                          : find_place(n.in.at(ident).at("link").at(Py_ssize_t{0}));
+    const MovedEvaluation moved(*this, upstream(place), offset);
     return var(hlsl(want), inp(n, ident, want));
 }
 

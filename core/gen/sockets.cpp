@@ -31,32 +31,44 @@ SocketType Gen::written_type(const Value& word) {
 // The same for an unlinked entry's own type, which is only compared: anything may stand there.
 SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
 
-const Gen::Socket* Gen::find_socket(const Node& n, Word ident) const {
-    if (n.place < 0 || inputs.ambiguous()) {
-        return nullptr;
+// None of a record that is no node of the document.
+std::span<Gen::Socket> Gen::sockets(int place) {
+    if (place < 0) {
+        return {};
     }
-    const Socket* socket = states_[static_cast<std::size_t>(n.place)].sockets;
-    while (socket != nullptr && socket->ident != ident) {
-        socket = socket->next;
-    }
-    return socket;
+    const State& state = states_[static_cast<std::size_t>(place)];
+    return std::span(sockets_).subspan(static_cast<std::size_t>(state.first_socket),
+                                       static_cast<std::size_t>(state.socket_count));
 }
 
-const Gen::Link* Gen::find_link(const Node& n, const Value& entry) const {
-    const State& state = states_[static_cast<std::size_t>(n.place)];
-    for (int i = state.first_link; i < state.first_link + state.link_count; ++i) {
-        const Link& link = links_[static_cast<std::size_t>(i)];
-        if (link.entry == entry.object()) {
-            return &link;
+// The socket whose key is the word itself; null where there is none, which tells nothing about equal keys.
+Gen::Socket* Gen::find_socket(const Node& n, Word ident) {
+    const void* const key = runtime().word(ident);
+    for (Socket& socket : sockets(n.place)) {
+        if (socket.key == key) {
+            socket.is_named = true;
+            return &socket;
         }
     }
     return nullptr;
 }
 
-// NOLINTNEXTLINE(readability-convert-member-functions-to-static): an operation of the generator, like its neighbours
+// The socket of an entry that the document has under that word. It is named by the word from then on, and found by
+// it. Where one entry stands for several sockets, each gets one of them.
+Gen::Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
+    for (Socket& socket : sockets(n.place)) {
+        if (!socket.is_named && socket.entry.object() == entry.object()) {
+            socket.key = runtime().word(ident);
+            socket.is_named = true;
+            return &socket;
+        }
+    }
+    return nullptr;
+}
+
 bool Gen::linked(const Node& n, Word ident) {
-    if (const Socket* known = find_socket(n, ident)) {
-        return known->link != nullptr;
+    if (const Socket* socket = find_socket(n, ident)) {
+        return socket->link.present();
     }
     const Value entry = n.in.get(ident);
     return !entry.is_none() && entry.contains("link");
@@ -67,7 +79,7 @@ void Gen::no_input(const Node& n, Word ident) {
 }
 
 Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
-    const Socket* socket = find_socket(n, ident);
+    Socket* socket = find_socket(n, ident);
     if (socket == nullptr) {
         const Value entry = n.in.get(ident);
         if (entry.is_none()) {
@@ -76,38 +88,38 @@ Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
             }
             no_input(n, ident);
         }
-        // What has been read of plain maps holds; other objects may give another entry at each look.
-        if (n.place < 0 || !n.in.is_map() || !entry.is_map()) {
+        socket = find_socket(n, ident, entry);
+        if (socket == nullptr) {
             return read_entry(n, ident, entry, want);
         }
-        socket = &remember(n, ident, entry);
+    }
+    if (!socket->is_read || inputs.ambiguous()) {
+        read_socket(n, ident, *socket);
     }
     return read(*socket, want);
 }
 
-const Gen::Socket& Gen::remember(const Node& n, Word ident, const Value& entry) {
-    Socket socket = {ident, nullptr, find_link(n, entry), {}, true, {}};
-    if (socket.link != nullptr) {
-        const Value type = socket.link->link.unpack3()[2];
+void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
+    if (socket.link.present()) {
+        const Value type = socket.link.unpack3()[2];
         if (!type.is_str() && !type.is_none()) {
-            output(socket.link->source, socket.link->link);  // what is no word may fail, but not ahead of its source
+            output(socket.source, socket.link);  // what is no word may fail, but not ahead of its source
         }
         socket.is_typed = type.truthy();
         socket.type = socket.is_typed ? written_type(type) : SocketType{};
     } else {
-        socket.type = socket_type(entry.at("t"));
+        socket.type = socket_type(socket.t.present() ? socket.t : socket.entry.at("t"));
         if (is_value_type(socket.type)) {
-            socket.text = param(n, runtime().identifier(ident), socket.type, entry.get("v"));
+            const Value v = socket.v.present() ? socket.v : socket.entry.get("v");
+            socket.text = param(n, runtime().identifier(ident), socket.type, v);
         }
     }
-    const Socket*& first = states_[static_cast<std::size_t>(n.place)].sockets;
-    socket.next = first;
-    return *(first = &sockets_.emplace_back(socket));
+    socket.is_read = true;
 }
 
 Text Gen::read(const Socket& socket, SocketType want) {
-    if (socket.link != nullptr) {
-        const Bound bound = output(socket.link->source, socket.link->link);
+    if (socket.link.present()) {
+        const Bound bound = output(socket.source, socket.link);
         // The document is believed over the handler.
         return convert(bound.text, socket.is_typed ? socket.type : bound.type, want);
     }
