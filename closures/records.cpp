@@ -39,17 +39,19 @@ std::vector<std::size_t> order_by_name(const std::vector<Input>& inputs) {
         std::uint64_t second;
         std::size_t place;
     };
-    const auto number = [](Text name, std::size_t start) {
-        std::uint64_t bytes = 0;
-        for (std::size_t i = start; i < start + 8; ++i) {
-            bytes = bytes << 8U | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+    const auto number = [](const char* bytes) {
+        std::uint64_t most_significant_first = 0;
+        for (int i = 0; i < 8; ++i) {
+            most_significant_first = most_significant_first << 8U | static_cast<unsigned char>(bytes[i]);
         }
-        return bytes;
+        return most_significant_first;
     };
     std::vector<Entry> entries;
     entries.reserve(inputs.size());
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        entries.push_back({number(inputs[i].name, 0), number(inputs[i].name, 8), i});
+        char start[16] = {};
+        put(start, inputs[i].name.substr(0, sizeof start));
+        entries.push_back({number(start), number(start + 8), i});
     }
     std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
         if (a.first != b.first) {

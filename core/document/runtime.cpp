@@ -29,11 +29,11 @@ Ref call_with(PyObject* owner, const char* name, PyObject* argument) {
 
 }  // namespace
 
-Runtime::Runtime() : word_places_(Ref::checked(PyDict_New())) {
+Runtime::Runtime() {
+    word_places_.reserve(kWords.size());
     for (std::size_t i = 0; i < kWords.size(); ++i) {
         words_[i] = Ref::checked(PyUnicode_InternFromString(kWords[i].data()));
-        const Ref place = Ref::checked(PyLong_FromSize_t(i));
-        checked(PyDict_SetItem(word_places_.get(), words_[i].get(), place.get()));
+        word_places_.put(words_[i].get(), static_cast<int>(i));
     }
     re_ = import("re");
     hashlib_ = import("hashlib");
@@ -44,17 +44,6 @@ Runtime::Runtime() : word_places_(Ref::checked(PyDict_New())) {
     for (std::size_t i = 0; i < kWords.size(); ++i) {
         identifiers_[i] = identifier(kWords[i]);
     }
-}
-
-int Runtime::find_word(PyObject* object) const {
-    PyObject* place = PyDict_GetItemWithError(word_places_.get(), object);
-    if (place == nullptr) {
-        if (PyErr_Occurred() != nullptr) {
-            throw PythonError{};
-        }
-        return -1;
-    }
-    return static_cast<int>(PyLong_AsLong(place));
 }
 
 std::string Runtime::identifier(Text name) const {
@@ -70,24 +59,6 @@ std::string Runtime::identifier(PyObject* name) const {
     }
     std::string storage;
     return identifier(to_text(name, storage));
-}
-
-Text Runtime::remembered_identifier(Text id) const {
-    // Enough for the nodes of a large scene; a bound, so that a long session does not grow.
-    constexpr std::size_t kMostBytes = std::size_t{256} * 1024;
-    if (std::all_of(id.begin(), id.end(), is_identifier_character)) {
-        return id;
-    }
-    if (const auto known = remembered_.find(id); known != remembered_.end()) {
-        return known->second;
-    }
-    std::string replaced = identifier(id);
-    remembered_bytes_ += id.size() + replaced.size();
-    if (remembered_bytes_ > kMostBytes) {
-        remembered_.clear();
-        remembered_bytes_ = id.size() + replaced.size();
-    }
-    return remembered_.insert_or_assign(std::string(id), std::move(replaced)).first->second;
 }
 
 std::string Runtime::re_sub(const char* pattern, const char* replacement, Text text) const {

@@ -4,13 +4,12 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "core/document/handle.h"
-#include "core/document/text_hash.h"
+#include "core/document/places.h"
+#include "core/document/remembered.h"
 #include "core/document/words.h"
 
 namespace quillgen {
@@ -29,20 +28,24 @@ public:
     // The word as it stands in the name of a parameter.
     [[nodiscard]] Text identifier(Word word) const { return identifiers_[word.index()]; }
     // The index of the word that equals the object, or -1. TypeError where it has no hash.
-    [[nodiscard]] int find_word(PyObject* object) const;
+    [[nodiscard]] int find_word(PyObject* object) const { return word_places_.find(object); }
 
     // `name` with every character that an identifier of the text cannot hold replaced by "_".
     [[nodiscard]] std::string identifier(Text name) const;
     [[nodiscard]] std::string identifier(PyObject* name) const;  // TypeError for anything but a str
-    // The same for the id of a node, which comes back with every edit of its material: the standard
-    // library is asked once for each name. What a name becomes depends on nothing but the name.
-    [[nodiscard]] Text remembered_identifier(Text id) const;
     [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, Text text) const;
     [[nodiscard]] std::string re_sub(const char* pattern, const char* replacement, PyObject* subject) const;
     // The first digits of the SHA-1 of a name's UTF-8 bytes. UnicodeEncodeError for a lone surrogate.
     [[nodiscard]] std::string sha1_digits(PyObject* name, std::size_t digits) const;
     // ceil(ln(value) / ln(2)), by the standard library's own functions.
     [[nodiscard]] long ceil_log2(double value) const;
+    // What is kept from call to call.
+    struct Remembered {
+        RememberedTexts identifiers{std::size_t{256} * 1024};  // node id -> as identifiers have it
+        RememberedTexts textures{std::size_t{256} * 1024};     // image name -> name of its input
+        RememberedTexts literals{std::size_t{4096} * 1024};    // bytes of numbers -> literals
+    };
+    [[nodiscard]] Remembered& remembered() const { return remembered_; }
     // The library's entries, as they stand on its module at this moment.
     [[nodiscard]] Value library_entry(Word name) const;
     [[nodiscard]] PyObject* unsupported() const { return unsupported_.get(); }
@@ -53,9 +56,8 @@ public:
 private:
     std::array<Ref, kWords.size()> words_;
     std::array<std::string, kWords.size()> identifiers_;
-    Ref word_places_;
-    mutable std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> remembered_;
-    mutable std::size_t remembered_bytes_ = 0;
+    Places word_places_;
+    mutable Remembered remembered_;
     Ref re_;
     Ref hashlib_;
     Ref math_;

@@ -1,6 +1,5 @@
 #include "core/document/value.h"
 
-#include <algorithm>
 #include <unordered_map>
 #include <vector>
 
@@ -128,23 +127,6 @@ Value Value::find(const Value& key) const {
     return item != nullptr ? share(item) : Value();
 }
 
-bool Value::pick(std::initializer_list<Word> keys, std::initializer_list<Value*> found) const {
-    if (!PyDict_CheckExact(object_.get())) {
-        return false;
-    }
-    PyObject* key = nullptr;
-    PyObject* item = nullptr;
-    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
-        const auto* const word =
-            std::find_if(keys.begin(), keys.end(), [&](Word wanted) { return runtime_->word(wanted) == key; });
-        if (word == keys.end()) {
-            return false;
-        }
-        *found.begin()[word - keys.begin()] = share(item);
-    }
-    return true;
-}
-
 template <std::size_t Count>
 std::array<Value, Count> Value::unpack() const {
     std::array<Value, Count> result;
@@ -212,6 +194,15 @@ double Value::as_float() const {
         return PyFloat_AsDouble(object_.get());
     }
     return PyFloat_AsDouble(Ref::checked(PyNumber_Float(object_.get())).get());
+}
+
+std::vector<double> Value::floats() const {
+    std::vector<double> numbers;
+    if (PyList_CheckExact(object_.get())) {
+        numbers.reserve(static_cast<std::size_t>(PyList_Size(object_.get())));
+    }
+    for_each([&](const Value& item) { numbers.push_back(item.as_float()); });
+    return numbers;
 }
 
 int Value::as_int() const { return static_cast<int>(PyLong_AsLong(object_.get())); }

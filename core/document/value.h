@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 #include "core/document/handle.h"
 #include "core/document/runtime.h"
@@ -43,7 +44,8 @@ public:
     // find(key) for each of the keys in one pass over a small plain map, whose keys are told by their addresses:
     // literals of a program are the words themselves, and so is every text of one character. False where the map
     // has another key, and for any other value; then what has not been found may be there all the same.
-    bool pick(std::initializer_list<Word> keys, std::initializer_list<Value*> found) const;
+    template <std::size_t Count>
+    bool pick(const Word (&keys)[Count], Value* const (&found)[Count]) const;
     // What `a, b, c = value` gives; ValueError where there are not three items.
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 
@@ -65,6 +67,7 @@ public:
     void for_each_item(Visit visit) const;
 
     [[nodiscard]] double as_float() const;    // float(value)
+    [[nodiscard]] std::vector<double> floats() const;  // float(item) of each item
     [[nodiscard]] int as_int() const;         // of an integer of our own
     [[nodiscard]] Value to_float() const;     // float(value), as an object
     [[nodiscard]] Value to_int() const;       // int(value), as an object
@@ -113,6 +116,26 @@ private:
     Ref object_;
     const Runtime* runtime_ = nullptr;
 };
+
+template <std::size_t Count>
+bool Value::pick(const Word (&keys)[Count], Value* const (&found)[Count]) const {
+    if (!PyDict_CheckExact(object_.get())) {
+        return false;
+    }
+    PyObject* key = nullptr;
+    PyObject* item = nullptr;
+    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
+        std::size_t i = 0;
+        while (i < Count && key != runtime_->word(keys[i])) {
+            ++i;
+        }
+        if (i == Count) {
+            return false;
+        }
+        *found[i] = share(item);
+    }
+    return true;
+}
 
 template <class Visit>
 void Value::for_each(Visit visit) const {

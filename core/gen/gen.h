@@ -11,10 +11,10 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "core/gen/arena.h"
+#include "core/gen/counter.h"
 #include "core/gen/format.h"
 #include "core/gen/inputs.h"
 #include "core/gen/number.h"
@@ -84,6 +84,8 @@ public:
     }
     Text _f(const Value& value) { return keep(quillgen::_f(value)); }
     Text _v3(const Value& value) { return keep(quillgen::_v3(value)); }
+    // The literals of the numbers with ", " between them. The text holds until the next call.
+    Text literals(std::span<const double> numbers);
     Text formatted(const Value& value);  // as a format of Python's writes it
 
     void warn(Text warning) { warnings.push_back(keep(warning)); }
@@ -186,7 +188,6 @@ public:
     Inputs inputs;
     std::vector<Text> warnings;
     std::deque<Texture> textures;
-    std::unordered_map<std::string, Text> texture_names;  // image name -> name of its input
     Uses uses;
     Text n_override;          // replaces the shading normal once a displacement bump has made it
     bool disp_stage = false;  // normals come from vertex data while displacement is compiled
@@ -280,14 +281,15 @@ private:
     TextBuffer scratch_;
     TextBuffer body_;
     std::vector<std::size_t> line_ends_;
-    int k_ = 0;
+    Counter k_;
 
     std::vector<Node> nodes_;
     std::vector<State> states_;
     std::vector<Output> outputs_;
     std::vector<Socket> sockets_;  // by node
-    Value places_;                 // node id -> place; of two records with one id the later
-    Value other_names_;            // output names that are no words -> number
+    Places places_;       // node id -> place; of two records with one id the later
+    Places other_names_;  // output names that are no words -> number
+    int other_name_count_ = 0;
     std::deque<Value> unknown_types_;
 
     Value need_;

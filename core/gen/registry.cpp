@@ -4,8 +4,7 @@
 
 namespace quillgen {
 
-TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters, std::span<const TemplateRow> rows)
-    : places_(Value::map(runtime)) {
+TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters, std::span<const TemplateRow> rows) {
     const std::string pattern = "\\b([" + std::string(letters) + "])\\b";
     for (const TemplateRow& row : rows) {
         // "a + b" becomes "$a + $b", and then "$0 + $1".
@@ -13,21 +12,23 @@ TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters, s
         for (std::size_t i = format.find('$'); i != std::string::npos; i = format.find('$', i + 1)) {
             format[i + 1] = static_cast<char>('0' + letters.find(format[i + 1]));
         }
-        places_.put(Value::text(runtime, row.operation), Value::integer(runtime, static_cast<long>(rows_.size())));
+        places_.put(Value::text(runtime, row.operation).object(), static_cast<int>(rows_.size()));
         rows_.push_back({format, row.needs, row.is_scalar});
     }
 }
 
 const TemplateTable::Row* TemplateTable::find(const Value& operation) const {
-    const Value place = places_.find(operation);
-    return place.present() ? &rows_[static_cast<std::size_t>(place.as_int())] : nullptr;
+    const int place = places_.find(operation.object());
+    return place < 0 ? nullptr : &rows_[static_cast<std::size_t>(place)];
 }
 
-Registry::Registry(const Runtime& runtime) : runtime_(runtime), NODES_(Value::map(runtime)) {}
+Registry::Registry(const Runtime& runtime) : runtime_(runtime), NODES_(Value::list(runtime)) {}
 
 void Registry::node(std::initializer_list<const char*> types, Handler handler) {
     for (const char* type : types) {
-        NODES_.put(Value::text(runtime_, type), Value::integer(runtime_, static_cast<long>(handlers_.size())));
+        const Value word = Value::text(runtime_, type);
+        NODES_.append(word);
+        places_.put(word.object(), static_cast<int>(handlers_.size()));
     }
     handlers_.push_back(handler);
 }
@@ -37,8 +38,8 @@ void Registry::table(Text name, std::string_view letters, std::span<const Templa
 }
 
 Handler Registry::find(const Value& type) const {
-    const Value place = NODES_.find(type);
-    return place.present() ? handlers_[static_cast<std::size_t>(place.as_int())] : nullptr;
+    const int place = places_.find(type.object());
+    return place < 0 ? nullptr : handlers_[static_cast<std::size_t>(place)];
 }
 
 const TemplateTable& Registry::table(Text name) const {

@@ -39,7 +39,7 @@ public:
 
 private:
     std::vector<Row> rows_;
-    Value places_;  // operation -> place in rows_
+    Places places_;  // operation -> place in rows_
 };
 
 class Registry {
@@ -54,11 +54,12 @@ public:
     // The handler of a node type, or null. TypeError where the type has no hash.
     [[nodiscard]] Handler find(const Value& type) const;
     [[nodiscard]] const TemplateTable& table(Text name) const;
-    [[nodiscard]] const Value& types() const { return NODES_; }
+    [[nodiscard]] const Value& types() const { return NODES_; }  // a list
 
 private:
     const Runtime& runtime_;
-    Value NODES_;  // node type -> place in handlers_
+    Value NODES_;
+    Places places_;  // node type -> place in handlers_
     std::vector<Handler> handlers_;
     std::vector<std::pair<Text, TemplateTable>> tables_;
 };

@@ -171,7 +171,8 @@ Text Gen::identifier(const Node& n) {
     Text& identifier = states_[static_cast<std::size_t>(n.place)].identifier;
     if (identifier.data() == nullptr) {
         std::string storage;
-        identifier = keep(runtime().remembered_identifier(n.id.formatted(storage)));
+        const Text id = n.id.formatted(storage);
+        identifier = keep(runtime().remembered().identifiers.get(id, [&] { return runtime().identifier(id); }));
     }
     return identifier;
 }

@@ -1,5 +1,4 @@
 // RGB, vector and float curves: tables of even samples as constant arrays, looked up in place.
-#include <string>
 #include <vector>
 
 #include "core/gen/choices.h"
@@ -14,13 +13,7 @@ namespace {
 Text _curve_table(Gen& g, const Value& table) {
     const Text name = g.tmp("ct");
     const auto size = static_cast<int>(table.size());
-    std::string values;
-    values.reserve(static_cast<std::size_t>(size) * 22);  // a literal of 17 digits, its point and the comma
-    table.for_each([&](const Value& sample) {
-        values += values.empty() ? "" : ", ";
-        append_literal(values, sample.as_float());
-    });
-    g.emit("const float $0[$1] = {$2};", name, size, values);
+    g.emit("const float $0[$1] = {$2};", name, size, g.literals(table.floats()));
     return name;
 }
 

@@ -29,11 +29,8 @@ Text tex_input(Gen& g, const Value& image_name) {
         return g.keep(tex_input(g.runtime(), image_name));
     }
     std::string storage;
-    Text& name = g.texture_names[std::string(image_name.text(storage))];
-    if (name.empty()) {
-        name = g.keep(tex_input(g.runtime(), image_name));
-    }
-    return name;
+    const Text name = image_name.text(storage);
+    return g.keep(g.runtime().remembered().textures.get(name, [&] { return tex_input(g.runtime(), image_name); }));
 }
 
 DeclaredImage _image_spec(Gen& g, const Node& n, const Value& img) {
