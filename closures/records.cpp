@@ -31,8 +31,8 @@ void put_details(const Gen& g, const Value& record, const Input& input) {
     }
 }
 
-// The places of the entries in the order of their names. The first sixteen bytes, as two numbers, tell most names
-// apart; what is left is told by the whole names.
+// The places of the entries in the order of their names. The first bytes, as numbers, tell nearly all names apart; what
+// is left is told by the whole names.
 std::vector<std::size_t> order_by_name(const std::vector<Input>& inputs) {
     struct Entry {
         std::uint64_t first;
@@ -102,7 +102,7 @@ InputRecords input_records(const Gen& g) {
     std::vector<Value> names;
     names.reserve(inputs.size());
     for (const Input& input : inputs) {
-        const Value& name = names.emplace_back(Value::text(g.runtime(), input.name));
+        const Value& name = names.emplace_back(Value::name(g.runtime(), input.name));
         if (input.is_parameter) {
             records.params.put(name, Value::pair(word(g, input.kind), input.value));
         }
@@ -126,7 +126,7 @@ Value inputs_by_name(const Gen& g) {
     Value map = Value::map(g.runtime());
     ParameterRecords parameters(false);
     for (const Input& input : g.inputs.entries()) {
-        const Value name = Value::text(g.runtime(), input.name);
+        const Value name = Value::name(g.runtime(), input.name);
         if (input.is_parameter) {
             map.put(name, parameters.make(g, input, name));
             continue;

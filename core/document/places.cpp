@@ -16,6 +16,14 @@ Py_hash_t hash_of(PyObject* key) {
     return hash;
 }
 
+// Names, which most keys are, are compared without the detour through their type.
+bool are_equal(PyObject* a, PyObject* b) {
+    if (PyUnicode_CheckExact(a) && PyUnicode_CheckExact(b)) {
+        return PyUnicode_Compare(a, b) == 0;
+    }
+    return checked(PyObject_RichCompareBool(a, b, Py_EQ));
+}
+
 }  // namespace
 
 // Python's hashes of integers are the integers: they are spread by a multiplication with 2^64 over the golden ratio.
@@ -28,8 +36,7 @@ std::size_t Places::slot_of(PyObject* key, Py_hash_t hash) const {
     std::size_t slot = first_slot(hash);
     for (;; slot = (slot + 1) & (slots_.size() - 1)) {
         const Slot& held = slots_[slot];
-        if (!held.key || held.key.get() == key ||
-            (held.hash == hash && checked(PyObject_RichCompareBool(held.key.get(), key, Py_EQ)))) {
+        if (!held.key || held.key.get() == key || (held.hash == hash && are_equal(held.key.get(), key))) {
             return slot;
         }
     }

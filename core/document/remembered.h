@@ -1,5 +1,5 @@
-// Texts that are dear to make and come back with every edit of a material: what they are made of never changes what
-// they are, so one interpreter's copy of the module keeps them from call to call.
+// What is dear to make of a text and comes back with every edit of a material: a text never comes to anything else,
+// so one interpreter's copy of the module keeps it from call to call.
 #pragma once
 
 #include <functional>
@@ -11,31 +11,32 @@
 
 namespace quillgen {
 
-class RememberedTexts {
+template <class Made>
+class Remembered {
 public:
-    // All of it is forgotten where keys and texts come to more bytes than that, so that a long session does not grow.
-    explicit RememberedTexts(std::size_t most_bytes) : most_bytes_(most_bytes) {}
+    // All of it is forgotten where the keys come to more bytes than that, so that a long session does not grow.
+    explicit Remembered(std::size_t most_bytes) : most_bytes_(most_bytes) {}
 
-    // The text of the key; the first time `make()`, which may throw. The view holds until the next call.
+    // What has been made of the key; the first time `make()`, which may throw. It stays until the next call.
     template <class Make>
-    std::string_view get(std::string_view key, Make make) {
-        if (const auto known = texts_.find(key); known != texts_.end()) {
+    const Made& get(std::string_view key, Make make) {
+        if (const auto known = made_.find(key); known != made_.end()) {
             return known->second;
         }
         // Making it may run any code, and with that other calls of this.
-        std::string made = make();
-        bytes_ += key.size() + made.size();
+        Made made = make();
+        bytes_ += key.size();
         if (bytes_ > most_bytes_) {
-            texts_.clear();
-            bytes_ = key.size() + made.size();
+            made_.clear();
+            bytes_ = key.size();
         }
-        return texts_.insert_or_assign(std::string(key), std::move(made)).first->second;
+        return made_.insert_or_assign(std::string(key), std::move(made)).first->second;
     }
 
 private:
     const std::size_t most_bytes_;
     std::size_t bytes_ = 0;
-    std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> texts_;
+    std::unordered_map<std::string, Made, TextHash, std::equal_to<>> made_;
 };
 
 }  // namespace quillgen

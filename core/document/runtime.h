@@ -40,12 +40,13 @@ public:
     // ceil(ln(value) / ln(2)), by the standard library's own functions.
     [[nodiscard]] long ceil_log2(double value) const;
     // What is kept from call to call.
-    struct Remembered {
-        RememberedTexts identifiers{std::size_t{256} * 1024};  // node id -> as identifiers have it
-        RememberedTexts textures{std::size_t{256} * 1024};     // image name -> name of its input
-        RememberedTexts literals{std::size_t{4096} * 1024};    // bytes of numbers -> literals
+    struct Memory {
+        Remembered<std::string> identifiers{std::size_t{256} * 1024};  // node id -> as identifiers have it
+        Remembered<std::string> textures{std::size_t{256} * 1024};     // image name -> name of its input
+        Remembered<std::string> literals{std::size_t{1024} * 1024};    // bytes of numbers -> literals
+        Remembered<Ref> strings{std::size_t{1024} * 1024};             // text -> a string of Python's
     };
-    [[nodiscard]] Remembered& remembered() const { return remembered_; }
+    [[nodiscard]] Memory& memory() const { return memory_; }
     // The library's entries, as they stand on its module at this moment.
     [[nodiscard]] Value library_entry(Word name) const;
     [[nodiscard]] PyObject* unsupported() const { return unsupported_.get(); }
@@ -57,7 +58,7 @@ private:
     std::array<Ref, kWords.size()> words_;
     std::array<std::string, kWords.size()> identifiers_;
     Places word_places_;
-    mutable Remembered remembered_;
+    mutable Memory memory_;
     Ref re_;
     Ref hashlib_;
     Ref math_;

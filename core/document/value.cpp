@@ -63,7 +63,8 @@ bool Value::greater_than(double number) const {
 }
 
 bool Value::is_list_or_tuple() const {
-    return present() && (PyList_Check(object_.get()) || PyTuple_Check(object_.get()));
+    // Most of what is asked are numbers, which are told without a call.
+    return present() && !is_float() && (PyList_Check(object_.get()) || PyTuple_Check(object_.get()));
 }
 
 void Value::check_hashable() const { checked(static_cast<Py_ssize_t>(PyObject_Hash(object_.get()) == -1 ? -1 : 0)); }
@@ -288,6 +289,10 @@ Value Value::none(const Runtime& runtime) { return {Ref::borrow(Py_None), runtim
 Value Value::word(const Runtime& runtime, Word word) { return {Ref::borrow(runtime.word(word)), runtime}; }
 
 Value Value::text(const Runtime& runtime, Text text) { return {to_python(text), runtime}; }
+
+Value Value::name(const Runtime& runtime, Text name) {
+    return {runtime.memory().strings.get(name, [&] { return to_python(name); }), runtime};
+}
 
 Value Value::number(const Runtime& runtime, double number) {
     return {Ref::checked(PyFloat_FromDouble(number)), runtime};

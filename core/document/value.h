@@ -66,13 +66,13 @@ public:
     template <class Visit>
     void for_each_item(Visit visit) const;
 
-    [[nodiscard]] double as_float() const;    // float(value)
+    [[nodiscard]] double as_float() const;             // float(value)
     [[nodiscard]] std::vector<double> floats() const;  // float(item) of each item
-    [[nodiscard]] int as_int() const;         // of an integer of our own
-    [[nodiscard]] Value to_float() const;     // float(value), as an object
-    [[nodiscard]] Value to_int() const;       // int(value), as an object
-    [[nodiscard]] Value lower() const;        // value.lower()
-    [[nodiscard]] Value copied_list() const;  // list(value), and what it holds `unshared`
+    [[nodiscard]] int as_int() const;                  // of an integer of our own
+    [[nodiscard]] Value to_float() const;              // float(value), as an object
+    [[nodiscard]] Value to_int() const;                // int(value), as an object
+    [[nodiscard]] Value lower() const;                 // value.lower()
+    [[nodiscard]] Value copied_list() const;           // list(value), and what it holds `unshared`
     [[nodiscard]] Value copied_map() const { return own(PyDict_Copy(object_.get())); }  // of a map of our own
     // The value, or a copy of a list, map or set, so that a result shares none with its document.
     [[nodiscard]] Value unshared() const;
@@ -80,7 +80,9 @@ public:
     [[nodiscard]] Text formatted(std::string& storage) const;  // as a format writes it
     void append_to(std::string& out) const;                    // as a format writes it
     // The text of a str value; `storage` holds it where the value itself cannot.
-    [[nodiscard]] bool is_str() const { return present() && PyUnicode_Check(object_.get()) != 0; }
+    [[nodiscard]] bool is_str() const {
+        return present() && (PyUnicode_CheckExact(object_.get()) || PyUnicode_Check(object_.get()) != 0);
+    }
     [[nodiscard]] Text text(std::string& storage) const { return to_text(object_.get(), storage); }
 
     [[nodiscard]] PyObject* object() const { return object_.get(); }
@@ -91,6 +93,8 @@ public:
     static Value none(const Runtime& runtime);
     static Value word(const Runtime& runtime, Word word);
     static Value text(const Runtime& runtime, Text text);
+    // The same for a name that comes back from call to call: its string, and that string's hash, are made once.
+    static Value name(const Runtime& runtime, Text name);
     static Value number(const Runtime& runtime, double number);
     static Value integer(const Runtime& runtime, long number);
     static Value boolean(const Runtime& runtime, bool truth);

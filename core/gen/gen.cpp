@@ -163,7 +163,7 @@ Text Gen::kept(Text format, Arguments arguments) {
 // of curves alone takes a sixth of the time where they have been written before.
 Text Gen::literals(std::span<const double> numbers) {
     const Text bytes(reinterpret_cast<const char*>(numbers.data()), numbers.size_bytes());
-    return runtime().remembered().literals.get(bytes, [&] {
+    return runtime().memory().literals.get(bytes, [&] {
         std::string list;
         for (const double number : numbers) {
             list += list.empty() ? "" : ", ";

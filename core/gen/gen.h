@@ -287,8 +287,8 @@ private:
     std::vector<State> states_;
     std::vector<Output> outputs_;
     std::vector<Socket> sockets_;  // by node
-    Places places_;       // node id -> place; of two records with one id the later
-    Places other_names_;  // output names that are no words -> number
+    Places places_;                // node id -> place; of two records with one id the later
+    Places other_names_;           // output names that are no words -> number
     int other_name_count_ = 0;
     std::deque<Value> unknown_types_;
 

@@ -172,7 +172,7 @@ Text Gen::identifier(const Node& n) {
     if (identifier.data() == nullptr) {
         std::string storage;
         const Text id = n.id.formatted(storage);
-        identifier = keep(runtime().remembered().identifiers.get(id, [&] { return runtime().identifier(id); }));
+        identifier = keep(runtime().memory().identifiers.get(id, [&] { return runtime().identifier(id); }));
     }
     return identifier;
 }

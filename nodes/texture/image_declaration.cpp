@@ -30,7 +30,7 @@ Text tex_input(Gen& g, const Value& image_name) {
     }
     std::string storage;
     const Text name = image_name.text(storage);
-    return g.keep(g.runtime().remembered().textures.get(name, [&] { return tex_input(g.runtime(), image_name); }));
+    return g.keep(g.runtime().memory().textures.get(name, [&] { return tex_input(g.runtime(), image_name); }));
 }
 
 DeclaredImage _image_spec(Gen& g, const Node& n, const Value& img) {
