@@ -75,6 +75,7 @@ InputRecords input_records(const Gen& g) {
         if (input.is_parameter) {
             records.params.put(name, Value::pair(word(g, input.kind), input.value));
         }
+        check_signals_at(names.size());
     }
     for (const std::size_t i : order_by_name(inputs)) {
         Value record = Value::map(g.runtime());
@@ -82,6 +83,7 @@ InputRecords input_records(const Gen& g) {
         record.put("kind", word(g, inputs[i].kind));
         put_details(g, record, inputs[i]);
         records.sorted.append(record);
+        check_signals_at(i);
     }
     return records;
 }
