@@ -106,6 +106,7 @@ InputRecords input_records(const Gen& g) {
         if (input.is_parameter) {
             records.params.put(name, Value::pair(word(g, input.kind), input.value));
         }
+        check_signals_at(names.size());
     }
     ParameterRecords parameters(true);
     for (const std::size_t i : order_by_name(inputs)) {
@@ -118,6 +119,7 @@ InputRecords input_records(const Gen& g) {
         record.put("kind", word(g, inputs[i].kind));
         put_details(g, record, inputs[i]);
         records.sorted.append(record);
+        check_signals_at(i);
     }
     return records;
 }

@@ -7,12 +7,13 @@ float safe_divide(float a, float b) {
   return b == 0.0 ? 0.0 : a / b;
 }
 
-// a to the power of b, for every a: 1 for b = 0 (also 0^0), 0 for a = 0 (also with negative b), 0 for a negative base
-// with a broken exponent; a negative base with a whole exponent takes its sign from the exponent's parity.
-// HLSL's own pow knows none of these, so it only ever sees a positive base.
+// a to the power of b, for every a: 1 for b = 0 (also 0^0) and for a = 1 (also with an exponent that is no number), 0
+// for a = 0 (also with negative b), 0 for a negative base with a broken exponent, as which Blender counts one beyond
+// 2^31, too; a negative base with a whole exponent takes its sign from the exponent's parity. HLSL's own pow knows none
+// of these, so it only ever sees a positive base.
 float safe_powf(float a, float b) {
-  if (b == 0.0) return 1.0;
-  if (a == 0.0 || (a < 0.0 && b != trunc(b))) return 0.0;
+  if (b == 0.0 || a == 1.0) return 1.0;
+  if (a == 0.0 || (a < 0.0 && !(b == trunc(b) && abs(b) < 2147483648.0))) return 0.0;
   float p = pow(abs(a), b);
   return (a < 0.0 && b != 2.0 * trunc(b * 0.5)) ? -p : p;
 }
@@ -34,9 +35,11 @@ float inversesqrtf(float a) {
 }
 
 // Remainder of a / b with the sign of a; 0 for b = 0. Written out because fmod need not give a back for |a| < |b|.
-// Blender's remainder is exact; this one is off by up to |b| where a / b rounds to a whole number.
+// Blender's remainder is exact; this one is off by up to |b| where a / b rounds to a whole number, and 0 where a / b
+// overflows. An infinite b leaves a as it is.
 float safe_modulo(float a, float b) {
-  return b == 0.0 ? 0.0 : a - b * trunc(a / b);
+  float q = trunc(a / b);
+  return q == 0.0 ? a : abs(q) <= 3.402823466e+38 ? a - b * q : 0.0;
 }
 
 // Remainder of a / b with the sign of b; 0 for b = 0.

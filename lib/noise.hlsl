@@ -7,8 +7,9 @@
 // A coordinate brought to where float32 resolves cells: the remainder by 100000 with its sign, and half a cell more
 // from a million on, where most coordinates are integers and the noise would be zero.
 // Exact up to 2e12 also where a compiler makes the remainder of a rounded quotient: the first step leaves what the
-// second can take without rounding (409600000 = 4096 * 100000).
+// second can take without rounding (409600000 = 4096 * 100000). What is infinite or no number ends up somewhere, too.
 float noise_wrap(float x) {
+  x = clamp(x, -3e38, 3e38);
   return x % 409600000.0 % 100000.0 + 0.5 * step(1000000.0, abs(x));
 }
 
@@ -16,13 +17,13 @@ float noise_wrap(float x) {
 // all; a smaller coordinate that comes along stays as it is. Each turn wraps one coordinate and moves the others up.
 float noise_wrap1(float p) {
   [branch]
-  if (abs(p) >= 100000.0) p = noise_wrap(p);
+  if (!(abs(p) < 100000.0)) p = noise_wrap(p);
   return p;
 }
 
 float2 noise_wrap2(float2 p) {
   [branch]
-  if (dot(p, p) >= 1e10) {
+  if (!(dot(p, p) < 1e10)) {
     [loop]
     for (int i = 0; i < 2; i++) p = float2(p.y, noise_wrap(p.x));
   }
@@ -31,7 +32,7 @@ float2 noise_wrap2(float2 p) {
 
 float3 noise_wrap3(float3 p) {
   [branch]
-  if (dot(p, p) >= 1e10) {
+  if (!(dot(p, p) < 1e10)) {
     [loop]
     for (int i = 0; i < 3; i++) p = float3(p.yz, noise_wrap(p.x));
   }
@@ -40,7 +41,7 @@ float3 noise_wrap3(float3 p) {
 
 float4 noise_wrap4(float4 p) {
   [branch]
-  if (dot(p, p) >= 1e10) {
+  if (!(dot(p, p) < 1e10)) {
     [loop]
     for (int i = 0; i < 4; i++) p = float4(p.yzw, noise_wrap(p.x));
   }
@@ -145,7 +146,8 @@ float noise_signed4(float4 p) {
 
 // The fractals. Octaves are counted by how much of `detail` is done when one begins: -1 at the first, which is always
 // there. The last counts for as much as remains, below 1 where `detail` is no integer. The loops test at their head:
-// with a test at the foot, Mesa's CPU driver gives the last octave of the longest lane to all.
+// with a test at the foot, Mesa's CPU driver gives the last octave of the longest lane to all. None goes on beyond the
+// 16 octaves that Blender has at most, whatever number it is given.
 // plain: the noise alone of the last octave, which with detail 0 is the only one.
 
 // The sum of octaves whose amplitude changes by `roughness`; normalize brings it to 0 to 1. The second components are
@@ -157,6 +159,7 @@ float noise_signed4(float4 p) {
 // @each DIM 1 2 3 4
 float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain,
     float normalize, out float plain) {
+  detail = min(detail, 15.0);
   float scale = 1.0;
   float weight = 1.0;
   float2 weights = 1e-30;
@@ -173,7 +176,8 @@ float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacu
     done += 1.0;
   }
   if (normalize != 0.0) sum /= weights;
-  float value = mad(min(detail - done, 0.0), sum.x - sum.y, sum.x);
+  // Weights that add up to 0, as a roughness of -1 makes them, are the last octave's business only where it is broken.
+  float value = detail < done ? mad(detail - done, sum.x - sum.y, sum.x) : sum.x;
   return normalize != 0.0 ? mad(value, 0.5, 0.5) : value;
 }
 
@@ -181,6 +185,7 @@ float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacu
 // @each DIM 1 2 3 4
 float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
+  detail = min(detail, 15.0);
   float weight = 1.0;
   float value = 1.0;
   plain = 0.0;
@@ -198,6 +203,7 @@ float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, f
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
+  detail = min(detail, 15.0);
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
@@ -219,6 +225,7 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float rough
 // @each DIM 1 2 3 4
 float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
+  detail = min(detail, 15.0);
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
@@ -241,6 +248,7 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float rough
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
+  detail = min(detail, 15.0);
   float weight = 1.0;
   float value = 0.0;
   plain = 0.0;

@@ -23,6 +23,7 @@ float calculate_out_segment_id(float sides, float2 p)
 float4 calculate_out_variables(bool want_coordinates, bool want_width, bool normalized, float sides, float roundness,
                                float2 p)
 {
+    p = clamp(p, -1e18, 1e18);  // the length of what lies farther out is infinite
     float alpha = 3.1415927 / sides;
     float whole = floor(sides);
     float lambda = 3.1415927 - whole * alpha;

@@ -30,17 +30,17 @@ float tex_checker(float3 p) {
 // Brick at p, already scaled; z plays no part. x of the result is the tint of the brick, y the mortar, both 0 to 1.
 // Rows divisible by squash_frequency have bricks `squash` times as wide, rows divisible by offset_frequency are moved
 // by `offset` of a brick; nothing of that where one of the frequencies is 0. The tint is a hash of row and brick
-// number, exact. Widths and heights must not be 0. Tolerance: a few units in the last place of p, divided by the
-// mortar's size.
+// number, exact. Rows and bricks end where their numbers are no ints any more, as they do at once with a height or
+// a width of 0. Tolerance: a few units in the last place of p, divided by the mortar's size.
 float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, float brick_width, float row_height,
     float offset, int offset_frequency, float squash, int squash_frequency) {
-  float row = floor(p.y / row_height);
+  float row = clamp(floor(p.y / row_height), -2147483520.0, 2147483520.0);
   if (offset_frequency != 0 && squash_frequency != 0) {
     uint number = asuint(abs(int(row)));
     if (number % asuint(squash_frequency) == 0u) brick_width *= squash;
     if (number % asuint(offset_frequency) == 0u) p.x += brick_width * offset;
   }
-  float brick = floor(p.x / brick_width);
+  float brick = clamp(floor(p.x / brick_width), -2147483520.0, 2147483520.0);
   uint h = (asuint(int(row)) << 16) + (asuint(int(brick)) & 0xFFFFu);
   h = (h + 1013u) & 0x7FFFFFFFu;
   h ^= h >> 13;
@@ -48,7 +48,7 @@ float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, f
   float2 edge = p.xy - float2(brick_width, row_height) * float2(brick, row);
   edge = min(edge, float2(brick_width, row_height) - edge);
   float d = min(edge.x, edge.y);
-  float mortar = d < mortar_size ? 1.0 : 0.0;
+  float mortar = d >= mortar_size ? 0.0 : 1.0;
   if (mortar_smooth != 0.0 && mortar > 0.0) {
     float f = saturate((1.0 - d / mortar_size) / mortar_smooth);
     mortar = 3.0 * (f * f) - 2.0 * (f * f) * f;
@@ -57,10 +57,10 @@ float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, f
 }
 
 // Magic: a colour from sines folded into one another `depth` times (0 to 10). co repeats every 2 pi before it is
-// scaled.
+// scaled; what rounding leaves of a coordinate far out is kept in that range.
 // Tolerance: 1e-5, the GPU's sine at each fold.
 float3 tex_magic(float3 co, float scale, int depth, float distortion) {
-  co = mad(trunc(co / 6.2831855), -6.2831855, co);
+  co = clamp(mad(trunc(co / 6.2831855), -6.2831855, co), -6.2831855, 6.2831855);
   float x = sin((co.x + co.y + co.z) * 5.0 * scale);
   float y = cos((-co.x + co.y - co.z) * 5.0 * scale);
   float z = -cos((-co.x - co.y + co.z) * 5.0 * scale);

@@ -40,7 +40,7 @@ float voronoi_boundDIM(floatDIM d, QWKVoronoiParams params)
 float voronoi_root(float bound, QWKVoronoiParams params)
 {
     if (params.metric == 0) return sqrt(bound);
-    if (params.metric == 3) return pow(bound, 1.0 / params.exponent);
+    if (params.metric == 3) return isinf(params.exponent) ? 1.0 : pow(bound, 1.0 / params.exponent);
     return bound;
 }
 
@@ -195,7 +195,7 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     float total = 0.0;
     float scale = 1.0;
     [loop]
-    for (float left = params.roughness != 0.0 ? params.detail : 0.0; left > -1.0; left -= 1.0)
+    for (float left = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0; left > -1.0; left -= 1.0)
     {
         QWKVoronoiOutput octave = voronoi_octaveDIM(params, co * scale);
         float w = amplitude * min(left + 1.0, 1.0);
@@ -211,6 +211,7 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
         result.distance /= total * params.max_distance;
         result.color *= 1.0 / total;
     }
-    result.position = params.scale != 0.0 ? result.position * (1.0 / params.scale) : (float4)0.0;
+    // A scale too small to be told from 0 counts as 0: its inverse is infinite.
+    result.position = abs(params.scale) >= 1.1754944e-38 ? result.position * (1.0 / params.scale) : (float4)0.0;
     return result;
 }

@@ -54,7 +54,7 @@ float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
 // @each DIM 1 2 3 4
 float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {
-    float detail = params.roughness != 0.0 ? params.detail : 0.0;
+    float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
     float amplitude = 1.0;
     float limit = params.max_distance;
     float scale = 1.0;

@@ -82,6 +82,13 @@ void append_formatted(std::string& out, PyObject* object);
 
 // Lets a waiting Ctrl-C through.
 void check_signals();
+// The same now and then, in step after step of a loop whose length the document decides.
+inline void check_signals_at(std::size_t step) {
+    constexpr std::size_t kInterval = 4096;
+    if (step % kInterval == kInterval - 1) {
+        check_signals();
+    }
+}
 
 // One level of evaluation, counted once against the interpreter's recursion limit, and against a budget of the
 // stack of C, which the limit says nothing about: a host may have set it to any number, and a thread may have a

@@ -146,12 +146,15 @@ void Value::for_each(Visit visit) const {
     if (PyList_CheckExact(object_.get())) {
         for (Py_ssize_t i = 0; i < PyList_Size(object_.get()); ++i) {
             visit(share(PyList_GetItem(object_.get(), i)));
+            check_signals_at(static_cast<std::size_t>(i));
         }
         return;
     }
     const Ref iterator = Ref::checked(PyObject_GetIter(object_.get()));
+    std::size_t step = 0;
     while (PyObject* item = PyIter_Next(iterator.get())) {
         visit(Value(Ref::steal(item), *runtime_));
+        check_signals_at(step++);
     }
     if (PyErr_Occurred() != nullptr) {
         throw PythonError{};

@@ -4,13 +4,6 @@
 
 namespace quillgen {
 
-namespace {
-
-// How many statements, or evaluated nodes, go by between two looks for a waiting Ctrl-C.
-constexpr std::size_t kSignalInterval = 4096;
-
-}  // namespace
-
 Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias)
     : ir(std::move(document)),
       use_params(with_params),
@@ -124,9 +117,7 @@ void Gen::emit_filled(Text line, Arguments arguments) {
 void Gen::end_line() {
     body_.append("\n");
     line_ends_.push_back(body_.size());
-    if (line_ends_.size() % kSignalInterval == 0) {
-        check_signals();
-    }
+    check_signals_at(line_ends_.size());
 }
 
 Text Gen::begin_declaration(Text type, Text prefix) {

@@ -224,9 +224,9 @@ FLOAT5 = ["float"] * 5
 @pytest.mark.parametrize("name, kinds, result, most", [
     ("tex_gradient", ["float3", "int"], "float", 66),
     ("tex_checker", ["float3"], "float", 18),
-    ("tex_brick", ["float3", *FLOAT5, "float", "int", "float", "int"], "float2", 72),
+    ("tex_brick", ["float3", *FLOAT5, "float", "int", "float", "int"], "float2", 73),
     ("tex_brick", ["float3", *FLOAT5, "0.5", "2", "1.0", "2"], "float2", 62),
-    ("tex_magic", ["float3", "float", "int", "float"], "float3", 126),
+    ("tex_magic", ["float3", "float", "int", "float"], "float3", 128),
     ("tex_wave", ["int", "int", "int", "int", "float3", *FLOAT5], "float", 380),
     ("tex_wave", ["0", "0", "0", "0", "float3", "0.0", *FLOAT5[1:]], "float", 12),
 ])

@@ -1,4 +1,6 @@
 """Documents whose graph is one chain of nodes, each reading the next."""
+import random
+
 from golden.node_types import TYPES
 from golden.documents import node
 
@@ -13,10 +15,41 @@ LINKS = {
 }
 
 
+FURTHER_LINKS = {
+    "ShaderNodeGamma": "Color", "ShaderNodeMapping": "Vector", "ShaderNodeSeparateXYZ": "Vector",
+    "ShaderNodeCombineXYZ": "X", "ShaderNodeHueSaturation": "Color", "ShaderNodeVectorRotate": "Vector",
+    "ShaderNodeTexWave": "Vector", "ShaderNodeTexMagic": "Scale", "ShaderNodeTexGabor": "Frequency",
+    "ShaderNodeRadialTiling": "Vector", "ShaderNodeFresnel": "Normal", "ShaderNodeLayerWeight": "Normal",
+    "ShaderNodeNormal": "Normal", "ShaderNodeClamp": "Value", "ShaderNodeInvert": "Color",
+    "ShaderNodeVectorCurve": "Vector", "ShaderNodeFloatCurve": "Value", "ShaderNodeTexEnvironment": "Vector",
+    "ShaderNodeDisplacement": "Height", "ShaderNodeTexWhiteNoise": "Vector", "ShaderNodeSqueeze": "Value",
+    "ShaderNodeBlackbody": "Temperature", "ShaderNodeMixRGB": "Color1",
+}
+
+
+def output_of(kind):
+    return {"ShaderNodeMix": "Result_Float"}.get(kind) or next(iter(TYPES[kind][1]))
+
+
+def mixed_chain(length, seed):
+    """A chain of all those types that are no shaders, in an order of chance; the records are in another one."""
+    chance = random.Random(seed)
+    links = {kind: socket for kind, socket in {**LINKS, **FURTHER_LINKS}.items()
+             if TYPES[kind][1][output_of(kind)] != "SHADER"}
+    kinds = [chance.choice(list(links)) for _ in range(length)]
+    nodes = [node(kind, id=place) for place, kind in enumerate(kinds)]
+    for place, (record, source) in enumerate(zip(nodes, kinds[1:])):
+        entry = record["in"][links[record["type"]]]
+        entry["link"] = [place + 1, output_of(source), TYPES[source][1][output_of(source)]]
+    chance.shuffle(nodes)
+    ends = dict.fromkeys(["surface", "displacement"], [0, output_of(kinds[0])])
+    return {"nodes": nodes, "out": ends, "images": {"wood.png": {}}, "settings": {"displacement": "BOTH"}}
+
+
 def chain(kind, length, socket=None):
     """The first node is the surface; the last reads its sockets' own values."""
     socket = socket or LINKS[kind]
-    output = {"ShaderNodeMix": "Result_Float"}.get(kind) or next(iter(TYPES[kind][1]))
+    output = output_of(kind)
     record = node(kind, outs=False)
     if kind == "ShaderNodeTexImage":
         record["props"]["image"] = "a"

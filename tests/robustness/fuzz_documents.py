@@ -26,8 +26,9 @@ from robustness.invariants import check, insist
 KINDS = sorted(TYPES)
 NUMBERS = st.floats(width=32) | st.integers(-3, 3) | st.booleans() | st.floats()
 NAMES = st.text(st.characters(), max_size=6)
-WRONG = st.one_of(st.none(), st.booleans(), st.integers(), st.just(10**400), st.floats(), NAMES, st.binary(max_size=3),
-                  st.sampled_from(KINDS + ["VALUE", "RGBA", "VECTOR", "SHADER", "ROTATION", "STRING", "Color", "Value"]))
+WORDS = st.sampled_from(KINDS + ["VALUE", "RGBA", "VECTOR", "SHADER", "ROTATION", "STRING", "Color", "Value"])
+WRONG = st.one_of(st.none(), st.booleans(), st.integers(), st.just(10**400), st.floats(), NAMES,
+                  st.binary(max_size=3), WORDS)
 WRONG = st.recursive(WRONG, lambda inner: st.lists(inner, max_size=5) | st.dictionaries(NAMES, inner, max_size=3)
                      | st.dictionaries(st.sampled_from(["t", "v", "link"]), inner) | st.tuples(inner, inner, inner),
                      max_leaves=8)

@@ -52,6 +52,20 @@ def raising(value):
     return trap(value, action)
 
 
+def breaking_off(value):
+    """A list or dict that raises Mine once it has been gone through."""
+
+    def broken(items):
+        yield from list(items)
+        raise Mine("the end")
+
+    if isinstance(value, list):
+        return type("Breaking", (list,), {"__iter__": lambda self: broken(list.__iter__(self))})(value)
+    return type("Breaking", (dict,), {
+        "__iter__": lambda self: broken(dict.__iter__(self)), "keys": lambda self: broken(dict.keys(self)),
+        "values": lambda self: broken(dict.values(self)), "items": lambda self: broken(dict.items(self))})(value)
+
+
 def wreck(document):
     """Takes a document apart, and with that frees what nobody else holds."""
     todo = [document]

@@ -11,18 +11,19 @@ from robustness.isolated import run
 ON_A_THREAD = """
 import sys, threading
 import quillgen
-from robustness.chains import chain
+from robustness.chains import chain, mixed_chain
 
 def work():
     kind, length, limit = sys.argv[1], int(sys.argv[2]), int(sys.argv[4])
-    document = chain(kind, length, *sys.argv[5:])
+    mixed = kind == "mixed"
+    document = mixed_chain(length, *sys.argv[5:]) if mixed else chain(kind, length, *sys.argv[5:])
     sys.setrecursionlimit(limit)
     try:
         quillgen.compile(document)
         print("translated")
     except RecursionError as error:
         print(error)
-    print(quillgen.compile(chain(kind, 3))["code"].count("QWKClosure surf"))
+    print(quillgen.compile(chain("ShaderNodeMath" if mixed else kind, 3))["code"].count("QWKClosure surf"))
 
 threading.stack_size(int(sys.argv[3]))
 thread = threading.Thread(target=work)
@@ -78,6 +79,14 @@ def test_chain_of_950_under_the_limit_of_1000_on_a_small_stack(kind):
 def test_chain_of_100_000_on_a_small_stack(kind, limit):
     said, after = run(ON_A_THREAD, kind, 100_000, MIB, limit).rsplit("\n", 1)
     assert said.startswith("maximum recursion depth exceeded") and after == "1"
+
+
+@pytest.mark.parametrize("seed", range(3))
+@pytest.mark.parametrize("length, limit, ends", [
+    (300, 1000, "translated"), (20_000, 1000, "maximum recursion depth"), (20_000, 10**9, "maximum recursion depth")])
+def test_chain_of_many_types_on_a_small_stack(length, limit, ends, seed):
+    said, after = run(ON_A_THREAD, "mixed", length, MIB, limit, seed).rsplit("\n", 1)
+    assert said.startswith(ends) and after == "1"
 
 
 @pytest.mark.parametrize("socket", ["Height", "Normal", "Strength"])

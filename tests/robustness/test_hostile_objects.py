@@ -4,8 +4,8 @@ import copy
 import pytest
 
 import quillgen
-from robustness.hostile import Mine, raising, shuffle, trap, wreck
-from robustness.outcomes import CALLS, at, base_documents, outcome, paths, put
+from robustness.hostile import Mine, breaking_off, raising, shuffle, trap, wreck
+from robustness.outcomes import CALLS, at, base_documents, changed, outcome, paths, put
 
 DOCUMENTS = base_documents()
 ALL = pytest.mark.parametrize("title", DOCUMENTS)
@@ -44,6 +44,17 @@ def test_foreign_objects(title):
     for path, document in with_traps(title, lambda _, value: raising(None)):
         for name, call in CALLS.items():
             outcome(call, document, [Mine])
+
+
+def test_iteration_that_breaks_off():
+    raised = 0
+    for title, original in DOCUMENTS.items():
+        for path in paths(original):
+            if isinstance(at(original, path), (list, dict)):
+                with changed(original, path, breaking_off(at(original, path))) as document:
+                    for call in CALLS.values():
+                        raised += outcome(call, document, [Mine])[1] is Mine
+    assert raised > 1000
 
 
 @ALL

@@ -8,7 +8,7 @@ from robustness.isolated import TESTS, run
 
 # Each bump within another triples the work: forty of them have no end.
 ENDLESS = """
-import os, resource, signal, sys, threading, time
+import itertools, os, resource, signal, sys, threading, time
 import quillgen
 from golden.documents import link, material, node
 
@@ -19,6 +19,20 @@ def bumps(depth):
     nodes[-1]["in"]["Height"] = link(node("TexNoise"), "Fac")
     return material(*nodes, node("TexNoise"))
 
+def ramp(stops):
+    return {"stops": stops, "interp": "LINEAR", "mode": "RGB"}
+
+class Tables(list):  # that one cannot get to the end of
+    def __init__(self, tables):
+        super().__init__([[0.5, 1.0]])
+        self.tables = tables
+    def __iter__(self):
+        return self.tables
+
+def curve(tables):
+    return {"tables": Tables(tables), "min": 0.0, "max": 1.0}
+
+STOP = [0.5, [0.1, 0.2, 0.3, 1.0]]
 small = bumps(2)
 before = quillgen.compile(small)
 """
@@ -43,12 +57,36 @@ LONG_WORK = {
     "a displacement": "quillgen.compile({**bumps(40), 'out': {'surface': ['TexNoise', 'Fac'], "
                       "'displacement': ['Bump 0', 'Normal']}})",
     "a handler of the host's": "quillgen.compile({**bumps(40), 'settings': {'displacement': 'BOTH'}})",
+    "stops that have no end": "quillgen.compile(material(node('ValToRGB', ramp=ramp(itertools.repeat(STOP)))))",
+    "tables that have no end": "quillgen.compile(material(node('RGBCurve', curve=curve(itertools.repeat([0.5])))))",
 }
 
 
 @pytest.mark.parametrize("call", LONG_WORK.values(), ids=LONG_WORK)
 def test_ctrl_c(call):
     assert run(ENDLESS + INTERRUPTED.replace("CALL", call)).split() == ["True"] * 3
+
+
+def test_ctrl_c_at_any_time_of_long_work_that_ends():
+    """Where most of the time goes: reading many stops, writing their statements, sorting and listing their inputs."""
+    said = run(ENDLESS + """
+many = material(node("ValToRGB", ramp=ramp([STOP] * 300_000)))
+signal.signal(signal.SIGALRM, lambda *_: signal.raise_signal(signal.SIGINT))
+started = time.monotonic()
+assert len(quillgen.compile(many)["inputs"]) > 600_000
+whole = time.monotonic() - started
+for share in (0.1, 0.45, 0.5, 0.8):
+    signal.setitimer(signal.ITIMER_REAL, share * whole)
+    started = time.monotonic()
+    try:
+        quillgen.compile(many)
+        print("it has come to its end")
+    except KeyboardInterrupt:
+        print(time.monotonic() - started < (share + 0.25) * whole)
+    signal.setitimer(signal.ITIMER_REAL, 0)
+    assert quillgen.compile(small) == before
+""")
+    assert set(said.split("\n")) <= {"True", "it has come to its end"} and said.startswith("True\nTrue")
 
 
 def test_memory_that_ends():

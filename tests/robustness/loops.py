@@ -1,0 +1,30 @@
+"""Counts the turns of the loops in HLSL, which a shader that ends late or never does not tell by itself."""
+import re
+
+LOOP = re.compile(r"\b(?:for|while|do)\b")
+COUNTER = "qh_turns"
+
+
+def _behind(text, place):
+    """The place behind the bracket that is closed which opens at or after `place`."""
+    depth = 0
+    for place in range(text.index("(", place), len(text)):
+        depth += {"(": 1, ")": -1}.get(text[place], 0)
+        if depth == 0:
+            return place + 1
+    raise ValueError("a bracket that nothing closes")
+
+
+def counted(code):
+    """Local text with a struct QWK of functions, whose member qh_turns becomes the number of all turns."""
+    made, done = [], 0
+    for loop in LOOP.finditer(code):
+        end = loop.end() if loop[0] == "do" else _behind(code, loop.end())
+        end += len(code[end:]) - len(code[end:].lstrip())
+        if code[end] == ";":  # what stands behind the body of do
+            continue
+        inside = code[end] == "{"
+        made += [code[done:end + inside], f" {COUNTER}++{';' if inside else ','} "]
+        done = end + inside
+    code = "".join([*made, code[done:]]).replace("struct QWK {", f"struct QWK {{\nuint {COUNTER};")
+    return code.replace("\nQWK L;", f"\nQWK L;\nL.{COUNTER} = 0u;")
