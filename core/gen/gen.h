@@ -85,7 +85,7 @@ public:
     Text _f(const Value& value) { return keep(quillgen::_f(value)); }
     Text _v3(const Value& value) { return keep(quillgen::_v3(value)); }
     // The literals of the numbers with ", " between them. The text holds until the next call.
-    Text literals(std::span<const double> numbers);
+    [[nodiscard]] Text literals(std::span<const double> numbers) const;
     Text formatted(const Value& value);  // as a format of Python's writes it
 
     void warn(Text warning) { warnings.push_back(keep(warning)); }
