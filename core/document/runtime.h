@@ -41,10 +41,10 @@ public:
     [[nodiscard]] long ceil_log2(double value) const;
     // What is kept from call to call.
     struct Memory {
-        Remembered<std::string> identifiers{std::size_t{256} * 1024};  // node id -> as identifiers have it
-        Remembered<std::string> textures{std::size_t{256} * 1024};     // image name -> name of its input
-        Remembered<std::string> literals{std::size_t{1024} * 1024};    // bytes of numbers -> literals
-        Remembered<Ref> strings{std::size_t{1024} * 1024};             // text -> a string of Python's
+        Remembered<std::string> identifiers{std::size_t{64} * 1024};  // node id -> as identifiers have it
+        Remembered<std::string> textures{std::size_t{64} * 1024};     // image name -> name of its input
+        Remembered<std::string> literals{std::size_t{256} * 1024};    // bytes of numbers -> literals
+        Remembered<Ref> strings{std::size_t{128} * 1024};             // text -> a string of Python's
     };
     [[nodiscard]] Memory& memory() const { return memory_; }
     // The library's entries, as they stand on its module at this moment.
