@@ -199,9 +199,7 @@ double Value::as_float() const {
 
 std::vector<double> Value::floats() const {
     std::vector<double> numbers;
-    if (PyList_CheckExact(object_.get())) {
-        numbers.reserve(static_cast<std::size_t>(PyList_Size(object_.get())));
-    }
+    numbers.reserve(expected_size());
     for_each([&](const Value& item) { numbers.push_back(item.as_float()); });
     return numbers;
 }

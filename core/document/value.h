@@ -46,6 +46,10 @@ public:
     // has another key, and for any other value; then what has not been found may be there all the same.
     template <std::size_t Count>
     bool pick(const Word (&keys)[Count], Value* const (&found)[Count]) const;
+    // What to make room for: the size of a plain list, and 0 of anything else, which may say anything.
+    [[nodiscard]] std::size_t expected_size() const {
+        return PyList_CheckExact(object_.get()) ? static_cast<std::size_t>(PyList_Size(object_.get())) : 0;
+    }
     // What `a, b, c = value` gives; ValueError where there are not three items.
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 

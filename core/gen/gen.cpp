@@ -20,14 +20,18 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
 // ---- reading the graph ----------------------------------------------------------------------
 
 void Gen::read_nodes() {
-    ir.at("nodes").for_each([&](const Value& record) {
+    const Value records = ir.at("nodes");
+    nodes_.reserve(records.expected_size());
+    places_.reserve(records.expected_size());
+    outputs_.reserve(2 * records.expected_size());
+    records.for_each([&](const Value& record) {
         const int place = static_cast<int>(nodes_.size());
         Value id = record.at("id");
         places_.put(id.object(), place);
         nodes_.push_back({record, std::move(id), {}, place});
     });
     states_.resize(nodes_.size());
-    // About what a node's statements come to, so that most texts never move while they grow.
+    // About what a node comes to, so that little moves while it grows.
     body_.reserve(256 * nodes_.size());
     line_ends_.reserve(8 * nodes_.size());
     sockets_.reserve(8 * nodes_.size());

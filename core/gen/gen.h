@@ -237,7 +237,6 @@ private:
     Source find_source(const Value& source);
     Source mark_used(const Value& source);
     Bound output(const Source& found, const Value& source);
-    [[noreturn]] void no_output(int place, const Value& out);
     [[noreturn]] void no_input(const Node& n, Word ident);
     int name_of(const Value& out);
     [[nodiscard]] int find_place(const Value& nid) const;
