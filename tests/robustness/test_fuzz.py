@@ -1,4 +1,4 @@
-"""The fuzzers, for a short while; docs/robustness.md tells of long runs. What fails shows its seed."""
+"""The fuzzers, for a short while; docs/robustness.md tells of long runs."""
 import random
 
 import hypothesis
@@ -7,13 +7,6 @@ import pytest
 import custom_expression
 import quillgen
 from robustness import fuzz_documents, fuzz_mutations, invariants
-
-
-@pytest.fixture
-def seed():
-    seed = random.SystemRandom().randrange(2**31)
-    print("seed", seed)
-    return seed
 
 
 def test_documents(seed):
