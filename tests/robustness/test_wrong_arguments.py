@@ -72,8 +72,8 @@ def test_arguments(seed):
         ending = outcome(lambda _, f=function, a=given, k=named: f(*a, **k), None, [Mine])
         endings[function.__name__, ending[0] if ending[0] == "result" else ending[1].__name__] += 1
     for function in FUNCTIONS:
-        assert endings[function.__name__, "result"] > 100 and endings[function.__name__, "TypeError"] > 100, endings
-    assert endings["assemble", "Mine"] > 100
+        assert min(endings[function.__name__, "result"], endings[function.__name__, "TypeError"]) > 20, endings
+    assert endings["assemble", "Mine"] > 20
 
 
 @pytest.mark.parametrize("function", FUNCTIONS)
