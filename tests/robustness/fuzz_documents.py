@@ -7,7 +7,6 @@ import argparse
 import collections
 import copy
 import functools
-import math
 import pathlib
 import random
 import sys

@@ -161,3 +161,50 @@ for title in ("ShaderNodeBump", "ShaderNodeTexImage", "ShaderNodeValToRGB", "Sha
 print(failed)
 """, count, LD_PRELOAD=str(failing_malloc), PYTHONMALLOC="malloc")
     assert int(said) > 1000
+
+
+def test_every_allocation_of_an_import_that_can_fail(failing_malloc):
+    said = run("""
+import ctypes, gc, importlib.util
+import quillgen, quillgen_lib
+from golden.documents import material, node
+
+fail_after = ctypes.CDLL(None).fail_after
+fail_after.argtypes = [ctypes.c_long, ctypes.c_long]
+document = material(node("Math"), node("TexNoise"))
+wanted = quillgen.compile(document)
+gc.disable()
+
+def load(spec, allocations):
+    try:
+        fail_after(allocations, 1)
+        module = importlib.util.module_from_spec(spec)
+        spec.loader.exec_module(module)
+        return module
+    except (MemoryError, ctypes.ArgumentError):
+        return None
+
+def recover():
+    while True:
+        try:
+            return fail_after(0, 0)
+        except (MemoryError, ctypes.ArgumentError):
+            pass
+
+for name in ("quillgen_lib", "quillgen"):
+    spec = importlib.util.find_spec(name)
+    allocations, module = 0, None
+    while module is None:
+        module = load(spec, allocations)
+        recover()
+        allocations += 1
+        if allocations % 100 == 0:
+            gc.collect()
+    print(allocations)
+    if name == "quillgen":
+        assert module is not quillgen and module.compile(document) == wanted == quillgen.compile(document)
+    else:
+        assert module.resolve(["gabor"]) == quillgen_lib.resolve(["gabor"])
+""", LD_PRELOAD=str(failing_malloc), PYTHONMALLOC="malloc")
+    library, translator = map(int, said.split())
+    assert library > 100 and translator > 1000
