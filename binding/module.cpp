@@ -7,7 +7,7 @@
 
 #include "binding/arguments.h"
 #include "closures/compile.h"
-#include "core/gen/registry.h"
+#include "core/gen/module.h"
 #include "nodes/register.h"
 #include "nodes/texture/image.h"
 

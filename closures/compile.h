@@ -2,7 +2,7 @@
 // Python's own errors for a document that is not what it should be; no partial result is returned.
 #pragma once
 
-#include "core/gen/registry.h"
+#include "core/gen/module.h"
 
 namespace quillgen {
 

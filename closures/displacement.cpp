@@ -53,7 +53,7 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
     Gen g(module, ir, false, use_params, {});
     g.disp_stage = true;
     const Value src = ir.at("out").at("displacement");
-    const Gen::Bound source = g.output(src);
+    const Bound source = g.output(src);
     const Text d = g.var("float3", g.convert(source.text, source.type, VECTOR));
     g.use("dir_world_to_obj");
     const Text ox = g.geo("ox");

@@ -61,7 +61,16 @@ void Places::put(PyObject* key, int number) {
     slot.number = number;
 }
 
+void Places::clear() {
+    slots_.clear();
+    size_ = 0;
+}
+
 void Places::reserve(std::size_t count) {
+    if (size_ == 0) {
+        slots_.resize(std::bit_ceil(2 * count));
+        return;
+    }
     std::vector<Slot> before(std::bit_ceil(2 * count));
     before.swap(slots_);
     for (Slot& slot : before) {

@@ -16,6 +16,7 @@ public:
     [[nodiscard]] int find(PyObject* key) const;
     // Makes room for that many keys.
     void reserve(std::size_t count);
+    void clear();
 
 private:
     struct Slot {

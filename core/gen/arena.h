@@ -36,18 +36,35 @@ public:
         return {start, size};
     }
 
+    // Gives up the texts, and all blocks but the last, which is the largest.
+    void clear() {
+        if (!blocks_.empty()) {
+            blocks_.front() = std::move(blocks_.back());
+            blocks_.resize(1);
+            begin(blocks_.front());
+        }
+    }
+
 private:
+    struct Block {
+        std::unique_ptr<char[]> characters;
+        std::size_t size = 0;
+    };
+
     void grow(std::size_t wanted) {
         const std::size_t size = std::max(wanted, kBlock << std::min<std::size_t>(blocks_.size(), 8));
-        blocks_.push_back(std::make_unique_for_overwrite<char[]>(size));
-        next_ = blocks_.back().get();
-        left_ = size;
+        blocks_.push_back({std::make_unique_for_overwrite<char[]>(size), size});
+        begin(blocks_.back());
+    }
+    void begin(const Block& block) {
+        next_ = block.characters.get();
+        left_ = block.size;
     }
 
     // Most materials need a few thousand characters; later blocks double up to a megabyte.
     static constexpr std::size_t kBlock = 4096;
 
-    std::vector<std::unique_ptr<char[]>> blocks_;
+    std::vector<Block> blocks_;
     char* next_ = nullptr;
     std::size_t left_ = 0;
 };

@@ -5,14 +5,26 @@
 namespace quillgen {
 
 Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias)
-    : ir(std::move(document)),
+    : storage_(module.idle_storage),
+      ir(std::move(document)),
       use_params(with_params),
       uv_bias(std::move(bias)),
+      inputs(storage_->inputs),
       module_(module),
       emission_mode_(emission_mode),
+      arena_(storage_->arena),
+      scratch_(storage_->scratch),
+      body_(storage_->body),
+      line_ends_(storage_->line_ends),
+      nodes_(storage_->nodes),
+      states_(storage_->states),
+      outputs_(storage_->outputs),
+      sockets_(storage_->sockets),
+      places_(storage_->places),
       need_(Value::set(module.runtime)),
-      needed_(kWords.size(), false),
+      needed_(storage_->needed),
       structs_(Value::set(module.runtime)) {
+    needed_.assign(kWords.size(), false);
     read_nodes();
     read_links();
 }
@@ -43,7 +55,7 @@ void Gen::read_nodes() {
 void Gen::read_links() {
     for (Node& n : nodes_) {
         n.in = n.record.at("in");
-        State& state = states_[static_cast<std::size_t>(n.place)];
+        NodeState& state = states_[static_cast<std::size_t>(n.place)];
         state.first_socket = static_cast<int>(sockets_.size());
         n.in.for_each_value([&](const void* key, const Value& entry) { read_link(key, entry); });
         state.socket_count = static_cast<int>(sockets_.size()) - state.first_socket;
@@ -70,17 +82,17 @@ void Gen::read_link(const void* key, const Value& entry) {
     }
 }
 
-Gen::Source Gen::find_source(const Value& source) {
+Source Gen::find_source(const Value& source) {
     const Value nid = source.at(Py_ssize_t{0});
     const Value out = source.at(Py_ssize_t{1});
     const int place = find_place(nid);
     return {place, name_of(out)};
 }
 
-Gen::Source Gen::mark_used(const Value& source) {
+Source Gen::mark_used(const Value& source) {
     const Source found = find_source(source);
     if (found.place >= 0 && find_output(found.place, found.name) == nullptr) {
-        State& state = states_[static_cast<std::size_t>(found.place)];
+        NodeState& state = states_[static_cast<std::size_t>(found.place)];
         outputs_.push_back({found.name, state.first_output});
         state.first_output = static_cast<int>(outputs_.size()) - 1;
     }
@@ -194,11 +206,11 @@ void Gen::use_struct(Word name) { structs_.add(Value::word(runtime(), name)); }
 
 // ---- output sockets -------------------------------------------------------------------------
 
-const Gen::Output* Gen::find_output(const Node& n, Word out) const {
+const Output* Gen::find_output(const Node& n, Word out) const {
     return const_cast<Gen*>(this)->find_output(n.place, static_cast<int>(out.index()));
 }
 
-Gen::Output* Gen::find_output(int place, int name) {
+Output* Gen::find_output(int place, int name) {
     for (int i = states_[static_cast<std::size_t>(place)].first_output; i >= 0;) {
         Output& output = outputs_[static_cast<std::size_t>(i)];
         if (output.name == name) {
@@ -237,9 +249,9 @@ void Gen::bind(const Node& n, const Value& out, SocketType type, Text expr) {
     }
 }
 
-Gen::Bound Gen::output(const Value& source) { return output(find_source(source), source); }
+Bound Gen::output(const Value& source) { return output(find_source(source), source); }
 
-Gen::Bound Gen::output(const Source& found, const Value& source) {
+Bound Gen::output(const Source& found, const Value& source) {
     if (found.place < 0) {
         raise_key_error(source.at(Py_ssize_t{0}).object());
     }
@@ -256,7 +268,7 @@ Gen::Bound Gen::output(const Source& found, const Value& source) {
 }
 
 void Gen::node(int place, const Value& source) {
-    State& state = states_[static_cast<std::size_t>(place)];
+    NodeState& state = states_[static_cast<std::size_t>(place)];
     if (state.done) {
         return;
     }

@@ -7,34 +7,18 @@
 // names.
 #pragma once
 
-#include <deque>
-#include <memory>
+#include <list>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "core/gen/arena.h"
 #include "core/gen/counter.h"
 #include "core/gen/format.h"
-#include "core/gen/inputs.h"
+#include "core/gen/module.h"
 #include "core/gen/number.h"
-#include "core/gen/registry.h"
 #include "core/gen/signal.h"
-#include "core/gen/socket_type.h"
-#include "core/gen/text_buffer.h"
 
 namespace quillgen {
-
-// A node record of the document, with what its translation needs at hand.
-struct Node {
-    Value record;
-    Value id;
-    Value in;
-    int place = -1;  // among the generator's nodes
-
-    [[nodiscard]] Value props() const { return record.at("props"); }
-    [[nodiscard]] Value type() const { return record.at("type"); }
-};
 
 // How far the signals are moved while a graph is evaluated again beside the shaded point. Each member
 // names a variable: `w` a world-space offset, `a` and `b` the same offset in screen steps in x and y.
@@ -131,10 +115,6 @@ public:
     // The same for an output whose name the document gives.
     void bind(const Node& n, const Value& out, SocketType type, Text expr);
 
-    struct Bound {
-        Text text;
-        SocketType type;
-    };
     // Reads the output that a source names (its first items are a node's id and an output), evaluating its node
     // if that has not happened yet. Unsupported "{type} has no output {out}"; KeyError for a node that the
     // document lacks.
@@ -182,52 +162,21 @@ public:
     [[nodiscard]] Value structs() const { return structs_; }      // a set of struct names
     [[nodiscard]] const Node* find_node(const Value& nid) const;  // null where there is none
 
+private:
+    const StorageLoan storage_;  // ahead of all that refers to it
+
+public:
     const Value ir;
     const bool use_params;
     const Value uv_bias;
-    Inputs inputs;
+    Inputs& inputs;
     std::vector<Text> warnings;
-    std::deque<Texture> textures;
+    std::list<Texture> textures;
     Uses uses;
     Text n_override;          // replaces the shading normal once a displacement bump has made it
     bool disp_stage = false;  // normals come from vertex data while displacement is compiled
 
 private:
-    // An output that something reads.
-    struct Output {
-        int name;  // of names: see name_of
-        int next;  // the node's next output, or -1
-        bool bound = false;
-        Bound value = {};
-    };
-    // What the items of a source come to.
-    struct Source {
-        int place = -1;  // of the node; -1 for one that the document lacks
-        int name = -1;   // of the output
-    };
-    // An entry of a node's inputs. What has been read of it is kept: bumps read most sockets three times, and
-    // asking the document once takes a quarter off their translation.
-    struct Socket {
-        const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
-        bool is_named = false;      // whether a word has found it, or none may
-        Value entry = {};
-        Value link = {};     // absent where it is unlinked
-        Source source = {};  // of a link
-        Value t = {};        // the entry's `t` and `v`, absent where the first look did not meet them
-        Value v = {};
-        bool is_read = false;
-        SocketType type = {};   // of a link as it is written there, else the socket's own
-        bool is_typed = false;  // whether the link has a type written
-        Text text = {};         // of an unlinked value
-    };
-    struct State {
-        int first_output = -1;
-        int first_socket = 0;  // in sockets_
-        int socket_count = 0;
-        bool done = false;          // its handler has started
-        Handler handler = nullptr;  // once it has been looked up
-        Text identifier;            // its id as parameter names hold it
-    };
     class MovedEvaluation;
     using Arguments = std::initializer_list<Argument>;
 
@@ -276,23 +225,23 @@ private:
 
     const Module& module_;
     const bool emission_mode_;
-    Arena arena_;
-    TextBuffer scratch_;
-    TextBuffer body_;
-    std::vector<std::size_t> line_ends_;
+    Arena& arena_;
+    TextBuffer& scratch_;
+    TextBuffer& body_;
+    std::vector<std::size_t>& line_ends_;
     Counter k_;
 
-    std::vector<Node> nodes_;
-    std::vector<State> states_;
-    std::vector<Output> outputs_;
-    std::vector<Socket> sockets_;  // by node
-    Places places_;                // node id -> place; of two records with one id the later
-    Places other_names_;           // output names that are no words -> number
+    std::vector<Node>& nodes_;
+    std::vector<NodeState>& states_;
+    std::vector<Output>& outputs_;
+    std::vector<Socket>& sockets_;
+    Places& places_;
+    Places other_names_;  // output names that are no words -> number
     int other_name_count_ = 0;
-    std::deque<Value> unknown_types_;
+    std::list<Value> unknown_types_;
 
     Value need_;
-    std::vector<bool> needed_;
+    std::vector<bool>& needed_;
     Value structs_;
     const Offset* boff_ = nullptr;
 };

@@ -48,4 +48,10 @@ void Inputs::reserve(std::size_t count) {
     }
 }
 
+void Inputs::clear() {
+    ambiguous_ = false;
+    entries_.clear();
+    places_.clear();
+}
+
 }  // namespace quillgen

@@ -38,6 +38,7 @@ public:
 
     // Makes room for that many entries.
     void reserve(std::size_t count);
+    void clear();
 
     [[nodiscard]] const std::vector<Input>& entries() const { return entries_; }
     // Whether an entry has been replaced by one with another value: two sockets whose names come to the same

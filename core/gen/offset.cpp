@@ -57,7 +57,7 @@ class Gen::MovedEvaluation {
 public:
     MovedEvaluation(Gen& g, std::vector<int> up, const Offset& offset) : g_(g), up_(std::move(up)), boff_(g.boff_) {
         for (const int place : up_) {
-            State& state = g_.states_[static_cast<std::size_t>(place)];
+            NodeState& state = g_.states_[static_cast<std::size_t>(place)];
             done_.push_back(std::exchange(state.done, false));
             for_outputs(state,
                         [&](Output& output) { bound_.emplace_back(std::exchange(output.bound, false), output.value); });
@@ -68,7 +68,7 @@ public:
         auto done = done_.begin();
         auto bound = bound_.begin();
         for (const int place : up_) {
-            State& state = g_.states_[static_cast<std::size_t>(place)];
+            NodeState& state = g_.states_[static_cast<std::size_t>(place)];
             state.done = *done++;
             for_outputs(state, [&](Output& output) {
                 output.bound = bound->first;
@@ -83,7 +83,7 @@ public:
 
 private:
     template <class Visit>
-    void for_outputs(const State& state, Visit visit) {
+    void for_outputs(const NodeState& state, Visit visit) {
         for (int i = state.first_output; i >= 0;) {
             Output& output = g_.outputs_[static_cast<std::size_t>(i)];
             visit(output);

@@ -64,10 +64,4 @@ private:
     std::vector<std::pair<Text, TemplateTable>> tables_;
 };
 
-// One interpreter's copy of the module.
-struct Module {
-    Runtime runtime;
-    Registry registry{runtime};
-};
-
 }  // namespace quillgen

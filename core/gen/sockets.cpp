@@ -32,17 +32,17 @@ SocketType Gen::written_type(const Value& word) {
 SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
 
 // None of a record that is no node of the document.
-std::span<Gen::Socket> Gen::sockets(int place) {
+std::span<Socket> Gen::sockets(int place) {
     if (place < 0) {
         return {};
     }
-    const State& state = states_[static_cast<std::size_t>(place)];
+    const NodeState& state = states_[static_cast<std::size_t>(place)];
     return std::span(sockets_).subspan(static_cast<std::size_t>(state.first_socket),
                                        static_cast<std::size_t>(state.socket_count));
 }
 
 // The socket whose key is the word itself; null where there is none, which tells nothing about equal keys.
-Gen::Socket* Gen::find_socket(const Node& n, Word ident) {
+Socket* Gen::find_socket(const Node& n, Word ident) {
     const void* const key = runtime().word(ident);
     for (Socket& socket : sockets(n.place)) {
         if (socket.key == key) {
@@ -55,7 +55,7 @@ Gen::Socket* Gen::find_socket(const Node& n, Word ident) {
 
 // The socket of an entry that the document has under that word. It is named by the word from then on, and found by
 // it. Where one entry stands for several sockets, each gets one of them.
-Gen::Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
+Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
     for (Socket& socket : sockets(n.place)) {
         if (!socket.is_named && socket.entry.object() == entry.object()) {
             socket.key = runtime().word(ident);

@@ -1,0 +1,143 @@
+// What a translation puts down while it runs: the records of its document's graph, and its texts.
+//
+// The memory is kept from call to call, so that a translation of a graph as large as one before it allocates little
+// but its result.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "core/gen/arena.h"
+#include "core/gen/inputs.h"
+#include "core/gen/registry.h"
+#include "core/gen/socket_type.h"
+#include "core/gen/text_buffer.h"
+
+namespace quillgen {
+
+// A node record of the document, with what its translation needs at hand.
+struct Node {
+    Value record;
+    Value id;
+    Value in;
+    int place = -1;  // among the generator's nodes
+
+    [[nodiscard]] Value props() const { return record.at("props"); }
+    [[nodiscard]] Value type() const { return record.at("type"); }
+};
+
+// What an output is bound to.
+struct Bound {
+    Text text;
+    SocketType type;
+};
+
+// An output that something reads.
+struct Output {
+    int name;  // of names: see Gen::name_of
+    int next;  // the node's next output, or -1
+    bool bound = false;
+    Bound value = {};
+};
+
+// What the items of a source come to.
+struct Source {
+    int place = -1;  // of the node; -1 for one that the document lacks
+    int name = -1;   // of the output
+};
+
+// An entry of a node's inputs. What has been read of it is kept: bumps read most sockets three times, and asking the
+// document once takes a quarter off their translation.
+struct Socket {
+    const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
+    bool is_named = false;      // whether a word has found it, or none may
+    Value entry = {};
+    Value link = {};     // absent where it is unlinked
+    Source source = {};  // of a link
+    Value t = {};        // the entry's `t` and `v`, absent where the first look did not meet them
+    Value v = {};
+    bool is_read = false;
+    SocketType type = {};   // of a link as it is written there, else the socket's own
+    bool is_typed = false;  // whether the link has a type written
+    Text text = {};         // of an unlinked value
+};
+
+struct NodeState {
+    int first_output = -1;
+    int first_socket = 0;  // among the sockets
+    int socket_count = 0;
+    bool done = false;          // its handler has started
+    Handler handler = nullptr;  // once it has been looked up
+    Text identifier = {};       // its id as parameter names hold it
+};
+
+struct Storage {
+    Arena arena;
+    TextBuffer scratch;
+    TextBuffer body;
+    std::vector<std::size_t> line_ends;
+    std::vector<Node> nodes;
+    std::vector<NodeState> states;  // by node
+    std::vector<Output> outputs;
+    std::vector<Socket> sockets;  // by node
+    Places places;                // node id -> place; of two records with one id the later
+    Inputs inputs;
+    std::vector<bool> needed;  // by word: the library names asked for
+
+    void clear() {
+        arena.clear();
+        scratch.clear();
+        body.clear();
+        line_ends.clear();
+        nodes.clear();
+        states.clear();
+        outputs.clear();
+        sockets.clear();
+        places.clear();
+        inputs.clear();
+        needed.clear();
+    }
+};
+
+// What no translation uses at the moment: of a material and of its displacement, which has a generator of its own.
+using IdleStorage = std::array<std::unique_ptr<Storage>, 2>;
+
+// A storage for as long as one translation takes. Translations may run inside one another, by the code of a
+// document's objects, and on several threads: each has its own.
+class StorageLoan {
+public:
+    explicit StorageLoan(IdleStorage& idle) : idle_(idle) {
+        for (std::unique_ptr<Storage>& one : idle_) {
+            if (one != nullptr) {
+                storage_ = std::move(one);
+                return;
+            }
+        }
+        storage_ = std::make_unique<Storage>();
+    }
+    // What a graph of thousands of nodes has needed is not kept.
+    ~StorageLoan() {
+        constexpr std::size_t kMostBytes = std::size_t{512} * 1024;
+        if (storage_->body.size() + storage_->sockets.size() * sizeof(Socket) > kMostBytes) {
+            return;
+        }
+        storage_->clear();
+        for (std::unique_ptr<Storage>& one : idle_) {
+            if (one == nullptr) {
+                one = std::move(storage_);
+                return;
+            }
+        }
+    }
+    StorageLoan(const StorageLoan&) = delete;
+    StorageLoan& operator=(const StorageLoan&) = delete;
+
+    Storage* operator->() const { return storage_.get(); }
+
+private:
+    IdleStorage& idle_;
+    std::unique_ptr<Storage> storage_;
+};
+
+}  // namespace quillgen
