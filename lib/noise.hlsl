@@ -9,8 +9,7 @@
 // Exact up to 2e12 also where a compiler makes the remainder of a rounded quotient: the first step leaves what the
 // second can take without rounding (409600000 = 4096 * 100000). What is infinite or no number ends up somewhere, too.
 float noise_wrap(float x) {
-  x = clamp(x, -3e38, 3e38);
-  return x % 409600000.0 % 100000.0 + 0.5 * step(1000000.0, abs(x));
+  return max(x % 409600000.0 % 100000.0, -100000.0) + 0.5 * step(1000000.0, abs(x));
 }
 
 // All coordinates of a point brought there, where one of them is 100000 or more. The squared length is one test for
@@ -152,32 +151,33 @@ float noise_signed4(float4 p) {
 
 // The sum of octaves whose amplitude changes by `roughness`; normalize brings it to 0 to 1. The second components are
 // those of one octave earlier: a fractional octave mixes the two results.
-// The loop asks for the first octave by name, so that the compiler knows there is one; the 1e-30 keeps the quotient of
-// the octave before that one at 0.
+// What is left of `detail` when an octave begins is told as 1 for the first, so that the compiler knows there is one;
+// the 1e-30 keeps the quotient of the octaves before the last finite, where there are none and where their weights add
+// up to 0, as a roughness of -1 makes them: nothing is taken of it unless the last is a broken one.
 // Here the scale grows and the point stays, where the other fractals multiply the point again and again: Blender does
 // so, and the two round differently.
 // @each DIM 1 2 3 4
 float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain,
     float normalize, out float plain) {
-  detail = min(detail, 15.0);
   float scale = 1.0;
   float weight = 1.0;
-  float2 weights = 1e-30;
+  float2 weights = 0.0;
   float2 sum = 0.0;
-  float done = -1.0;
+  float left = 1.0;
+  float next = min(detail, 15.0);
   plain = 0.0;
   [loop]
-  while (done < 0.0 || done < detail) {
+  while (left > 0.0) {
     plain = noise_signedDIM(p * scale);
     sum = float2(mad(plain, weight, sum.x), sum.x);
     weights = float2(weights.x + weight, weights.x);
     weight *= roughness;
     scale *= lacunarity;
-    done += 1.0;
+    left = next;
+    next -= 1.0;
   }
-  if (normalize != 0.0) sum /= weights;
-  // Weights that add up to 0, as a roughness of -1 makes them, are the last octave's business only where it is broken.
-  float value = detail < done ? mad(detail - done, sum.x - sum.y, sum.x) : sum.x;
+  if (normalize != 0.0) sum /= float2(weights.x, weights.y + 1e-30);
+  float value = mad(left, sum.x - sum.y, sum.x);
   return normalize != 0.0 ? mad(value, 0.5, 0.5) : value;
 }
 
