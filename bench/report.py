@@ -37,6 +37,8 @@ DXIL instructions after inlining, what fetches the inputs and stores the outputs
 DXC's processor time (language version 2021); processor time of Mesa's CPU Vulkan device in milliseconds for
 a million points, from {points} random points, reading and storing included. Before: the library when all
 example materials first compiled (`bench/baseline.json`).
+The instructions compare. The times of before were read on another day, and what such a shared machine
+gives to one process differs by up to a factor of two from minute to minute.
 
 ### Textures
 
