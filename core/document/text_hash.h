@@ -16,7 +16,9 @@ struct TextHash {
         std::uint64_t mixed = text.size();
         const auto mix = [&](const char* from, std::size_t size) {
             std::uint64_t bytes = 0;
-            std::memcpy(&bytes, from, size);
+            if (size > 0) {  // an empty text may have no address
+                std::memcpy(&bytes, from, size);
+            }
             mixed = (mixed ^ bytes) * 0x9E3779B97F4A7C15U;
             mixed ^= mixed >> 32U;
         };
