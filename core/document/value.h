@@ -11,6 +11,38 @@
 
 namespace quillgen {
 
+// The keys of small maps that come by the hundred. They are told by their addresses, and by what they say only where
+// those are new: the keys of one document are mostly the same objects all over, if not the words themselves.
+template <std::size_t Count>
+class SmallMapKeys {
+public:
+    SmallMapKeys(const Runtime& runtime, const Word (&words)[Count]) {
+        for (std::size_t i = 0; i < Count; ++i) {
+            words_[i] = runtime.word(words[i]);
+            seen_[i] = Ref::borrow(words_[i]);
+        }
+    }
+    // The number of the key, or Count.
+    std::size_t find(PyObject* key) {
+        for (std::size_t i = 0; i < Count; ++i) {
+            if (seen_[i].get() == key) {
+                return i;
+            }
+        }
+        for (std::size_t i = 0; PyUnicode_CheckExact(key) && i < Count; ++i) {
+            if (PyUnicode_Compare(words_[i], key) == 0) {
+                seen_[i] = Ref::borrow(key);
+                return i;
+            }
+        }
+        return Count;
+    }
+
+private:
+    std::array<PyObject*, Count> words_;
+    std::array<Ref, Count> seen_;  // held, so that no other object comes to stand there
+};
+
 class Value {
 public:
     Value() = default;
@@ -41,11 +73,10 @@ public:
     // subscript in one look.
     [[nodiscard]] Value find(Word key) const;
     [[nodiscard]] Value find(const Value& key) const;  // of a map of our own; TypeError without a hash
-    // find(key) for each of the keys in one pass over a small plain map, whose keys are told by their addresses:
-    // literals of a program are the words themselves, and so is every text of one character. False where the map
-    // has another key, and for any other value; then what has not been found may be there all the same.
+    // find(key) for each of the keys in one pass over a small plain map. False for any other value, and where the map
+    // has keys that are no plain texts; then what has not been found may be there all the same.
     template <std::size_t Count>
-    bool pick(const Word (&keys)[Count], Value* const (&found)[Count]) const;
+    bool pick(SmallMapKeys<Count>& keys, Value* const (&found)[Count]) const;
     // What to make room for: the size of a plain list, and 0 of anything else, which may say anything.
     [[nodiscard]] std::size_t expected_size() const {
         return PyList_CheckExact(object_.get()) ? static_cast<std::size_t>(PyList_Size(object_.get())) : 0;
@@ -126,21 +157,20 @@ private:
 };
 
 template <std::size_t Count>
-bool Value::pick(const Word (&keys)[Count], Value* const (&found)[Count]) const {
+bool Value::pick(SmallMapKeys<Count>& keys, Value* const (&found)[Count]) const {
     if (!PyDict_CheckExact(object_.get())) {
         return false;
     }
+    constexpr Py_ssize_t kMost = 16;  // a larger map is better asked for each key
     PyObject* key = nullptr;
     PyObject* item = nullptr;
     for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
-        std::size_t i = 0;
-        while (i < Count && key != runtime_->word(keys[i])) {
-            ++i;
-        }
-        if (i == Count) {
+        const std::size_t i = keys.find(key);
+        if (i < Count) {
+            *found[i] = share(item);
+        } else if (PyUnicode_CheckExact(key) == 0 || place > kMost) {
             return false;
         }
-        *found[i] = share(item);
     }
     return true;
 }

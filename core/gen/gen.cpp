@@ -20,11 +20,14 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
       states_(storage_->states),
       outputs_(storage_->outputs),
       sockets_(storage_->sockets),
+      entry_keys_(module.runtime, {"t", "v", "link"}),
       places_(storage_->places),
       need_(Value::set(module.runtime)),
       needed_(storage_->needed),
+      socket_keys_(storage_->socket_keys),
       structs_(Value::set(module.runtime)) {
     needed_.assign(kWords.size(), false);
+    socket_keys_.assign(kWords.size(), nullptr);
     read_nodes();
     read_links();
 }
@@ -74,7 +77,7 @@ void Gen::read_link(const void* key, const Value& entry) {
     socket.key = is_plain ? key : nullptr;
     socket.is_named = !is_plain;
     socket.entry = entry;
-    if (!entry.pick({"t", "v", "link"}, {&socket.t, &socket.v, &socket.link}) && !socket.link.present()) {
+    if (!entry.pick(entry_keys_, {&socket.t, &socket.v, &socket.link}) && !socket.link.present()) {
         socket.link = entry.find("link");
     }
     if (socket.link.present()) {

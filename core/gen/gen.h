@@ -235,6 +235,7 @@ private:
     std::vector<NodeState>& states_;
     std::vector<Output>& outputs_;
     std::vector<Socket>& sockets_;
+    SmallMapKeys<3> entry_keys_;
     Places& places_;
     Places other_names_;  // output names that are no words -> number
     int other_name_count_ = 0;
@@ -242,6 +243,7 @@ private:
 
     Value need_;
     std::vector<bool>& needed_;
+    std::vector<const void*>& socket_keys_;
     Value structs_;
     const Offset* boff_ = nullptr;
 };

@@ -41,11 +41,14 @@ std::span<Socket> Gen::sockets(int place) {
                                        static_cast<std::size_t>(state.socket_count));
 }
 
-// The socket whose key is the word itself; null where there is none, which tells nothing about equal keys.
+// The socket whose key is the word itself, or the object that has been the key of such a socket before; null where
+// there is none, which tells nothing about equal keys.
 Socket* Gen::find_socket(const Node& n, Word ident) {
-    const void* const key = runtime().word(ident);
+    const void* const word = runtime().word(ident);
+    const void* const known = socket_keys_[ident.index()] != nullptr ? socket_keys_[ident.index()] : word;
     for (Socket& socket : sockets(n.place)) {
-        if (socket.key == key) {
+        if (socket.key == word || socket.key == known) {
+            socket.key = word;
             socket.is_named = true;
             return &socket;
         }
@@ -54,16 +57,27 @@ Socket* Gen::find_socket(const Node& n, Word ident) {
 }
 
 // The socket of an entry that the document has under that word. It is named by the word from then on, and found by
-// it. Where one entry stands for several sockets, each gets one of them.
+// it. Where one entry stands for several sockets, each gets one of them, which may be another's: then its key tells
+// nothing.
 Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
+    Socket* found = nullptr;
+    int sharing = 0;
     for (Socket& socket : sockets(n.place)) {
-        if (!socket.is_named && socket.entry.object() == entry.object()) {
-            socket.key = runtime().word(ident);
-            socket.is_named = true;
-            return &socket;
+        if (socket.entry.object() == entry.object()) {
+            ++sharing;
+            if (found == nullptr && !socket.is_named) {
+                found = &socket;
+            }
         }
     }
-    return nullptr;
+    if (found != nullptr) {
+        if (sharing == 1) {
+            socket_keys_[ident.index()] = found->key;
+        }
+        found->key = runtime().word(ident);
+        found->is_named = true;
+    }
+    return found;
 }
 
 bool Gen::linked(const Node& n, Word ident) {

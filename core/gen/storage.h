@@ -83,7 +83,8 @@ struct Storage {
     std::vector<Socket> sockets;  // by node
     Places places;                // node id -> place; of two records with one id the later
     Inputs inputs;
-    std::vector<bool> needed;  // by word: the library names asked for
+    std::vector<bool> needed;              // by word: the library names asked for
+    std::vector<const void*> socket_keys;  // by word: the address of the document's key for it, once it is known
 
     void clear() {
         arena.clear();
@@ -97,6 +98,7 @@ struct Storage {
         places.clear();
         inputs.clear();
         needed.clear();
+        socket_keys.clear();
     }
 };
 
