@@ -64,8 +64,8 @@ std::vector<std::size_t> order_by_name(const std::vector<Input>& inputs) {
     return order;
 }
 
-// A record of a parameter: a copy of one of its kind that is complete but for what differs, which takes half the
-// time of a map that grows.
+// A record of a parameter: a copy of one of its kind that is complete but for what differs, which is
+// cheaper than a map that grows.
 class ParameterRecords {
 public:
     explicit ParameterRecords(bool with_names) : with_names_(with_names) {}
