@@ -27,39 +27,39 @@ OutputRow write_opacity(Gen& g, const Value& material, Text c) {
     const bool blended = setting(g.ir, "blend").is("BLENDED");
     material.put("blend", Value::word(g.runtime(), blended ? Word("translucent") : Word("masked")));
     if (blended) {
-        return {"OutOpacity", "float", "opacity", g.text("$0.alpha", c)};
+        return {"OutOpacity", "float", "opacity", g.text("$0.alpha"_fmt, c)};
     }
     g.declare_input("pixpos", "pixel_position");
     g.declare_input("taaidx", "temporal_index");
     g.use("dither_coverage");
     material.put("clip", Value::number(g.runtime(), 0.5));
-    return {"OutOpacity", "float", "opacity", g.text("L.dither_coverage($0.alpha, pixpos, taaidx)", c)};
+    return {"OutOpacity", "float", "opacity", g.text("L.dither_coverage($0.alpha, pixpos, taaidx)"_fmt, c)};
 }
 
 // The outputs of a lit material, in the order of their assignments, and what they say of the material.
 std::vector<OutputRow> write_outputs(Gen& g, const Value& material, Text c) {
     std::vector<OutputRow> outputs = {
-        {"OutMetallic", "float", "metallic", g.text("$0.metallic", c)},
-        {"OutRoughness", "float", "roughness", g.text("$0.roughness", c)},
-        {"OutSpecular", "float", "specular", g.text("$0.specular", c)},
+        {"OutMetallic", "float", "metallic", g.text("$0.metallic"_fmt, c)},
+        {"OutRoughness", "float", "roughness", g.text("$0.roughness"_fmt, c)},
+        {"OutSpecular", "float", "specular", g.text("$0.specular"_fmt, c)},
     };
     if (g.uses.emission) {
-        outputs.push_back({"OutEmissive", "float3", "emissive", g.text("$0.emission", c)});
+        outputs.push_back({"OutEmissive", "float3", "emissive", g.text("$0.emission"_fmt, c)});
     }
     material.put("tangent_space_normal", Value::boolean(g.runtime(), false));
     const Text nf = g.var("float3", g.geo("Nf"));
     // y flips on the way back into Unreal's frame.
     outputs.push_back({"OutNormal", "float3", "normal",
                        g.text("(($0.has_normal > 0.0) ? float3($0.normal.x, -$0.normal.y, $0.normal.z) : "
-                              "float3($1.x, -$1.y, $1.z))",
+                              "float3($1.x, -$1.y, $1.z))"_fmt,
                               c, nf)});
     if (g.uses.alpha) {
         outputs.push_back(write_opacity(g, material, c));
     }
     if (g.uses.coat) {
         material.put("shading", Value::word(g.runtime(), "clear_coat"));
-        outputs.push_back({"OutCoat", "float", "clear_coat", g.text("$0.coat", c)});
-        outputs.push_back({"OutCoatRoughness", "float", "clear_coat_roughness", g.text("$0.coat_roughness", c)});
+        outputs.push_back({"OutCoat", "float", "clear_coat", g.text("$0.coat"_fmt, c)});
+        outputs.push_back({"OutCoatRoughness", "float", "clear_coat_roughness", g.text("$0.coat_roughness"_fmt, c)});
     }
     return outputs;
 }
@@ -110,13 +110,13 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
     std::vector<OutputRow> outputs;
     Text ret = res.base;
     if (!emission_mode) {
-        ret = g.text("$0.base", res.closure);
+        ret = g.text("$0.base"_fmt, res.closure);
         outputs = write_outputs(g, material, res.closure);
     }
     for (const OutputRow& row : outputs) {
-        g.emit("$0 = $1;", row.name.text(), row.expr);
+        g.emit("$0 = $1;"_fmt, row.name.text(), row.expr);
     }
-    g.emit("return $0;", ret);
+    g.emit("return $0;"_fmt, ret);
     const Value code = lay_out(g.runtime(), kMaterialHeader, g.structs(), g.need(), g.body());
     const InputRecords inputs = input_records(g);
     const Value output_list = Value::list(g.runtime());

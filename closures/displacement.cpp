@@ -60,7 +60,7 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
     const Text oy = g.geo("oy");
     const Text oz = g.geo("oz");
     const Text nl = g.geo("Nl");
-    const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)", d, ox, oy, oz, nl);
+    const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)"_fmt, d, ox, oy, oz, nl);
     double mag = estimated_range(g, src.at(Py_ssize_t{0}));
     if (mag == 0.0) {
         g.warn(
@@ -71,7 +71,7 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
     mag = power_of_two(g.runtime().ceil_log2(mag));
     std::string magnitude;
     append_literal(magnitude, mag);
-    g.emit("return 0.5 + $0 / $1;", s_cm, magnitude);
+    g.emit("return 0.5 + $0 / $1;"_fmt, s_cm, magnitude);
     const InputRecords inputs = input_records(g);
     return {
         .code = lay_out(g.runtime(), kDisplacementHeader, g.structs(), g.need(), g.body()),

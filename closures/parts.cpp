@@ -35,7 +35,7 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
     const Gen::Run res = g.run();
     Value result = Value::map(g.runtime());
     result.put("body", line_list(g));
-    result.put("ret", Value::text(g.runtime(), emission_mode ? res.base : g.text("$0.base", res.closure)));
+    result.put("ret", Value::text(g.runtime(), emission_mode ? res.base : g.text("$0.base"_fmt, res.closure)));
     result.put("need", g.need());
     result.put("structs", g.structs());
     result.put("inputs", inputs_by_name(g));
@@ -55,7 +55,7 @@ Value assemble(const Runtime& runtime, const Value& bodies, const Value& structs
     bodies.for_each([&](const Value& pair) {
         std::string storage;
         TextBuffer chosen;
-        fill(chosen, "if ($0 < $1.5) {", {selector.formatted(storage), i++});
+        fill(chosen, "if ($0 < $1.5) {"_fmt, selector.formatted(storage), i++);
         lines.append(Value::text(runtime, chosen.view()));
         append_graph(lines, pair, wrap);
         lines.append(Value::text(runtime, "}"));

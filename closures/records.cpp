@@ -31,36 +31,24 @@ void put_details(const Gen& g, const Value& record, const Input& input) {
     }
 }
 
-// The places of the entries in the order of their names. The first bytes, as numbers, tell nearly all names apart; what
-// is left is told by the whole names.
-std::vector<std::size_t> order_by_name(const std::vector<Input>& inputs) {
-    struct Entry {
-        std::uint64_t first;
-        std::uint64_t second;
-        std::size_t place;
-    };
-    const auto number = [](const char* bytes) {
-        std::uint64_t most_significant_first = 0;
-        for (int i = 0; i < 8; ++i) {
-            most_significant_first = most_significant_first << 8U | static_cast<unsigned char>(bytes[i]);
-        }
-        return most_significant_first;
-    };
-    std::vector<Entry> entries;
-    entries.reserve(inputs.size());
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        char start[16] = {};
-        put(start, inputs[i].name.substr(0, sizeof start));
-        entries.push_back({number(start), number(start + 8), i});
+// The entries in the order of their names. The first bytes tell nearly all names apart; what is left is told by the
+// whole names.
+std::vector<const Input*> in_order_of_names(const std::vector<Input>& inputs) {
+    std::vector<const Input*> order;
+    order.reserve(inputs.size());
+    for (const Input& input : inputs) {
+        order.push_back(&input);
     }
-    std::sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
-        if (a.first != b.first) {
-            return a.first < b.first;
+    std::sort(order.begin(), order.end(), [](const Input* left, const Input* right) {
+        const Name& a = *left->name;
+        const Name& b = *right->name;
+        for (std::size_t i = 0; i < a.start.size(); ++i) {
+            if (a.start[i] != b.start[i]) {
+                return a.start[i] < b.start[i];
+            }
         }
-        return a.second != b.second ? a.second < b.second : inputs[a.place].name < inputs[b.place].name;
+        return a.text < b.text;
     });
-    std::vector<std::size_t> order(entries.size());
-    std::transform(entries.begin(), entries.end(), order.begin(), [](const Entry& entry) { return entry.place; });
     return order;
 }
 
@@ -70,7 +58,7 @@ class ParameterRecords {
 public:
     explicit ParameterRecords(bool with_names) : with_names_(with_names) {}
 
-    Value make(const Gen& g, const Input& input, const Value& name) {
+    Value make(const Gen& g, const Input& input) {
         Value& form = input.kind == Word("scalar") ? scalar_ : vector_;
         if (!form.present()) {
             form = Value::map(g.runtime());
@@ -82,7 +70,7 @@ public:
         }
         Value record = form.copied_map();
         if (with_names_) {
-            record.put("name", name);
+            record.put("name", input.name->string);
         }
         record.put("default", input.value);
         return record;
@@ -99,27 +87,25 @@ private:
 InputRecords input_records(const Gen& g) {
     const std::vector<Input>& inputs = g.inputs.entries();
     InputRecords records = {Value::list(g.runtime()), Value::map(g.runtime())};
-    std::vector<Value> names;
-    names.reserve(inputs.size());
+    std::size_t step = 0;
     for (const Input& input : inputs) {
-        const Value& name = names.emplace_back(Value::name(g.runtime(), input.name));
         if (input.is_parameter) {
-            records.params.put(name, Value::pair(word(g, input.kind), input.value));
+            records.params.put(input.name->string, Value::pair(word(g, input.kind), input.value));
         }
-        check_signals_at(names.size());
+        check_signals_at(step++);
     }
     ParameterRecords parameters(true);
-    for (const std::size_t i : order_by_name(inputs)) {
-        if (inputs[i].is_parameter) {
-            records.sorted.append(parameters.make(g, inputs[i], names[i]));
+    for (const Input* const input : in_order_of_names(inputs)) {
+        if (input->is_parameter) {
+            records.sorted.append(parameters.make(g, *input));
             continue;
         }
         Value record = Value::map(g.runtime());
-        record.put("name", names[i]);
-        record.put("kind", word(g, inputs[i].kind));
-        put_details(g, record, inputs[i]);
+        record.put("name", input->name->string);
+        record.put("kind", word(g, input->kind));
+        put_details(g, record, *input);
         records.sorted.append(record);
-        check_signals_at(i);
+        check_signals_at(step++);
     }
     return records;
 }
@@ -128,9 +114,9 @@ Value inputs_by_name(const Gen& g) {
     Value map = Value::map(g.runtime());
     ParameterRecords parameters(false);
     for (const Input& input : g.inputs.entries()) {
-        const Value name = Value::name(g.runtime(), input.name);
+        const Value& name = input.name->string;
         if (input.is_parameter) {
-            map.put(name, parameters.make(g, input, name));
+            map.put(name, parameters.make(g, input));
             continue;
         }
         Value record = Value::map(g.runtime());

@@ -11,7 +11,6 @@
 
 namespace quillgen {
 
-template <class Made>
 class Remembered {
 public:
     // All of it is forgotten where the keys come to more bytes than that, so that a long session does not grow.
@@ -19,12 +18,12 @@ public:
 
     // What has been made of the key; the first time `make()`, which may throw. It stays until the next call.
     template <class Make>
-    const Made& get(std::string_view key, Make make) {
+    const std::string& get(std::string_view key, Make make) {
         if (const auto known = made_.find(key); known != made_.end()) {
             return known->second;
         }
         // Making it may run any code, and with that other calls of this.
-        Made made = make();
+        std::string made = make();
         bytes_ += key.size();
         if (bytes_ > most_bytes_) {
             made_.clear();
@@ -36,7 +35,7 @@ public:
 private:
     const std::size_t most_bytes_;
     std::size_t bytes_ = 0;
-    std::unordered_map<std::string, Made, TextHash, std::equal_to<>> made_;
+    std::unordered_map<std::string, std::string, TextHash, std::equal_to<>> made_;
 };
 
 }  // namespace quillgen

@@ -115,17 +115,14 @@ Ref to_python(Text text) {
     return Ref::checked(PyUnicode_DecodeUTF8(text.data(), static_cast<Py_ssize_t>(text.size()), "surrogatepass"));
 }
 
-Text to_text(PyObject* string, std::string& storage) {
-    Py_ssize_t size = 0;
-    if (const char* bytes = PyUnicode_AsUTF8AndSize(string, &size)) {
-        return {bytes, static_cast<std::size_t>(size)};
-    }
+Text encoded_surrogates(PyObject* string, std::string& storage) {
     if (PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) == 0) {
         throw PythonError{};
     }
     PyErr_Clear();
     const Ref encoded = Ref::checked(PyUnicode_AsEncodedString(string, "utf-8", "surrogatepass"));
     char* start = nullptr;
+    Py_ssize_t size = 0;
     checked(PyBytes_AsStringAndSize(encoded.get(), &start, &size));
     storage.assign(start, static_cast<std::size_t>(size));
     return storage;

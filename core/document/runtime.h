@@ -41,10 +41,8 @@ public:
     [[nodiscard]] long ceil_log2(double value) const;
     // What is kept from call to call.
     struct Memory {
-        Remembered<std::string> identifiers{std::size_t{64} * 1024};  // node id -> as identifiers have it
-        Remembered<std::string> textures{std::size_t{64} * 1024};     // image name -> name of its input
-        Remembered<std::string> literals{std::size_t{256} * 1024};    // bytes of numbers -> literals
-        Remembered<Ref> strings{std::size_t{128} * 1024};             // text -> a string of Python's
+        Remembered textures{std::size_t{64} * 1024};   // image name -> name of its input
+        Remembered literals{std::size_t{256} * 1024};  // bytes of numbers -> literals
     };
     [[nodiscard]] Memory& memory() const { return memory_; }
     // The library's entries, as they stand on its module at this moment.
@@ -68,8 +66,15 @@ private:
 
 // Text from and to Python strings.
 Ref to_python(Text text);
+// For to_text, where the interpreter has just refused to encode a str object: its bytes in `storage` if that was for
+// lone surrogates.
+Text encoded_surrogates(PyObject* string, std::string& storage);
 // The UTF-8 bytes of a str object; `storage` holds them where the object itself cannot.
-Text to_text(PyObject* string, std::string& storage);
+inline Text to_text(PyObject* string, std::string& storage) {
+    Py_ssize_t size = 0;
+    const char* const bytes = PyUnicode_AsUTF8AndSize(string, &size);
+    return bytes != nullptr ? Text(bytes, static_cast<std::size_t>(size)) : encoded_surrogates(string, storage);
+}
 // What a format of Python's would write for any object.
 void append_formatted(std::string& out, PyObject* object);
 

@@ -288,10 +288,6 @@ Value Value::word(const Runtime& runtime, Word word) { return {Ref::borrow(runti
 
 Value Value::text(const Runtime& runtime, Text text) { return {to_python(text), runtime}; }
 
-Value Value::name(const Runtime& runtime, Text name) {
-    return {runtime.memory().strings.get(name, [&] { return to_python(name); }), runtime};
-}
-
 Value Value::number(const Runtime& runtime, double number) {
     return {Ref::checked(PyFloat_FromDouble(number)), runtime};
 }

@@ -76,7 +76,7 @@ public:
     // find(key) for each of the keys in one pass over a small plain map. False for any other value, and where the map
     // has keys that are no plain texts; then what has not been found may be there all the same.
     template <std::size_t Count>
-    bool pick(SmallMapKeys<Count>& keys, Value* const (&found)[Count]) const;
+    bool pick(SmallMapKeys<Count>& keys, Ref* const (&found)[Count]) const;
     // What to make room for: the size of a plain list, and 0 of anything else, which may say anything.
     [[nodiscard]] std::size_t expected_size() const {
         return PyList_CheckExact(object_.get()) ? static_cast<std::size_t>(PyList_Size(object_.get())) : 0;
@@ -128,8 +128,6 @@ public:
     static Value none(const Runtime& runtime);
     static Value word(const Runtime& runtime, Word word);
     static Value text(const Runtime& runtime, Text text);
-    // The same for a name that comes back from call to call: its string, and that string's hash, are made once.
-    static Value name(const Runtime& runtime, Text name);
     static Value number(const Runtime& runtime, double number);
     static Value integer(const Runtime& runtime, long number);
     static Value boolean(const Runtime& runtime, bool truth);
@@ -157,7 +155,7 @@ private:
 };
 
 template <std::size_t Count>
-bool Value::pick(SmallMapKeys<Count>& keys, Value* const (&found)[Count]) const {
+bool Value::pick(SmallMapKeys<Count>& keys, Ref* const (&found)[Count]) const {
     if (!PyDict_CheckExact(object_.get())) {
         return false;
     }
@@ -167,7 +165,7 @@ bool Value::pick(SmallMapKeys<Count>& keys, Value* const (&found)[Count]) const 
     for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
         const std::size_t i = keys.find(key);
         if (i < Count) {
-            *found[i] = share(item);
+            *found[i] = Ref::borrow(item);
         } else if (PyUnicode_CheckExact(key) == 0 || place > kMost) {
             return false;
         }

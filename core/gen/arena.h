@@ -2,10 +2,10 @@
 // arena goes, so that expressions can be handed about as plain views.
 #pragma once
 
-#include <algorithm>
 #include <initializer_list>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/gen/put.h"
@@ -18,32 +18,34 @@ public:
     Arena(const Arena&) = delete;
     Arena& operator=(const Arena&) = delete;
 
-    std::string_view keep(std::string_view text) { return keep({text}); }
+    std::string_view keep(std::string_view text) {
+        end_at(put(room(text.size()), text));
+        return finished();
+    }
     // The pieces as one text.
     std::string_view keep(std::initializer_list<std::string_view> pieces) {
-        std::size_t size = 0;
         for (const std::string_view piece : pieces) {
-            size += piece.size();
+            end_at(put(room(piece.size()), piece));
         }
-        if (size > left_) {
+        return finished();
+    }
+
+    // A text that is written in steps: room for that many more characters at its end, how far it has been written, and
+    // the text as it stands.
+    char* room(std::size_t size) {
+        if (size > static_cast<std::size_t>(limit_ - next_)) {
             grow(size);
         }
-        char* const start = next_;
-        for (const std::string_view piece : pieces) {
-            next_ = put(next_, piece);
-        }
-        left_ -= size;
-        return {start, size};
+        return next_;
+    }
+    void end_at(char* end) { next_ = end; }
+    std::string_view finished() {
+        const char* const start = std::exchange(start_, next_);
+        return {start, static_cast<std::size_t>(next_ - start)};
     }
 
     // Gives up the texts, and all blocks but the last, which is the largest.
-    void clear() {
-        if (!blocks_.empty()) {
-            blocks_.front() = std::move(blocks_.back());
-            blocks_.resize(1);
-            begin(blocks_.front());
-        }
-    }
+    void clear();
 
 private:
     struct Block {
@@ -51,22 +53,13 @@ private:
         std::size_t size = 0;
     };
 
-    void grow(std::size_t wanted) {
-        const std::size_t size = std::max(wanted, kBlock << std::min<std::size_t>(blocks_.size(), 8));
-        blocks_.push_back({std::make_unique_for_overwrite<char[]>(size), size});
-        begin(blocks_.back());
-    }
-    void begin(const Block& block) {
-        next_ = block.characters.get();
-        left_ = block.size;
-    }
-
-    // Most materials need a few thousand characters; later blocks double up to a megabyte.
-    static constexpr std::size_t kBlock = 4096;
+    void grow(std::size_t wanted);
+    void begin(const Block& block);
 
     std::vector<Block> blocks_;
+    char* start_ = nullptr;  // of the text that is being written
     char* next_ = nullptr;
-    std::size_t left_ = 0;
+    char* limit_ = nullptr;
 };
 
 }  // namespace quillgen

@@ -2,33 +2,35 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
+#include <cstring>
 
 namespace quillgen {
 
 class Counter {
 public:
-    Counter() {
-        for (char& digit : digits_) {
-            digit = '0';
+    static constexpr std::size_t kMostDigits = 16;
+
+    // Writes the next of 1, 2, 3 ... and gives the place behind it. There is room for `kMostDigits` characters, all of
+    // which may be written to.
+    char* put_next(char* to) {
+        std::size_t place = size_;
+        while (place > 0 && digits_[place - 1] == '9') {
+            digits_[--place] = '0';
         }
-    }
-    // 1, 2, 3 ...; the view holds until the next call.
-    std::string_view next() {
-        std::size_t place = sizeof digits_ - 1;
-        for (; digits_[place] == '9'; --place) {
-            digits_[place] = '0';
+        if (place > 0) {
+            ++digits_[place - 1];
+        } else {
+            // Nines all over, which are zeros now.
+            std::memmove(digits_ + 1, digits_, size_++);
+            digits_[0] = '1';
         }
-        ++digits_[place];
-        if (place < first_) {
-            first_ = place;
-        }
-        return {digits_ + first_, sizeof digits_ - first_};
+        std::memcpy(to, digits_, kMostDigits);
+        return to + size_;
     }
 
 private:
-    char digits_[20];
-    std::size_t first_ = sizeof digits_;
+    char digits_[kMostDigits] = {};
+    std::size_t size_ = 0;
 };
 
 }  // namespace quillgen

@@ -6,6 +6,7 @@ namespace quillgen {
 
 Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias)
     : storage_(module.idle_storage),
+      names_(module.names.lend()),
       ir(std::move(document)),
       use_params(with_params),
       uv_bias(std::move(bias)),
@@ -13,7 +14,6 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
       module_(module),
       emission_mode_(emission_mode),
       arena_(storage_->arena),
-      scratch_(storage_->scratch),
       body_(storage_->body),
       line_ends_(storage_->line_ends),
       nodes_(storage_->nodes),
@@ -27,7 +27,7 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
       socket_keys_(storage_->socket_keys),
       structs_(Value::set(module.runtime)) {
     needed_.assign(kWords.size(), false);
-    socket_keys_.assign(kWords.size(), nullptr);
+    socket_keys_.assign(kWords.size(), {});
     read_nodes();
     read_links();
 }
@@ -59,9 +59,9 @@ void Gen::read_links() {
     for (Node& n : nodes_) {
         n.in = n.record.at("in");
         NodeState& state = states_[static_cast<std::size_t>(n.place)];
-        state.first_socket = static_cast<int>(sockets_.size());
+        state.first_socket = sockets_.size();
         n.in.for_each_value([&](const void* key, const Value& entry) { read_link(key, entry); });
-        state.socket_count = static_cast<int>(sockets_.size()) - state.first_socket;
+        state.socket_count = sockets_.size() - state.first_socket;
     }
     ir.at("out").for_each_value([&](const void*, const Value& source) {
         if (source.truthy()) {
@@ -76,12 +76,12 @@ void Gen::read_link(const void* key, const Value& entry) {
     const bool is_plain = key != nullptr && entry.is_map();
     socket.key = is_plain ? key : nullptr;
     socket.is_named = !is_plain;
-    socket.entry = entry;
-    if (!entry.pick(entry_keys_, {&socket.t, &socket.v, &socket.link}) && !socket.link.present()) {
-        socket.link = entry.find("link");
+    socket.entry = Ref::borrow(entry.object());
+    if (!entry.pick(entry_keys_, {&socket.t, &socket.v, &socket.link}) && !socket.link) {
+        socket.link = entry.find("link").take();
     }
-    if (socket.link.present()) {
-        socket.source = mark_used(socket.link);
+    if (socket.link) {
+        socket.source = mark_used(shared(socket.link));
     }
 }
 
@@ -125,16 +125,20 @@ const Node* Gen::find_node(const Value& nid) const {
 
 // ---- statements -----------------------------------------------------------------------------
 
-Text Gen::tmp(Text prefix) { return arena_.keep({prefix, k_.next()}); }
+Text Gen::tmp(Text prefix) {
+    char* const start = arena_.room(prefix.size() + Counter::kMostDigits);
+    arena_.end_at(k_.put_next(put(start, prefix)));
+    return arena_.finished();
+}
 
-void Gen::emit_filled(Text line, Arguments arguments) {
+void Gen::emit(Text line) {
     body_.append("  ");
-    fill(body_, line, arguments);
+    body_.append(line);
+    body_.append("\n");
     end_line();
 }
 
 void Gen::end_line() {
-    body_.append("\n");
     line_ends_.push_back(body_.size());
     check_signals_at(line_ends_.size());
 }
@@ -150,23 +154,9 @@ Text Gen::begin_declaration(Text type, Text prefix) {
 Text Gen::declare(Text type, Text prefix, Text expr) {
     const Text name = begin_declaration(type, prefix);
     body_.append(expr);
-    body_.append(";");
+    body_.append(";\n");
     end_line();
     return name;
-}
-
-Text Gen::declare(Text type, Text prefix, Text expr, Arguments arguments) {
-    const Text name = begin_declaration(type, prefix);
-    fill(body_, expr, arguments);
-    body_.append(";");
-    end_line();
-    return name;
-}
-
-Text Gen::kept(Text format, Arguments arguments) {
-    scratch_.clear();
-    fill(scratch_, format, arguments);
-    return arena_.keep(scratch_.view());
 }
 
 // A curve has hundreds, and writing a number takes longer than anything else that a translation does for it: a material
@@ -190,6 +180,12 @@ Text Gen::formatted(const Value& value) {
 
 const TemplateTable::Row* Gen::row(Text table, const Value& operation, Text fallback) const {
     return module_.registry.table(table).find(operation.present() ? operation : Value::text(runtime(), fallback));
+}
+
+Text Gen::fill_row(const TemplateTable::Row& row, std::initializer_list<Text> operands) {
+    use(row.needs);
+    fill(arena_, row.format, operands);
+    return arena_.finished();
 }
 
 // ---- library names --------------------------------------------------------------------------
@@ -224,24 +220,16 @@ Output* Gen::find_output(int place, int name) {
     return nullptr;
 }
 
-void Gen::set(const Node& n, Word out, SocketType type, Text expr) { set_filled(n, out, type, "$0", {expr}); }
+void Gen::set(const Node& n, Word out, SocketType type, Text expr) {
+    if (is_used(n, out)) {
+        bind(n, out, type, var(hlsl(type), expr));
+    }
+}
 
 void Gen::bind(const Node& n, Word out, SocketType type, Text expr) {
     if (Output* output = find_output(n.place, static_cast<int>(out.index()))) {
         output->bound = true;
         output->value = {expr, type};
-    }
-}
-
-void Gen::set_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments) {
-    if (is_used(n, out)) {
-        bind(n, out, type, declare(hlsl(type), "v", expr, arguments));
-    }
-}
-
-void Gen::bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments) {
-    if (is_used(n, out)) {
-        bind(n, out, type, kept(expr, arguments));
     }
 }
 
@@ -265,7 +253,7 @@ Bound Gen::output(const Source& found, const Value& source) {
     }
     if (output == nullptr || !output->bound) {
         const Value type = nodes_[static_cast<std::size_t>(found.place)].type();
-        unsupported(text("$0 has no output $1", formatted(type), formatted(source.at(Py_ssize_t{1}))));
+        unsupported(text("$0 has no output $1"_fmt, formatted(type), formatted(source.at(Py_ssize_t{1}))));
     }
     return output->value;
 }
@@ -291,7 +279,7 @@ void Gen::node(int place, const Value& source) {
 
 // A node type without a handler: a warning, and zeros for the outputs that its record declares.
 void Gen::fall_back(const Value& nid, const Node& n, const Value& type) {
-    warn("$0 ($1) has no Unreal equivalent - its outputs are 0", formatted(nid), formatted(type));
+    warn("$0 ($1) has no Unreal equivalent - its outputs are 0"_fmt, formatted(nid), formatted(type));
     const Value outs = n.record.get("outs");
     if (!outs.present()) {
         return;
@@ -316,12 +304,13 @@ Gen::Run Gen::run() {
     displacement_normal();
     const Bound surface = output(src);
     if (emission_mode_) {
-        return {
-            is_closure(surface.type) ? text("($0).emission", surface.text) : convert(surface.text, surface.type, RGBA),
-            {}};
+        return {is_closure(surface.type) ? text("($0).emission"_fmt, surface.text)
+                                         : convert(surface.text, surface.type, RGBA),
+                {}};
     }
-    const Text e = is_closure(surface.type) ? surface.text
-                                            : text("L.closure_emission($0)", convert(surface.text, surface.type, RGBA));
+    const Text e = is_closure(surface.type)
+                       ? surface.text
+                       : text("L.closure_emission($0)"_fmt, convert(surface.text, surface.type, RGBA));
     return {{}, declare("closure", "surf", e)};
 }
 

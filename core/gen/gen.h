@@ -47,24 +47,32 @@ public:
     // A fresh name: the prefix and the next number of the one counter.
     Text tmp(Text prefix = "t");
 
-    void emit(Text line) { emit_filled(line, {}); }
-    template <class... Args>
-    QUILLGEN_OWN_FRAME void emit(Format<Args...> line, const Args&... args) {
-        emit_filled(line.text(), {Argument(args)...});
+    void emit(Text line);
+    template <FormatText F, class... Args>
+    QUILLGEN_OWN_FRAME void emit(Format<F> line, const Args&... args) {
+        body_.append("  ");
+        fill(body_, line, args...);
+        body_.append("\n");
+        end_line();
     }
 
     // Declares a variable and gives its name. The type "closure" stands for the closure record.
     Text var(Text type, Text expr) { return declare(type, "v", expr); }
-    template <class... Args>
-    QUILLGEN_OWN_FRAME Text var(Text type, Format<Args...> expr, const Args&... args) {
-        return declare(type, "v", expr.text(), {Argument(args)...});
+    template <FormatText F, class... Args>
+    QUILLGEN_OWN_FRAME Text var(Text type, Format<F> expr, const Args&... args) {
+        const Text name = begin_declaration(type, "v");
+        fill(body_, expr, args...);
+        body_.append(";\n");
+        end_line();
+        return name;
     }
 
     // A text that lives as long as the generator.
     Text keep(Text text) { return arena_.keep(text); }
-    template <class... Args>
-    QUILLGEN_OWN_FRAME Text text(Format<Args...> format, const Args&... args) {
-        return kept(format.text(), {Argument(args)...});
+    template <FormatText F, class... Args>
+    QUILLGEN_OWN_FRAME Text text(Format<F> format, const Args&... args) {
+        fill(arena_, format, args...);
+        return arena_.finished();
     }
     Text _f(const Value& value) { return keep(quillgen::_f(value)); }
     Text _v3(const Value& value) { return keep(quillgen::_v3(value)); }
@@ -73,20 +81,16 @@ public:
     Text formatted(const Value& value);  // as a format of Python's writes it
 
     void warn(Text warning) { warnings.push_back(keep(warning)); }
-    template <class... Args>
-    QUILLGEN_OWN_FRAME void warn(Format<Args...> warning, const Args&... args) {
-        warnings.push_back(kept(warning.text(), {Argument(args)...}));
+    template <FormatText F, class... Args>
+    void warn(Format<F> warning, const Args&... args) {
+        warnings.push_back(text(warning, args...));
     }
     [[noreturn]] void unsupported(Text message) const { module_.runtime.raise_unsupported(message); }
 
     // The row of an operation, or of `fallback` where the word is absent; null for one without a row.
     [[nodiscard]] const TemplateTable::Row* row(Text table, const Value& operation, Text fallback) const;
     // The row's HLSL with the operands in it; asks for the library names that it calls.
-    template <class... Args>
-    QUILLGEN_OWN_FRAME Text fill_row(const TemplateTable::Row& row, const Args&... operands) {
-        use(row.needs);
-        return kept(row.format, {Argument(operands)...});
-    }
+    Text fill_row(const TemplateTable::Row& row, std::initializer_list<Text> operands);
 
     // ---- library names ----------------------------------------------------------------------
     void use(std::span<const Word> names);
@@ -104,13 +108,17 @@ public:
     // reader. An output that nothing reads costs nothing.
     void set(const Node& n, Word out, SocketType type, Text expr);
     void bind(const Node& n, Word out, SocketType type, Text expr);
-    template <class... Args>
-    QUILLGEN_OWN_FRAME void set(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
-        set_filled(n, out, type, expr.text(), {Argument(args)...});
+    template <FormatText F, class... Args>
+    void set(const Node& n, Word out, SocketType type, Format<F> expr, const Args&... args) {
+        if (is_used(n, out)) {
+            bind(n, out, type, var(hlsl(type), expr, args...));
+        }
     }
-    template <class... Args>
-    QUILLGEN_OWN_FRAME void bind(const Node& n, Word out, SocketType type, Format<Args...> expr, const Args&... args) {
-        bind_filled(n, out, type, expr.text(), {Argument(args)...});
+    template <FormatText F, class... Args>
+    void bind(const Node& n, Word out, SocketType type, Format<F> expr, const Args&... args) {
+        if (is_used(n, out)) {
+            bind(n, out, type, text(expr, args...));
+        }
     }
     // The same for an output whose name the document gives.
     void bind(const Node& n, const Value& out, SocketType type, Text expr);
@@ -128,8 +136,14 @@ public:
     // Unsupported where a shader meets a value.
     Text convert(Text expr, SocketType from, SocketType to);
     // The value of a socket, or of a property, as a tweakable input or, without use_params, a literal.
-    Text param(const Node& n, Text socket, SocketType type, const Value& value);
-    Text param_name(const Node& n, Text socket);
+    Text param(const Node& n, Word socket, SocketType type, const Value& value) {
+        return param(use_params ? &param_name(n, socket) : nullptr, type, value);
+    }
+    Text param(const Name* name, SocketType type, const Value& value);
+    const Name& param_name(const Node& n, Word socket);
+    // The same for a socket that is no word, in the form that identifiers have.
+    const Name& param_name(const Node& n, Text socket);
+    const Name& input_name(Text name) { return names_->get(name); }
 
     // ---- geometry signals -------------------------------------------------------------------
     Text geo(Signal what);
@@ -164,6 +178,7 @@ public:
 
 private:
     const StorageLoan storage_;  // ahead of all that refers to it
+    const std::shared_ptr<Names> names_;
 
 public:
     const Value ir;
@@ -178,7 +193,6 @@ public:
 
 private:
     class MovedEvaluation;
-    using Arguments = std::initializer_list<Argument>;
 
     void read_nodes();
     void read_links();
@@ -194,15 +208,11 @@ private:
     void node(int place, const Value& source);
     void fall_back(const Value& nid, const Node& n, const Value& type);
 
-    void emit_filled(Text line, Arguments arguments);
     void end_line();
     Text begin_declaration(Text type, Text prefix);
     Text declare(Text type, Text prefix, Text expr);
-    Text declare(Text type, Text prefix, Text expr, Arguments arguments);
-    Text kept(Text format, Arguments arguments);
-    void set_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
-    void bind_filled(const Node& n, Word out, SocketType type, Text expr, Arguments arguments);
 
+    [[nodiscard]] Value shared(const Ref& object) const { return {object, runtime()}; }
     SocketType socket_type(const Value& word);
     std::span<Socket> sockets(int place);
     Socket* find_socket(const Node& n, Word ident);
@@ -211,9 +221,9 @@ private:
     Text read(const Socket& socket, SocketType want);
     Text read_entry(const Node& n, Word ident, const Value& entry, SocketType want);
     SocketType written_type(const Value& word);
-    Text scalar_param(Text name, const Value& value);
-    Text vector_param(Text expr, const Value& value);
-    Text identifier(const Node& n);
+    Text scalar_param(const Name* name, const Value& value);
+    Text vector_param(const Name* name, const Value& value);
+    NodeNames& names_of(const Node& n);
 
     Text _geo(Signal what);
     Text frame_vector(Signal what);
@@ -226,7 +236,6 @@ private:
     const Module& module_;
     const bool emission_mode_;
     Arena& arena_;
-    TextBuffer& scratch_;
     TextBuffer& body_;
     std::vector<std::size_t>& line_ends_;
     Counter k_;
@@ -243,7 +252,7 @@ private:
 
     Value need_;
     std::vector<bool>& needed_;
-    std::vector<const void*>& socket_keys_;
+    std::vector<SocketKey>& socket_keys_;
     Value structs_;
     const Offset* boff_ = nullptr;
 };

@@ -2,11 +2,9 @@
 // their first declaration.
 #pragma once
 
-#include <cstdint>
 #include <vector>
 
-#include "core/document/value.h"
-#include "core/document/words.h"
+#include "core/gen/names.h"
 
 namespace quillgen {
 
@@ -19,7 +17,7 @@ struct Texture {
 };
 
 struct Input {
-    Text name;
+    const Name* name;
     Word kind;
     Value value = {};      // "scalar", "vector": the default; "texture": none
     int index = 0;         // "texcoord": the UV set
@@ -32,12 +30,11 @@ struct Input {
 class Inputs {
 public:
     // The entry of that name, or null.
-    Input* find(Text name);
+    Input* find(const Name& name);
     // Puts the entry in, or in the place of the one that has its name.
-    Input& put(Input input);
+    Input& put(const Input& input);
 
-    // Makes room for that many entries.
-    void reserve(std::size_t count);
+    void reserve(std::size_t count) { entries_.reserve(count); }
     void clear();
 
     [[nodiscard]] const std::vector<Input>& entries() const { return entries_; }
@@ -46,13 +43,11 @@ public:
     [[nodiscard]] bool ambiguous() const { return ambiguous_; }
 
 private:
-    [[nodiscard]] std::size_t place_of(Text name) const;
-
-    static constexpr std::uint32_t kFree = 0;
-
     bool ambiguous_ = false;
     std::vector<Input> entries_;
-    std::vector<std::uint32_t> places_;  // open addressing: index of an entry plus 1, or kFree
+    // By the number of a name: where its entry is, if that entry has the name. What other translations have left here
+    // tells nothing and does no harm.
+    std::vector<std::size_t> places_;
 };
 
 }  // namespace quillgen

@@ -10,6 +10,7 @@ struct Module {
     Runtime runtime;
     Registry registry{runtime};
     mutable IdleStorage idle_storage;
+    mutable SharedNames names{runtime};
 };
 
 }  // namespace quillgen

@@ -12,18 +12,18 @@ Text Gen::geo(Signal what) {
     }
     switch (what.kind()) {
     case Signal::P:
-        return text("($0 + $1)", e, boff_->w);
+        return text("($0 + $1)"_fmt, e, boff_->w);
     case Signal::Pobj: {
         use("dir_world_to_obj");
         const Text ox = geo("ox");
         const Text oy = geo("oy");
-        return text("($0 + L.dir_world_to_obj($1, $2, $3, $4))", e, boff_->w, ox, oy, geo("oz"));
+        return text("($0 + L.dir_world_to_obj($1, $2, $3, $4))"_fmt, e, boff_->w, ox, oy, geo("oz"));
     }
     case Signal::uv:
     case Signal::vcol: {
         const Text dx = deriv(what, 'x');
         const Text dy = deriv(what, 'y');
-        return text("($0 + $1 * $2 + $3 * $4)", e, boff_->a, dx, boff_->b, dy);
+        return text("($0 + $1 * $2 + $3 * $4)"_fmt, e, boff_->a, dx, boff_->b, dy);
     }
     default:
         return e;
@@ -100,9 +100,8 @@ private:
 
 Text Gen::inp_offset(const Node& n, Word ident, SocketType want, const Offset& offset) {
     const Socket* const socket = find_socket(n, ident);
-    const int place = socket != nullptr && socket->link.present()
-                          ? socket->source.place
-                          : find_place(n.in.at(ident).at("link").at(Py_ssize_t{0}));
+    const int place = socket != nullptr && socket->link ? socket->source.place
+                                                        : find_place(n.in.at(ident).at("link").at(Py_ssize_t{0}));
     const MovedEvaluation moved(*this, upstream(place), offset);
     return var(hlsl(want), inp(n, ident, want));
 }

@@ -14,14 +14,19 @@ inline char* put(char* out, std::string_view piece) {
     const std::size_t size = piece.size();
     const char* const from = piece.data();
     const auto move_halves = [&]<class Half>(Half half) {
-        Half last = 0;
+        Half last{};
         std::memcpy(&half, from, sizeof half);
         std::memcpy(&last, from + size - sizeof last, sizeof last);
         std::memcpy(out, &half, sizeof half);
         std::memcpy(out + size - sizeof last, &last, sizeof last);
     };
-    if (size > 16) {
+    struct Sixteen {
+        std::uint64_t halves[2];
+    };
+    if (size > 32) {
         std::memcpy(out, from, size);
+    } else if (size > 16) {
+        move_halves(Sixteen{});
     } else if (size >= 8) {
         move_halves(std::uint64_t{});
     } else if (size >= 4) {

@@ -53,22 +53,22 @@ static_assert(std::size(kAxes) == Signal::oz - Signal::vx + 1);
 
 }  // namespace
 
-void Gen::declare_input(Text name, Word kind) { inputs.put({.name = name, .kind = kind}); }
+void Gen::declare_input(Text name, Word kind) { inputs.put({.name = &input_name(name), .kind = kind}); }
 
 Text Gen::uv_signal(int index) {
-    const Text uv = text("uv$0", index);
-    inputs.put({.name = uv, .kind = "texcoord", .index = index});
+    const Text uv = text("uv$0"_fmt, index);
+    inputs.put({.name = &input_name(uv), .kind = "texcoord", .index = index});
     if (uv_bias.truthy()) {
         const Text bx = _f(uv_bias.at(Py_ssize_t{0}));
         const Text by = _f(uv_bias.at(Py_ssize_t{1}));
-        return text("float3($0.x + $1, 1.0 - $0.y + $2, 0.0)", uv, bx, by);
+        return text("float3($0.x + $1, 1.0 - $0.y + $2, 0.0)"_fmt, uv, bx, by);
     }
-    return text("float3($0.x, 1.0 - $0.y, 0.0)", uv);
+    return text("float3($0.x, 1.0 - $0.y, 0.0)"_fmt, uv);
 }
 
 Text Gen::axis_signal(Signal what) {
     const AxisSignal& axis = kAxes[what.kind() - Signal::vx];
-    inputs.put({.name = axis.input, .kind = axis.kind, .axis = axis.axis});
+    inputs.put({.name = &input_name(axis.input), .kind = axis.kind, .axis = axis.axis});
     return axis.expr;
 }
 
@@ -78,13 +78,13 @@ Text Gen::frame_vector(Signal what) {
     use({"rot_to_obj", "safe_normalize"});
     const Text normal = geo("Nv");
     const Text tangent = geo("T_ue");
-    const Text bitangent = text("-($0)", geo("B_ue"));
+    const Text bitangent = text("-($0)"_fmt, geo("B_ue"));
     const Text source = what == Signal("Nl") ? normal : what == Signal("Tl") ? tangent : bitangent;
     const Text ox = geo("ox");
     const Text oy = geo("oy");
     const Text oz = geo("oz");
-    const Text v = text("L.rot_to_obj($0, $1, $2, $3)", source, ox, oy, oz);
-    return what == Signal("Nl") ? text("L.safe_normalize($0)", v) : v;
+    const Text v = text("L.rot_to_obj($0, $1, $2, $3)"_fmt, source, ox, oy, oz);
+    return what == Signal("Nl") ? text("L.safe_normalize($0)"_fmt, v) : v;
 }
 
 // The signal at the shaded point. Signals that are made of others read those through `geo`, so that
@@ -98,13 +98,13 @@ Text Gen::_geo(Signal what) {
             return n_override;
         }
         const Text n = geo("N");
-        return text("($0 * (($1 < 0.0) ? -1.0 : 1.0))", n, geo("twosided"));
+        return text("($0 * (($1 < 0.0) ? -1.0 : 1.0))"_fmt, n, geo("twosided"));
     }
     case Signal::N: {
         // With an override, Nf is the override itself and N the one with the sign of the side: the
         // reverse of the plain case.
         if (!n_override.empty()) {
-            return text("($0 * (($1 < 0.0) ? -1.0 : 1.0))", n_override, geo("twosided"));
+            return text("($0 * (($1 < 0.0) ? -1.0 : 1.0))"_fmt, n_override, geo("twosided"));
         }
         if (!disp_stage) {
             break;
@@ -113,14 +113,14 @@ Text Gen::_geo(Signal what) {
         const Text nl = geo("Nl");
         const Text ox = geo("ox");
         const Text oy = geo("oy");
-        return text("L.n_obj_to_world($0, $1, $2, $3)", nl, ox, oy, geo("oz"));
+        return text("L.n_obj_to_world($0, $1, $2, $3)"_fmt, nl, ox, oy, geo("oz"));
     }
     case Signal::Nobj: {
         use("safe_normalize");
         const Text nf = geo("Nf");
         const Text ox = geo("ox");
         const Text oy = geo("oy");
-        return text("L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))", nf, ox, oy, geo("oz"));
+        return text("L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))"_fmt, nf, ox, oy, geo("oz"));
     }
     case Signal::Nl:
     case Signal::Tl:
@@ -130,7 +130,7 @@ Text Gen::_geo(Signal what) {
         use("facing_normal");
         const Text dx = deriv("Pcr", 'x');
         const Text dy = deriv("Pcr", 'y');
-        return text("L.facing_normal(normalize(cross($0, $1)), $2)", dx, dy, geo("I"));
+        return text("L.facing_normal(normalize(cross($0, $1)), $2)"_fmt, dx, dy, geo("I"));
     }
     case Signal::vx:
     case Signal::vy:
@@ -149,7 +149,7 @@ Text Gen::_geo(Signal what) {
     case Signal::generated: {
         const Text lo = geo("bmin");
         const Text hi = geo("bmax");
-        return text("(($0 - $1) / max($2 - $1, float3(1e-8, 1e-8, 1e-8)))", geo("Pobj"), lo, hi);
+        return text("(($0 - $1) / max($2 - $1, float3(1e-8, 1e-8, 1e-8)))"_fmt, geo("Pobj"), lo, hi);
     }
     case Signal::view:
         axis_signal("vx");
@@ -170,21 +170,21 @@ Text Gen::deriv(Signal what, char axis) {
     const Word kind = axis == 'x' ? Word("ddx") : Word("ddy");
     const Text letter = axis == 'x' ? "x" : "y";
     if (what.kind() == Signal::uv) {
-        const Text name = text("uv$0_d$1", what.index(), letter);
-        inputs.put({.name = name, .kind = kind, .index = what.index(), .of = "texcoord"});
-        return text("float3($0.x, -$0.y, 0.0)", name);
+        const Text name = text("uv$0_d$1"_fmt, what.index(), letter);
+        inputs.put({.name = &input_name(name), .kind = kind, .index = what.index(), .of = "texcoord"});
+        return text("float3($0.x, -$0.y, 0.0)"_fmt, name);
     }
     if (what == Signal("vcol")) {
-        const Text name = text("vcol_d$0", letter);
-        inputs.put({.name = name, .kind = kind, .of = "vertex_color"});
+        const Text name = text("vcol_d$0"_fmt, letter);
+        inputs.put({.name = &input_name(name), .kind = kind, .of = "vertex_color"});
         return name;
     }
     if (what == Signal("Pcr")) {
-        const Text name = text("wpcr_d$0", letter);
-        inputs.put({.name = name, .kind = kind, .of = "world_position_cr"});
-        return text("(float3($0.x, -$0.y, $0.z) * 0.01)", name);
+        const Text name = text("wpcr_d$0"_fmt, letter);
+        inputs.put({.name = &input_name(name), .kind = kind, .of = "world_position_cr"});
+        return text("(float3($0.x, -$0.y, $0.z) * 0.01)"_fmt, name);
     }
-    unsupported(text("no derivative for $0", Signal::kNames[what.kind()]));
+    unsupported(text("no derivative for $0"_fmt, Signal::kNames[what.kind()]));
 }
 
 }  // namespace quillgen

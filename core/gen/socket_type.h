@@ -23,12 +23,17 @@ inline constexpr SocketType RGBA{SocketType::rgba};
 inline constexpr SocketType SHADER{SocketType::shader};
 inline constexpr SocketType ROTATION{SocketType::rotation};
 
-// The HLSL type word of each kind; an unknown type counts as a float.
+// The HLSL type word of each kind, and what the words come to as numbers, which are compared faster; an unknown type
+// counts as a float.
 inline constexpr std::string_view HL[] = {"float", "float", "float", "float3", "float3", "closure", "float3", "float"};
+enum class Shape : unsigned char { scalar, float3, closure };
+inline constexpr Shape kShapes[] = {Shape::scalar, Shape::scalar,  Shape::scalar, Shape::float3,
+                                    Shape::float3, Shape::closure, Shape::float3, Shape::scalar};
 
 inline constexpr std::string_view hlsl(SocketType type) { return HL[type.kind]; }
-inline constexpr bool is_closure(SocketType type) { return type.kind == SocketType::shader; }
-inline constexpr bool is_float3(SocketType type) { return hlsl(type) == "float3"; }
+inline constexpr Shape shape(SocketType type) { return kShapes[type.kind]; }
+inline constexpr bool is_closure(SocketType type) { return shape(type) == Shape::closure; }
+inline constexpr bool is_float3(SocketType type) { return shape(type) == Shape::float3; }
 // The types whose unlinked sockets hold a value that can become a parameter. ROTATION is not among
 // them: an unlinked rotation reads as 0.0.
 inline constexpr bool is_value_type(SocketType type) { return type.kind <= SocketType::rgba; }

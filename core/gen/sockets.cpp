@@ -1,5 +1,7 @@
 // Input sockets: where the graph is walked, where a value becomes a parameter or a literal, and where
 // types meet.
+#include <algorithm>
+
 #include "core/gen/gen.h"
 
 namespace quillgen {
@@ -37,23 +39,28 @@ std::span<Socket> Gen::sockets(int place) {
         return {};
     }
     const NodeState& state = states_[static_cast<std::size_t>(place)];
-    return std::span(sockets_).subspan(static_cast<std::size_t>(state.first_socket),
-                                       static_cast<std::size_t>(state.socket_count));
+    return std::span(sockets_).subspan(state.first_socket, state.socket_count);
 }
 
 // The socket whose key is the word itself, or the object that has been the key of such a socket before; null where
 // there is none, which tells nothing about equal keys.
 Socket* Gen::find_socket(const Node& n, Word ident) {
+    const std::span<Socket> all = sockets(n.place);
     const void* const word = runtime().word(ident);
-    const void* const known = socket_keys_[ident.index()] != nullptr ? socket_keys_[ident.index()] : word;
-    for (Socket& socket : sockets(n.place)) {
-        if (socket.key == word || socket.key == known) {
-            socket.key = word;
-            socket.is_named = true;
-            return &socket;
+    SocketKey& known = socket_keys_[ident.index()];
+    const auto is_wanted = [&](const Socket& socket) { return socket.key == word || socket.key == known.object; };
+    // Nodes of one type have their sockets in one order.
+    if (known.place >= all.size() || !is_wanted(all[known.place])) {
+        const auto found = std::find_if(all.begin(), all.end(), is_wanted);
+        if (found == all.end()) {
+            return nullptr;
         }
+        known.place = static_cast<std::size_t>(found - all.begin());
     }
-    return nullptr;
+    Socket& socket = all[known.place];
+    socket.key = word;
+    socket.is_named = true;
+    return &socket;
 }
 
 // The socket of an entry that the document has under that word. It is named by the word from then on, and found by
@@ -63,7 +70,7 @@ Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
     Socket* found = nullptr;
     int sharing = 0;
     for (Socket& socket : sockets(n.place)) {
-        if (socket.entry.object() == entry.object()) {
+        if (socket.entry.get() == entry.object()) {
             ++sharing;
             if (found == nullptr && !socket.is_named) {
                 found = &socket;
@@ -72,7 +79,7 @@ Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
     }
     if (found != nullptr) {
         if (sharing == 1) {
-            socket_keys_[ident.index()] = found->key;
+            socket_keys_[ident.index()].object = found->key;
         }
         found->key = runtime().word(ident);
         found->is_named = true;
@@ -82,14 +89,14 @@ Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
 
 bool Gen::linked(const Node& n, Word ident) {
     if (const Socket* socket = find_socket(n, ident)) {
-        return socket->link.present();
+        return static_cast<bool>(socket->link);
     }
     const Value entry = n.in.get(ident);
     return !entry.is_none() && entry.contains("link");
 }
 
 void Gen::no_input(const Node& n, Word ident) {
-    unsupported(text("$0: no input $1", formatted(n.type()), ident.text()));
+    unsupported(text("$0: no input $1"_fmt, formatted(n.type()), ident.text()));
 }
 
 Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
@@ -114,26 +121,27 @@ Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
 }
 
 void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
-    if (socket.link.present()) {
-        const Value type = socket.link.unpack3()[2];
+    if (socket.link) {
+        const Value link = shared(socket.link);
+        const Value type = link.unpack3()[2];
         if (!type.is_str() && !type.is_none()) {
-            output(socket.source, socket.link);  // what is no word may fail, but not ahead of its source
+            output(socket.source, link);  // what is no word may fail, but not ahead of its source
         }
         socket.is_typed = type.truthy();
         socket.type = socket.is_typed ? written_type(type) : SocketType{};
     } else {
-        socket.type = socket_type(socket.t.present() ? socket.t : socket.entry.at("t"));
+        socket.type = socket_type(socket.t ? shared(socket.t) : shared(socket.entry).at("t"));
         if (is_value_type(socket.type)) {
-            const Value v = socket.v.present() ? socket.v : socket.entry.get("v");
-            socket.text = param(n, runtime().identifier(ident), socket.type, v);
+            const Value v = socket.v ? shared(socket.v) : shared(socket.entry).get("v");
+            socket.text = param(n, ident, socket.type, v);
         }
     }
     socket.is_read = true;
 }
 
 Text Gen::read(const Socket& socket, SocketType want) {
-    if (socket.link.present()) {
-        const Bound bound = output(socket.source, socket.link);
+    if (socket.link) {
+        const Bound bound = output(socket.source, shared(socket.link));
         // The document is believed over the handler.
         return convert(bound.text, socket.is_typed ? socket.type : bound.type, want);
     }
@@ -152,68 +160,69 @@ Text Gen::read_entry(const Node& n, Word ident, const Value& entry, SocketType w
     }
     const SocketType type = socket_type(entry.at("t"));
     if (is_value_type(type)) {
-        return convert(param(n, runtime().identifier(ident), type, entry.get("v")), type, want);
+        return convert(param(n, ident, type, entry.get("v")), type, want);
     }
     return is_closure(type) && is_closure(want) ? "L.closure_none()" : "0.0";
 }
 
 Text Gen::convert(Text expr, SocketType from, SocketType to) {
+    if (shape(from) == shape(to)) {
+        return expr;
+    }
     const auto word = [&](SocketType type) {
         return type.word != nullptr ? formatted(*type.word) : kWords[kFirstType + type.kind];
     };
-    if (hlsl(from) == hlsl(to)) {
-        return expr;
-    }
     if (is_closure(to)) {
-        unsupported(text("a $0 value plugged into a shader socket", word(from)));
+        unsupported(text("a $0 value plugged into a shader socket"_fmt, word(from)));
     }
     if (is_closure(from)) {
-        unsupported(text("a shader plugged into a $0 socket", word(to)));
+        unsupported(text("a shader plugged into a $0 socket"_fmt, word(to)));
     }
     if (is_float3(to)) {
-        return text("((float3)($0))", expr);
+        return text("((float3)($0))"_fmt, expr);
     }
     if (from == RGBA) {
-        return text("dot($0, float3(0.2126, 0.7152, 0.0722))", expr);
+        return text("dot($0, float3(0.2126, 0.7152, 0.0722))"_fmt, expr);
     }
-    return text("(($0).x + ($0).y + ($0).z) * (1.0 / 3.0)", expr);
+    return text("(($0).x + ($0).y + ($0).z) * (1.0 / 3.0)"_fmt, expr);
 }
 
 // ---- parameters -----------------------------------------------------------------------------
 
-Text Gen::identifier(const Node& n) {
-    Text& identifier = states_[static_cast<std::size_t>(n.place)].identifier;
-    if (identifier.data() == nullptr) {
+NodeNames& Gen::names_of(const Node& n) {
+    NodeNames*& names = states_[static_cast<std::size_t>(n.place)].names;
+    if (names == nullptr) {
         std::string storage;
-        const Text id = n.id.formatted(storage);
-        identifier = keep(runtime().memory().identifiers.get(id, [&] { return runtime().identifier(id); }));
+        names = &names_->of_node(n.id.formatted(storage));
     }
-    return identifier;
+    return *names;
 }
 
-// `socket` is in the form that identifiers have; see Runtime::identifier.
-Text Gen::param_name(const Node& n, Text socket) { return arena_.keep({"P_", identifier(n), "__", socket}); }
-
-Text Gen::param(const Node& n, Text socket, SocketType type, const Value& value) {
-    if (hlsl(type) == "float") {
-        return scalar_param(use_params ? param_name(n, socket) : Text(), value);
-    }
-    constexpr Text kComponents = ".xyz";
-    return vector_param(use_params ? arena_.keep({param_name(n, socket), kComponents}) : Text(), value);
+const Name& Gen::param_name(const Node& n, Word socket) {
+    NodeNames& names = names_of(n);
+    const Name* const known = names.find(socket);
+    return known != nullptr ? *known : names.add(socket, param_name(n, runtime().identifier(socket)));
 }
 
-Text Gen::scalar_param(Text name, const Value& value) {
+const Name& Gen::param_name(const Node& n, Text socket) {
+    return names_->get(arena_.keep({names_of(n).prefix(), socket}));
+}
+
+Text Gen::param(const Name* name, SocketType type, const Value& value) {
+    return shape(type) == Shape::scalar ? scalar_param(name, value) : vector_param(name, value);
+}
+
+Text Gen::scalar_param(const Name* name, const Value& value) {
     const Value item = value.is_list_or_tuple() ? value.at(Py_ssize_t{0}) : value;
     const Value number = item.is_none() ? Value::number(runtime(), 0.0) : item.to_float();
-    if (!use_params) {
+    if (name == nullptr) {
         return _f(number);
     }
     inputs.put({.name = name, .kind = "scalar", .value = number, .is_parameter = true});
-    return name;
+    return name->text;
 }
 
-// `expr` is the parameter's name and the components of it that are read.
-Text Gen::vector_param(Text expr, const Value& value) {
+Text Gen::vector_param(const Name* name, const Value& value) {
     Value items;
     if (value.is_list_or_tuple()) {
         items = value.copied_list();
@@ -232,12 +241,11 @@ Text Gen::vector_param(Text expr, const Value& value) {
         items.append(Value::number(runtime(), pad));
     }
     items.cut(4);
-    if (!use_params) {
+    if (name == nullptr) {
         return _v3(items);
     }
-    const Text name = expr.substr(0, expr.rfind('.'));
     inputs.put({.name = name, .kind = "vector", .value = items, .is_parameter = true});
-    return expr;
+    return arena_.keep({name->text, ".xyz"});
 }
 
 Text Gen::vector_or(const Node& n, Word ident, Signal coord) {

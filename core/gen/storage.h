@@ -51,30 +51,37 @@ struct Source {
 // document once takes a quarter off their translation.
 struct Socket {
     const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
-    bool is_named = false;      // whether a word has found it, or none may
-    Value entry = {};
-    Value link = {};     // absent where it is unlinked
-    Source source = {};  // of a link
-    Value t = {};        // the entry's `t` and `v`, absent where the first look did not meet them
-    Value v = {};
-    bool is_read = false;
+    Ref entry = {};
+    Ref link = {};  // null where it is unlinked
+    Ref t = {};     // the entry's `t` and `v`, null where the first look did not meet them
+    Ref v = {};
+    Source source = {};     // of a link
+    Text text = {};         // of an unlinked value
     SocketType type = {};   // of a link as it is written there, else the socket's own
     bool is_typed = false;  // whether the link has a type written
-    Text text = {};         // of an unlinked value
+    bool is_named = false;  // whether a word has found it, or none may
+    bool is_read = false;
+};
+
+// What is known of the sockets under one word.
+struct SocketKey {
+    const void* object = kUnknown;  // the address of the document's key
+    std::size_t place = 0;          // of the last one among its node's sockets
+
+    static constexpr char kUnknown[1] = {};  // no key stands there
 };
 
 struct NodeState {
     int first_output = -1;
-    int first_socket = 0;  // among the sockets
-    int socket_count = 0;
-    bool done = false;          // its handler has started
-    Handler handler = nullptr;  // once it has been looked up
-    Text identifier = {};       // its id as parameter names hold it
+    std::size_t first_socket = 0;  // among the sockets
+    std::size_t socket_count = 0;
+    bool done = false;           // its handler has started
+    Handler handler = nullptr;   // once it has been looked up
+    NodeNames* names = nullptr;  // once one has been asked for
 };
 
 struct Storage {
     Arena arena;
-    TextBuffer scratch;
     TextBuffer body;
     std::vector<std::size_t> line_ends;
     std::vector<Node> nodes;
@@ -83,12 +90,11 @@ struct Storage {
     std::vector<Socket> sockets;  // by node
     Places places;                // node id -> place; of two records with one id the later
     Inputs inputs;
-    std::vector<bool> needed;              // by word: the library names asked for
-    std::vector<const void*> socket_keys;  // by word: the address of the document's key for it, once it is known
+    std::vector<bool> needed;            // by word: the library names asked for
+    std::vector<SocketKey> socket_keys;  // by word
 
     void clear() {
         arena.clear();
-        scratch.clear();
         body.clear();
         line_ends.clear();
         nodes.clear();

@@ -19,10 +19,10 @@ Text filter_width(Gen& g, const Node& n) {
 void _bump(Gen& g, const Node& n) {
     Bump bump;
     bump.N = g.var("float3", _normal_or_shading(g, n));
-    bump.strength = g.var("float", "max($0, 0.0)", g.inp(n, "Strength", VALUE));
+    bump.strength = g.var("float", "max($0, 0.0)"_fmt, g.inp(n, "Strength", VALUE));
     bump.scale = g.var("float", g.inp(n, "Distance", VALUE));
     if (n.props().get("invert").truthy()) {
-        g.emit("$0 = -$0;", bump.scale);
+        g.emit("$0 = -$0;"_fmt, bump.scale);
     }
     if (!g.linked(n, "Height")) {
         g.bind(n, "Normal", VECTOR, bump.N);

@@ -36,9 +36,9 @@ void Gen::displacement_bump(const Value& src, bool object_space) {
     const BumpOffsets offs = _bump_offsets(*this, bump.fw);
     bump.dpdx = offs.dpdx;
     bump.dpdy = offs.dpdy;
-    bump.hx = var("float", "dot($0, $1)", inp_offset(disp, "D", VECTOR, offs.dx), bump.N);
-    bump.hy = var("float", "dot($0, $1)", inp_offset(disp, "D", VECTOR, offs.dy), bump.N);
-    bump.hc = var("float", "dot($0, $1)", inp(disp, "D", VECTOR), bump.N);
+    bump.hx = var("float", "dot($0, $1)"_fmt, inp_offset(disp, "D", VECTOR, offs.dx), bump.N);
+    bump.hy = var("float", "dot($0, $1)"_fmt, inp_offset(disp, "D", VECTOR, offs.dy), bump.N);
+    bump.hc = var("float", "dot($0, $1)"_fmt, inp(disp, "D", VECTOR), bump.N);
     n_override = _bump_normal(*this, bump, object_space);
 }
 

@@ -14,11 +14,11 @@ enum Axis { X, Y, Z };
 Text around_axis(Gen& g, Axis axis, Text gen) {
     switch (axis) {
     case X:
-        return g.text("float3(0.0, -($0.z - 0.5), ($0.y - 0.5))", gen);
+        return g.text("float3(0.0, -($0.z - 0.5), ($0.y - 0.5))"_fmt, gen);
     case Y:
-        return g.text("float3(-($0.z - 0.5), 0.0, ($0.x - 0.5))", gen);
+        return g.text("float3(-($0.z - 0.5), 0.0, ($0.x - 0.5))"_fmt, gen);
     default:
-        return g.text("float3(-($0.y - 0.5), ($0.x - 0.5), 0.0)", gen);
+        return g.text("float3(-($0.y - 0.5), ($0.x - 0.5), 0.0)"_fmt, gen);
     }
 }
 
@@ -28,12 +28,12 @@ Text tangent_to_world(Gen& g, Text t) {
     const Text ox = g.geo("ox");
     const Text oy = g.geo("oy");
     const Text oz = g.geo("oz");
-    return g.var("float3", "L.n_obj_to_world($0, $1, $2, $3)", t, ox, oy, oz);
+    return g.var("float3", "L.n_obj_to_world($0, $1, $2, $3)"_fmt, t, ox, oy, oz);
 }
 
 // A world-space tangent, turned into the plane of the shading normal.
 void set_tangent(Gen& g, const Node& n, Text t, Text nf) {
-    g.set(n, "Tangent", VECTOR, "cross($1, normalize(cross($0, $1)))", t, nf);
+    g.set(n, "Tangent", VECTOR, "cross($1, normalize(cross($0, $1)))"_fmt, t, nf);
 }
 
 void _radial_tangent(Gen& g, const Node& n, Axis axis) {
@@ -45,7 +45,7 @@ void _radial_tangent(Gen& g, const Node& n, Axis axis) {
 // What Unreal cannot tell: a fixed text, and a warning if something reads it.
 void set_unavailable(Gen& g, const Node& n, Word out, Text why, SocketType type, Text fixed) {
     if (g.is_used(n, out)) {
-        g.warn("$0: Geometry $1 is not available in Unreal", g.formatted(n.id), why);
+        g.warn("$0: Geometry $1 is not available in Unreal"_fmt, g.formatted(n.id), why);
     }
     g.bind(n, out, type, fixed);
 }
@@ -68,7 +68,7 @@ void _geometry(Gen& g, const Node& n) {
     if (g.is_used(n, "Tangent")) {
         _radial_tangent(g, n, Z);
     }
-    g.bind(n, "Backfacing", VALUE, "(($0 < 0.0) ? 1.0 : 0.0)", g.geo("twosided"));
+    g.bind(n, "Backfacing", VALUE, "(($0 < 0.0) ? 1.0 : 0.0)"_fmt, g.geo("twosided"));
     set_unavailable(g, n, "Parametric", "Parametric", VECTOR, "float3(0.0, 0.0, 0.0)");
     set_unavailable(g, n, "Pointiness", "Pointiness (Cycles only)", VALUE, "0.5");
     set_unavailable(g, n, "Random Per Island", "Random Per Island", VALUE, "0.0");

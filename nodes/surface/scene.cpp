@@ -26,9 +26,9 @@ void _object_info(Gen& g, const Node& n) {
     g.bind(n, "Material Index", VALUE, "0.0");
     if (g.is_used(n, "Random")) {
         g.use("hash_float3_to_float");
-        g.warn("$0: Object Info Random is a per-actor random in Unreal, not Blender's per-object value",
+        g.warn("$0: Object Info Random is a per-actor random in Unreal, not Blender's per-object value"_fmt,
                g.formatted(n.id));
-        g.bind(n, "Random", VALUE, "L.hash_float3_to_float(floor($0 * 100.0))", objpos);
+        g.bind(n, "Random", VALUE, "L.hash_float3_to_float(floor($0 * 100.0))"_fmt, objpos);
     }
 }
 
@@ -44,7 +44,7 @@ void _bevel(Gen& g, const Node& n) {
 }
 
 void _wireframe(Gen& g, const Node& n) {
-    g.warn("$0: Wireframe has no Unreal equivalent - 0", g.formatted(n.id));
+    g.warn("$0: Wireframe has no Unreal equivalent - 0"_fmt, g.formatted(n.id));
     g.bind(n, "Fac", VALUE, "0.0");
 }
 
@@ -54,42 +54,42 @@ void _normal_node(Gen& g, const Node& n) {
     const Text d = normal.present() ? g._v3(normal) : "float3(0.0, 0.0, 1.0)";
     g.bind(n, "Normal", VECTOR, d);
     const Text nv = g.inp(n, "Normal", VECTOR);
-    g.set(n, "Dot", VALUE, "dot($0, normalize($1))", d, nv);
+    g.set(n, "Dot", VALUE, "dot($0, normalize($1))"_fmt, d, nv);
 }
 
 // A sigmoid: the logistic function around the centre, as steep as the width says.
 void _squeeze(Gen& g, const Node& n) {
-    g.warn("$0: Squeeze Value is EEVEE-only (converted with EEVEE's formula; Cycles ignores the node)",
+    g.warn("$0: Squeeze Value is EEVEE-only (converted with EEVEE's formula; Cycles ignores the node)"_fmt,
            g.formatted(n.id));
     const Text v = g.inp(n, "Value", VALUE);
     const Text w = g.inp(n, "Width", VALUE);
     const Text c = g.inp(n, "Center", VALUE);
-    g.set(n, "Value", VALUE, "1.0 / (1.0 + pow(2.71828182846, -(($0) - ($2)) * ($1)))", v, w, c);
+    g.set(n, "Value", VALUE, "1.0 / (1.0 + pow(2.71828182846, -(($0) - ($2)) * ($1)))"_fmt, v, w, c);
 }
 
 void _camera_data(Gen& g, const Node& n) {
     const Text v = g.var("float3", g.geo("view"));
-    g.set(n, "View Vector", VECTOR, "normalize($0)", v);
-    g.set(n, "View Z Depth", VALUE, "$0.z", v);
-    g.set(n, "View Distance", VALUE, "length($0)", v);
+    g.set(n, "View Vector", VECTOR, "normalize($0)"_fmt, v);
+    g.set(n, "View Z Depth", VALUE, "$0.z"_fmt, v);
+    g.set(n, "View Distance", VALUE, "length($0)"_fmt, v);
 }
 
 // Colours of light that Rec.709 cannot hold have negative channels; both nodes cut those off.
 void _blackbody(Gen& g, const Node& n) {
     g.use("blackbody_rec709");
     const Text t = g.inp(n, "Temperature", VALUE);
-    g.set(n, "Color", RGBA, "max(L.blackbody_rec709($0), float3(0.0, 0.0, 0.0))", t);
+    g.set(n, "Color", RGBA, "max(L.blackbody_rec709($0), float3(0.0, 0.0, 0.0))"_fmt, t);
 }
 
 // CIE XYZ to linear Rec.709, scaled so that no colour of the spectrum much exceeds one.
 void _wavelength(Gen& g, const Node& n) {
     g.use("wavelength_xyz");
     const Text w = g.inp(n, "Wavelength", VALUE);
-    const Text xyz = g.var("float3", "L.wavelength_xyz($0)", w);
+    const Text xyz = g.var("float3", "L.wavelength_xyz($0)"_fmt, w);
     g.set(n, "Color", RGBA,
           "max(float3(dot($0, float3(3.2404542, -1.5371385, -0.4985314)), "
           "dot($0, float3(-0.969266, 1.8760108, 0.041556)), "
-          "dot($0, float3(0.0556434, -0.2040259, 1.0572252))) * (1.0 / 2.52), float3(0.0, 0.0, 0.0))",
+          "dot($0, float3(0.0556434, -0.2040259, 1.0572252))) * (1.0 / 2.52), float3(0.0, 0.0, 0.0))"_fmt,
           xyz);
 }
 

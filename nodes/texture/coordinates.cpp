@@ -18,11 +18,11 @@ constexpr CoordinateOutput kOutputs[] = {
 void reflection(Gen& g, const Node& n) {
     const Text normal = g.geo("N");
     const Text incoming = g.geo("I");
-    g.set(n, "Reflection", VECTOR, "reflect(-$0, $1)", incoming, normal);
+    g.set(n, "Reflection", VECTOR, "reflect(-$0, $1)"_fmt, incoming, normal);
 }
 
 void unavailable(Gen& g, const Node& n, Word out) {
-    g.warn("$0: Texture Coordinate $1 is not available in Unreal - 0", g.formatted(n.id), out.text());
+    g.warn("$0: Texture Coordinate $1 is not available in Unreal - 0"_fmt, g.formatted(n.id), out.text());
     g.bind(n, out, VECTOR, "float3(0.0, 0.0, 0.0)");
 }
 
@@ -32,7 +32,7 @@ void _texcoord(Gen& g, const Node& n) {
             continue;
         }
         if (out == Word("Object") && n.record.get("object_matrix").truthy()) {
-            g.warn("$0: Texture Coordinate with a custom object uses this object's own space", g.formatted(n.id));
+            g.warn("$0: Texture Coordinate with a custom object uses this object's own space"_fmt, g.formatted(n.id));
         }
         g.set(n, out, VECTOR, g.geo(signal));
     }

@@ -13,7 +13,7 @@ namespace {
 Text _curve_table(Gen& g, const Value& table) {
     const Text name = g.tmp("ct");
     const auto size = static_cast<int>(table.size());
-    g.emit("const float $0[$1] = {$2};", name, size, g.literals(table.floats()));
+    g.emit("const float $0[$1] = {$2};"_fmt, name, size, g.literals(table.floats()));
     return name;
 }
 
@@ -26,7 +26,7 @@ Text _lookup(Gen& g, Text table, Text f, int size, bool extrapolate) {
         " : $1[$2] + ($1[$2] - $1[$3]) * (($0) - 1.0) * $2)"
         " : lerp($1[clamp(int(saturate($0) * $2), 0, $2)],"
         " $1[clamp(int(saturate($0) * $2) + 1, 0, $2)],"
-        " saturate($0) * $2 - float(clamp(int(saturate($0) * $2), 0, $2))))",
+        " saturate($0) * $2 - float(clamp(int(saturate($0) * $2), 0, $2))))"_fmt,
         f, table, size - 1, size - 2, extrapolate ? "true" : "false");
 }
 
@@ -56,19 +56,19 @@ void _curves(Gen& g, const Node& n) {
     const bool is_colour = n.type().is("ShaderNodeRGBCurve");
     const Text fac = g.var("float", g.inp(n, "Fac", VALUE));
     const Text v = g.var("float3", is_colour ? g.inp(n, "Color", RGBA) : g.inp(n, "Vector", VECTOR));
-    const Text rel = g.var("float3", "($0 - (float3)$1) / $2", v, g._f(c.at("min")), rng);
+    const Text rel = g.var("float3", "($0 - (float3)$1) / $2"_fmt, v, g._f(c.at("min")), rng);
     Text comps[3];
     for (std::size_t i = 0; i < 3; ++i) {
         if (i >= tabs.size()) {
             raise_index_error("a curve of fewer than three tables");
         }
-        comps[i] = g.var("float", _lookup(g, tabs[i], g.text("$0.$1", rel, Text("xyz").substr(i, 1)), size, ext));
+        comps[i] = g.var("float", _lookup(g, tabs[i], g.text("$0.$1"_fmt, rel, Text("xyz").substr(i, 1)), size, ext));
     }
-    const Text res = g.text("float3($0, $1, $2)", comps[0], comps[1], comps[2]);
+    const Text res = g.text("float3($0, $1, $2)"_fmt, comps[0], comps[1], comps[2]);
     if (is_colour) {
-        g.set(n, "Color", RGBA, "(1.0 - $0) * $1 + $0 * $2", fac, v, res);
+        g.set(n, "Color", RGBA, "(1.0 - $0) * $1 + $0 * $2"_fmt, fac, v, res);
     } else {
-        g.set(n, "Vector", VECTOR, "(1.0 - $0) * $1 + $0 * $2", fac, v, res);
+        g.set(n, "Vector", VECTOR, "(1.0 - $0) * $1 + $0 * $2"_fmt, fac, v, res);
     }
 }
 
@@ -79,9 +79,9 @@ void _float_curve(Gen& g, const Node& n) {
     const Text fac = g.var("float", g.inp(n, "Factor", VALUE));
     const Text v = g.var("float", g.inp(n, "Value", VALUE));
     const Text low = g._f(c.at("min"));
-    const Text rel = g.var("float", "($0 - $1) / $2", v, low, range(g, c));
+    const Text rel = g.var("float", "($0 - $1) / $2"_fmt, v, low, range(g, c));
     const Text r = g.var("float", _lookup(g, tab, rel, size, extrapolates(c)));
-    g.set(n, "Value", VALUE, "(1.0 - $0) * $1 + $0 * $2", fac, v, r);
+    g.set(n, "Value", VALUE, "(1.0 - $0) * $1 + $0 * $2"_fmt, fac, v, r);
 }
 
 }  // namespace

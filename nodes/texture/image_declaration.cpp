@@ -39,14 +39,15 @@ DeclaredImage _image_spec(Gen& g, const Node& n, const Value& img) {
     const Value info = g.ir.at("images").at(img);
     const Value extension = word_or(g, p, "extension", "REPEAT");
     const Value interpolation = word_or(g, p, "interpolation", "Linear");
-    const Input* input = g.inputs.find(t);
+    const Name& name = g.input_name(t);
+    const Input* input = g.inputs.find(name);
     if (input == nullptr) {
         g.textures.push_back({img, info.get("float").truthy(), extension, interpolation});
-        input = &g.inputs.put({.name = t, .kind = "texture", .texture = &g.textures.back()});
+        input = &g.inputs.put({.name = &name, .kind = "texture", .texture = &g.textures.back()});
     }
     const Texture* texture = input->texture;
     if (!texture->extension.equals(extension) || !texture->interpolation.equals(interpolation)) {
-        g.warn("image $0 is used with different extension / interpolation settings - Unreal uses the first",
+        g.warn("image $0 is used with different extension / interpolation settings - Unreal uses the first"_fmt,
                g.formatted(img));
     }
     return {t, texture, info};

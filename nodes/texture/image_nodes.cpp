@@ -17,8 +17,8 @@ bool is_missing(const Gen& g, const Value& img) {
 }
 
 void bind_sample(Gen& g, const Node& n, Text sample) {
-    g.bind(n, "Color", RGBA, "$0.rgb", sample);
-    g.bind(n, "Alpha", VALUE, "$0.a", sample);
+    g.bind(n, "Color", RGBA, "$0.rgb"_fmt, sample);
+    g.bind(n, "Alpha", VALUE, "$0.a"_fmt, sample);
 }
 
 // Three samples, one along each axis, in the shares that the normal gives them.
@@ -26,18 +26,18 @@ Text box_projection(Gen& g, const Node& n, const Value& p, const DeclaredImage& 
     g.use("box_weights");
     const Text nb = g.var("float3", g.geo("Nobj"));
     const Value blend = p.get("projection_blend");
-    const Text w = g.var("float3", "L.box_weights($0, $1)", nb, blend.present() ? g._f(blend) : "0.0");
+    const Text w = g.var("float3", "L.box_weights($0, $1)"_fmt, nb, blend.present() ? g._f(blend) : "0.0");
     // Mirrored on one side of each axis: the negative one of x, but the positive ones of y and z.
     const Text coordinates[] = {
-        g.text("float2(($0.x < 0.0) ? 1.0 - $1.y : $1.y, $1.z)", nb, co),
-        g.text("float2(($0.y > 0.0) ? 1.0 - $1.x : $1.x, $1.z)", nb, co),
-        g.text("float2(($0.z > 0.0) ? 1.0 - $1.y : $1.y, $1.x)", nb, co),
+        g.text("float2(($0.x < 0.0) ? 1.0 - $1.y : $1.y, $1.z)"_fmt, nb, co),
+        g.text("float2(($0.y > 0.0) ? 1.0 - $1.x : $1.x, $1.z)"_fmt, nb, co),
+        g.text("float2(($0.z > 0.0) ? 1.0 - $1.y : $1.y, $1.x)"_fmt, nb, co),
     };
     const Text acc = g.var("float4", "float4(0.0, 0.0, 0.0, 0.0)");
     for (std::size_t axis = 0; axis < 3; ++axis) {
         const Text tuv = g.var("float2", coordinates[axis]);
         const Text smp = _image_lookup(g, image, tuv, g.is_used(n, "Alpha"));
-        g.emit("if ($0.$1 > 0.0) $2 += $0.$1 * $3;", w, Text("xyz").substr(axis, 1), acc, smp);
+        g.emit("if ($0.$1 > 0.0) $2 += $0.$1 * $3;"_fmt, w, Text("xyz").substr(axis, 1), acc, smp);
     }
     return acc;
 }
@@ -45,13 +45,13 @@ Text box_projection(Gen& g, const Node& n, const Value& p, const DeclaredImage& 
 Text projected(Gen& g, const Value& projection, Text co) {
     if (projection.is("SPHERE")) {
         g.use("map_to_sphere");
-        return g.var("float2", "L.map_to_sphere(($0 - 0.5) * 2.0)", co);
+        return g.var("float2", "L.map_to_sphere(($0 - 0.5) * 2.0)"_fmt, co);
     }
     if (projection.is("TUBE")) {
         g.use("map_to_tube");
-        return g.var("float2", "L.map_to_tube(($0 - 0.5) * 2.0)", co);
+        return g.var("float2", "L.map_to_tube(($0 - 0.5) * 2.0)"_fmt, co);
     }
-    return g.var("float2", "$0.xy", co);
+    return g.var("float2", "$0.xy"_fmt, co);
 }
 
 void _tex_image(Gen& g, const Node& n) {
@@ -83,12 +83,12 @@ void _tex_environment(Gen& g, const Node& n) {
     }
     const DeclaredImage image = _image_spec(g, n, img);
     g.use("safe_normalize");
-    const Text d = g.var("float3", "L.safe_normalize($0)", g.vector_or(n, "Vector", "P"));
+    const Text d = g.var("float3", "L.safe_normalize($0)"_fmt, g.vector_or(n, "Vector", "P"));
     const bool is_mirror_ball = p.get("projection").is("MIRROR_BALL");
     g.use(is_mirror_ball ? Word("mirrorball_uv") : Word("equirect_uv"));
     const Text tuv =
-        is_mirror_ball ? g.var("float2", "L.mirrorball_uv($0)", d) : g.var("float2", "L.equirect_uv($0)", d);
-    g.bind(n, "Color", RGBA, "$0.rgb", _image_lookup(g, image, tuv));
+        is_mirror_ball ? g.var("float2", "L.mirrorball_uv($0)"_fmt, d) : g.var("float2", "L.equirect_uv($0)"_fmt, d);
+    g.bind(n, "Color", RGBA, "$0.rgb"_fmt, _image_lookup(g, image, tuv));
 }
 
 }  // namespace

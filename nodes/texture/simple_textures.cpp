@@ -27,25 +27,25 @@ Text integer_property(Gen& g, const Value& props, Word key, Text fallback) {
 // One value for both outputs.
 void bind_grey(Gen& g, const Node& n, Text f) {
     g.bind(n, "Fac", VALUE, f);
-    g.bind(n, "Color", RGBA, "float3($0, $0, $0)", f);
+    g.bind(n, "Color", RGBA, "float3($0, $0, $0)"_fmt, f);
 }
 
 void _tex_gradient(Gen& g, const Node& n) {
     g.use("tex_gradient");
     const Text co = g.vector_or(n, "Vector", "generated");
     const int type = code_of(n.props(), "gradient_type", "LINEAR", kGradients);
-    bind_grey(g, n, g.var("float", "saturate(L.tex_gradient($0, $1))", co, type));
+    bind_grey(g, n, g.var("float", "saturate(L.tex_gradient($0, $1))"_fmt, co, type));
 }
 
 void _tex_checker(Gen& g, const Node& n) {
     g.use("tex_checker");
     const Text co = g.vector_or(n, "Vector", "generated");
     const Text scale = g.inp(n, "Scale", VALUE);
-    const Text f = g.var("float", "L.tex_checker($0 * $1)", co, scale);
+    const Text f = g.var("float", "L.tex_checker($0 * $1)"_fmt, co, scale);
     g.bind(n, "Fac", VALUE, f);
     const Text c1 = g.inp(n, "Color1", RGBA);
     const Text c2 = g.inp(n, "Color2", RGBA);
-    g.set(n, "Color", RGBA, "(($0 == 1.0) ? $1 : $2)", f, c1, c2);
+    g.set(n, "Color", RGBA, "(($0 == 1.0) ? $1 : $2)"_fmt, f, c1, c2);
 }
 
 // A variable with the tint in x and the share of mortar in y.
@@ -62,7 +62,7 @@ Text brick_pattern(Gen& g, const Node& n) {
     const Text offset_frequency = integer_property(g, p, "offset_frequency", "2");
     const Text squash = float_property(g, p, "squash", "1.0");
     const Text squash_frequency = integer_property(g, p, "squash_frequency", "2");
-    return g.var("float2", "L.tex_brick($0 * $1, $2, $3, $4, $5, $6, $7, $8, $9, $(10))", co, scale, mortar_size,
+    return g.var("float2", "L.tex_brick($0 * $1, $2, $3, $4, $5, $6, $7, $8, $9, $(10))"_fmt, co, scale, mortar_size,
                  mortar_smooth, bias, brick_width, row_height, offset, offset_frequency, squash, squash_frequency);
 }
 
@@ -71,10 +71,10 @@ void _tex_brick(Gen& g, const Node& n) {
     const Text r = brick_pattern(g, n);
     const Text c1 = g.var("float3", g.inp(n, "Color1", RGBA));
     const Text c2 = g.inp(n, "Color2", RGBA);
-    g.emit("if ($0.y != 1.0) $1 = (1.0 - $0.x) * $1 + $0.x * $2;", r, c1, c2);
+    g.emit("if ($0.y != 1.0) $1 = (1.0 - $0.x) * $1 + $0.x * $2;"_fmt, r, c1, c2);
     const Text mortar = g.inp(n, "Mortar", RGBA);
-    g.set(n, "Color", RGBA, "$1 * (1.0 - $0.y) + $2 * $0.y", r, c1, mortar);
-    g.bind(n, "Fac", VALUE, "$0.y", r);
+    g.set(n, "Color", RGBA, "$1 * (1.0 - $0.y) + $2 * $0.y"_fmt, r, c1, mortar);
+    g.bind(n, "Fac", VALUE, "$0.y"_fmt, r);
 }
 
 // The library scales the coordinate itself.
@@ -84,9 +84,9 @@ void _tex_magic(Gen& g, const Node& n) {
     const Text scale = g.inp(n, "Scale", VALUE);
     const Text depth = integer_property(g, n.props(), "turbulence_depth", "2");
     const Text distortion = g.inp(n, "Distortion", VALUE);
-    const Text c = g.var("float3", "L.tex_magic($0, $1, $2, $3)", co, scale, depth, distortion);
+    const Text c = g.var("float3", "L.tex_magic($0, $1, $2, $3)"_fmt, co, scale, depth, distortion);
     g.bind(n, "Color", RGBA, c);
-    g.bind(n, "Fac", VALUE, "(($0.x + $0.y + $0.z) * (1.0 / 3.0))", c);
+    g.bind(n, "Fac", VALUE, "(($0.x + $0.y + $0.z) * (1.0 / 3.0))"_fmt, c);
 }
 
 // Both directions are passed, whichever of them the type reads.
@@ -105,8 +105,8 @@ void _tex_wave(Gen& g, const Node& n) {
     const Text detail_roughness = g.inp(n, "Detail Roughness", VALUE);
     const Text phase = g.inp(n, "Phase Offset", VALUE);
     bind_grey(g, n,
-              g.var("float", "L.tex_wave($0, $1, $2, $3, $4 * $5, $6, $7, $8, $9, $(10))", type, bands, rings, profile,
-                    co, scale, distortion, detail, detail_scale, detail_roughness, phase));
+              g.var("float", "L.tex_wave($0, $1, $2, $3, $4 * $5, $6, $7, $8, $9, $(10))"_fmt, type, bands, rings,
+                    profile, co, scale, distortion, detail, detail_scale, detail_roughness, phase));
 }
 
 }  // namespace

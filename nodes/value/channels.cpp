@@ -25,16 +25,16 @@ void _rgb(Gen& g, const Node& n) {
 
 void _sepxyz(Gen& g, const Node& n) {
     const Text v = g.var("float3", g.inp(n, "Vector", VECTOR));
-    g.bind(n, "X", VALUE, "$0.x", v);
-    g.bind(n, "Y", VALUE, "$0.y", v);
-    g.bind(n, "Z", VALUE, "$0.z", v);
+    g.bind(n, "X", VALUE, "$0.x"_fmt, v);
+    g.bind(n, "Y", VALUE, "$0.y"_fmt, v);
+    g.bind(n, "Z", VALUE, "$0.z"_fmt, v);
 }
 
 void _combxyz(Gen& g, const Node& n) {
     const Text x = g.inp(n, "X", VALUE);
     const Text y = g.inp(n, "Y", VALUE);
     const Text z = g.inp(n, "Z", VALUE);
-    g.set(n, "Vector", VECTOR, "float3($0, $1, $2)", x, y, z);
+    g.set(n, "Vector", VECTOR, "float3($0, $1, $2)"_fmt, x, y, z);
 }
 
 // The outputs keep their names in every mode: in HSV they carry hue, saturation and value.
@@ -45,15 +45,15 @@ void _sepcol(Gen& g, const Node& n) {
     Text c = g.inp(n, "Color", RGBA);
     if (hsv) {
         g.use("rgb_to_hsv");
-        c = g.text("L.rgb_to_hsv($0)", c);
+        c = g.text("L.rgb_to_hsv($0)"_fmt, c);
     } else if (hsl) {
         g.use("rgb_to_hsl");
-        c = g.text("L.rgb_to_hsl($0)", c);
+        c = g.text("L.rgb_to_hsl($0)"_fmt, c);
     }
     const Text v = g.var("float3", c);
-    g.bind(n, "Red", VALUE, "$0.x", v);
-    g.bind(n, "Green", VALUE, "$0.y", v);
-    g.bind(n, "Blue", VALUE, "$0.z", v);
+    g.bind(n, "Red", VALUE, "$0.x"_fmt, v);
+    g.bind(n, "Green", VALUE, "$0.y"_fmt, v);
+    g.bind(n, "Blue", VALUE, "$0.z"_fmt, v);
 }
 
 void _combcol(Gen& g, const Node& n) {
@@ -65,12 +65,12 @@ void _combcol(Gen& g, const Node& n) {
     const Text blue = g.inp(n, "Blue", VALUE);
     if (hsv) {
         g.use("hsv_to_rgb");
-        g.set(n, "Color", RGBA, "L.hsv_to_rgb(float3($0, $1, $2))", red, green, blue);
+        g.set(n, "Color", RGBA, "L.hsv_to_rgb(float3($0, $1, $2))"_fmt, red, green, blue);
     } else if (hsl) {
         g.use("hsl_to_rgb");
-        g.set(n, "Color", RGBA, "L.hsl_to_rgb(float3($0, $1, $2))", red, green, blue);
+        g.set(n, "Color", RGBA, "L.hsl_to_rgb(float3($0, $1, $2))"_fmt, red, green, blue);
     } else {
-        g.set(n, "Color", RGBA, "float3($0, $1, $2)", red, green, blue);
+        g.set(n, "Color", RGBA, "float3($0, $1, $2)"_fmt, red, green, blue);
     }
 }
 

@@ -39,26 +39,26 @@ Ranges vector_ranges(Gen& g, const Node& n) {
 void step_vector(Gen& g, Text f, Text st) {
     Text stepped[3];
     for (int i = 0; i < 3; ++i) {
-        stepped[i] = g.text("($0.$2 > 0.0) ? floor($1.$2 * ($0.$2 + 1.0)) / $0.$2 : 0.0", st, f, kComponents[i]);
+        stepped[i] = g.text("($0.$2 > 0.0) ? floor($1.$2 * ($0.$2 + 1.0)) / $0.$2 : 0.0"_fmt, st, f, kComponents[i]);
     }
-    g.emit("$0 = float3($1, $2, $3);", f, stepped[0], stepped[1], stepped[2]);
+    g.emit("$0 = float3($1, $2, $3);"_fmt, f, stepped[0], stepped[1], stepped[2]);
 }
 
 void map_vector(Gen& g, const Node& n, const Value& p) {
     const Ranges in = vector_ranges(g, n);
     g.use("safe_divide3");
-    const Text f = g.var("float3", "L.safe_divide3($0 - $1, $2 - $1)", in.v, in.fmin, in.fmax);
+    const Text f = g.var("float3", "L.safe_divide3($0 - $1, $2 - $1)"_fmt, in.v, in.fmin, in.fmax);
     if (interpolation_is(p, "STEPPED")) {
         step_vector(g, f, g.var("float3", g.inp(n, "Steps_FLOAT3", VECTOR)));
     } else if (interpolation_is(p, "SMOOTHSTEP")) {
-        g.emit("$0 = saturate($0); $0 = (float3(3.0, 3.0, 3.0) - 2.0 * $0) * ($0 * $0);", f);
+        g.emit("$0 = saturate($0); $0 = (float3(3.0, 3.0, 3.0) - 2.0 * $0) * ($0 * $0);"_fmt, f);
     } else if (interpolation_is(p, "SMOOTHERSTEP")) {
-        g.emit("$0 = saturate($0); $0 = $0 * $0 * $0 * ($0 * ($0 * 6.0 - 15.0) + 10.0);", f);
+        g.emit("$0 = saturate($0); $0 = $0 * $0 * $0 * ($0 * ($0 * 6.0 - 15.0) + 10.0);"_fmt, f);
     }
-    const Text r = g.var("float3", "$0 + $1 * ($2 - $0)", in.tmin, f, in.tmax);
+    const Text r = g.var("float3", "$0 + $1 * ($2 - $0)"_fmt, in.tmin, f, in.tmax);
     if (clamps(p)) {
         for (const char* comp : kComponents) {
-            g.emit("$0.$3 = ($1.$3 > $2.$3) ? clamp($0.$3, $2.$3, $1.$3) : clamp($0.$3, $1.$3, $2.$3);", r, in.tmin,
+            g.emit("$0.$3 = ($1.$3 > $2.$3) ? clamp($0.$3, $2.$3, $1.$3) : clamp($0.$3, $1.$3, $2.$3);"_fmt, r, in.tmin,
                    in.tmax, comp);
         }
     }
@@ -80,19 +80,19 @@ Ranges scalar_ranges(Gen& g, const Node& n) {
 // An empty source range divides by zero here; map_scalar puts 0.0 in the place of what comes of it.
 void assign_factor(Gen& g, const Node& n, const Value& p, const Ranges& in, Text f) {
     if (interpolation_is(p, "LINEAR")) {
-        g.emit("$0 = ($1 - $2) / ($3 - $2);", f, in.v, in.fmin, in.fmax);
+        g.emit("$0 = ($1 - $2) / ($3 - $2);"_fmt, f, in.v, in.fmin, in.fmax);
     } else if (interpolation_is(p, "STEPPED")) {
         const Text st = g.var("float", g.inp(n, "Steps", VALUE));
-        g.emit("$0 = ($1 - $2) / ($3 - $2); $0 = ($4 > 0.0) ? floor($0 * ($4 + 1.0)) / $4 : 0.0;", f, in.v, in.fmin,
+        g.emit("$0 = ($1 - $2) / ($3 - $2); $0 = ($4 > 0.0) ? floor($0 * ($4 + 1.0)) / $4 : 0.0;"_fmt, f, in.v, in.fmin,
                in.fmax, st);
     } else if (interpolation_is(p, "SMOOTHSTEP")) {
         g.use("smoothstepc");
-        g.emit("$0 = ($1 > $2) ? 1.0 - L.smoothstepc($2, $1, $3) : L.smoothstepc($1, $2, $3);", f, in.fmin, in.fmax,
+        g.emit("$0 = ($1 > $2) ? 1.0 - L.smoothstepc($2, $1, $3) : L.smoothstepc($1, $2, $3);"_fmt, f, in.fmin, in.fmax,
                in.v);
     } else {
         g.use("smootherstep");
-        g.emit("$0 = ($1 > $2) ? 1.0 - L.smootherstep($2, $1, $3) : L.smootherstep($1, $2, $3);", f, in.fmin, in.fmax,
-               in.v);
+        g.emit("$0 = ($1 > $2) ? 1.0 - L.smootherstep($2, $1, $3) : L.smootherstep($1, $2, $3);"_fmt, f, in.fmin,
+               in.fmax, in.v);
     }
 }
 
@@ -100,9 +100,9 @@ void map_scalar(Gen& g, const Node& n, const Value& p) {
     const Ranges in = scalar_ranges(g, n);
     const Text f = g.var("float", "0.0");
     assign_factor(g, n, p, in, f);
-    const Text r = g.var("float", "($0 != $1) ? $2 + $3 * ($4 - $2) : 0.0", in.fmax, in.fmin, in.tmin, f, in.tmax);
+    const Text r = g.var("float", "($0 != $1) ? $2 + $3 * ($4 - $2) : 0.0"_fmt, in.fmax, in.fmin, in.tmin, f, in.tmax);
     if (clamps(p)) {
-        g.emit("$0 = ($1 > $2) ? clamp($0, $2, $1) : clamp($0, $1, $2);", r, in.tmin, in.tmax);
+        g.emit("$0 = ($1 > $2) ? clamp($0, $2, $1) : clamp($0, $1, $2);"_fmt, r, in.tmin, in.tmax);
     }
     g.bind(n, "Result", VALUE, r);
     g.bind(n, "Vector", VECTOR, "float3(0.0, 0.0, 0.0)");
@@ -122,9 +122,9 @@ void _clamp(Gen& g, const Node& n) {
     const Text lo = g.var("float", g.inp(n, "Min", VALUE));
     const Text hi = g.var("float", g.inp(n, "Max", VALUE));
     if (n.props().get("clamp_type").is("RANGE")) {
-        g.set(n, "Result", VALUE, "(($1 > $2) ? clamp($0, $2, $1) : clamp($0, $1, $2))", v, lo, hi);
+        g.set(n, "Result", VALUE, "(($1 > $2) ? clamp($0, $2, $1) : clamp($0, $1, $2))"_fmt, v, lo, hi);
     } else {
-        g.set(n, "Result", VALUE, "clamp($0, $1, $2)", v, lo, hi);
+        g.set(n, "Result", VALUE, "clamp($0, $1, $2)"_fmt, v, lo, hi);
     }
 }
 

@@ -58,8 +58,8 @@ void _math(Gen& g, const Node& n) {
     const Text b = g.var("float", g.inp(n, "Value_001", VALUE, "0.0"));
     const Text c = g.var("float", g.inp(n, "Value_002", VALUE, "0.0"));
     const TemplateTable::Row* row = g.row("MATH", operation, "ADD");
-    const Text e = row != nullptr ? g.fill_row(*row, a, b, c) : "0.0";
-    g.set(n, "Value", VALUE, p.get("use_clamp").truthy() ? g.text("saturate($0)", e) : e);
+    const Text e = row != nullptr ? g.fill_row(*row, {a, b, c}) : "0.0";
+    g.set(n, "Value", VALUE, p.get("use_clamp").truthy() ? g.text("saturate($0)"_fmt, e) : e);
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ void _vmath(Gen& g, const Node& n) {
     const Text c = g.var("float3", g.inp(n, "Vector_002", VECTOR, kZero3));
     const Text s = g.var("float", g.inp(n, "Scale", VALUE, "1.0"));
     const TemplateTable::Row* row = g.row("VMATH", operation, "ADD");
-    const Text e = row != nullptr ? g.fill_row(*row, a, b, c, s) : kZero3;
+    const Text e = row != nullptr ? g.fill_row(*row, {a, b, c, s}) : kZero3;
     if (row != nullptr && row->is_scalar) {
         g.set(n, "Value", VALUE, e);
         g.bind(n, "Vector", VECTOR, kZero3);

@@ -16,7 +16,7 @@ void _mapping(Gen& g, const Node& n) {
     const Text v = g.inp(n, "Vector", VECTOR);
     const Text r = g.inp(n, "Rotation", VECTOR);
     const Text s = g.inp(n, "Scale", VECTOR);
-    g.set(n, "Vector", VECTOR, "L.mapping($0, $1, $2, $3, $4)", m, v, loc, r, s);
+    g.set(n, "Vector", VECTOR, "L.mapping($0, $1, $2, $3, $4)"_fmt, m, v, loc, r, s);
 }
 
 // Every mode passes all the arguments, whichever of them it uses.
@@ -31,7 +31,7 @@ void _vrot(Gen& g, const Node& n) {
     const Text ax = g.inp(n, "Axis", VECTOR, "float3(0.0, 0.0, 1.0)");
     const Text an = g.inp(n, "Angle", VALUE, "0.0");
     const Text r = g.inp(n, "Rotation", VECTOR, "float3(0.0, 0.0, 0.0)");
-    g.set(n, "Vector", VECTOR, "L.vector_rotate($0, $1, $2, $3, $4, $5, $6)", m, inv, v, c, ax, an, r);
+    g.set(n, "Vector", VECTOR, "L.vector_rotate($0, $1, $2, $3, $4, $5, $6)"_fmt, m, inv, v, c, ax, an, r);
 }
 
 // ---- Vector Transform -----------------------------------------------------------------------
@@ -63,31 +63,31 @@ Text obj_to_world(const Transform& t, Text x) {
     Gen& g = t.g;
     if (t.is_normal) {
         g.use("n_obj_to_world");
-        return g.text("L.n_obj_to_world($0, $1, $2, $3)", x, t.ox, t.oy, t.oz);
+        return g.text("L.n_obj_to_world($0, $1, $2, $3)"_fmt, x, t.ox, t.oy, t.oz);
     }
-    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)", x, t.ox, t.oy, t.oz);
-    return t.is_vector ? d : g.text("($0 + $1)", d, g.geo("objpos"));
+    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)"_fmt, x, t.ox, t.oy, t.oz);
+    return t.is_vector ? d : g.text("($0 + $1)"_fmt, d, g.geo("objpos"));
 }
 
 Text world_to_obj(const Transform& t, Text x) {
     Gen& g = t.g;
     if (t.is_normal) {
         g.use("safe_normalize");
-        return g.text("L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))", x, t.ox, t.oy, t.oz);
+        return g.text("L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))"_fmt, x, t.ox, t.oy, t.oz);
     }
     g.use("dir_world_to_obj");
-    const Text y = t.is_vector ? x : g.text("($0 - $1)", x, g.geo("objpos"));
-    return g.text("L.dir_world_to_obj($0, $1, $2, $3)", y, t.ox, t.oy, t.oz);
+    const Text y = t.is_vector ? x : g.text("($0 - $1)"_fmt, x, g.geo("objpos"));
+    return g.text("L.dir_world_to_obj($0, $1, $2, $3)"_fmt, y, t.ox, t.oy, t.oz);
 }
 
 Text world_to_cam(const Transform& t, Text x) {
     Gen& g = t.g;
-    const Text y = t.is_point ? g.text("($0 - $1)", x, g.geo("campos")) : x;
+    const Text y = t.is_point ? g.text("($0 - $1)"_fmt, x, g.geo("campos")) : x;
     const Text vx = g.geo("vx");
     const Text vy = g.geo("vy");
     const Text vz = g.geo("vz");
-    const Text d = g.text("float3(dot($0, $1), dot($0, $2), dot($0, $3))", y, vx, vy, vz);
-    return t.is_normal ? g.text("normalize($0)", d) : d;
+    const Text d = g.text("float3(dot($0, $1), dot($0, $2), dot($0, $3))"_fmt, y, vx, vy, vz);
+    return t.is_normal ? g.text("normalize($0)"_fmt, d) : d;
 }
 
 Text cam_to_world(const Transform& t, Text x) {
@@ -95,11 +95,11 @@ Text cam_to_world(const Transform& t, Text x) {
     const Text vx = g.geo("vx");
     const Text vy = g.geo("vy");
     const Text vz = g.geo("vz");
-    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)", x, vx, vy, vz);
+    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)"_fmt, x, vx, vy, vz);
     if (t.is_normal) {
-        return g.text("normalize($0)", d);
+        return g.text("normalize($0)"_fmt, d);
     }
-    return t.is_vector ? d : g.text("($0 + $1)", d, g.geo("campos"));
+    return t.is_vector ? d : g.text("($0 + $1)"_fmt, d, g.geo("campos"));
 }
 
 // By way of world space, where the vector stops in a variable.

@@ -1,0 +1,64 @@
+#include "core/gen/names.h"
+
+namespace quillgen {
+
+namespace {
+
+// The first bytes of a text, eight to a number with the first as the most significant; zeros for those behind the text.
+std::array<std::uint64_t, 4> sortable(Text text) {
+    std::array<std::uint64_t, 4> numbers{};
+    for (std::size_t i = 0; i < 8 * numbers.size(); ++i) {
+        std::uint64_t& number = numbers[i / 8];
+        number = number << 8U | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
+    }
+    return numbers;
+}
+
+}  // namespace
+
+const Name* NodeNames::find(Word socket) {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        const auto& [known, name] = names_[next_];
+        next_ = next_ + 1 < names_.size() ? next_ + 1 : 0;
+        if (known == socket) {
+            return name;
+        }
+    }
+    return nullptr;
+}
+
+const Name& NodeNames::add(Word socket, const Name& name) {
+    names_.emplace_back(socket, &name);
+    return name;
+}
+
+const Name& Names::get(Text text) {
+    if (const auto known = names_.find(text); known != names_.end()) {
+        return known->second;
+    }
+    Value string = Value::text(runtime_, text);
+    const auto [entry, is_new] = names_.try_emplace(std::string(text));
+    entry->second = {entry->first, std::move(string), names_.size() - 1, sortable(text)};
+    bytes_ += text.size();
+    return entry->second;
+}
+
+NodeNames& Names::of_node(Text id) {
+    if (const auto known = nodes_.find(id); known != nodes_.end()) {
+        return known->second;
+    }
+    // Replacing characters runs code of Python's, and with that perhaps other translations.
+    NodeNames made("P_" + runtime_.identifier(id) + "__");
+    bytes_ += id.size();
+    return nodes_.try_emplace(std::string(id), std::move(made)).first->second;
+}
+
+std::shared_ptr<Names> SharedNames::lend() {
+    constexpr std::size_t kMostBytes = std::size_t{128} * 1024;
+    if (names_ == nullptr || names_->bytes() > kMostBytes) {
+        names_ = std::make_shared<Names>(runtime_);
+    }
+    return names_;
+}
+
+}  // namespace quillgen
