@@ -98,12 +98,13 @@ PyObject* py_assemble(PyObject* self, PyObject* const* args, Py_ssize_t count, P
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 6> kNames = {"bodies", "structs", "need", "selector", "wrap", "extra_lib"};
         const Arguments<6> given("assemble", kNames, 3, args, count, names);
-        const Runtime& runtime = state_of(self).module->runtime;
+        const Module& module = *state_of(self).module;
+        const Runtime& runtime = module.runtime;
         const auto argument = [&](std::size_t i) { return borrowed(runtime, given[i]); };
         const Value selector = given[3] != nullptr ? argument(3) : Value();
         const Value wrap = given[4] != nullptr ? argument(4) : Value::text(runtime, "%s");
         const Value extra_lib = given[5] != nullptr ? argument(5) : Value();
-        return assemble(runtime, argument(0), argument(1), argument(2), selector, wrap, extra_lib).take();
+        return assemble(module, argument(0), argument(1), argument(2), selector, wrap, extra_lib).take();
     });
 }
 

@@ -117,7 +117,7 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
         g.emit("$0 = $1;"_fmt, row.name.text(), row.expr);
     }
     g.emit("return $0;"_fmt, ret);
-    const Value code = lay_out(g.runtime(), kMaterialHeader, g.structs(), g.need(), g.body());
+    const Value code = lay_out(g.module(), "material", g.structs(), g.need(), g.body());
     const InputRecords inputs = input_records(g);
     const Value output_list = Value::list(g.runtime());
     for (const OutputRow& row : outputs) {

@@ -29,7 +29,7 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
 // One text from several graphs. `bodies` are pairs of statements and colour expression; `selector` the HLSL of
 // a float that chooses among them at run time, or none for the first alone; `wrap` a format text with one
 // "%s" around each colour; `extra_lib` further text for the struct.
-Value assemble(const Runtime& runtime, const Value& bodies, const Value& structs, const Value& need,
+Value assemble(const Module& module, const Value& bodies, const Value& structs, const Value& need,
                const Value& selector, const Value& wrap, const Value& extra_lib);
 
 }  // namespace quillgen

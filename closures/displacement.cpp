@@ -74,7 +74,7 @@ Displacement _displacement(const Module& module, const Value& ir, bool use_param
     g.emit("return 0.5 + $0 / $1;"_fmt, s_cm, magnitude);
     const InputRecords inputs = input_records(g);
     return {
-        .code = lay_out(g.runtime(), kDisplacementHeader, g.structs(), g.need(), g.body()),
+        .code = lay_out(g.module(), "displacement", g.structs(), g.need(), g.body()),
         .inputs = inputs.sorted,
         .magnitude = mag,
         .params = inputs.params,

@@ -43,10 +43,11 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
     return result;
 }
 
-Value assemble(const Runtime& runtime, const Value& bodies, const Value& structs, const Value& need,
+Value assemble(const Module& module, const Value& bodies, const Value& structs, const Value& need,
                const Value& selector, const Value& wrap, const Value& extra_lib) {
+    const Runtime& runtime = module.runtime;
     const Value lines = Value::list(runtime);
-    append_head(lines, kMaterialHeader, structs, need, extra_lib);
+    append_head(module, lines, "material", structs, need, extra_lib);
     if (selector.is_none()) {
         append_graph(lines, bodies.at(Py_ssize_t{0}), wrap);
         return lines.joined();

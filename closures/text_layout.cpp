@@ -1,10 +1,13 @@
 #include "closures/text_layout.h"
 
 #include "closures/texts.h"
+#include "nodes/register.h"
 
 namespace quillgen {
 
 namespace {
+
+constexpr const char* kEnd = "\n};\nQWK L;";
 
 // Appends the struct texts of the library, by sorted name.
 void append_structs(const Runtime& runtime, const Value& lines, const Value& structs) {
@@ -18,30 +21,40 @@ void append_structs(const Runtime& runtime, const Value& lines, const Value& str
 
 }  // namespace
 
-void append_head(const Value& lines, Text header, const Value& structs, const Value& need, const Value& extra_lib) {
-    const Runtime& runtime = lines.runtime();
-    lines.append(Value::text(runtime, header));
+void append_head(const Module& module, const Value& lines, Text header, const Value& structs, const Value& need,
+                 const Value& extra_lib) {
+    const Runtime& runtime = module.runtime;
+    lines.append(module.registry.text(header));
     append_structs(runtime, lines, structs);
-    lines.append(Value::text(runtime, std::string(CLOSURE) + "\nstruct QWK {"));
+    lines.append(module.registry.text("library"));
     const Py_ssize_t before = lines.size();
     runtime.library_entry("resolve").call(need).for_each([&](const Value& text) { lines.append(text); });
     if (lines.size() == before) {
         lines.append(Value::text(runtime, ""));
     }
-    std::string closing(CLOSURE_LIB);
-    if (extra_lib.present()) {
-        std::string storage;
-        closing += extra_lib.checked_text(storage);
+    if (!extra_lib.present()) {
+        lines.append(module.registry.text("closing"));
+        return;
     }
-    closing += "\n};\nQWK L;";
-    lines.append(Value::text(runtime, closing));
+    std::string storage;
+    std::string closing(CLOSURE_LIB);
+    closing += extra_lib.checked_text(storage);
+    lines.append(Value::text(runtime, closing + kEnd));
 }
 
-Value lay_out(const Runtime& runtime, Text header, const Value& structs, const Value& need, Text statements) {
-    const Value lines = Value::list(runtime);
-    append_head(lines, header, structs, need, {});
-    lines.append(Value::text(runtime, statements.substr(0, statements.size() - 1)));
+Value lay_out(const Module& module, Text header, const Value& structs, const Value& need, Text statements) {
+    const Value lines = Value::list(module.runtime);
+    append_head(module, lines, header, structs, need, {});
+    lines.append(Value::text(module.runtime, statements.substr(0, statements.size() - 1)));
     return lines.joined();
+}
+
+void register_layout(Registry& registry) {
+    registry.text("material",
+                  "// Quillwork - generated from Blender's node tree. Edit the material in Blender, not here.");
+    registry.text("displacement", "// Quillwork - displacement of Blender's node tree (Nanite tessellation).");
+    registry.text("library", std::string(CLOSURE) + "\nstruct QWK {");
+    registry.text("closing", std::string(CLOSURE_LIB) + kEnd);
 }
 
 }  // namespace quillgen

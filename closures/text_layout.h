@@ -4,20 +4,17 @@
 
 #include <string>
 
-#include "core/document/value.h"
+#include "core/gen/module.h"
 
 namespace quillgen {
 
-inline constexpr Text kMaterialHeader =
-    "// Quillwork - generated from Blender's node tree. Edit the material in Blender, not here.";
-inline constexpr Text kDisplacementHeader = "// Quillwork - displacement of Blender's node tree (Nanite tessellation).";
-
-// Appends the lines above the statements. `structs` and `need` are sets of names that the library is asked
-// for; KeyError for a struct that it lacks, and whatever its `resolve` answers to a name that it lacks.
-// `extra_lib` is absent, or a str that goes directly behind the closure functions.
-void append_head(const Value& lines, Text header, const Value& structs, const Value& need, const Value& extra_lib);
+// Appends the lines above the statements. `header` is "material" or "displacement"; `structs` and `need` are sets of
+// names that the library is asked for; KeyError for a struct that it lacks, and whatever its `resolve` answers to a
+// name that it lacks. `extra_lib` is absent, or a str that goes directly behind the closure functions.
+void append_head(const Module& module, const Value& lines, Text header, const Value& structs, const Value& need,
+                 const Value& extra_lib);
 
 // The finished text. Each of the statements ends in a line feed; the text does not.
-Value lay_out(const Runtime& runtime, Text header, const Value& structs, const Value& need, Text statements);
+Value lay_out(const Module& module, Text header, const Value& structs, const Value& need, Text statements);
 
 }  // namespace quillgen

@@ -8,6 +8,7 @@ namespace quillgen {
 void register_all(Registry& registry);
 
 // closures/
+void register_layout(Registry& registry);
 void register_shaders(Registry& registry);
 // nodes/value/
 void register_math(Registry& registry);

@@ -37,6 +37,8 @@ void Registry::table(Text name, std::string_view letters, std::span<const Templa
     tables_.emplace_back(name, TemplateTable(runtime_, letters, rows));
 }
 
+void Registry::text(Text name, Text text) { texts_.emplace_back(name, Value::text(runtime_, text)); }
+
 Handler Registry::find(const Value& type) const {
     const int place = places_.find(type.object());
     return place < 0 ? nullptr : handlers_[static_cast<std::size_t>(place)];
@@ -44,6 +46,10 @@ Handler Registry::find(const Value& type) const {
 
 const TemplateTable& Registry::table(Text name) const {
     return std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) { return entry.first == name; })->second;
+}
+
+const Value& Registry::text(Text name) const {
+    return std::find_if(texts_.begin(), texts_.end(), [&](const auto& entry) { return entry.first == name; })->second;
 }
 
 }  // namespace quillgen

@@ -1,4 +1,4 @@
-// The registry of handlers, and the tables of templates that some of them read.
+// The registry of handlers, the tables of templates that some of them read, and the fixed texts of results.
 #pragma once
 
 #include <span>
@@ -51,9 +51,13 @@ public:
     // Prepares a table; a handler finds it again under the same name.
     void table(Text name, std::string_view letters, std::span<const TemplateRow> rows);
 
+    // Makes the string of a text that stands in results as it is.
+    void text(Text name, Text text);
+
     // The handler of a node type, or null. TypeError where the type has no hash.
     [[nodiscard]] Handler find(const Value& type) const;
     [[nodiscard]] const TemplateTable& table(Text name) const;
+    [[nodiscard]] const Value& text(Text name) const;
     [[nodiscard]] const Value& types() const { return NODES_; }  // a list
 
 private:
@@ -62,6 +66,7 @@ private:
     Places places_;  // node type -> place in handlers_
     std::vector<Handler> handlers_;
     std::vector<std::pair<Text, TemplateTable>> tables_;
+    std::vector<std::pair<Text, Value>> texts_;
 };
 
 }  // namespace quillgen
