@@ -125,12 +125,6 @@ const Node* Gen::find_node(const Value& nid) const {
 
 // ---- statements -----------------------------------------------------------------------------
 
-Text Gen::tmp(Text prefix) {
-    char* const start = arena_.room(prefix.size() + Counter::kMostDigits);
-    arena_.end_at(k_.put_next(put(start, prefix)));
-    return arena_.finished();
-}
-
 void Gen::emit(Text line) {
     body_.append("  ");
     body_.append(line);
@@ -143,7 +137,7 @@ void Gen::end_line() {
     check_signals_at(line_ends_.size());
 }
 
-Text Gen::begin_declaration(Text type, Text prefix) {
+Text Gen::begin_declaration(Text type, Prefix prefix) {
     const Text name = tmp(prefix);
     const Text word = type == "closure" ? Text("QWKClosure") : type;
     char* const start = body_.room(word.size() + name.size() + 6);
@@ -151,7 +145,7 @@ Text Gen::begin_declaration(Text type, Text prefix) {
     return name;
 }
 
-Text Gen::declare(Text type, Text prefix, Text expr) {
+Text Gen::declare(Text type, Prefix prefix, Text expr) {
     const Text name = begin_declaration(type, prefix);
     body_.append(expr);
     body_.append(";\n");

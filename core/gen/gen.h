@@ -45,7 +45,10 @@ public:
 
     // ---- statements -------------------------------------------------------------------------
     // A fresh name: the prefix and the next number of the one counter.
-    Text tmp(Text prefix = "t");
+    Text tmp(Prefix prefix = "t") {
+        arena_.end_at(k_.put_name(arena_.room(Counter::kMostCharacters), prefix));
+        return arena_.finished();
+    }
 
     void emit(Text line);
     template <FormatText F, class... Args>
@@ -209,8 +212,8 @@ private:
     void fall_back(const Value& nid, const Node& n, const Value& type);
 
     void end_line();
-    Text begin_declaration(Text type, Text prefix);
-    Text declare(Text type, Text prefix, Text expr);
+    Text begin_declaration(Text type, Prefix prefix);
+    Text declare(Text type, Prefix prefix, Text expr);
 
     [[nodiscard]] Value shared(const Ref& object) const { return {object, runtime()}; }
     SocketType socket_type(const Value& word);

@@ -10,16 +10,27 @@ Input* Inputs::find(const Name& name) {
     return place < entries_.size() && entries_[place].name == &name ? &entries_[place] : nullptr;
 }
 
-Input& Inputs::put(const Input& input) {
-    if (Input* const known = find(*input.name)) {
-        ambiguous_ = ambiguous_ || known->value.object() != input.value.object();
-        return *known = input;
+// The entry of that name, which is to hold the value.
+inline Input& Inputs::entry(const Name& name, const Value& value) {
+    if (Input* const known = find(name)) {
+        ambiguous_ = ambiguous_ || known->value.object() != value.object();
+        return *known;
     }
-    if (input.name->number >= places_.size()) {
-        places_.resize(2 * input.name->number + 1);
+    if (name.number >= places_.size()) {
+        places_.resize(2 * name.number + 1);
     }
-    places_[input.name->number] = entries_.size();
-    return entries_.emplace_back(input);
+    places_[name.number] = entries_.size();
+    return entries_.emplace_back();
+}
+
+Input& Inputs::put(const Input& input) { return entry(*input.name, input.value) = input; }
+
+void Inputs::put_parameter(const Name& name, Word kind, const Value& value) {
+    Input& input = entry(name, value);
+    input.name = &name;
+    input.kind = kind;
+    input.value = value;
+    input.is_parameter = true;
 }
 
 void Inputs::clear() {

@@ -17,8 +17,8 @@ struct Texture {
 };
 
 struct Input {
-    const Name* name;
-    Word kind;
+    const Name* name = nullptr;
+    Word kind = "scalar";
     Value value = {};      // "scalar", "vector": the default; "texture": none
     int index = 0;         // "texcoord": the UV set
     Word axis = "x";       // "view_axis", "object_axis"
@@ -33,6 +33,7 @@ public:
     Input* find(const Name& name);
     // Puts the entry in, or in the place of the one that has its name.
     Input& put(const Input& input);
+    void put_parameter(const Name& name, Word kind, const Value& value);
 
     void reserve(std::size_t count) { entries_.reserve(count); }
     void clear();
@@ -43,6 +44,8 @@ public:
     [[nodiscard]] bool ambiguous() const { return ambiguous_; }
 
 private:
+    Input& entry(const Name& name, const Value& value);
+
     bool ambiguous_ = false;
     std::vector<Input> entries_;
     // By the number of a name: where its entry is, if that entry has the name. What other translations have left here

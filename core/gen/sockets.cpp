@@ -218,7 +218,7 @@ Text Gen::scalar_param(const Name* name, const Value& value) {
     if (name == nullptr) {
         return _f(number);
     }
-    inputs.put({.name = name, .kind = "scalar", .value = number, .is_parameter = true});
+    inputs.put_parameter(*name, "scalar", number);
     return name->text;
 }
 
@@ -244,7 +244,7 @@ Text Gen::vector_param(const Name* name, const Value& value) {
     if (name == nullptr) {
         return _v3(items);
     }
-    inputs.put({.name = name, .kind = "vector", .value = items, .is_parameter = true});
+    inputs.put_parameter(*name, "vector", items);
     return arena_.keep({name->text, ".xyz"});
 }
 

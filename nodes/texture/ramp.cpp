@@ -39,7 +39,7 @@ Text stop_colour(Gen& g, const Node& n, int j, const Value& colour) {
         return literal_colour(g, colour);
     }
     const Name& name = g.param_name(n, g.text("stop$0_col"_fmt, j));
-    g.inputs.put({.name = &name, .kind = "vector", .value = colour.copied_list(), .is_parameter = true});
+    g.inputs.put_parameter(name, "vector", colour.copied_list());
     return name.text;
 }
 
