@@ -52,35 +52,32 @@ std::vector<const Input*> in_order_of_names(const std::vector<Input>& inputs) {
     return order;
 }
 
-// A record of a parameter: a copy of one of its kind that is complete but for what differs, which is
-// cheaper than a map that grows.
-class ParameterRecords {
-public:
-    explicit ParameterRecords(bool with_names) : with_names_(with_names) {}
-
-    Value make(const Gen& g, const Input& input) {
-        Value& form = input.kind == Word("scalar") ? scalar_ : vector_;
-        if (!form.present()) {
-            form = Value::map(g.runtime());
-            if (with_names_) {
-                form.put("name", Value::none(g.runtime()));
-            }
-            form.put("kind", word(g, input.kind));
-            form.put("default", Value::none(g.runtime()));
-        }
-        Value record = form.copied_map();
-        if (with_names_) {
-            record.put("name", input.name->string);
-        }
-        record.put("default", input.value);
-        return record;
+// The record of a parameter but for its value. Each record is a copy of such a one: that is cheaper than a map that
+// grows, and what it holds already need not be put in.
+Value parameter_form(const Gen& g, Word kind, const Value& name) {
+    Value form = Value::map(g.runtime());
+    if (name.present()) {
+        form.put("name", name);
     }
+    form.put("kind", word(g, kind));
+    form.put("default", Value::none(g.runtime()));
+    return form;
+}
 
-private:
-    const bool with_names_;
-    Value scalar_;
-    Value vector_;
-};
+Value parameter_record(const Value& form, const Input& input) {
+    Value record = form.copied_map();
+    record.put("default", input.value);
+    return record;
+}
+
+// The form for that input's name, which keeps it.
+const Value& named_form(const Gen& g, const Input& input) {
+    Name::Form& form = input.name->form;
+    if (!form.record.present() || form.kind != input.kind) {
+        form = {parameter_form(g, input.kind, input.name->string), input.kind};
+    }
+    return form.record;
+}
 
 }  // namespace
 
@@ -94,10 +91,9 @@ InputRecords input_records(const Gen& g) {
         }
         check_signals_at(step++);
     }
-    ParameterRecords parameters(true);
     for (const Input* const input : in_order_of_names(inputs)) {
         if (input->is_parameter) {
-            records.sorted.append(parameters.make(g, *input));
+            records.sorted.append(parameter_record(named_form(g, *input), *input));
             continue;
         }
         Value record = Value::map(g.runtime());
@@ -112,11 +108,12 @@ InputRecords input_records(const Gen& g) {
 
 Value inputs_by_name(const Gen& g) {
     Value map = Value::map(g.runtime());
-    ParameterRecords parameters(false);
+    const Value scalar = parameter_form(g, "scalar", {});
+    const Value vector = parameter_form(g, "vector", {});
     for (const Input& input : g.inputs.entries()) {
         const Value& name = input.name->string;
         if (input.is_parameter) {
-            map.put(name, parameters.make(g, input));
+            map.put(name, parameter_record(input.kind == Word("scalar") ? scalar : vector, input));
             continue;
         }
         Value record = Value::map(g.runtime());

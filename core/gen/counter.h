@@ -2,7 +2,6 @@
 #pragma once
 
 #include <bit>
-#include <charconv>
 #include <cstdint>
 #include <cstring>
 
@@ -32,8 +31,7 @@ public:
     char* put_name(char* to, Prefix prefix) {
         advance();
         if (prefix.size + size_ > sizeof digits_) {
-            std::memcpy(to, &prefix.letters, sizeof prefix.letters);
-            return std::to_chars(to + prefix.size, to + kMostCharacters, number_).ptr;
+            return put_long_name(to, prefix);
         }
         const std::uint64_t name = prefix.letters | digits_ << 8 * prefix.size;
         std::memcpy(to, &name, sizeof name);
@@ -50,10 +48,10 @@ private:
             digits_ += std::uint64_t{1} << ones;
             return;
         }
-        char text[kMostCharacters] = {};
-        size_ = static_cast<std::size_t>(std::to_chars(text, text + sizeof text, number_).ptr - text);
-        std::memcpy(&digits_, text, sizeof digits_);
+        rewrite();
     }
+    char* put_long_name(char* to, Prefix prefix) const;
+    void rewrite();  // the digits of a number that is not just another last digit
 
     std::uint64_t number_ = 0;
     std::uint64_t digits_ = 0;  // of the number, the first in the lowest byte, if there are no more than eight

@@ -43,7 +43,7 @@ void Gen::read_nodes() {
         const int place = static_cast<int>(nodes_.size());
         Value id = record.at("id");
         places_.put(id.object(), place);
-        nodes_.push_back({record, std::move(id), {}, place});
+        nodes_.push_back({record, std::move(id), {}});
     });
     states_.resize(nodes_.size());
     // About what a node comes to, so that little moves while it grows.
@@ -56,12 +56,18 @@ void Gen::read_nodes() {
 // Finds out what is read: by a link of any record, also of one that evaluation never reaches, or by an
 // output of the material that is not left empty.
 void Gen::read_links() {
-    for (Node& n : nodes_) {
+    for (std::size_t place = 0; place < nodes_.size(); ++place) {
+        Node& n = nodes_[place];
+        n.state = &states_[place];
         n.in = n.record.at("in");
-        NodeState& state = states_[static_cast<std::size_t>(n.place)];
-        state.first_socket = sockets_.size();
+        const std::size_t first = sockets_.size();
         n.in.for_each_value([&](const void* key, const Value& entry) { read_link(key, entry); });
-        state.socket_count = sockets_.size() - state.first_socket;
+        n.state->sockets = {sockets_.data(), sockets_.size() - first};
+    }
+    Socket* first = sockets_.data();  // which stand where they are from now on
+    for (NodeState& state : states_) {
+        state.sockets = {first, state.sockets.size()};
+        first += state.sockets.size();
     }
     ir.at("out").for_each_value([&](const void*, const Value& source) {
         if (source.truthy()) {
@@ -94,8 +100,11 @@ Source Gen::find_source(const Value& source) {
 
 Source Gen::mark_used(const Value& source) {
     const Source found = find_source(source);
-    if (found.place >= 0 && find_output(found.place, found.name) == nullptr) {
-        NodeState& state = states_[static_cast<std::size_t>(found.place)];
+    if (found.place < 0) {
+        return found;
+    }
+    NodeState& state = states_[static_cast<std::size_t>(found.place)];
+    if (find_output(state, found.name) == nullptr) {
         outputs_.push_back({found.name, state.first_output});
         state.first_output = static_cast<int>(outputs_.size()) - 1;
     }
@@ -200,11 +209,11 @@ void Gen::use_struct(Word name) { structs_.add(Value::word(runtime(), name)); }
 // ---- output sockets -------------------------------------------------------------------------
 
 const Output* Gen::find_output(const Node& n, Word out) const {
-    return const_cast<Gen*>(this)->find_output(n.place, static_cast<int>(out.index()));
+    return const_cast<Gen*>(this)->find_output(*n.state, static_cast<int>(out.index()));
 }
 
-Output* Gen::find_output(int place, int name) {
-    for (int i = states_[static_cast<std::size_t>(place)].first_output; i >= 0;) {
+Output* Gen::find_output(const NodeState& state, int name) {
+    for (int i = state.first_output; i >= 0;) {
         Output& output = outputs_[static_cast<std::size_t>(i)];
         if (output.name == name) {
             return &output;
@@ -221,14 +230,14 @@ void Gen::set(const Node& n, Word out, SocketType type, Text expr) {
 }
 
 void Gen::bind(const Node& n, Word out, SocketType type, Text expr) {
-    if (Output* output = find_output(n.place, static_cast<int>(out.index()))) {
+    if (Output* output = find_output(*n.state, static_cast<int>(out.index()))) {
         output->bound = true;
         output->value = {expr, type};
     }
 }
 
 void Gen::bind(const Node& n, const Value& out, SocketType type, Text expr) {
-    if (Output* output = find_output(n.place, name_of(out))) {
+    if (Output* output = find_output(*n.state, name_of(out))) {
         output->bound = true;
         output->value = {expr, type};
     }
@@ -240,26 +249,26 @@ Bound Gen::output(const Source& found, const Value& source) {
     if (found.place < 0) {
         raise_key_error(source.at(Py_ssize_t{0}).object());
     }
-    const Output* output = find_output(found.place, found.name);
+    const Node& n = nodes_[static_cast<std::size_t>(found.place)];
+    const Output* output = find_output(*n.state, found.name);
     if (output == nullptr || !output->bound) {
-        node(found.place, source);
-        output = find_output(found.place, found.name);
+        node(n, source);
+        output = find_output(*n.state, found.name);
     }
     if (output == nullptr || !output->bound) {
-        const Value type = nodes_[static_cast<std::size_t>(found.place)].type();
+        const Value type = n.type();
         unsupported(text("$0 has no output $1"_fmt, formatted(type), formatted(source.at(Py_ssize_t{1}))));
     }
     return output->value;
 }
 
-void Gen::node(int place, const Value& source) {
-    NodeState& state = states_[static_cast<std::size_t>(place)];
+void Gen::node(const Node& n, const Value& source) {
+    NodeState& state = *n.state;
     if (state.done) {
         return;
     }
     state.done = true;                 // before the handler runs, so that a cycle ends at its second visit
     const RecursionLevel level(this);  // a generator stands on the stack of the call that made it
-    const Node& n = nodes_[static_cast<std::size_t>(place)];
     if (state.handler == nullptr) {
         const Value type = n.type();
         state.handler = module_.registry.find(type);

@@ -207,8 +207,8 @@ private:
     int name_of(const Value& out);
     [[nodiscard]] int find_place(const Value& nid) const;
     [[nodiscard]] const Output* find_output(const Node& n, Word out) const;
-    Output* find_output(int place, int name);
-    void node(int place, const Value& source);
+    Output* find_output(const NodeState& state, int name);
+    void node(const Node& n, const Value& source);
     void fall_back(const Value& nid, const Node& n, const Value& type);
 
     void end_line();
@@ -217,11 +217,11 @@ private:
 
     [[nodiscard]] Value shared(const Ref& object) const { return {object, runtime()}; }
     SocketType socket_type(const Value& word);
-    std::span<Socket> sockets(int place);
     Socket* find_socket(const Node& n, Word ident);
     Socket* find_socket(const Node& n, Word ident, const Value& entry);
     void read_socket(const Node& n, Word ident, Socket& socket);
-    Text read(const Socket& socket, SocketType want);
+    Text inp_by_entry(const Node& n, Word ident, SocketType want, Text fallback);
+    Text read(const Node& n, Word ident, Socket& socket, SocketType want);
     Text read_entry(const Node& n, Word ident, const Value& entry, SocketType want);
     SocketType written_type(const Value& word);
     Text scalar_param(const Name* name, const Value& value);

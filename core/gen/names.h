@@ -17,10 +17,17 @@
 namespace quillgen {
 
 struct Name {
+    // The record of a parameter of that name and kind but for its value; absent before the first.
+    struct Form {
+        Value record;
+        Word kind = "scalar";
+    };
+
     Text text;
     Value string;
     std::size_t number = 0;                // among the names, from 0
     std::array<std::uint64_t, 4> start{};  // the first 32 bytes of the text, as numbers that sort as the text does
+    mutable Form form = {};
 };
 
 // The names of one node's parameters, by socket.

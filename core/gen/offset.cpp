@@ -40,7 +40,7 @@ std::vector<int> Gen::upstream(int place) {
     seen[static_cast<std::size_t>(place)] = true;
     reached.push_back(place);
     for (std::size_t i = 0; i < reached.size(); ++i) {
-        for (const Socket& socket : sockets(reached[i])) {
+        for (const Socket& socket : states_[static_cast<std::size_t>(reached[i])].sockets) {
             const int feeder = socket.source.place;
             if (feeder >= 0 && !seen[static_cast<std::size_t>(feeder)]) {
                 seen[static_cast<std::size_t>(feeder)] = true;

@@ -33,19 +33,13 @@ SocketType Gen::written_type(const Value& word) {
 // The same for an unlinked entry's own type, which is only compared: anything may stand there.
 SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
 
-// None of a record that is no node of the document.
-std::span<Socket> Gen::sockets(int place) {
-    if (place < 0) {
-        return {};
-    }
-    const NodeState& state = states_[static_cast<std::size_t>(place)];
-    return std::span(sockets_).subspan(state.first_socket, state.socket_count);
-}
-
 // The socket whose key is the word itself, or the object that has been the key of such a socket before; null where
 // there is none, which tells nothing about equal keys.
 Socket* Gen::find_socket(const Node& n, Word ident) {
-    const std::span<Socket> all = sockets(n.place);
+    if (n.state == nullptr) {
+        return nullptr;
+    }
+    const std::span<Socket> all = n.state->sockets;
     const void* const word = runtime().word(ident);
     SocketKey& known = socket_keys_[ident.index()];
     const auto is_wanted = [&](const Socket& socket) { return socket.key == word || socket.key == known.object; };
@@ -67,9 +61,12 @@ Socket* Gen::find_socket(const Node& n, Word ident) {
 // it. Where one entry stands for several sockets, each gets one of them, which may be another's: then its key tells
 // nothing.
 Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
+    if (n.state == nullptr) {
+        return nullptr;
+    }
     Socket* found = nullptr;
     int sharing = 0;
-    for (Socket& socket : sockets(n.place)) {
+    for (Socket& socket : n.state->sockets) {
         if (socket.entry.get() == entry.object()) {
             ++sharing;
             if (found == nullptr && !socket.is_named) {
@@ -100,24 +97,21 @@ void Gen::no_input(const Node& n, Word ident) {
 }
 
 Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
-    Socket* socket = find_socket(n, ident);
-    if (socket == nullptr) {
-        const Value entry = n.in.get(ident);
-        if (entry.is_none()) {
-            if (fallback.data() != nullptr) {
-                return fallback;
-            }
-            no_input(n, ident);
+    Socket* const socket = find_socket(n, ident);
+    return socket != nullptr ? read(n, ident, *socket, want) : inp_by_entry(n, ident, want, fallback);
+}
+
+// The same for a socket that no word has found yet, or none will.
+Text Gen::inp_by_entry(const Node& n, Word ident, SocketType want, Text fallback) {
+    const Value entry = n.in.get(ident);
+    if (entry.is_none()) {
+        if (fallback.data() != nullptr) {
+            return fallback;
         }
-        socket = find_socket(n, ident, entry);
-        if (socket == nullptr) {
-            return read_entry(n, ident, entry, want);
-        }
+        no_input(n, ident);
     }
-    if (!socket->is_read || inputs.ambiguous()) {
-        read_socket(n, ident, *socket);
-    }
-    return read(*socket, want);
+    Socket* const socket = find_socket(n, ident, entry);
+    return socket != nullptr ? read(n, ident, *socket, want) : read_entry(n, ident, entry, want);
 }
 
 void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
@@ -139,7 +133,10 @@ void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
     socket.is_read = true;
 }
 
-Text Gen::read(const Socket& socket, SocketType want) {
+Text Gen::read(const Node& n, Word ident, Socket& socket, SocketType want) {
+    if (!socket.is_read || inputs.ambiguous()) {
+        read_socket(n, ident, socket);
+    }
     if (socket.link) {
         const Bound bound = output(socket.source, shared(socket.link));
         // The document is believed over the handler.
@@ -190,12 +187,11 @@ Text Gen::convert(Text expr, SocketType from, SocketType to) {
 // ---- parameters -----------------------------------------------------------------------------
 
 NodeNames& Gen::names_of(const Node& n) {
-    NodeNames*& names = states_[static_cast<std::size_t>(n.place)].names;
-    if (names == nullptr) {
+    if (n.state->names == nullptr) {
         std::string storage;
-        names = &names_->of_node(n.id.formatted(storage));
+        n.state->names = &names_->of_node(n.id.formatted(storage));
     }
-    return *names;
+    return *n.state->names;
 }
 
 const Name& Gen::param_name(const Node& n, Word socket) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "core/gen/arena.h"
@@ -16,12 +17,14 @@
 
 namespace quillgen {
 
+struct NodeState;
+
 // A node record of the document, with what its translation needs at hand.
 struct Node {
     Value record;
     Value id;
     Value in;
-    int place = -1;  // among the generator's nodes
+    NodeState* state = nullptr;  // null of a record that is no node of the document
 
     [[nodiscard]] Value props() const { return record.at("props"); }
     [[nodiscard]] Value type() const { return record.at("type"); }
@@ -71,10 +74,10 @@ struct SocketKey {
     static constexpr char kUnknown[1] = {};  // no key stands there
 };
 
+// How far a node's translation is.
 struct NodeState {
+    std::span<Socket> sockets = {};
     int first_output = -1;
-    std::size_t first_socket = 0;  // among the sockets
-    std::size_t socket_count = 0;
     bool done = false;           // its handler has started
     Handler handler = nullptr;   // once it has been looked up
     NodeNames* names = nullptr;  // once one has been asked for
