@@ -9,26 +9,61 @@ namespace {
 
 Value word(const Gen& g, Word text) { return Value::word(g.runtime(), text); }
 
-// The rest of a record, behind its kind.
-void put_details(const Gen& g, const Value& record, const Input& input) {
-    if (input.texture != nullptr) {
+// The record of an input, with nones for what differs from document to document.
+Value make_form(const Gen& g, const Input& input, bool with_name) {
+    const Value none = Value::none(g.runtime());
+    Value form = Value::map(g.runtime());
+    if (with_name) {
+        form.put("name", input.name->string);
+    }
+    form.put("kind", word(g, input.kind));
+    if (input.is_parameter) {
+        form.put("default", none);
+    } else if (input.texture != nullptr) {
+        form.put("image", none);
+        form.put("srgb", Value::boolean(g.runtime(), false));
+        form.put("float", none);
+        form.put("extension", none);
+        form.put("interpolation", none);
+    } else if (input.kind == Word("texcoord")) {
+        form.put("index", Value::integer(g.runtime(), input.index));
+    } else if (input.kind == Word("view_axis") || input.kind == Word("object_axis")) {
+        form.put("axis", word(g, input.axis));
+    } else if (input.kind == Word("ddx") || input.kind == Word("ddy")) {
+        form.put("of", none);
+    }
+    return form;
+}
+
+// What a derivative is of.
+Value differentiated(const Gen& g, const Input& input) {
+    Value of = Value::map(g.runtime());
+    of.put("kind", word(g, input.of));
+    if (input.of == Word("texcoord")) {
+        of.put("index", Value::integer(g.runtime(), input.index));
+    }
+    return of;
+}
+
+// A copy of the form that the name keeps, with this document's values: that is cheaper than a map that grows, and what
+// the form holds already need not be put in.
+Value make_record(const Gen& g, const Input& input, bool with_name) {
+    Name::Form& form = with_name ? input.name->with_name : input.name->without_name;
+    if (!form.record.present() || form.kind != input.kind) {
+        form = {make_form(g, input, with_name), input.kind};
+    }
+    Value record = form.record.copied_map();
+    if (input.is_parameter) {
+        record.put("default", input.value);
+    } else if (input.texture != nullptr) {
         record.put("image", input.texture->image);
-        record.put("srgb", Value::boolean(g.runtime(), false));
         record.put("float", Value::boolean(g.runtime(), input.texture->is_float));
         record.put("extension", input.texture->extension);
         record.put("interpolation", input.texture->interpolation);
-    } else if (input.kind == Word("texcoord")) {
-        record.put("index", Value::integer(g.runtime(), input.index));
-    } else if (input.kind == Word("view_axis") || input.kind == Word("object_axis")) {
-        record.put("axis", word(g, input.axis));
     } else if (input.kind == Word("ddx") || input.kind == Word("ddy")) {
-        const Value of = Value::map(g.runtime());
-        of.put("kind", word(g, input.of));
-        if (input.of == Word("texcoord")) {
-            of.put("index", Value::integer(g.runtime(), input.index));
-        }
-        record.put("of", of);
+        record.put("of", differentiated(g, input));
     }
+    return record;
 }
 
 // The entries in the order of their names. The first bytes tell nearly all names apart; what is left is told by the
@@ -52,33 +87,6 @@ std::vector<const Input*> in_order_of_names(const std::vector<Input>& inputs) {
     return order;
 }
 
-// The record of a parameter but for its value. Each record is a copy of such a one: that is cheaper than a map that
-// grows, and what it holds already need not be put in.
-Value parameter_form(const Gen& g, Word kind, const Value& name) {
-    Value form = Value::map(g.runtime());
-    if (name.present()) {
-        form.put("name", name);
-    }
-    form.put("kind", word(g, kind));
-    form.put("default", Value::none(g.runtime()));
-    return form;
-}
-
-Value parameter_record(const Value& form, const Input& input) {
-    Value record = form.copied_map();
-    record.put("default", input.value);
-    return record;
-}
-
-// The form for that input's name, which keeps it.
-const Value& named_form(const Gen& g, const Input& input) {
-    Name::Form& form = input.name->form;
-    if (!form.record.present() || form.kind != input.kind) {
-        form = {parameter_form(g, input.kind, input.name->string), input.kind};
-    }
-    return form.record;
-}
-
 }  // namespace
 
 InputRecords input_records(const Gen& g) {
@@ -92,15 +100,7 @@ InputRecords input_records(const Gen& g) {
         check_signals_at(step++);
     }
     for (const Input* const input : in_order_of_names(inputs)) {
-        if (input->is_parameter) {
-            records.sorted.append(parameter_record(named_form(g, *input), *input));
-            continue;
-        }
-        Value record = Value::map(g.runtime());
-        record.put("name", input->name->string);
-        record.put("kind", word(g, input->kind));
-        put_details(g, record, *input);
-        records.sorted.append(record);
+        records.sorted.append(make_record(g, *input, true));
         check_signals_at(step++);
     }
     return records;
@@ -108,18 +108,8 @@ InputRecords input_records(const Gen& g) {
 
 Value inputs_by_name(const Gen& g) {
     Value map = Value::map(g.runtime());
-    const Value scalar = parameter_form(g, "scalar", {});
-    const Value vector = parameter_form(g, "vector", {});
     for (const Input& input : g.inputs.entries()) {
-        const Value& name = input.name->string;
-        if (input.is_parameter) {
-            map.put(name, parameter_record(input.kind == Word("scalar") ? scalar : vector, input));
-            continue;
-        }
-        Value record = Value::map(g.runtime());
-        record.put("kind", word(g, input.kind));
-        put_details(g, record, input);
-        map.put(name, record);
+        map.put(input.name->string, make_record(g, input, false));
     }
     return map;
 }

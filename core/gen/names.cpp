@@ -38,7 +38,7 @@ const Name& Names::get(Text text) {
     }
     Value string = Value::text(runtime_, text);
     const auto [entry, is_new] = names_.try_emplace(std::string(text));
-    entry->second = {entry->first, std::move(string), names_.size() - 1, sortable(text), {}};
+    entry->second = {entry->first, std::move(string), names_.size() - 1, sortable(text), {}, {}};
     bytes_ += text.size();
     return entry->second;
 }

@@ -17,7 +17,8 @@
 namespace quillgen {
 
 struct Name {
-    // The record of a parameter of that name and kind but for its value; absent before the first.
+    // The record of an input of that name and kind, but for what differs from document to document. Absent before the
+    // first.
     struct Form {
         Value record;
         Word kind = "scalar";
@@ -27,7 +28,8 @@ struct Name {
     Value string;
     std::size_t number = 0;                // among the names, from 0
     std::array<std::uint64_t, 4> start{};  // the first 32 bytes of the text, as numbers that sort as the text does
-    mutable Form form = {};
+    mutable Form with_name = {};
+    mutable Form without_name = {};
 };
 
 // The names of one node's parameters, by socket.
