@@ -77,6 +77,8 @@ public:
     // has keys that are no plain texts; then what has not been found may be there all the same.
     template <std::size_t Count>
     bool pick(SmallMapKeys<Count>& keys, Ref* const (&found)[Count]) const;
+    // Another object of the same interpreter.
+    [[nodiscard]] Value sibling(const Ref& object) const { return {object, *runtime_}; }
     // What to make room for: the size of a plain list, and 0 of anything else, which may say anything.
     [[nodiscard]] std::size_t expected_size() const {
         return PyList_CheckExact(object_.get()) ? static_cast<std::size_t>(PyList_Size(object_.get())) : 0;
@@ -160,13 +162,15 @@ bool Value::pick(SmallMapKeys<Count>& keys, Ref* const (&found)[Count]) const {
         return false;
     }
     constexpr Py_ssize_t kMost = 16;  // a larger map is better asked for each key
+    const Py_ssize_t size = PyDict_Size(object_.get());
     PyObject* key = nullptr;
     PyObject* item = nullptr;
-    for (Py_ssize_t place = 0; PyDict_Next(object_.get(), &place, &key, &item) != 0;) {
+    Py_ssize_t place = 0;
+    for (Py_ssize_t met = 0; met < size && PyDict_Next(object_.get(), &place, &key, &item) != 0; ++met) {
         const std::size_t i = keys.find(key);
         if (i < Count) {
             *found[i] = Ref::borrow(item);
-        } else if (PyUnicode_CheckExact(key) == 0 || place > kMost) {
+        } else if (PyUnicode_CheckExact(key) == 0 || met > kMost) {
             return false;
         }
     }

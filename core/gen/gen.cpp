@@ -36,14 +36,21 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
 
 void Gen::read_nodes() {
     const Value records = ir.at("nodes");
+    SmallMapKeys<5> keys(runtime(), {"id", "type", "in", "props", "outs"});
     nodes_.reserve(records.expected_size());
     places_.reserve(records.expected_size());
     outputs_.reserve(2 * records.expected_size());
     records.for_each([&](const Value& record) {
         const int place = static_cast<int>(nodes_.size());
-        Value id = record.at("id");
-        places_.put(id.object(), place);
-        nodes_.push_back({record, std::move(id), {}});
+        Node& n = nodes_.emplace_back();
+        Ref id;
+        Ref in;
+        Ref outs;
+        record.pick(keys, {&id, &n.known_type, &in, &n.known_props, &outs});
+        n.record = record;
+        n.id = id ? record.sibling(id) : record.at("id");
+        n.in = in ? record.sibling(in) : Value();
+        places_.put(n.id.object(), place);
     });
     states_.resize(nodes_.size());
     // About what a node comes to, so that little moves while it grows.
@@ -59,7 +66,9 @@ void Gen::read_links() {
     for (std::size_t place = 0; place < nodes_.size(); ++place) {
         Node& n = nodes_[place];
         n.state = &states_[place];
-        n.in = n.record.at("in");
+        if (!n.in.present()) {
+            n.in = n.record.at("in");
+        }
         const std::size_t first = sockets_.size();
         n.in.for_each_value([&](const void* key, const Value& entry) { read_link(key, entry); });
         n.state->sockets = {sockets_.data(), sockets_.size() - first};

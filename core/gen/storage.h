@@ -25,9 +25,11 @@ struct Node {
     Value id;
     Value in;
     NodeState* state = nullptr;  // null of a record that is no node of the document
+    Ref known_type = {};         // null where the first look at the record did not meet them
+    Ref known_props = {};
 
-    [[nodiscard]] Value props() const { return record.at("props"); }
-    [[nodiscard]] Value type() const { return record.at("type"); }
+    [[nodiscard]] Value type() const { return known_type ? record.sibling(known_type) : record.at("type"); }
+    [[nodiscard]] Value props() const { return known_props ? record.sibling(known_props) : record.at("props"); }
 };
 
 // What an output is bound to.
