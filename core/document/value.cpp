@@ -40,8 +40,7 @@ bool Value::is(Text word) const {
         return false;
     }
     if (PyUnicode_CheckExact(object_.get())) {
-        std::string storage;
-        return text(storage) == word;
+        return is_text(object_.get(), word);
     }
     return compare(object_.get(), to_python(word).get(), Py_EQ);
 }
@@ -157,6 +156,15 @@ std::array<Value, Count> Value::unpack() const {
 std::array<Value, 2> Value::unpack2() const { return unpack<2>(); }
 
 std::array<Value, 3> Value::unpack3() const { return unpack<3>(); }
+
+std::array<Ref, 3> Value::plain_triple() const {
+    PyObject* const list = object_.get();
+    if (!PyList_CheckExact(list) || PyList_Size(list) != 3) {
+        return {};
+    }
+    return {Ref::borrow(PyList_GetItem(list, 0)), Ref::borrow(PyList_GetItem(list, 1)),
+            Ref::borrow(PyList_GetItem(list, 2))};
+}
 
 Value Value::call(const Value& argument) const {
     return own(PyObject_CallFunctionObjArgs(object_.get(), argument.object(), nullptr));

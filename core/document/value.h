@@ -83,6 +83,8 @@ public:
     [[nodiscard]] std::size_t expected_size() const {
         return PyList_CheckExact(object_.get()) ? static_cast<std::size_t>(PyList_Size(object_.get())) : 0;
     }
+    // The items of a plain list of three, nulls of anything else.
+    [[nodiscard]] std::array<Ref, 3> plain_triple() const;
     // What `a, b, c = value` gives; ValueError where there are not three items.
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 

@@ -80,7 +80,7 @@ void Gen::read_links() {
     }
     ir.at("out").for_each_value([&](const void*, const Value& source) {
         if (source.truthy()) {
-            mark_used(source);
+            mark_used(find_source(source));
         }
     });
 }
@@ -96,28 +96,32 @@ void Gen::read_link(const void* key, const Value& entry) {
         socket.link = entry.find("link").take();
     }
     if (socket.link) {
-        socket.source = mark_used(shared(socket.link));
+        auto [nid, out, type] = shared(socket.link).plain_triple();
+        socket.source = nid ? find_source(shared(nid), shared(out)) : find_source(shared(socket.link));
+        socket.t = std::move(type);
+        mark_used(socket.source);
     }
 }
 
 Source Gen::find_source(const Value& source) {
     const Value nid = source.at(Py_ssize_t{0});
-    const Value out = source.at(Py_ssize_t{1});
+    return find_source(nid, source.at(Py_ssize_t{1}));
+}
+
+Source Gen::find_source(const Value& nid, const Value& out) {
     const int place = find_place(nid);
     return {place, name_of(out)};
 }
 
-Source Gen::mark_used(const Value& source) {
-    const Source found = find_source(source);
-    if (found.place < 0) {
-        return found;
+void Gen::mark_used(const Source& source) {
+    if (source.place < 0) {
+        return;
     }
-    NodeState& state = states_[static_cast<std::size_t>(found.place)];
-    if (find_output(state, found.name) == nullptr) {
-        outputs_.push_back({found.name, state.first_output});
+    NodeState& state = states_[static_cast<std::size_t>(source.place)];
+    if (find_output(state, source.name) == nullptr) {
+        outputs_.push_back({source.name, state.first_output});
         state.first_output = static_cast<int>(outputs_.size()) - 1;
     }
-    return found;
 }
 
 // A number for the name of an output; equal names have equal numbers.
@@ -211,7 +215,7 @@ void Gen::use(std::span<const Word> names) {
     }
 }
 
-void Gen::use_composed(Text name) { need_.add(Value::text(runtime(), name)); }
+void Gen::use_composed(Text name) { need_.add(names_->get(name).string); }
 
 void Gen::use_struct(Word name) { structs_.add(Value::word(runtime(), name)); }
 

@@ -201,7 +201,8 @@ private:
     void read_links();
     void read_link(const void* key, const Value& entry);
     Source find_source(const Value& source);
-    Source mark_used(const Value& source);
+    Source find_source(const Value& nid, const Value& out);
+    void mark_used(const Source& source);
     Bound output(const Source& found, const Value& source);
     [[noreturn]] void no_input(const Node& n, Word ident);
     int name_of(const Value& out);

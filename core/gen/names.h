@@ -1,4 +1,4 @@
-// The names of inputs. They come back with every edit of a material, so an interpreter's copy of the module keeps them
+// The names of inputs, and those of library functions that are composed. They come back with every edit of a material, so an interpreter's copy of the module keeps them
 // from call to call: the text and the Python string of each are made once, and a translation tells them apart by
 // where they stand.
 #pragma once

@@ -23,12 +23,14 @@ inline char* put(char* out, std::string_view piece) {
     struct Sixteen {
         std::uint64_t halves[2];
     };
-    if (size > 32) {
-        std::memcpy(out, from, size);
-    } else if (size > 16) {
-        move_halves(Sixteen{});
-    } else if (size >= 8) {
-        move_halves(std::uint64_t{});
+    if (size >= 8) {
+        if (size <= 16) {
+            move_halves(std::uint64_t{});
+        } else if (size <= 32) {
+            move_halves(Sixteen{});
+        } else {
+            std::memcpy(out, from, size);
+        }
     } else if (size >= 4) {
         move_halves(std::uint32_t{});
     } else if (size >= 2) {

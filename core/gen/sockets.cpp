@@ -116,10 +116,9 @@ Text Gen::inp_by_entry(const Node& n, Word ident, SocketType want, Text fallback
 
 void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
     if (socket.link) {
-        const Value link = shared(socket.link);
-        const Value type = link.unpack3()[2];
+        const Value type = socket.t ? shared(socket.t) : shared(socket.link).unpack3()[2];
         if (!type.is_str() && !type.is_none()) {
-            output(socket.source, link);  // what is no word may fail, but not ahead of its source
+            output(socket.source, shared(socket.link));  // what is no word may fail, but not ahead of its source
         }
         socket.is_typed = type.truthy();
         socket.type = socket.is_typed ? written_type(type) : SocketType{};

@@ -58,7 +58,7 @@ struct Socket {
     const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
     Ref entry = {};
     Ref link = {};  // null where it is unlinked
-    Ref t = {};     // the entry's `t` and `v`, null where the first look did not meet them
+    Ref t = {};          // the entry's `t`, or its link's, and its `v`; null where the first look did not meet them
     Ref v = {};
     Source source = {};     // of a link
     Text text = {};         // of an unlinked value
