@@ -1,8 +1,5 @@
 #include "closures/records.h"
 
-#include <algorithm>
-#include <cstdint>
-
 namespace quillgen {
 
 namespace {
@@ -66,27 +63,6 @@ Value make_record(const Gen& g, const Input& input, bool with_name) {
     return record;
 }
 
-// The entries in the order of their names. The first bytes tell nearly all names apart; what is left is told by the
-// whole names.
-std::vector<const Input*> in_order_of_names(const std::vector<Input>& inputs) {
-    std::vector<const Input*> order;
-    order.reserve(inputs.size());
-    for (const Input& input : inputs) {
-        order.push_back(&input);
-    }
-    std::sort(order.begin(), order.end(), [](const Input* left, const Input* right) {
-        const Name& a = *left->name;
-        const Name& b = *right->name;
-        for (std::size_t i = 0; i < a.start.size(); ++i) {
-            if (a.start[i] != b.start[i]) {
-                return a.start[i] < b.start[i];
-            }
-        }
-        return a.text < b.text;
-    });
-    return order;
-}
-
 }  // namespace
 
 InputRecords input_records(const Gen& g) {
@@ -99,7 +75,7 @@ InputRecords input_records(const Gen& g) {
         }
         check_signals_at(step++);
     }
-    for (const Input* const input : in_order_of_names(inputs)) {
+    for (const Input* const input : g.sorted_inputs()) {
         records.sorted.append(make_record(g, *input, true));
         check_signals_at(step++);
     }

@@ -2,6 +2,8 @@
 // the run over the whole graph.
 #include "core/gen/gen.h"
 
+#include <algorithm>
+
 namespace quillgen {
 
 Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias)
@@ -328,6 +330,18 @@ Gen::Run Gen::run() {
                        ? surface.text
                        : text("L.closure_emission($0)"_fmt, convert(surface.text, surface.type, RGBA));
     return {{}, declare("closure", "surf", e)};
+}
+
+std::vector<const Input*> Gen::sorted_inputs() const {
+    names_->rank();
+    std::vector<const Input*> sorted;
+    sorted.reserve(inputs.entries().size());
+    for (const Input& input : inputs.entries()) {
+        sorted.push_back(&input);
+    }
+    std::sort(sorted.begin(), sorted.end(),
+              [](const Input* a, const Input* b) { return a->name->rank < b->name->rank; });
+    return sorted;
 }
 
 }  // namespace quillgen

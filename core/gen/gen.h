@@ -177,6 +177,7 @@ public:
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
     [[nodiscard]] Value need() const { return need_; }            // a set of library names
     [[nodiscard]] Value structs() const { return structs_; }      // a set of struct names
+    [[nodiscard]] std::vector<const Input*> sorted_inputs() const;  // by name
     [[nodiscard]] const Node* find_node(const Value& nid) const;  // null where there is none
 
 private:

@@ -1,20 +1,8 @@
 #include "core/gen/names.h"
 
+#include <algorithm>
+
 namespace quillgen {
-
-namespace {
-
-// The first bytes of a text, eight to a number with the first as the most significant; zeros for those behind the text.
-std::array<std::uint64_t, 4> sortable(Text text) {
-    std::array<std::uint64_t, 4> numbers{};
-    for (std::size_t i = 0; i < 8 * numbers.size(); ++i) {
-        std::uint64_t& number = numbers[i / 8];
-        number = number << 8U | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
-    }
-    return numbers;
-}
-
-}  // namespace
 
 const Name* NodeNames::find(Word socket) {
     for (std::size_t i = 0; i < names_.size(); ++i) {
@@ -38,7 +26,8 @@ const Name& Names::get(Text text) {
     }
     Value string = Value::text(runtime_, text);
     const auto [entry, is_new] = names_.try_emplace(std::string(text));
-    entry->second = {entry->first, std::move(string), names_.size() - 1, sortable(text), {}, {}};
+    entry->second = {entry->first, std::move(string), names_.size() - 1, 0, {}, {}};
+    new_.push_back(&entry->second);
     bytes_ += text.size();
     return entry->second;
 }
@@ -51,6 +40,20 @@ NodeNames& Names::of_node(Text id) {
     NodeNames made("P_" + runtime_.identifier(id) + "__");
     bytes_ += id.size();
     return nodes_.try_emplace(std::string(id), std::move(made)).first->second;
+}
+
+void Names::rank() {
+    if (new_.empty()) {
+        return;
+    }
+    const auto by_text = [](const Name* a, const Name* b) { return a->text < b->text; };
+    std::sort(new_.begin(), new_.end(), by_text);
+    const auto middle = ranked_.insert(ranked_.end(), new_.begin(), new_.end());
+    std::inplace_merge(ranked_.begin(), middle, ranked_.end(), by_text);
+    new_.clear();
+    for (std::size_t i = 0; i < ranked_.size(); ++i) {
+        ranked_[i]->rank = i;
+    }
 }
 
 std::shared_ptr<Names> SharedNames::lend() {
