@@ -84,8 +84,8 @@ Value output_record(const Gen& g, const OutputRow& row) {
 }
 
 // The displacement's record without its parameters and warnings, which go to the material's.
-Value put_displacement(const Gen& g, const Value& params, const Value& warnings) {
-    const Displacement disp = _displacement(g.module(), g.ir, g.use_params);
+Value put_displacement(Gen& g, const Value& params, const Value& warnings) {
+    const Displacement disp = _displacement(g);
     params.update(disp.params);
     disp.warnings.for_each([&](const Value& warning) { warnings.append(warning); });
     Value record = Value::map(g.runtime());

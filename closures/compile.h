@@ -11,8 +11,8 @@ namespace quillgen {
 // none).
 Value compile(const Module& module, const Value& ir, const Value& mode, bool use_params);
 
-// The result for real displacement: the scalar displacement text and the magnitude, in centimetres,
-// that its values are scaled by.
+// The result for real displacement, once the surface has been translated: the scalar displacement text and the
+// magnitude, in centimetres, that its values are scaled by.
 struct Displacement {
     Value code;
     Value inputs;
@@ -20,7 +20,7 @@ struct Displacement {
     Value params;
     Value warnings;
 };
-Displacement _displacement(const Module& module, const Value& ir, bool use_params);
+Displacement _displacement(Gen& surface);
 
 // One graph without a header: a map with `body` (list of statements), `ret` (expression of the
 // colour), `need` and `structs` (sets), `inputs` (map of records), `warnings`.

@@ -49,10 +49,10 @@ double power_of_two(long exponent) {
 
 }  // namespace
 
-Displacement _displacement(const Module& module, const Value& ir, bool use_params) {
-    Gen g(module, ir, false, use_params, {});
+Displacement _displacement(Gen& surface) {
+    Gen g(surface);
     g.disp_stage = true;
-    const Value src = ir.at("out").at("displacement");
+    const Value src = g.ir.at("out").at("displacement");
     const Bound source = g.output(src);
     const Text d = g.var("float3", g.convert(source.text, source.type, VECTOR));
     g.use("dir_world_to_obj");

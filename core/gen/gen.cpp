@@ -7,8 +7,21 @@
 namespace quillgen {
 
 Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias)
+    : Gen(module, std::move(document), emission_mode, with_params, std::move(bias), module.names.lend()) {
+    read_nodes();
+    read_links();
+}
+
+Gen::Gen(Gen& done) : Gen(done.module_, done.ir, done.emission_mode_, done.use_params, done.uv_bias, done.names_) {
+    std::swap(storage_->graph, done.storage_->graph);
+    std::swap(socket_keys_, done.socket_keys_);
+    storage_->graph.begin_again();
+}
+
+Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias,
+         std::shared_ptr<Names> names)
     : storage_(module.idle_storage),
-      names_(module.names.lend()),
+      names_(std::move(names)),
       ir(std::move(document)),
       use_params(with_params),
       uv_bias(std::move(bias)),
@@ -18,20 +31,17 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
       arena_(storage_->arena),
       body_(storage_->body),
       line_ends_(storage_->line_ends),
-      nodes_(storage_->nodes),
-      states_(storage_->states),
-      outputs_(storage_->outputs),
-      sockets_(storage_->sockets),
+      nodes_(storage_->graph.nodes),
+      states_(storage_->graph.states),
+      outputs_(storage_->graph.outputs),
+      sockets_(storage_->graph.sockets),
       entry_keys_(module.runtime, {"t", "v", "link"}),
-      places_(storage_->places),
       need_(Value::set(module.runtime)),
       needed_(storage_->needed),
       socket_keys_(storage_->socket_keys),
       structs_(Value::set(module.runtime)) {
     needed_.assign(kWords.size(), false);
     socket_keys_.assign(kWords.size(), {});
-    read_nodes();
-    read_links();
 }
 
 // ---- reading the graph ----------------------------------------------------------------------
@@ -40,7 +50,7 @@ void Gen::read_nodes() {
     const Value records = ir.at("nodes");
     SmallMapKeys<5> keys(runtime(), {"id", "type", "in", "props", "outs"});
     nodes_.reserve(records.expected_size());
-    places_.reserve(records.expected_size());
+    storage_->graph.places.reserve(records.expected_size());
     outputs_.reserve(2 * records.expected_size());
     records.for_each([&](const Value& record) {
         const int place = static_cast<int>(nodes_.size());
@@ -52,7 +62,7 @@ void Gen::read_nodes() {
         n.record = record;
         n.id = id ? record.sibling(id) : record.at("id");
         n.in = in ? record.sibling(in) : Value();
-        places_.put(n.id.object(), place);
+        storage_->graph.places.put(n.id.object(), place);
     });
     states_.resize(nodes_.size());
     // About what a node comes to, so that little moves while it grows.
@@ -132,15 +142,16 @@ int Gen::name_of(const Value& out) {
     if (word >= 0) {
         return word;
     }
-    if (const int known = other_names_.find(out.object()); known >= 0) {
+    Graph& graph = storage_->graph;
+    if (const int known = graph.other_names.find(out.object()); known >= 0) {
         return known;
     }
-    const int name = static_cast<int>(kWords.size()) + other_name_count_++;
-    other_names_.put(out.object(), name);
+    const int name = static_cast<int>(kWords.size()) + graph.other_name_count++;
+    graph.other_names.put(out.object(), name);
     return name;
 }
 
-int Gen::find_place(const Value& nid) const { return places_.find(nid.object()); }
+int Gen::find_place(const Value& nid) const { return storage_->graph.places.find(nid.object()); }
 
 const Node* Gen::find_node(const Value& nid) const {
     const int place = find_place(nid);

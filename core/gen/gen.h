@@ -40,6 +40,9 @@ class Gen {
 public:
     // KeyError where the document, or a node record of it, lacks a mandatory key.
     Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias);
+    // Another translation of the same document. What `done` has read of it is taken from it, so `done` is good for its
+    // results only from then on.
+    explicit Gen(Gen& done);
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
@@ -175,10 +178,10 @@ public:
     // The statements, each ended by a line feed; `line_ends` are the places behind those.
     [[nodiscard]] Text body() const { return body_.view(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
-    [[nodiscard]] Value need() const { return need_; }            // a set of library names
-    [[nodiscard]] Value structs() const { return structs_; }      // a set of struct names
+    [[nodiscard]] Value need() const { return need_; }              // a set of library names
+    [[nodiscard]] Value structs() const { return structs_; }        // a set of struct names
     [[nodiscard]] std::vector<const Input*> sorted_inputs() const;  // by name
-    [[nodiscard]] const Node* find_node(const Value& nid) const;  // null where there is none
+    [[nodiscard]] const Node* find_node(const Value& nid) const;    // null where there is none
 
 private:
     const StorageLoan storage_;  // ahead of all that refers to it
@@ -198,6 +201,8 @@ public:
 private:
     class MovedEvaluation;
 
+    Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias,
+        std::shared_ptr<Names> names);
     void read_nodes();
     void read_links();
     void read_link(const void* key, const Value& entry);
@@ -250,9 +255,6 @@ private:
     std::vector<Output>& outputs_;
     std::vector<Socket>& sockets_;
     SmallMapKeys<3> entry_keys_;
-    Places& places_;
-    Places other_names_;  // output names that are no words -> number
-    int other_name_count_ = 0;
     std::list<Value> unknown_types_;
 
     Value need_;

@@ -58,7 +58,7 @@ struct Socket {
     const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
     Ref entry = {};
     Ref link = {};  // null where it is unlinked
-    Ref t = {};          // the entry's `t`, or its link's, and its `v`; null where the first look did not meet them
+    Ref t = {};     // the entry's `t`, or its link's, and its `v`; null where the first look did not meet them
     Ref v = {};
     Source source = {};     // of a link
     Text text = {};         // of an unlinked value
@@ -85,28 +85,53 @@ struct NodeState {
     NodeNames* names = nullptr;  // once one has been asked for
 };
 
-struct Storage {
-    Arena arena;
-    TextBuffer body;
-    std::vector<std::size_t> line_ends;
+// What is read of a document's graph, and how far the translation of it is.
+struct Graph {
     std::vector<Node> nodes;
     std::vector<NodeState> states;  // by node
     std::vector<Output> outputs;
     std::vector<Socket> sockets;  // by node
     Places places;                // node id -> place; of two records with one id the later
-    Inputs inputs;
-    std::vector<bool> needed;            // by word: the library names asked for
-    std::vector<SocketKey> socket_keys;  // by word
+    Places other_names;           // output names that are no words -> number
+    int other_name_count = 0;
 
+    // Leaves what is read, for a translation from the start.
+    void begin_again() {
+        for (NodeState& state : states) {
+            state.done = false;
+        }
+        for (Output& output : outputs) {
+            output.bound = false;
+        }
+        for (Socket& socket : sockets) {
+            socket.is_read = false;
+        }
+    }
     void clear() {
-        arena.clear();
-        body.clear();
-        line_ends.clear();
         nodes.clear();
         states.clear();
         outputs.clear();
         sockets.clear();
         places.clear();
+        other_names.clear();
+        other_name_count = 0;
+    }
+};
+
+struct Storage {
+    Graph graph;
+    Arena arena;
+    TextBuffer body;
+    std::vector<std::size_t> line_ends;
+    Inputs inputs;
+    std::vector<bool> needed;            // by word: the library names asked for
+    std::vector<SocketKey> socket_keys;  // by word
+
+    void clear() {
+        graph.clear();
+        arena.clear();
+        body.clear();
+        line_ends.clear();
         inputs.clear();
         needed.clear();
         socket_keys.clear();
@@ -132,7 +157,7 @@ public:
     // What a graph of thousands of nodes has needed is not kept.
     ~StorageLoan() {
         constexpr std::size_t kMostBytes = std::size_t{512} * 1024;
-        if (storage_->body.size() + storage_->sockets.size() * sizeof(Socket) > kMostBytes) {
+        if (storage_->body.size() + storage_->graph.sockets.size() * sizeof(Socket) > kMostBytes) {
             return;
         }
         storage_->clear();
