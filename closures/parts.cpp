@@ -10,9 +10,13 @@ namespace {
 
 Value line_list(const Gen& g) {
     Value list = Value::list(g.runtime());
+    const Value body = Value::text(g.runtime(), g.body());
+    // Cutting a string is cheaper than decoding each line, where a character is a byte.
+    const bool is_ascii = body.size() == static_cast<Py_ssize_t>(g.body().size());
     std::size_t start = 0;
     for (const std::size_t end : g.line_ends()) {
-        list.append(Value::text(g.runtime(), g.body().substr(start, end - start - 1)));
+        list.append(is_ascii ? body.cut_out(start, end - 1)
+                             : Value::text(g.runtime(), g.body().substr(start, end - start - 1)));
         start = end;
     }
     return list;

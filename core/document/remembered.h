@@ -13,7 +13,7 @@ namespace quillgen {
 
 class Remembered {
 public:
-    // All of it is forgotten where the keys come to more bytes than that, so that a long session does not grow.
+    // All of it is forgotten where it comes to more bytes than about that, so that a long session does not grow.
     explicit Remembered(std::size_t most_bytes) : most_bytes_(most_bytes) {}
 
     // What has been made of the key; the first time `make()`, which may throw. It stays until the next call.
@@ -24,10 +24,11 @@ public:
         }
         // Making it may run any code, and with that other calls of this.
         std::string made = make();
-        bytes_ += key.size();
+        const std::size_t bytes = sizeof(std::string) * 4 + key.size() + made.size();
+        bytes_ += bytes;
         if (bytes_ > most_bytes_) {
             made_.clear();
-            bytes_ = key.size();
+            bytes_ = bytes;
         }
         return made_.insert_or_assign(std::string(key), std::move(made)).first->second;
     }

@@ -41,8 +41,8 @@ public:
     [[nodiscard]] long ceil_log2(double value) const;
     // What is kept from call to call.
     struct Memory {
-        Remembered textures{std::size_t{64} * 1024};   // image name -> name of its input
-        Remembered literals{std::size_t{256} * 1024};  // bytes of numbers -> literals
+        Remembered textures{std::size_t{128} * 1024};  // image name -> name of its input
+        Remembered literals{std::size_t{512} * 1024};  // bytes of numbers -> literals
     };
     [[nodiscard]] Memory& memory() const { return memory_; }
     // The library's entries, as they stand on its module at this moment.

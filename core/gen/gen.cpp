@@ -188,6 +188,20 @@ Text Gen::declare(Text type, Prefix prefix, Text expr) {
     return name;
 }
 
+Text Gen::_f(const Value& value) {
+    const double number = value.as_float();
+    return keep(literals({&number, 1}));
+}
+
+Text Gen::_v3(const Value& value) {
+    const Value items = value.copied_list();
+    double numbers[3] = {};
+    for (int i = 0; i < 3 && i < items.size(); ++i) {
+        numbers[i] = items.at(static_cast<Py_ssize_t>(i)).as_float();
+    }
+    return text("float3($0)"_fmt, literals(numbers));
+}
+
 // A curve has hundreds, and writing a number takes longer than anything else that a translation does for it: a material
 // of many curves takes less than half the time where they have been written before.
 Text Gen::literals(std::span<const double> numbers) const {

@@ -80,8 +80,10 @@ public:
         fill(arena_, format, args...);
         return arena_.finished();
     }
-    Text _f(const Value& value) { return keep(quillgen::_f(value)); }
-    Text _v3(const Value& value) { return keep(quillgen::_v3(value)); }
+    // A float literal, and a float3 of the first three of a sequence's items, padded with zeros. TypeError or
+    // ValueError where a value does not convert to a float.
+    Text _f(const Value& value);
+    Text _v3(const Value& value);
     // The literals of the numbers with ", " between them. The text holds until the next call.
     [[nodiscard]] Text literals(std::span<const double> numbers) const;
     Text formatted(const Value& value);  // as a format of Python's writes it

@@ -68,26 +68,4 @@ void append_literal(std::string& out, double number) {
     out.append(literal, next);
 }
 
-std::string _f(const Value& value) {
-    std::string out;
-    append_literal(out, value.as_float());
-    return out;
-}
-
-std::string _v3(const Value& value) {
-    const Value items = value.copied_list();
-    double numbers[3] = {};
-    for (int i = 0; i < 3 && i < items.size(); ++i) {
-        numbers[i] = items.at(static_cast<Py_ssize_t>(i)).as_float();
-    }
-    std::string out = "float3(";
-    append_literal(out, numbers[0]);
-    out += ", ";
-    append_literal(out, numbers[1]);
-    out += ", ";
-    append_literal(out, numbers[2]);
-    out += ')';
-    return out;
-}
-
 }  // namespace quillgen
