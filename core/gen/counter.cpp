@@ -6,7 +6,7 @@ namespace quillgen {
 
 char* Counter::put_long_name(char* to, Prefix prefix) const {
     std::memcpy(to, &prefix.letters, sizeof prefix.letters);
-    return std::to_chars(to + prefix.size, to + kMostCharacters, number_).ptr;
+    return std::to_chars(to + prefix.size(), to + kMostCharacters, number_).ptr;
 }
 
 void Counter::rewrite() {

@@ -7,16 +7,18 @@
 
 namespace quillgen {
 
-// The letters in front of the number, the first in the lowest byte.
+// The letters in front of the number, at most eight, the first in the lowest byte.
 struct Prefix {
     std::uint64_t letters = 0;
-    std::size_t size = 0;
 
     // NOLINTNEXTLINE(google-explicit-constructor): a prefix is written as a plain text
     consteval Prefix(const char* text) {
-        for (; text[size] != '\0'; ++size) {
-            letters |= std::uint64_t{static_cast<unsigned char>(text[size])} << 8 * size;
+        for (std::size_t i = 0; text[i] != '\0'; ++i) {
+            letters |= std::uint64_t{static_cast<unsigned char>(text[i])} << 8 * i;
         }
+    }
+    [[nodiscard]] constexpr std::size_t size() const {
+        return (static_cast<std::size_t>(std::bit_width(letters)) + 7) / 8;
     }
 };
 
@@ -30,12 +32,12 @@ public:
     // `kMostCharacters`, all of which may be written to.
     char* put_name(char* to, Prefix prefix) {
         advance();
-        if (prefix.size + size_ > sizeof digits_) {
+        if (prefix.size() + size_ > sizeof digits_) {
             return put_long_name(to, prefix);
         }
-        const std::uint64_t name = prefix.letters | digits_ << 8 * prefix.size;
+        const std::uint64_t name = prefix.letters | digits_ << 8 * prefix.size();
         std::memcpy(to, &name, sizeof name);
-        return to + prefix.size + size_;
+        return to + prefix.size() + size_;
     }
 
 private:

@@ -257,7 +257,7 @@ private:
     std::vector<Output>& outputs_;
     std::vector<Socket>& sockets_;
     SmallMapKeys<3> entry_keys_;
-    std::list<Value> unknown_types_;
+    std::vector<Value> unknown_types_;
 
     Value need_;
     std::vector<bool>& needed_;

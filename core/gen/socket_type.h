@@ -1,16 +1,15 @@
 // The types of sockets, and the three HLSL words that they come down to.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
-
-#include "core/document/value.h"
 
 namespace quillgen {
 
 struct SocketType {
     enum Kind : unsigned char { value, integer, boolean, vector, rgba, shader, rotation, unknown };
     Kind kind = unknown;
-    const Value* word = nullptr;  // of an unknown type, as the document has it
+    std::uint32_t word = 0;  // of an unknown type that the document has written: among those of the generator, from 1
 
     constexpr bool operator==(const SocketType& other) const { return kind == other.kind; }
 };

@@ -27,7 +27,7 @@ SocketType Gen::written_type(const Value& word) {
     }
     word.check_hashable();
     unknown_types_.push_back(word);
-    return {SocketType::unknown, &unknown_types_.back()};
+    return {SocketType::unknown, static_cast<std::uint32_t>(unknown_types_.size())};
 }
 
 // The same for an unlinked entry's own type, which is only compared: anything may stand there.
@@ -166,7 +166,7 @@ Text Gen::convert(Text expr, SocketType from, SocketType to) {
         return expr;
     }
     const auto word = [&](SocketType type) {
-        return type.word != nullptr ? formatted(*type.word) : kWords[kFirstType + type.kind];
+        return type.word > 0 ? formatted(unknown_types_[type.word - 1]) : kWords[kFirstType + type.kind];
     };
     if (is_closure(to)) {
         unsupported(text("a $0 value plugged into a shader socket"_fmt, word(from)));
