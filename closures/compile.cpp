@@ -3,16 +3,28 @@
 #include "closures/records.h"
 #include "closures/text_layout.h"
 #include "core/gen/gen.h"
+#include "nodes/register.h"
 
 namespace quillgen {
 
 namespace {
 
-// An output of the material besides the base colour.
+// The outputs of a material besides the base colour, and the property of Unreal's that each goes to.
 struct OutputRow {
     Word name;
     Word type;
     Word property;
+};
+constexpr OutputRow OUTPUTS[] = {
+    {"OutMetallic", "float", "metallic"}, {"OutRoughness", "float", "roughness"},
+    {"OutSpecular", "float", "specular"}, {"OutEmissive", "float3", "emissive"},
+    {"OutNormal", "float3", "normal"},    {"OutOpacity", "float", "opacity"},
+    {"OutCoat", "float", "clear_coat"},   {"OutCoatRoughness", "float", "clear_coat_roughness"},
+};
+
+// An output that a material has.
+struct Assignment {
+    Word name;
     Text expr;
 };
 
@@ -23,43 +35,42 @@ Value setting(const Value& ir, Word key) {
 }
 
 // The opacity output. Masked alpha is a dithered coverage that varies over frames, against a fixed clip value.
-OutputRow write_opacity(Gen& g, const Value& material, Text c) {
+Assignment write_opacity(Gen& g, const Value& material, Text c) {
     const bool blended = setting(g.ir, "blend").is("BLENDED");
     material.put("blend", Value::word(g.runtime(), blended ? Word("translucent") : Word("masked")));
     if (blended) {
-        return {"OutOpacity", "float", "opacity", g.text("$0.alpha"_fmt, c)};
+        return {"OutOpacity", g.text("$0.alpha"_fmt, c)};
     }
     g.declare_input("pixpos", "pixel_position");
     g.declare_input("taaidx", "temporal_index");
     g.use("dither_coverage");
     material.put("clip", Value::number(g.runtime(), 0.5));
-    return {"OutOpacity", "float", "opacity", g.text("L.dither_coverage($0.alpha, pixpos, taaidx)"_fmt, c)};
+    return {"OutOpacity", g.text("L.dither_coverage($0.alpha, pixpos, taaidx)"_fmt, c)};
 }
 
 // The outputs of a lit material, in the order of their assignments, and what they say of the material.
-std::vector<OutputRow> write_outputs(Gen& g, const Value& material, Text c) {
-    std::vector<OutputRow> outputs = {
-        {"OutMetallic", "float", "metallic", g.text("$0.metallic"_fmt, c)},
-        {"OutRoughness", "float", "roughness", g.text("$0.roughness"_fmt, c)},
-        {"OutSpecular", "float", "specular", g.text("$0.specular"_fmt, c)},
+std::vector<Assignment> write_outputs(Gen& g, const Value& material, Text c) {
+    std::vector<Assignment> outputs = {
+        {"OutMetallic", g.text("$0.metallic"_fmt, c)},
+        {"OutRoughness", g.text("$0.roughness"_fmt, c)},
+        {"OutSpecular", g.text("$0.specular"_fmt, c)},
     };
     if (g.uses.emission) {
-        outputs.push_back({"OutEmissive", "float3", "emissive", g.text("$0.emission"_fmt, c)});
+        outputs.push_back({"OutEmissive", g.text("$0.emission"_fmt, c)});
     }
     material.put("tangent_space_normal", Value::boolean(g.runtime(), false));
     const Text nf = g.var("float3", g.geo("Nf"));
     // y flips on the way back into Unreal's frame.
-    outputs.push_back({"OutNormal", "float3", "normal",
-                       g.text("(($0.has_normal > 0.0) ? float3($0.normal.x, -$0.normal.y, $0.normal.z) : "
-                              "float3($1.x, -$1.y, $1.z))"_fmt,
-                              c, nf)});
+    outputs.push_back({"OutNormal", g.text("(($0.has_normal > 0.0) ? float3($0.normal.x, -$0.normal.y, $0.normal.z) : "
+                                           "float3($1.x, -$1.y, $1.z))"_fmt,
+                                           c, nf)});
     if (g.uses.alpha) {
         outputs.push_back(write_opacity(g, material, c));
     }
     if (g.uses.coat) {
         material.put("shading", Value::word(g.runtime(), "clear_coat"));
-        outputs.push_back({"OutCoat", "float", "clear_coat", g.text("$0.coat"_fmt, c)});
-        outputs.push_back({"OutCoatRoughness", "float", "clear_coat_roughness", g.text("$0.coat_roughness"_fmt, c)});
+        outputs.push_back({"OutCoat", g.text("$0.coat"_fmt, c)});
+        outputs.push_back({"OutCoatRoughness", g.text("$0.coat_roughness"_fmt, c)});
     }
     return outputs;
 }
@@ -74,12 +85,9 @@ Value material_record(const Gen& g, bool emission_mode) {
     return material;
 }
 
-Value output_record(const Gen& g, const OutputRow& row) {
-    Value record = Value::map(g.runtime());
-    record.put("name", Value::word(g.runtime(), row.name));
-    record.put("type", Value::word(g.runtime(), row.type));
-    record.put("property", Value::word(g.runtime(), row.property));
-    record.put("expr", Value::text(g.runtime(), row.expr));
+Value output_record(const Gen& g, const Assignment& output) {
+    Value record = g.module().registry.constant(output.name.text()).copied_map();
+    record.put("expr", Value::text(g.runtime(), output.expr));
     return record;
 }
 
@@ -107,28 +115,28 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
     Gen g(module, ir, emission_mode, use_params, {});
     const Gen::Run res = g.run();
     const Value material = material_record(g, emission_mode);
-    std::vector<OutputRow> outputs;
+    std::vector<Assignment> outputs;
     Text ret = res.base;
     if (!emission_mode) {
         ret = g.text("$0.base"_fmt, res.closure);
         outputs = write_outputs(g, material, res.closure);
     }
-    for (const OutputRow& row : outputs) {
-        g.emit("$0 = $1;"_fmt, row.name.text(), row.expr);
+    for (const Assignment& output : outputs) {
+        g.emit("$0 = $1;"_fmt, output.name.text(), output.expr);
     }
     g.emit("return $0;"_fmt, ret);
     const Value code = lay_out(g.module(), "material", g.structs(), g.need(), g.body());
     const InputRecords inputs = input_records(g);
     const Value output_list = Value::list(g.runtime());
-    for (const OutputRow& row : outputs) {
-        output_list.append(output_record(g, row));
+    for (const Assignment& output : outputs) {
+        output_list.append(output_record(g, output));
     }
     const Value warnings = warning_list(g);
     Value displacement = Value::none(g.runtime());
     if (!emission_mode && wants_displacement(g)) {
         displacement = put_displacement(g, inputs.params, warnings);
     }
-    Value result = Value::map(g.runtime());
+    Value result = module.registry.constant("result").copied_map();
     result.put("code", code);
     result.put("inputs", inputs.sorted);
     result.put("outputs", output_list);
@@ -137,6 +145,25 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
     result.put("params", inputs.params);
     result.put("displacement", displacement);
     return result;
+}
+
+// Maps with what differs left out: copying them is cheaper than putting in each key.
+void register_results(Registry& registry) {
+    const Runtime& runtime = registry.runtime();
+    for (const OutputRow& row : OUTPUTS) {
+        const Value record = Value::map(runtime);
+        record.put("name", Value::word(runtime, row.name));
+        record.put("type", Value::word(runtime, row.type));
+        record.put("property", Value::word(runtime, row.property));
+        record.put("expr", Value::none(runtime));
+        registry.constant(row.name.text(), record);
+    }
+    const Value result = Value::map(runtime);
+    for (const Word key : {Word("code"), Word("inputs"), Word("outputs"), Word("material"), Word("warnings"),
+                           Word("params"), Word("displacement")}) {
+        result.put(key, Value::none(runtime));
+    }
+    registry.constant("result", result);
 }
 
 }  // namespace quillgen

@@ -50,7 +50,7 @@ double power_of_two(long exponent) {
 }  // namespace
 
 Displacement _displacement(Gen& surface) {
-    Gen g(surface);
+    Gen g(Gen::After{surface});
     g.disp_stage = true;
     const Value src = g.ir.at("out").at("displacement");
     const Bound source = g.output(src);

@@ -24,16 +24,16 @@ void append_structs(const Runtime& runtime, const Value& lines, const Value& str
 void append_head(const Module& module, const Value& lines, Text header, const Value& structs, const Value& need,
                  const Value& extra_lib) {
     const Runtime& runtime = module.runtime;
-    lines.append(module.registry.text(header));
+    lines.append(module.registry.constant(header));
     append_structs(runtime, lines, structs);
-    lines.append(module.registry.text("library"));
+    lines.append(module.registry.constant("library"));
     const Py_ssize_t before = lines.size();
     runtime.library_entry("resolve").call(need).for_each([&](const Value& text) { lines.append(text); });
     if (lines.size() == before) {
         lines.append(Value::text(runtime, ""));
     }
     if (!extra_lib.present()) {
-        lines.append(module.registry.text("closing"));
+        lines.append(module.registry.constant("closing"));
         return;
     }
     std::string storage;
@@ -50,11 +50,11 @@ Value lay_out(const Module& module, Text header, const Value& structs, const Val
 }
 
 void register_layout(Registry& registry) {
-    registry.text("material",
-                  "// Quillwork - generated from Blender's node tree. Edit the material in Blender, not here.");
-    registry.text("displacement", "// Quillwork - displacement of Blender's node tree (Nanite tessellation).");
-    registry.text("library", std::string(CLOSURE) + "\nstruct QWK {");
-    registry.text("closing", std::string(CLOSURE_LIB) + kEnd);
+    const auto keep = [&](Text name, Text text) { registry.constant(name, Value::text(registry.runtime(), text)); };
+    keep("material", "// Quillwork - generated from Blender's node tree. Edit the material in Blender, not here.");
+    keep("displacement", "// Quillwork - displacement of Blender's node tree (Nanite tessellation).");
+    keep("library", std::string(CLOSURE) + "\nstruct QWK {");
+    keep("closing", std::string(CLOSURE_LIB) + kEnd);
 }
 
 }  // namespace quillgen

@@ -4,6 +4,7 @@ namespace quillgen {
 
 void register_all(Registry& registry) {
     register_layout(registry);
+    register_results(registry);
     register_shaders(registry);
 
     register_math(registry);

@@ -9,6 +9,7 @@ void register_all(Registry& registry);
 
 // closures/
 void register_layout(Registry& registry);
+void register_results(Registry& registry);
 void register_shaders(Registry& registry);
 // nodes/value/
 void register_math(Registry& registry);

@@ -50,9 +50,8 @@ struct FormatText {
     [[nodiscard]] constexpr std::string_view view() const { return {characters, Size - 1}; }
 };
 
-template <FormatText Text>
-class Format {
-public:
+template <FormatText F>
+struct Format {
     // Plain text, and the argument behind it.
     struct Piece {
         std::size_t start = 0;
@@ -61,20 +60,24 @@ public:
     };
 
     static constexpr std::size_t kHoles =
-        static_cast<std::size_t>(std::count(Text.characters, Text.characters + Text.view().size(), '$'));
+        static_cast<std::size_t>(std::count(F.characters, F.characters + F.view().size(), '$'));
     // One for each placeholder, and the plain text behind the last.
     static constexpr std::array<Piece, kHoles + 1> kPieces = [] {
         std::array<Piece, kHoles + 1> pieces;
         std::size_t start = 0;
         for (std::size_t i = 0; i < kHoles; ++i) {
-            const std::size_t hole = Text.view().find('$', start);
-            const Placeholder placeholder = read_placeholder(Text.view(), hole);
+            const std::size_t hole = F.view().find('$', start);
+            const Placeholder placeholder = read_placeholder(F.view(), hole);
             pieces[i] = {start, hole - start, placeholder.index};
             start = placeholder.end;
         }
-        pieces[kHoles] = {start, Text.view().size() - start};
+        pieces[kHoles] = {start, F.view().size() - start};
         return pieces;
     }();
+    template <std::size_t I>
+    static constexpr std::string_view kPlain = {F.characters + kPieces[I].start, kPieces[I].size};
+
+    // Whether there is a placeholder for each of that many arguments, and none for another.
     static constexpr bool takes(std::size_t arguments) {
         unsigned long seen = 0;
         for (std::size_t i = 0; i < kHoles; ++i) {
@@ -82,11 +85,10 @@ public:
         }
         return seen == (1UL << arguments) - 1;
     }
-    static constexpr const char* plain(std::size_t piece) { return Text.characters + kPieces[piece].start; }
 };
 
-template <FormatText Text>
-consteval Format<Text> operator""_fmt() {
+template <FormatText F>
+consteval Format<F> operator""_fmt() {
     return {};
 }
 
@@ -110,23 +112,20 @@ private:
     std::string_view text_;
 };
 
+template <class Out, FormatText F, std::size_t... Hole>
+void fill_holes(Out& out, Format<F> /*format*/, const Argument* arguments, std::index_sequence<Hole...> /*holes*/) {
+    using Pieces = Format<F>;
+    char* to = out.room((arguments[Pieces::kPieces[Hole].argument].size() + ... + F.view().size()));
+    ((to = put(to, Pieces::template kPlain<Hole>), to = arguments[Pieces::kPieces[Hole].argument].put(to)), ...);
+    out.end_at(put(to, Pieces::template kPlain<Pieces::kHoles>));
+}
+
 // Appends the format with its placeholders filled.
-template <class Out, FormatText Text, class... Args>
-void fill(Out& out, Format<Text> format, const Args&... args) {
-    static_assert(format.takes(sizeof...(Args)), "a placeholder without an argument, or the other way round");
+template <class Out, FormatText F, class... Args>
+void fill(Out& out, Format<F> format, const Args&... args) {
+    static_assert(Format<F>::takes(sizeof...(Args)), "a placeholder without an argument, or the other way round");
     const Argument arguments[] = {Argument(args)...};
-    [&]<std::size_t... Piece>(std::index_sequence<Piece...>) {
-        char* to = out.room(Text.view().size() + (arguments[format.kPieces[Piece].argument].size() + ...));
-        const auto put_plain = [&]<std::size_t I>(std::integral_constant<std::size_t, I>) {
-            to = put(to, std::string_view(format.plain(I), format.kPieces[I].size));
-        };
-        ((put_plain(std::integral_constant<std::size_t, Piece>{}),
-          to = arguments[format.kPieces[Piece].argument].put(to)),
-         ...);
-        put_plain(std::integral_constant<std::size_t, format.kHoles>{});
-        out.end_at(to);
-    }
-    (std::make_index_sequence<format.kHoles>{});
+    fill_holes(out, format, arguments, std::make_index_sequence<Format<F>::kHoles>{});
 }
 
 // The same with a text that is only known at run time.

@@ -12,9 +12,11 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
     read_links();
 }
 
-Gen::Gen(Gen& done) : Gen(done.module_, done.ir, done.emission_mode_, done.use_params, done.uv_bias, done.names_) {
-    std::swap(storage_->graph, done.storage_->graph);
-    std::swap(socket_keys_, done.socket_keys_);
+Gen::Gen(After other)
+    : Gen(other.done.module_, other.done.ir, other.done.emission_mode_, other.done.use_params, other.done.uv_bias,
+          other.done.names_) {
+    std::swap(storage_->graph, other.done.storage_->graph);
+    std::swap(socket_keys_, other.done.socket_keys_);
     storage_->graph.begin_again();
 }
 
@@ -39,9 +41,11 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
       need_(Value::set(module.runtime)),
       needed_(storage_->needed),
       socket_keys_(storage_->socket_keys),
+      socket_places_(storage_->socket_places),
       structs_(Value::set(module.runtime)) {
     needed_.assign(kWords.size(), false);
-    socket_keys_.assign(kWords.size(), {});
+    socket_keys_.assign(kWords.size(), nullptr);
+    socket_places_.resize(kWords.size());
 }
 
 // ---- reading the graph ----------------------------------------------------------------------

@@ -40,9 +40,12 @@ class Gen {
 public:
     // KeyError where the document, or a node record of it, lacks a mandatory key.
     Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias);
-    // Another translation of the same document. What `done` has read of it is taken from it, so `done` is good for its
-    // results only from then on.
-    explicit Gen(Gen& done);
+    // Another translation of the same document. What the one that is done has read of it is taken from it, so that one
+    // is good for its results only from then on.
+    struct After {
+        Gen& done;
+    };
+    explicit Gen(After other);
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
@@ -261,7 +264,8 @@ private:
 
     Value need_;
     std::vector<bool>& needed_;
-    std::vector<SocketKey>& socket_keys_;
+    std::vector<const void*>& socket_keys_;
+    std::vector<std::size_t>& socket_places_;
     Value structs_;
     const Offset* boff_ = nullptr;
 };

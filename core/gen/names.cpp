@@ -57,7 +57,7 @@ void Names::rank() {
 }
 
 std::shared_ptr<Names> SharedNames::lend() {
-    constexpr std::size_t kMostBytes = std::size_t{128} * 1024;
+    constexpr std::size_t kMostBytes = std::size_t{128} * 1024;  // of texts: a few megabytes with what comes with them
     if (names_ == nullptr || names_->bytes() > kMostBytes) {
         names_ = std::make_shared<Names>(runtime_);
     }

@@ -1,6 +1,6 @@
-// The names of inputs, and those of library functions that are composed. They come back with every edit of a material, so an interpreter's copy of the module keeps them
-// from call to call: the text and the Python string of each are made once, and a translation tells them apart by
-// where they stand.
+// The names of inputs, and those of library functions that are composed. They come back with every edit of a material,
+// so an interpreter's copy of the module keeps them from call to call: the text and the Python string of each are made
+// once, and a translation tells them apart by where they stand.
 #pragma once
 
 #include <memory>
@@ -24,7 +24,7 @@ struct Name {
 
     Text text;
     Value string;
-    std::size_t number = 0;                // among the names, from 0
+    std::size_t number = 0;        // among the names, from 0
     mutable std::size_t rank = 0;  // among all names by their texts; see Names::rank
     mutable Form with_name = {};
     mutable Form without_name = {};
@@ -54,8 +54,8 @@ public:
     // The one name of that text.
     const Name& get(Text text);
     NodeNames& of_node(Text id);
-    // Sees to it that the ranks of all names hold. Inputs are sorted by them: names begin alike, and comparing them takes
-    // up to four per cent of a translation.
+    // Sees to it that the ranks of all names hold. Inputs are sorted by them: names begin alike, and comparing them
+    // takes up to four per cent of a translation.
     void rank();
     [[nodiscard]] std::size_t bytes() const { return bytes_; }  // of all texts
 

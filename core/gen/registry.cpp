@@ -37,8 +37,6 @@ void Registry::table(Text name, std::string_view letters, std::span<const Templa
     tables_.emplace_back(name, TemplateTable(runtime_, letters, rows));
 }
 
-void Registry::text(Text name, Text text) { texts_.emplace_back(name, Value::text(runtime_, text)); }
-
 Handler Registry::find(const Value& type) const {
     const int place = places_.find(type.object());
     return place < 0 ? nullptr : handlers_[static_cast<std::size_t>(place)];
@@ -48,8 +46,9 @@ const TemplateTable& Registry::table(Text name) const {
     return std::find_if(tables_.begin(), tables_.end(), [&](const auto& entry) { return entry.first == name; })->second;
 }
 
-const Value& Registry::text(Text name) const {
-    return std::find_if(texts_.begin(), texts_.end(), [&](const auto& entry) { return entry.first == name; })->second;
+const Value& Registry::constant(Text name) const {
+    const auto is_named = [&](const auto& entry) { return entry.first == name; };
+    return std::find_if(constants_.begin(), constants_.end(), is_named)->second;
 }
 
 }  // namespace quillgen

@@ -1,4 +1,4 @@
-// The registry of handlers, the tables of templates that some of them read, and the fixed texts of results.
+// The registry of handlers, the tables of templates that some of them read, and what all results have in common.
 #pragma once
 
 #include <span>
@@ -51,13 +51,14 @@ public:
     // Prepares a table; a handler finds it again under the same name.
     void table(Text name, std::string_view letters, std::span<const TemplateRow> rows);
 
-    // Makes the string of a text that stands in results as it is.
-    void text(Text name, Text text);
+    // Keeps what results are made of: a string that stands in them as it is, or a map that they hold copies of.
+    void constant(Text name, const Value& value) { constants_.emplace_back(name, value); }
 
     // The handler of a node type, or null. TypeError where the type has no hash.
     [[nodiscard]] Handler find(const Value& type) const;
     [[nodiscard]] const TemplateTable& table(Text name) const;
-    [[nodiscard]] const Value& text(Text name) const;
+    [[nodiscard]] const Value& constant(Text name) const;
+    [[nodiscard]] const Runtime& runtime() const { return runtime_; }
     [[nodiscard]] const Value& types() const { return NODES_; }  // a list
 
 private:
@@ -66,7 +67,7 @@ private:
     Places places_;  // node type -> place in handlers_
     std::vector<Handler> handlers_;
     std::vector<std::pair<Text, TemplateTable>> tables_;
-    std::vector<std::pair<Text, Value>> texts_;
+    std::vector<std::pair<Text, Value>> constants_;
 };
 
 }  // namespace quillgen

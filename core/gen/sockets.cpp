@@ -41,17 +41,18 @@ Socket* Gen::find_socket(const Node& n, Word ident) {
     }
     const std::span<Socket> all = n.state->sockets;
     const void* const word = runtime().word(ident);
-    SocketKey& known = socket_keys_[ident.index()];
-    const auto is_wanted = [&](const Socket& socket) { return socket.key == word || socket.key == known.object; };
+    const void* const known = socket_keys_[ident.index()] != nullptr ? socket_keys_[ident.index()] : word;
+    const auto is_wanted = [&](const Socket& socket) { return socket.key == word || socket.key == known; };
     // Nodes of one type have their sockets in one order.
-    if (known.place >= all.size() || !is_wanted(all[known.place])) {
+    std::size_t& place = socket_places_[ident.index()];
+    if (place >= all.size() || !is_wanted(all[place])) {
         const auto found = std::find_if(all.begin(), all.end(), is_wanted);
         if (found == all.end()) {
             return nullptr;
         }
-        known.place = static_cast<std::size_t>(found - all.begin());
+        place = static_cast<std::size_t>(found - all.begin());
     }
-    Socket& socket = all[known.place];
+    Socket& socket = all[place];
     socket.key = word;
     socket.is_named = true;
     return &socket;
@@ -76,7 +77,7 @@ Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
     }
     if (found != nullptr) {
         if (sharing == 1) {
-            socket_keys_[ident.index()].object = found->key;
+            socket_keys_[ident.index()] = found->key;
         }
         found->key = runtime().word(ident);
         found->is_named = true;

@@ -68,14 +68,6 @@ struct Socket {
     bool is_read = false;
 };
 
-// What is known of the sockets under one word.
-struct SocketKey {
-    const void* object = kUnknown;  // the address of the document's key
-    std::size_t place = 0;          // of the last one among its node's sockets
-
-    static constexpr char kUnknown[1] = {};  // no key stands there
-};
-
 // How far a node's translation is.
 struct NodeState {
     std::span<Socket> sockets = {};
@@ -124,8 +116,9 @@ struct Storage {
     TextBuffer body;
     std::vector<std::size_t> line_ends;
     Inputs inputs;
-    std::vector<bool> needed;            // by word: the library names asked for
-    std::vector<SocketKey> socket_keys;  // by word
+    std::vector<bool> needed;                // by word: the library names asked for
+    std::vector<const void*> socket_keys;    // by word: the address of the document's key for it, once it is known
+    std::vector<std::size_t> socket_places;  // by word: where a node had its socket last; a guess that may be wrong
 
     void clear() {
         graph.clear();
