@@ -123,6 +123,8 @@ public:
     [[nodiscard]] bool is_str() const {
         return present() && (PyUnicode_CheckExact(object_.get()) || PyUnicode_Check(object_.get()) != 0);
     }
+    // Whether it is a str of no type derived from it.
+    [[nodiscard]] bool is_plain_str() const { return present() && PyUnicode_CheckExact(object_.get()) != 0; }
     [[nodiscard]] Text text(std::string& storage) const { return to_text(object_.get(), storage); }
 
     [[nodiscard]] PyObject* object() const { return object_.get(); }

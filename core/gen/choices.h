@@ -17,8 +17,11 @@ struct Choice {
 // is not among the choices.
 inline int code_of(const Value& props, Word key, Text fallback, std::span<const Choice> choices) {
     const Value word = props.get(key);
+    std::string storage;
+    // Null of a value that has an equality of its own.
+    const Text text = !word.present() ? fallback : word.is_plain_str() ? word.text(storage) : Text();
     for (const Choice& choice : choices) {
-        if (word.present() ? word.is(choice.word) : choice.word == fallback) {
+        if (text.data() != nullptr ? choice.word == text : word.is(choice.word)) {
             return choice.code;
         }
     }

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -126,20 +125,6 @@ void fill(Out& out, Format<F> format, const Args&... args) {
     static_assert(Format<F>::takes(sizeof...(Args)), "a placeholder without an argument, or the other way round");
     const Argument arguments[] = {Argument(args)...};
     fill_holes(out, format, arguments, std::make_index_sequence<Format<F>::kHoles>{});
-}
-
-// The same with a text that is only known at run time.
-template <class Out>
-void fill(Out& out, std::string_view format, std::initializer_list<std::string_view> arguments) {
-    const auto append = [&](std::string_view piece) { out.end_at(put(out.room(piece.size()), piece)); };
-    std::size_t start = 0;
-    for (std::size_t hole = format.find('$'); hole != std::string_view::npos; hole = format.find('$', start)) {
-        const Placeholder placeholder = read_placeholder(format, hole);
-        append(format.substr(start, hole - start));
-        append(arguments.begin()[placeholder.index]);
-        start = placeholder.end;
-    }
-    append(format.substr(start));
 }
 
 }  // namespace quillgen

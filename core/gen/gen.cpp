@@ -231,7 +231,12 @@ const TemplateTable::Row* Gen::row(Text table, const Value& operation, Text fall
 
 Text Gen::fill_row(const TemplateTable::Row& row, std::initializer_list<Text> operands) {
     use(row.needs);
-    fill(arena_, row.format, operands);
+    const auto append = [&](Text piece) { arena_.end_at(put(arena_.room(piece.size()), piece)); };
+    for (const TemplateTable::Piece& piece : row.pieces) {
+        append(piece.plain);
+        append(operands.begin()[piece.operand]);
+    }
+    append(row.rest);
     return arena_.finished();
 }
 

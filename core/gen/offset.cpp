@@ -36,6 +36,7 @@ std::vector<int> Gen::upstream(int place) {
     if (place < 0) {
         return reached;
     }
+    reached.reserve(nodes_.size());
     std::vector<bool> seen(nodes_.size(), false);
     seen[static_cast<std::size_t>(place)] = true;
     reached.push_back(place);
@@ -56,6 +57,8 @@ std::vector<int> Gen::upstream(int place) {
 class Gen::MovedEvaluation {
 public:
     MovedEvaluation(Gen& g, std::vector<int> up, const Offset& offset) : g_(g), up_(std::move(up)), boff_(g.boff_) {
+        done_.reserve(up_.size());
+        bound_.reserve(2 * up_.size());
         for (const int place : up_) {
             NodeState& state = g_.states_[static_cast<std::size_t>(place)];
             done_.push_back(std::exchange(state.done, false));

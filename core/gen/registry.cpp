@@ -7,13 +7,16 @@ namespace quillgen {
 TemplateTable::TemplateTable(const Runtime& runtime, std::string_view letters, std::span<const TemplateRow> rows) {
     const std::string pattern = "\\b([" + std::string(letters) + "])\\b";
     for (const TemplateRow& row : rows) {
-        // "a + b" becomes "$a + $b", and then "$0 + $1".
-        std::string format = runtime.re_sub(pattern.c_str(), "$\\1", row.hlsl);
-        for (std::size_t i = format.find('$'); i != std::string::npos; i = format.find('$', i + 1)) {
-            format[i + 1] = static_cast<char>('0' + letters.find(format[i + 1]));
+        const std::string marked = runtime.re_sub(pattern.c_str(), "$\\1", row.hlsl);  // "$a + $b"
+        Row cut = {{}, {}, row.needs, row.is_scalar};
+        std::size_t start = 0;
+        for (std::size_t mark = marked.find('$'); mark != std::string::npos; mark = marked.find('$', start)) {
+            cut.pieces.push_back({marked.substr(start, mark - start), letters.find(marked[mark + 1])});
+            start = mark + 2;
         }
+        cut.rest = marked.substr(start);
         places_.put(Value::text(runtime, row.operation).object(), static_cast<int>(rows_.size()));
-        rows_.push_back({format, row.needs, row.is_scalar});
+        rows_.push_back(std::move(cut));
     }
 }
 

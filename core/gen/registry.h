@@ -23,16 +23,22 @@ struct TemplateRow {
     bool is_scalar = false;  // of a table whose rows give vectors or scalars
 };
 
-// The rows with their letters turned into placeholders, once, when the module loads.
+// The rows, cut at their letters once, when the module loads.
 class TemplateTable {
 public:
+    // Plain text, and the operand behind it.
+    struct Piece {
+        std::string plain;
+        std::size_t operand;
+    };
     struct Row {
-        std::string format;
+        std::vector<Piece> pieces;
+        std::string rest;  // behind the last operand
         std::vector<Word> needs;
         bool is_scalar;
     };
 
-    // `letters` are the operands in the order of a call's arguments; they are replaced as whole words.
+    // `letters` are the operands in the order of a call's arguments; they are found as whole words.
     TemplateTable(const Runtime& runtime, std::string_view letters, std::span<const TemplateRow> rows);
     // The row of an operation, or null. TypeError where the word has no hash.
     [[nodiscard]] const Row* find(const Value& operation) const;

@@ -118,11 +118,16 @@ Text Gen::inp_by_entry(const Node& n, Word ident, SocketType want, Text fallback
 void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
     if (socket.link) {
         const Value type = socket.t ? shared(socket.t) : shared(socket.link).unpack3()[2];
-        if (!type.is_str() && !type.is_none()) {
-            output(socket.source, shared(socket.link));  // what is no word may fail, but not ahead of its source
+        if (type.is_str()) {
+            socket.type = written_type(type);
+            socket.is_typed = socket.type.kind != SocketType::unknown || type.truthy();
+        } else {
+            if (!type.is_none()) {
+                output(socket.source, shared(socket.link));  // it may fail, but not ahead of its source
+            }
+            socket.is_typed = type.truthy();
+            socket.type = socket.is_typed ? written_type(type) : SocketType{};
         }
-        socket.is_typed = type.truthy();
-        socket.type = socket.is_typed ? written_type(type) : SocketType{};
     } else {
         socket.type = socket_type(socket.t ? shared(socket.t) : shared(socket.entry).at("t"));
         if (is_value_type(socket.type)) {
