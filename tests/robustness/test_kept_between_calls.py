@@ -88,7 +88,7 @@ class Crowded(float):
 
     def __float__(self):
         for i in range(40):
-            quillgen.compile(scaled(f"{i}" + "n" * 4000, 0.5))
+            quillgen.compile(scaled(f"{i}" + "n" * 30000, 0.5))
         return 0.5
 
 
