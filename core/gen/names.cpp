@@ -57,8 +57,8 @@ void Names::rank() {
 }
 
 std::shared_ptr<Names> SharedNames::lend() {
-    // Of texts: some twenty thousand names, which come to 11 MiB with all that is kept of them. A graph of more, which is
-    // one of seven thousand nodes, has them made anew each time; that takes it two to three times as long.
+    // Of texts: some twenty thousand names, which come to 11 MiB with all that is kept of them. A graph of more has
+    // them made anew each time; it has seven thousand nodes.
     constexpr std::size_t kMostBytes = std::size_t{512} * 1024;
     if (names_ == nullptr || names_->bytes() > kMostBytes) {
         names_ = std::make_shared<Names>(runtime_);

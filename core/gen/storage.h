@@ -149,7 +149,7 @@ public:
     }
     // What a graph of thousands of nodes has needed is not kept.
     ~StorageLoan() {
-        constexpr std::size_t kMostBytes = std::size_t{512} * 1024;
+        constexpr std::size_t kMostBytes = std::size_t{1024} * 1024;
         if (storage_->body.size() + storage_->graph.sockets.size() * sizeof(Socket) > kMostBytes) {
             return;
         }
