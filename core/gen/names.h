@@ -54,8 +54,8 @@ public:
     // The one name of that text.
     const Name& get(Text text);
     NodeNames& of_node(Text id);
-    // Sees to it that the ranks of all names hold. Inputs are sorted by them: names begin alike, and comparing them
-    // takes up to four per cent of a translation.
+    // Sees to it that the ranks of all names hold. Inputs are sorted by them: names begin alike, and comparing those
+    // takes one per cent of a translation more.
     void rank();
     [[nodiscard]] std::size_t bytes() const { return bytes_; }  // of all texts
 
