@@ -27,6 +27,16 @@ def test_one_graph_is_the_text_of_the_mode_emission(name, use_params):
     assert text == quillgen.compile(example(name), "emission", use_params)["code"]
 
 
+@pytest.mark.parametrize("word", ["é", "a\nb", "é\nb", "\udcff"])
+def test_a_word_of_the_document_breaks_no_statement(word):
+    def body(kind):
+        noise = node("TexNoise", props={"noise_type": kind})
+        return quillgen.parts(material(node("Emission", {"Color": link(noise, "Color")}), noise))["body"]
+
+    assert body(word) == [line.replace("_FBM(", f"_{word}(") for line in body("FBM")]
+    assert any(f"L.noise_texture3_{word}(" in line for line in body(word))
+
+
 def test_two_graphs_and_a_selector():
     lines = assembled(CLOUDS, LAMP, selector="sel").split("\n")
     assert lines.count("if (sel < 0.5) {") == lines.count("if (sel < 1.5) {") == 1

@@ -24,7 +24,8 @@ public:
         }
         // Making it may run any code, and with that other calls of this.
         std::string made = make();
-        const std::size_t bytes = sizeof(std::string) * 4 + key.size() + made.size();
+        constexpr std::size_t kEntry = 4 * sizeof(std::string);  // of the table, about
+        const std::size_t bytes = kEntry + key.size() + made.size();
         bytes_ += bytes;
         if (bytes_ > most_bytes_) {
             made_.clear();

@@ -128,15 +128,6 @@ Text encoded_surrogates(PyObject* string, std::string& storage) {
     return storage;
 }
 
-bool is_text(PyObject* string, Text text) {
-    Py_ssize_t size = 0;
-    if (const char* const bytes = PyUnicode_AsUTF8AndSize(string, &size)) {
-        return Text(bytes, static_cast<std::size_t>(size)) == text;
-    }
-    std::string storage;
-    return encoded_surrogates(string, storage) == text;
-}
-
 void append_formatted(std::string& out, PyObject* object) {
     std::string storage;
     if (PyUnicode_CheckExact(object)) {

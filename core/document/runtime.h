@@ -75,8 +75,6 @@ inline Text to_text(PyObject* string, std::string& storage) {
     const char* const bytes = PyUnicode_AsUTF8AndSize(string, &size);
     return bytes != nullptr ? Text(bytes, static_cast<std::size_t>(size)) : encoded_surrogates(string, storage);
 }
-// Whether a str object says what the text says.
-bool is_text(PyObject* string, Text text);
 // What a format of Python's would write for any object.
 void append_formatted(std::string& out, PyObject* object);
 

@@ -40,7 +40,8 @@ bool Value::is(Text word) const {
         return false;
     }
     if (PyUnicode_CheckExact(object_.get())) {
-        return is_text(object_.get(), word);
+        std::string storage;
+        return text(storage) == word;
     }
     return compare(object_.get(), to_python(word).get(), Py_EQ);
 }

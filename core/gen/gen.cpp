@@ -87,9 +87,9 @@ void Gen::read_links() {
         }
         const std::size_t first = sockets_.size();
         n.in.for_each_value([&](const void* key, const Value& entry) { read_link(key, entry); });
-        n.state->sockets = {sockets_.data(), sockets_.size() - first};
+        n.state->sockets = {sockets_.data(), sockets_.size() - first};  // only their number holds until all are read
     }
-    Socket* first = sockets_.data();  // which stand where they are from now on
+    Socket* first = sockets_.data();
     for (NodeState& state : states_) {
         state.sockets = {first, state.sockets.size()};
         first += state.sockets.size();

@@ -147,12 +147,12 @@ public:
     // Unsupported where a shader meets a value.
     Text convert(Text expr, SocketType from, SocketType to);
     // The value of a socket, or of a property, as a tweakable input or, without use_params, a literal.
-    Text param(const Node& n, Word socket, SocketType type, const Value& value) {
+    // A socket that is no word is a text in the form that identifiers have.
+    template <class Ident>
+    Text param(const Node& n, Ident socket, SocketType type, const Value& value) {
         return param(use_params ? &param_name(n, socket) : nullptr, type, value);
     }
-    Text param(const Name* name, SocketType type, const Value& value);
     const Name& param_name(const Node& n, Word socket);
-    // The same for a socket that is no word, in the form that identifiers have.
     const Name& param_name(const Node& n, Text socket);
     const Name& input_name(Text name) { return names_->get(name); }
 
@@ -236,6 +236,7 @@ private:
     Text read(const Node& n, Word ident, Socket& socket, SocketType want);
     Text read_entry(const Node& n, Word ident, const Value& entry, SocketType want);
     SocketType written_type(const Value& word);
+    Text param(const Name* name, SocketType type, const Value& value);  // null without use_params
     Text scalar_param(const Name* name, const Value& value);
     Text vector_param(const Name* name, const Value& value);
     NodeNames& names_of(const Node& n);

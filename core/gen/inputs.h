@@ -33,6 +33,7 @@ public:
     Input* find(const Name& name);
     // Puts the entry in, or in the place of the one that has its name.
     Input& put(const Input& input);
+    // The same for a parameter, "scalar" or "vector".
     void put_parameter(const Name& name, Word kind, const Value& value);
 
     void reserve(std::size_t count) { entries_.reserve(count); }

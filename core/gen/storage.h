@@ -25,7 +25,8 @@ struct Node {
     Value id;
     Value in;
     NodeState* state = nullptr;  // null of a record that is no node of the document
-    Ref known_type = {};         // null where the first look at the record did not meet them
+    // What the first look at the record has met of it, or null.
+    Ref known_type = {};
     Ref known_props = {};
 
     [[nodiscard]] Value type() const { return known_type ? record.sibling(known_type) : record.at("type"); }
@@ -57,9 +58,9 @@ struct Source {
 struct Socket {
     const void* key = nullptr;  // of the entry: the address of a word, once that word has found it
     Ref entry = {};
-    Ref link = {};  // null where it is unlinked
-    Ref t = {};     // the entry's `t`, or its link's, and its `v`; null where the first look did not meet them
-    Ref v = {};
+    Ref link = {};          // null where it is unlinked
+    Ref t = {};             // the entry's `t`, or its link's; null where the first look did not meet it
+    Ref v = {};             // the entry's `v`, in the same way
     Source source = {};     // of a link
     Text text = {};         // of an unlinked value
     SocketType type = {};   // of a link as it is written there, else the socket's own
@@ -147,7 +148,7 @@ public:
         }
         storage_ = std::make_unique<Storage>();
     }
-    // What a graph of thousands of nodes has needed is not kept.
+    // What a graph of many thousands of nodes has needed is not kept.
     ~StorageLoan() {
         constexpr std::size_t kMostBytes = std::size_t{1024} * 1024;
         if (storage_->body.size() + storage_->graph.sockets.size() * sizeof(Socket) > kMostBytes) {

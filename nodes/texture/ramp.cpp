@@ -50,8 +50,7 @@ Ramp _ramp_hlsl(Gen& g, const Node& n) {
     ramp.fac = g.var("float", g.inp(n, "Fac", VALUE));
     stops.for_each([&](const Value& stop) {
         const Text socket = g.text("stop$0_pos"_fmt, static_cast<int>(ramp.pos.size()));
-        const Value position = stop.at(Py_ssize_t{0});
-        ramp.pos.push_back(g.param(g.use_params ? &g.param_name(n, socket) : nullptr, VALUE, position));
+        ramp.pos.push_back(g.param(n, socket, VALUE, stop.at(Py_ssize_t{0})));
     });
     stops.for_each([&](const Value& stop) {
         ramp.col.push_back(stop_colour(g, n, static_cast<int>(ramp.col.size()), stop.at(Py_ssize_t{1})));

@@ -7,7 +7,9 @@ namespace quillgen {
 
 namespace {
 
-void _value(Gen& g, const Node& n) { g.bind(n, "Value", VALUE, g.param(n, "value", VALUE, n.props().get("value"))); }
+void _value(Gen& g, const Node& n) {
+    g.bind(n, "Value", VALUE, g.param(n, Word("value"), VALUE, n.props().get("value")));
+}
 
 // What an RGB node shows in Blender before anyone touches it.
 Value mid_grey(const Runtime& runtime) {
@@ -20,7 +22,7 @@ Value mid_grey(const Runtime& runtime) {
 
 void _rgb(Gen& g, const Node& n) {
     const Value color = n.props().get("color");
-    g.bind(n, "Color", RGBA, g.param(n, "color", RGBA, color.present() ? color : mid_grey(g.runtime())));
+    g.bind(n, "Color", RGBA, g.param(n, Word("color"), RGBA, color.present() ? color : mid_grey(g.runtime())));
 }
 
 void _sepxyz(Gen& g, const Node& n) {
