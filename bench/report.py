@@ -20,12 +20,12 @@ MISS = " **!**"
 
 TRANSLATION = """## Translation
 
-Processor time in microseconds, minimum / median over {repeats} repeated batches. The floor, timed in turns
-with the call, reads each key that the translation reads once and makes the same result from finished
-strings, in C. Allocations are all calls of malloc, calloc, realloc and aligned_alloc in one warm call with
-`PYTHONMALLOC=malloc`, so Python's objects and C++'s blocks alike: `compile`, its floor, `parts`, its floor.
-`parts` has the mode of a surface and parameters. A ratio over {ratio} is marked, and a speed per kilobyte
-below {faster:.0f} times MaterialX's.
+Processor time in microseconds, minimum / median over {repeats} repeated batches. Before each call the document is
+edited: a slider is dragged, which is a parameter's value and changes no text, or the graph changes, which has all of
+it translated. The floor, timed in turns with the calls, reads each key that the translation reads once and makes the
+same result from finished strings, in C; the ratios are those of the minima to it. `parts` has the mode of a surface
+and parameters. A ratio over {ratio} is marked, and a speed per kilobyte below {faster:.0f} times MaterialX's, which
+is compared with the whole translation.
 
 MaterialX {version}, a material of {nodes} nodes (noise, ramps and mixes under a standard surface), warm:
 {us:.0f} / {median:.0f} µs for {kilobytes:.0f} kB of GLSL, {rate:.2f} µs a kilobyte.
@@ -61,31 +61,44 @@ def _two(reading):
 
 
 def _translation_row(row, materialx):
-    compiled, least, parted, least_parted = row["times"]
-    ratios = [one[0] / floor[0] for one, floor in ((compiled, least), (parted, least_parted))]
-    faster = materialx["us"] / materialx["kilobytes"] / (compiled[0] / row["kilobytes"])
-    return (row["name"], row["nodes"], f"{row['kilobytes']:.1f}", _two(compiled), _two(least),
-            _flagged(f"{ratios[0]:.2f}", ratios[0] > MOST_OVER_FLOOR), _two(parted), _two(least_parted),
-            _flagged(f"{ratios[1]:.2f}", ratios[1] > MOST_OVER_FLOOR),
-            " / ".join(map(str, row["allocations"])),
+    """Of compile."""
+    rebuilt = row["times"][1]
+    faster = materialx["us"] / materialx["kilobytes"] / (rebuilt[0] / row["kilobytes"])
+    return (row["name"], row["nodes"], f"{row['kilobytes']:.1f}", *_beside_floor(row["times"][:3]),
             _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
+
+
+def _beside_floor(readings):
+    *edits, floor = readings
+    ratios = [edit[0] / floor[0] for edit in edits]
+    edited = [cell for edit, ratio in zip(edits, ratios)
+              for cell in (_two(edit), _flagged(f"{ratio:.2f}", ratio > MOST_OVER_FLOOR))]
+    return (*edited, _two(floor))
 
 
 def translation_part(materialx):
     """The lines on time, allocations, growth and import."""
-    head = ("document", "nodes", "kB", "`compile` µs", "floor µs", "ratio", "`parts` µs", "floor µs", "ratio",
-            "allocations", "× MaterialX")
-    growth = [(size, f"{us:.0f}", f"{us / size:.2f}", f"{least / size:.2f}")
-              for size, us, least in translation.growth()]
+    edits = ("slider µs", "ratio", "graph µs", "ratio", "floor µs")
+    table = translation.table()
+    growth = [(size, *(f"{us:.0f}" for us in all_us[:2]), *(f"{us / size:.2f}" for us in all_us))
+              for size, *all_us in translation.growth()]
     imports = [(name, _flagged(_two(readings), readings[0] > LONGEST_IMPORT), f"{size / 1000:.0f}")
                for name, (*readings, size) in translation.imports().items()]
     rate = materialx["us"] / materialx["kilobytes"]
     return [
         *TRANSLATION.format(repeats=translation.REPEATS, ratio=MOST_OVER_FLOOR, faster=LEAST_OVER_MATERIALX,
                             rate=rate, **materialx).split("\n"),
-        *_rows(head, [_translation_row(row, materialx) for row in translation.table()]),
-        "### Growth", "", "A balanced tree of Math nodes, all reached.", "",
-        *_rows(("nodes", "`compile` µs", "µs a node", "floor µs a node"), growth),
+        "### `compile`", "",
+        *_rows(("document", "nodes", "kB", *edits, "× MaterialX"), [_translation_row(row, materialx) for row in table]),
+        "### `parts`", "",
+        *_rows(("document", *edits), [(row["name"], *_beside_floor(row["times"][3:])) for row in table]),
+        "### Allocations", "",
+        "All calls of malloc, calloc, realloc and aligned_alloc in one call with `PYTHONMALLOC=malloc`, so Python's",
+        "objects and C++'s blocks alike.", "",
+        *_rows(("document", "`compile`: slider", "graph", "floor", "`parts`: slider", "graph", "floor"),
+               [(row["name"], *row["allocations"]) for row in table]),
+        "### Growth", "", "A balanced tree of Math nodes, all reached, by `compile`.", "",
+        *_rows(("nodes", "slider µs", "graph µs", "slider µs a node", "graph µs a node", "floor µs a node"), growth),
         "### Import", "", "With re, hashlib and math loaded before; `quillgen` after `quillgen_lib`.", "",
         *_rows(("module", "ms, minimum / median", "binary kB"), imports)]
 

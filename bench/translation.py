@@ -1,6 +1,13 @@
-"""What a translation costs: time beside the floor, allocations, growth with the size, import."""
+"""What a translation costs: time beside the floor, allocations, growth with the size, import.
+
+A document comes again and again while its material is edited. Two edits are measured: a slider is dragged, which
+changes the value of one parameter from call to call, and the graph changes from call to call, so that all of it is
+translated each time.
+"""
+import copy
 import ctypes
 import gc
+import itertools
 import json
 import os
 import pathlib
@@ -60,11 +67,50 @@ def cases():
     return found | documents.examples()
 
 
+def _slider(document):
+    """The entry of a socket whose value is a parameter's and nothing else."""
+    code = quillgen.compile(document)["code"]
+    for entry in (entry for node in document["nodes"] for entry in node["in"].values()):
+        before = entry.get("v")
+        if isinstance(before, float):
+            entry["v"] = before + 0.25
+            result = quillgen.compile(document)
+            entry["v"] = before
+            if result["code"] == code and ["scalar", before + 0.25] in result["params"].values():
+                return entry
+    raise LookupError("no slider")
+
+
+def _dragged(call, document):
+    """The call, with a slider of the document at another value each time."""
+    document = copy.deepcopy(document)
+    entry, values = _slider(document), itertools.cycle((0.125, 0.375, 0.625, 0.875))
+
+    def dragged():
+        entry["v"] = next(values)
+        return call(document)
+
+    return dragged
+
+
+def _rebuilt(call, document):
+    """The call, with a property of a node in the middle of the document another one each time."""
+    document = copy.deepcopy(document)
+    properties, numbers = document["nodes"][len(document["nodes"]) // 2]["props"], itertools.count()
+
+    def rebuilt():
+        properties["edited"] = next(numbers)
+        return call(document)
+
+    return rebuilt
+
+
 def calls(document):
-    """The four calls that are compared: compile and its floor, parts and its floor."""
+    """The calls that are compared, twice three: with a slider dragged, with the graph changed, and the floor; of compile
+    and of parts."""
     need = _surface_parts(document)["need"]
-    return (lambda: quillgen.compile(document), floor(quillgen.compile, document, need),
-            lambda: _surface_parts(document), floor(_surface_parts, document, need))
+    return [timed for call in (quillgen.compile, _surface_parts)
+            for timed in (_dragged(call, document), _rebuilt(call, document), floor(call, document, need))]
 
 
 def _kilobytes(result):
@@ -73,7 +119,7 @@ def _kilobytes(result):
 
 
 def table():
-    """A row for each document, with (minimum, median) and allocations of the four calls."""
+    """A row for each document, with (minimum, median) and allocations of the six calls."""
     counted = _allocations()
     rows = []
     for name, document in cases().items():
@@ -83,16 +129,12 @@ def table():
 
 
 def growth():
-    """Rows of (nodes, microseconds for each node of a tree of Math nodes, the same of its floor)."""
-    rows = []
-    for size in GROWTH:
-        compiled, least = times(*calls(documents.tree(size))[:2])
-        rows.append((size, compiled[0], least[0]))
-    return rows
+    """Rows of (nodes, microseconds of the three calls of compile) for trees of Math nodes."""
+    return [(size, *(reading[0] for reading in times(*calls(documents.tree(size))[:3]))) for size in GROWTH]
 
 
 def _allocations():
-    """Name -> allocations of the four calls, counted where Python takes all memory from malloc."""
+    """Name -> allocations of the six calls, counted where Python takes all memory from malloc."""
     env = os.environ | {"LD_PRELOAD": str(native.built("allocations")), "PYTHONMALLOC": "malloc"}
     return json.loads(subprocess.check_output([sys.executable, __file__, "allocations"], env=env))
 
@@ -101,7 +143,8 @@ def _count_allocations():
     counter = ctypes.c_ulong.in_dll(ctypes.CDLL(None), "allocations")
 
     def count(call):
-        call()
+        for _ in range(5):  # what comes again is kept by then
+            call()
         before = counter.value
         call()
         return counter.value - before

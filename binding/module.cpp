@@ -15,8 +15,14 @@ namespace quillgen {
 
 namespace {
 
+// One interpreter's copy of the module.
+struct Instance {
+    Module module;
+    Recall recall;
+};
+
 struct State {
-    Module* module;
+    Instance* instance;
 };
 
 State& state_of(PyObject* self) { return *static_cast<State*>(PyModule_GetState(self)); }
@@ -55,11 +61,11 @@ PyObject* py_compile(PyObject* self, PyObject* const* args, Py_ssize_t count, Py
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 3> kNames = {"ir", "mode", "use_params"};
         const Arguments<3> given("compile", kNames, 1, args, count, names);
-        const Module& module = *state_of(self).module;
+        const Module& module = state_of(self).instance->module;
         const Runtime& runtime = module.runtime;
         const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "surface");
         const bool use_params = given[2] == nullptr || borrowed(runtime, given[2]).truthy();
-        return compile(module, borrowed(runtime, given[0]), mode, use_params).take();
+        return compile(module, state_of(self).instance->recall, borrowed(runtime, given[0]), mode, use_params).take();
     });
 }
 
@@ -74,12 +80,13 @@ PyObject* py_parts(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 4> kNames = {"ir", "mode", "use_params", "uv_bias"};
         const Arguments<4> given("parts", kNames, 1, args, count, names);
-        const Module& module = *state_of(self).module;
+        const Module& module = state_of(self).instance->module;
         const Runtime& runtime = module.runtime;
         const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "emission");
         const bool use_params = given[2] != nullptr && borrowed(runtime, given[2]).truthy();
         const Value uv_bias = given[3] != nullptr ? borrowed(runtime, given[3]) : Value();
-        return parts(module, borrowed(runtime, given[0]), mode, use_params, uv_bias).take();
+        return parts(module, state_of(self).instance->recall, borrowed(runtime, given[0]), mode, use_params, uv_bias)
+            .take();
     });
 }
 
@@ -98,7 +105,7 @@ PyObject* py_assemble(PyObject* self, PyObject* const* args, Py_ssize_t count, P
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 6> kNames = {"bodies", "structs", "need", "selector", "wrap", "extra_lib"};
         const Arguments<6> given("assemble", kNames, 3, args, count, names);
-        const Module& module = *state_of(self).module;
+        const Module& module = state_of(self).instance->module;
         const Runtime& runtime = module.runtime;
         const auto argument = [&](std::size_t i) { return borrowed(runtime, given[i]); };
         const Value selector = given[3] != nullptr ? argument(3) : Value();
@@ -121,7 +128,7 @@ PyObject* py_param_name(PyObject* self, PyObject* const* args, Py_ssize_t count,
         append_formatted(name, given[0]);
         name += "__";
         append_formatted(name, given[1]);
-        return to_python("P_" + state_of(self).module->runtime.identifier(name));
+        return to_python("P_" + state_of(self).instance->module.runtime.identifier(name));
     });
 }
 
@@ -134,18 +141,19 @@ PyObject* py_tex_input(PyObject* self, PyObject* const* args, Py_ssize_t count, 
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 1> kNames = {"image_name"};
         const Arguments<1> given("tex_input", kNames, 1, args, count, names);
-        const Runtime& runtime = state_of(self).module->runtime;
+        const Runtime& runtime = state_of(self).instance->module.runtime;
         return to_python(tex_input(runtime, borrowed(runtime, given[0])));
     });
 }
 
 int exec(PyObject* self) {
     const Ref result = Ref::steal(guarded([&]() -> Ref {
-        auto* module = new Module();
-        state_of(self).module = module;
-        register_all(module->registry);
-        checked(PyModule_AddObjectRef(self, "Unsupported", module->runtime.unsupported()));
-        const Ref types = Ref::checked(PySequence_Tuple(module->registry.types().object()));
+        auto* instance = new Instance();
+        state_of(self).instance = instance;
+        Module& module = instance->module;
+        register_all(module.registry);
+        checked(PyModule_AddObjectRef(self, "Unsupported", module.runtime.unsupported()));
+        const Ref types = Ref::checked(PySequence_Tuple(module.registry.types().object()));
         checked(PyModule_AddObjectRef(self, "NODES", types.get()));
         return Ref::borrow(Py_None);
     }));
@@ -153,12 +161,12 @@ int exec(PyObject* self) {
 }
 
 int traverse(PyObject* self, visitproc visit, void* arg) {
-    const Module* module = state_of(self).module;
-    return module == nullptr ? 0 : module->runtime.traverse(visit, arg);
+    const Instance* instance = state_of(self).instance;
+    return instance == nullptr ? 0 : instance->module.runtime.traverse(visit, arg);
 }
 
 int clear(PyObject* self) {
-    delete std::exchange(state_of(self).module, nullptr);
+    delete std::exchange(state_of(self).instance, nullptr);
     return 0;
 }
 

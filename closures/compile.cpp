@@ -85,65 +85,95 @@ Value material_record(const Gen& g, bool emission_mode) {
     return material;
 }
 
-Value output_record(const Gen& g, const Assignment& output) {
-    Value record = g.module().registry.constant(output.name.text()).copied_map();
-    record.put("expr", Value::text(g.runtime(), output.expr));
-    return record;
-}
-
-// The displacement's record without its parameters and warnings, which go to the material's.
-Value put_displacement(Gen& g, const Value& params, const Value& warnings) {
-    const Displacement disp = _displacement(g);
-    params.update(disp.params);
-    disp.warnings.for_each([&](const Value& warning) { warnings.append(warning); });
-    Value record = Value::map(g.runtime());
-    record.put("code", disp.code);
-    record.put("inputs", disp.inputs);
-    record.put("magnitude", Value::number(g.runtime(), disp.magnitude));
-    return record;
-}
-
 bool wants_displacement(const Gen& g) {
     const Value method = setting(g.ir, "displacement");
     return g.ir.at("out").get("displacement").truthy() && (method.is("DISPLACEMENT") || method.is("BOTH"));
 }
 
-}  // namespace
-
-Value compile(const Module& module, const Value& ir, const Value& mode, bool use_params) {
-    const bool emission_mode = mode.is("emission");
-    Gen g(module, ir, emission_mode, use_params, {});
+Translation translate(Gen& g, bool emission_mode) {
     const Gen::Run res = g.run();
     const Value material = material_record(g, emission_mode);
-    std::vector<Assignment> outputs;
+    std::vector<Assignment> assignments;
     Text ret = res.base;
     if (!emission_mode) {
         ret = g.text("$0.base"_fmt, res.closure);
-        outputs = write_outputs(g, material, res.closure);
+        assignments = write_outputs(g, material, res.closure);
     }
-    for (const Assignment& output : outputs) {
+    std::vector<MaterialOutput> outputs;
+    outputs.reserve(assignments.size());
+    for (const Assignment& output : assignments) {
         g.emit("$0 = $1;"_fmt, output.name.text(), output.expr);
+        outputs.push_back({output.name, Value::text(g.runtime(), output.expr)});
     }
     g.emit("return $0;"_fmt, ret);
-    const Value code = lay_out(g.module(), "material", g.structs(), g.need(), g.body());
-    const InputRecords inputs = input_records(g);
-    const Value output_list = Value::list(g.runtime());
-    for (const Assignment& output : outputs) {
-        output_list.append(output_record(g, output));
+    return {.surface = material_draft(g, "material"), .material = material, .outputs = std::move(outputs)};
+}
+
+// ---- the result -----------------------------------------------------------------------------
+
+Value output_list(const Module& module, const std::vector<MaterialOutput>& outputs) {
+    const Value list = Value::list(module.runtime);
+    for (const MaterialOutput& output : outputs) {
+        Value record = module.registry.constant(output.name.text()).copied_map();
+        record.put("expr", output.expr);
+        list.append(record);
     }
-    const Value warnings = warning_list(g);
-    Value displacement = Value::none(g.runtime());
-    if (!emission_mode && wants_displacement(g)) {
-        displacement = put_displacement(g, inputs.params, warnings);
+    return list;
+}
+
+// The displacement's record without its parameters and warnings, which go to the material's.
+Value put_displacement(const Module& module, const Translation& made, const Value& params, const Value& warnings) {
+    const Draft& draft = *made.displacement;
+    const Value code = finished_text(module, "displacement", draft);
+    const InputRecords inputs = input_records(module.runtime, draft);
+    params.update(inputs.params);
+    draft.warnings.for_each([&](const Value& warning) { warnings.append(warning); });
+    Value record = Value::map(module.runtime);
+    record.put("code", code);
+    record.put("inputs", inputs.sorted);
+    record.put("magnitude", Value::number(module.runtime, made.magnitude));
+    return record;
+}
+
+// Each list and map is the result's own.
+Value make_result(const Module& module, const Translation& made) {
+    const Value code = finished_text(module, "material", made.surface);
+    const InputRecords inputs = input_records(module.runtime, made.surface);
+    const Value warnings = made.surface.warnings.copied_list();
+    Value displacement = Value::none(module.runtime);
+    if (made.displacement) {
+        displacement = put_displacement(module, made, inputs.params, warnings);
     }
     Value result = module.registry.constant("result").copied_map();
     result.put("code", code);
     result.put("inputs", inputs.sorted);
-    result.put("outputs", output_list);
-    result.put("material", material);
+    result.put("outputs", output_list(module, made.outputs));
+    result.put("material", made.material.copied_map());
     result.put("warnings", warnings);
     result.put("params", inputs.params);
     result.put("displacement", displacement);
+    return result;
+}
+
+}  // namespace
+
+Value compile(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params) {
+    const bool emission_mode = mode.is("emission");
+    Recall::Visit visit(
+        recall, ir,
+        {.is_material = true, .emission_mode = emission_mode, .use_params = use_params, .is_biased = false});
+    if (const Translation* known = visit.known()) {
+        return make_result(module, *known);
+    }
+    Gen surface(module, ir, emission_mode, use_params, {});
+    Translation made = translate(surface, emission_mode);
+    std::optional<Gen> displacement;
+    if (!emission_mode && wants_displacement(surface)) {
+        displacement.emplace(Gen::After{surface});
+        made.displacement = _displacement(*displacement, made.magnitude);
+    }
+    Value result = make_result(module, made);
+    visit.keep(std::move(made), surface, displacement ? &*displacement : nullptr);
     return result;
 }
 

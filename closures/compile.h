@@ -2,29 +2,23 @@
 // Python's own errors for a document that is not what it should be; no partial result is returned.
 #pragma once
 
-#include "core/gen/module.h"
+#include "closures/recall.h"
 
 namespace quillgen {
 
 // One material: a map with `code` (str), `inputs` (list of maps, by name), `outputs` (list of maps),
 // `material` (map), `warnings` (list of str), `params` (map of [kind, value]) and `displacement` (map or
 // none).
-Value compile(const Module& module, const Value& ir, const Value& mode, bool use_params);
+Value compile(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params);
 
-// The result for real displacement, once the surface has been translated: the scalar displacement text and the
-// magnitude, in centimetres, that its values are scaled by.
-struct Displacement {
-    Value code;
-    Value inputs;
-    double magnitude;  // a power of two, at least 0.0625
-    Value params;
-    Value warnings;
-};
-Displacement _displacement(Gen& surface);
+// The scalar of real displacement, centred on 0.5. The magnitude, in centimetres, that its values are scaled by is a
+// power of two, at least 0.0625.
+Draft _displacement(Gen& g, double& magnitude);
 
 // One graph without a header: a map with `body` (list of statements), `ret` (expression of the
 // colour), `need` and `structs` (sets), `inputs` (map of records), `warnings`.
-Value parts(const Module& module, const Value& ir, const Value& mode, bool use_params, const Value& uv_bias);
+Value parts(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params,
+            const Value& uv_bias);
 
 // One text from several graphs. `bodies` are pairs of statements and colour expression; `selector` the HLSL of
 // a float that chooses among them at run time, or none for the first alone; `wrap` a format text with one

@@ -12,8 +12,8 @@ namespace quillgen {
 namespace {
 
 // The stored number of a socket, 0.0 where it is false; `missing` where the socket or its value is not there.
-double stored(const Node& n, Word ident, double missing) {
-    const Value entry = n.in.get(ident);
+double stored(Gen& g, const Node& n, Word ident, double missing) {
+    const Value entry = g.entry(n, ident);
     const Value v = entry.present() ? entry.get("v") : entry;
     if (!v.present()) {
         return missing;
@@ -28,8 +28,8 @@ double estimated_range(Gen& g, const Value& nid) {
     if (n == nullptr || !n->type().is("ShaderNodeDisplacement") || g.linked(*n, "Midlevel") || g.linked(*n, "Scale")) {
         return 0.0;
     }
-    const double mid = stored(*n, "Midlevel", 0.5);
-    const double scale = stored(*n, "Scale", 1.0);
+    const double mid = stored(g, *n, "Midlevel", 0.5);
+    const double scale = stored(g, *n, "Scale", 1.0);
     // Written so that a not-a-number stays one.
     double farthest = mid;
     farthest = 1.0 - mid > farthest ? 1.0 - mid : farthest;
@@ -49,8 +49,7 @@ double power_of_two(long exponent) {
 
 }  // namespace
 
-Displacement _displacement(Gen& surface) {
-    Gen g(Gen::After{surface});
+Draft _displacement(Gen& g, double& magnitude) {
     g.disp_stage = true;
     const Value src = g.ir.at("out").at("displacement");
     const Bound source = g.output(src);
@@ -61,25 +60,18 @@ Displacement _displacement(Gen& surface) {
     const Text oz = g.geo("oz");
     const Text nl = g.geo("Nl");
     const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)"_fmt, d, ox, oy, oz, nl);
-    double mag = estimated_range(g, src.at(Py_ssize_t{0}));
-    if (mag == 0.0) {
+    magnitude = estimated_range(g, src.at(Py_ssize_t{0}));
+    if (magnitude == 0.0) {
         g.warn(
             "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are "
             "clipped)");
-        mag = 100.0;
+        magnitude = 100.0;
     }
-    mag = power_of_two(g.runtime().ceil_log2(mag));
-    std::string magnitude;
-    append_literal(magnitude, mag);
-    g.emit("return 0.5 + $0 / $1;"_fmt, s_cm, magnitude);
-    const InputRecords inputs = input_records(g);
-    return {
-        .code = lay_out(g.module(), "displacement", g.structs(), g.need(), g.body()),
-        .inputs = inputs.sorted,
-        .magnitude = mag,
-        .params = inputs.params,
-        .warnings = warning_list(g),
-    };
+    magnitude = power_of_two(g.runtime().ceil_log2(magnitude));
+    std::string literal;
+    append_literal(literal, magnitude);
+    g.emit("return 0.5 + $0 / $1;"_fmt, s_cm, literal);
+    return material_draft(g, "displacement");
 }
 
 }  // namespace quillgen

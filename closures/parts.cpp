@@ -31,19 +31,48 @@ void append_graph(const Value& lines, const Value& pair, const Value& wrap) {
     lines.append(Value::text(lines.runtime(), line + ";"));
 }
 
+Translation translate(Gen& g, bool emission_mode) {
+    const Gen::Run res = g.run();
+    Draft draft = {
+        .statements = line_list(g),
+        .structs = g.structs(),
+        .need = g.need(),
+        .warnings = warning_list(g),
+        .inputs = g.inputs.entries(),
+    };
+    const Text ret = emission_mode ? res.base : g.text("$0.base"_fmt, res.closure);
+    return {.surface = std::move(draft), .ret = Value::text(g.runtime(), ret)};
+}
+
+// Each list, set and map is the result's own.
+Value make_result(const Runtime& runtime, const Translation& made) {
+    Value result = Value::map(runtime);
+    result.put("body", made.surface.statements.copied_list());
+    result.put("ret", made.ret);
+    result.put("need", made.surface.need.unshared());
+    result.put("structs", made.surface.structs.unshared());
+    result.put("inputs", inputs_by_name(runtime, made.surface));
+    result.put("warnings", made.surface.warnings.copied_list());
+    return result;
+}
+
 }  // namespace
 
-Value parts(const Module& module, const Value& ir, const Value& mode, bool use_params, const Value& uv_bias) {
+Value parts(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params,
+            const Value& uv_bias) {
     const bool emission_mode = mode.is("emission");
+    Recall::Visit visit(recall, ir,
+                        {.is_material = false,
+                         .emission_mode = emission_mode,
+                         .use_params = use_params,
+                         .is_biased = !uv_bias.is_none()});
+    if (const Translation* known = visit.known()) {
+        return make_result(module.runtime, *known);
+    }
     Gen g(module, ir, emission_mode, use_params, uv_bias);
-    const Gen::Run res = g.run();
-    Value result = Value::map(g.runtime());
-    result.put("body", line_list(g));
-    result.put("ret", Value::text(g.runtime(), emission_mode ? res.base : g.text("$0.base"_fmt, res.closure)));
-    result.put("need", g.need());
-    result.put("structs", g.structs());
-    result.put("inputs", inputs_by_name(g));
-    result.put("warnings", warning_list(g));
+    Translation made = translate(g, emission_mode);
+    Value result = make_result(module.runtime, made);
+    visit.keep(std::move(made), g, nullptr);
     return result;
 }
 

@@ -4,28 +4,28 @@ namespace quillgen {
 
 namespace {
 
-Value word(const Gen& g, Word text) { return Value::word(g.runtime(), text); }
+Value word(const Runtime& runtime, Word text) { return Value::word(runtime, text); }
 
 // The record of an input, with nones for what differs from document to document.
-Value make_form(const Gen& g, const Input& input, bool with_name) {
-    const Value none = Value::none(g.runtime());
-    Value form = Value::map(g.runtime());
+Value make_form(const Runtime& runtime, const Input& input, bool with_name) {
+    const Value none = Value::none(runtime);
+    Value form = Value::map(runtime);
     if (with_name) {
         form.put("name", input.name->string);
     }
-    form.put("kind", word(g, input.kind));
+    form.put("kind", word(runtime, input.kind));
     if (input.is_parameter) {
         form.put("default", none);
     } else if (input.texture != nullptr) {
         form.put("image", none);
-        form.put("srgb", Value::boolean(g.runtime(), false));
+        form.put("srgb", Value::boolean(runtime, false));
         form.put("float", none);
         form.put("extension", none);
         form.put("interpolation", none);
     } else if (input.kind == Word("texcoord")) {
-        form.put("index", Value::integer(g.runtime(), input.index));
+        form.put("index", Value::integer(runtime, input.index));
     } else if (input.kind == Word("view_axis") || input.kind == Word("object_axis")) {
-        form.put("axis", word(g, input.axis));
+        form.put("axis", word(runtime, input.axis));
     } else if (input.kind == Word("ddx") || input.kind == Word("ddy")) {
         form.put("of", none);
     }
@@ -33,59 +33,58 @@ Value make_form(const Gen& g, const Input& input, bool with_name) {
 }
 
 // What a derivative is of.
-Value differentiated(const Gen& g, const Input& input) {
-    Value of = Value::map(g.runtime());
-    of.put("kind", word(g, input.of));
+Value differentiated(const Runtime& runtime, const Input& input) {
+    Value of = Value::map(runtime);
+    of.put("kind", word(runtime, input.of));
     if (input.of == Word("texcoord")) {
-        of.put("index", Value::integer(g.runtime(), input.index));
+        of.put("index", Value::integer(runtime, input.index));
     }
     return of;
 }
 
 // A copy of the form that the name keeps, with this document's values: that is cheaper than a map that grows, and what
 // the form holds already need not be put in.
-Value make_record(const Gen& g, const Input& input, bool with_name) {
+Value make_record(const Runtime& runtime, const Input& input, bool with_name) {
     Name::Form& form = with_name ? input.name->with_name : input.name->without_name;
     if (!form.record.present() || form.kind != input.kind) {
-        form = {make_form(g, input, with_name), input.kind};
+        form = {make_form(runtime, input, with_name), input.kind};
     }
     Value record = form.record.copied_map();
     if (input.is_parameter) {
         record.put("default", input.value);
     } else if (input.texture != nullptr) {
         record.put("image", input.texture->image);
-        record.put("float", Value::boolean(g.runtime(), input.texture->is_float));
+        record.put("float", Value::boolean(runtime, input.texture->is_float));
         record.put("extension", input.texture->extension);
         record.put("interpolation", input.texture->interpolation);
     } else if (input.kind == Word("ddx") || input.kind == Word("ddy")) {
-        record.put("of", differentiated(g, input));
+        record.put("of", differentiated(runtime, input));
     }
     return record;
 }
 
 }  // namespace
 
-InputRecords input_records(const Gen& g) {
-    const std::vector<Input>& inputs = g.inputs.entries();
-    InputRecords records = {Value::list(g.runtime()), Value::map(g.runtime())};
+InputRecords input_records(const Runtime& runtime, const Draft& draft) {
+    InputRecords records = {Value::list(runtime), Value::map(runtime)};
     std::size_t step = 0;
-    for (const Input& input : inputs) {
+    for (const Input& input : draft.inputs) {
         if (input.is_parameter) {
-            records.params.put(input.name->string, Value::pair(word(g, input.kind), input.value));
+            records.params.put(input.name->string, Value::pair(word(runtime, input.kind), input.value));
         }
         check_signals_at(step++);
     }
-    for (const Input* const input : g.sorted_inputs()) {
-        records.sorted.append(make_record(g, *input, true));
+    for (const Input* const input : draft.sorted) {
+        records.sorted.append(make_record(runtime, *input, true));
         check_signals_at(step++);
     }
     return records;
 }
 
-Value inputs_by_name(const Gen& g) {
-    Value map = Value::map(g.runtime());
-    for (const Input& input : g.inputs.entries()) {
-        map.put(input.name->string, make_record(g, input, false));
+Value inputs_by_name(const Runtime& runtime, const Draft& draft) {
+    Value map = Value::map(runtime);
+    for (const Input& input : draft.inputs) {
+        map.put(input.name->string, make_record(runtime, input, false));
     }
     return map;
 }

@@ -17,8 +17,8 @@ void write_normal(Gen& g, const Node& n, Text c) {
 }
 
 // Whether a weight takes part: its socket is linked, or its value is above 0.
-bool has_weight(const Node& n, Word ident) {
-    const Value entry = n.in.get(ident);
+bool has_weight(Gen& g, const Node& n, Word ident) {
+    const Value entry = g.entry(n, ident);
     if (!entry.present()) {
         return false;
     }
@@ -33,13 +33,13 @@ bool emits(Gen& g, const Node& n) {
     if (g.linked(n, "Emission Color") || g.linked(n, "Emission Strength")) {
         return true;
     }
-    const Value entry = n.in.get("Emission Strength");
+    const Value entry = g.entry(n, "Emission Strength");
     const Value v = entry.present() ? entry.get("v") : entry;
     return v.truthy() && !v.equals(Value::integer(g.runtime(), 0));
 }
 
-bool is_see_through(const Node& n) {
-    const Value entry = n.in.get("Alpha");
+bool is_see_through(Gen& g, const Node& n) {
+    const Value entry = g.entry(n, "Alpha");
     if (!entry.present()) {
         return false;
     }
@@ -51,7 +51,7 @@ bool is_see_through(const Node& n) {
 }
 
 void write_coat(Gen& g, const Node& n, Text c) {
-    if (has_weight(n, "Coat Weight")) {
+    if (has_weight(g, n, "Coat Weight")) {
         g.uses.coat = true;
         const Text weight = g.inp(n, "Coat Weight", VALUE);
         const Text roughness = g.inp(n, "Coat Roughness", VALUE);
@@ -61,7 +61,7 @@ void write_coat(Gen& g, const Node& n, Text c) {
 
 void warn_of_lost_lobes(Gen& g, const Node& n) {
     const auto warn = [&](Word ident, Text what) {
-        if (has_weight(n, ident)) {
+        if (has_weight(g, n, ident)) {
             g.warn("$0: Principled $1 is not reproduced in Unreal (Default Lit)"_fmt, g.formatted(n.id), what);
         }
     };
@@ -86,7 +86,7 @@ void _principled(Gen& g, const Node& n) {
     g.emit("$0.emission = $1 * $2;"_fmt, c, color, strength);
     // The test comes first: whether a value fails it must not hang on what other nodes have turned on.
     g.uses.emission = emits(g, n) || g.uses.emission;
-    g.uses.alpha = is_see_through(n) || g.uses.alpha;
+    g.uses.alpha = is_see_through(g, n) || g.uses.alpha;
     g.emit("$0.alpha = saturate($1);"_fmt, c, g.inp(n, "Alpha", VALUE));
     write_coat(g, n, c);
     write_normal(g, n, c);

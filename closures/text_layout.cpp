@@ -42,10 +42,10 @@ void append_head(const Module& module, const Value& lines, Text header, const Va
     lines.append(Value::text(runtime, closing + kEnd));
 }
 
-Value lay_out(const Module& module, Text header, const Value& structs, const Value& need, Text statements) {
+Value lay_out(const Module& module, Text header, const Value& structs, const Value& need, const Value& statements) {
     const Value lines = Value::list(module.runtime);
     append_head(module, lines, header, structs, need, {});
-    lines.append(Value::text(module.runtime, statements.substr(0, statements.size() - 1)));
+    lines.append(statements);
     return lines.joined();
 }
 

@@ -14,7 +14,7 @@ namespace quillgen {
 void append_head(const Module& module, const Value& lines, Text header, const Value& structs, const Value& need,
                  const Value& extra_lib);
 
-// The finished text. Each of the statements ends in a line feed; the text does not.
-Value lay_out(const Module& module, Text header, const Value& structs, const Value& need, Text statements);
+// The finished text. The statements are a str of lines.
+Value lay_out(const Module& module, Text header, const Value& structs, const Value& need, const Value& statements);
 
 }  // namespace quillgen

@@ -38,6 +38,7 @@ Gen::Gen(const Module& module, Value document, bool emission_mode, bool with_par
       outputs_(storage_->graph.outputs),
       sockets_(storage_->graph.sockets),
       entry_keys_(module.runtime, {"t", "v", "link"}),
+      decisive_(storage_->decisive),
       need_(Value::set(module.runtime)),
       needed_(storage_->needed),
       socket_keys_(storage_->socket_keys),

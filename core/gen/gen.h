@@ -144,14 +144,18 @@ public:
     // `fallback` where the record lacks the socket. Unsupported "{type}: no input {ident}".
     Text inp(const Node& n, Word ident, SocketType want, Text fallback = {});
     bool linked(const Node& n, Word ident);
+    // The entry of a socket, absent where the record lacks it. It is for those who decide by the stored value, which
+    // the text depends on then even where it has become a parameter.
+    Value entry(const Node& n, Word ident);
     // Unsupported where a shader meets a value.
     Text convert(Text expr, SocketType from, SocketType to);
     // The value of a socket, or of a property, as a tweakable input or, without use_params, a literal.
     // A socket that is no word is a text in the form that identifiers have.
     template <class Ident>
-    Text param(const Node& n, Ident socket, SocketType type, const Value& value) {
-        return param(use_params ? &param_name(n, socket) : nullptr, type, value);
+    Text param(const Node& n, Ident socket, SocketType type, const Value& value, Origin origin = {}) {
+        return param(use_params ? &param_name(n, socket) : nullptr, type, value, origin);
     }
+
     const Name& param_name(const Node& n, Word socket);
     const Name& param_name(const Node& n, Text socket);
     const Name& input_name(Text name) { return names_->get(name); }
@@ -187,6 +191,9 @@ public:
     [[nodiscard]] Value structs() const { return structs_; }        // a set of struct names
     [[nodiscard]] std::vector<const Input*> sorted_inputs() const;  // by name
     [[nodiscard]] const Node* find_node(const Value& nid) const;    // null where there is none
+    // The entries that have been asked for so.
+    [[nodiscard]] const std::vector<const void*>& decisive() const { return decisive_; }
+    [[nodiscard]] const std::shared_ptr<Names>& names() const { return names_; }
 
 private:
     const StorageLoan storage_;  // ahead of all that refers to it
@@ -236,9 +243,7 @@ private:
     Text read(const Node& n, Word ident, Socket& socket, SocketType want);
     Text read_entry(const Node& n, Word ident, const Value& entry, SocketType want);
     SocketType written_type(const Value& word);
-    Text param(const Name* name, SocketType type, const Value& value);  // null without use_params
-    Text scalar_param(const Name* name, const Value& value);
-    Text vector_param(const Name* name, const Value& value);
+    Text param(const Name* name, SocketType type, const Value& value, Origin origin);  // null without use_params
     NodeNames& names_of(const Node& n);
 
     Text _geo(Signal what);
@@ -262,6 +267,7 @@ private:
     std::vector<Socket>& sockets_;
     SmallMapKeys<3> entry_keys_;
     std::vector<Value> unknown_types_;
+    std::vector<const void*>& decisive_;
 
     Value need_;
     std::vector<bool>& needed_;

@@ -16,6 +16,14 @@ struct Texture {
     Value interpolation;
 };
 
+// Where in the document the value of a parameter stands: an item of a map. Only told apart, never looked into.
+struct Origin {
+    const void* map = nullptr;  // null for no such place
+    Word key = "v";
+
+    bool operator==(const Origin&) const = default;
+};
+
 struct Input {
     const Name* name = nullptr;
     Word kind = "scalar";
@@ -25,7 +33,13 @@ struct Input {
     Word of = "texcoord";  // "ddx", "ddy": the kind whose derivative it is
     Texture* texture = nullptr;
     bool is_parameter = false;
+    Origin origin = {};  // of a parameter
 };
+
+// The value of a parameter: a float, or a list of four items. Of a document's number or sequence; nothing and none
+// count as 0.0. TypeError or ValueError where a value does not convert to a float, IndexError for a scalar of no items.
+Value scalar_value(const Runtime& runtime, const Value& value);
+Value vector_value(const Runtime& runtime, const Value& value);
 
 class Inputs {
 public:
@@ -34,18 +48,18 @@ public:
     // Puts the entry in, or in the place of the one that has its name.
     Input& put(const Input& input);
     // The same for a parameter, "scalar" or "vector".
-    void put_parameter(const Name& name, Word kind, const Value& value);
+    void put_parameter(const Name& name, Word kind, const Value& value, Origin origin = {});
 
     void reserve(std::size_t count) { entries_.reserve(count); }
     void clear();
 
     [[nodiscard]] const std::vector<Input>& entries() const { return entries_; }
-    // Whether an entry has been replaced by one with another value: two sockets whose names come to the same
+    // Whether an entry has been replaced by one of another place or value: two sockets whose names come to the same
     // then take it in turns, and what was read of either may not be left out.
     [[nodiscard]] bool ambiguous() const { return ambiguous_; }
 
 private:
-    Input& entry(const Name& name, const Value& value);
+    Input& entry(const Name& name, const Value& value, Origin origin);
 
     bool ambiguous_ = false;
     std::vector<Input> entries_;

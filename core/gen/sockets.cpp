@@ -93,6 +93,15 @@ bool Gen::linked(const Node& n, Word ident) {
     return !entry.is_none() && entry.contains("link");
 }
 
+Value Gen::entry(const Node& n, Word ident) {
+    const Socket* const socket = find_socket(n, ident);
+    const Value found = socket != nullptr ? shared(socket->entry) : n.in.get(ident);
+    if (found.present()) {
+        decisive_.push_back(found.object());
+    }
+    return found;
+}
+
 void Gen::no_input(const Node& n, Word ident) {
     unsupported(text("$0: no input $1"_fmt, formatted(n.type()), ident.text()));
 }
@@ -132,7 +141,7 @@ void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
         socket.type = socket_type(socket.t ? shared(socket.t) : shared(socket.entry).at("t"));
         if (is_value_type(socket.type)) {
             const Value v = socket.v ? shared(socket.v) : shared(socket.entry).get("v");
-            socket.text = param(n, ident, socket.type, v);
+            socket.text = param(n, ident, socket.type, v, {socket.entry.get()});
         }
     }
     socket.is_read = true;
@@ -162,7 +171,7 @@ Text Gen::read_entry(const Node& n, Word ident, const Value& entry, SocketType w
     }
     const SocketType type = socket_type(entry.at("t"));
     if (is_value_type(type)) {
-        return convert(param(n, ident, type, entry.get("v")), type, want);
+        return convert(param(n, ident, type, entry.get("v"), {entry.object()}), type, want);
     }
     return is_closure(type) && is_closure(want) ? "L.closure_none()" : "0.0";
 }
@@ -209,44 +218,14 @@ const Name& Gen::param_name(const Node& n, Text socket) {
     return names_->get(arena_.keep({names_of(n).prefix(), socket}));
 }
 
-Text Gen::param(const Name* name, SocketType type, const Value& value) {
-    return shape(type) == Shape::scalar ? scalar_param(name, value) : vector_param(name, value);
-}
-
-Text Gen::scalar_param(const Name* name, const Value& value) {
-    const Value item = value.is_list_or_tuple() ? value.at(Py_ssize_t{0}) : value;
-    const Value number = item.is_none() ? Value::number(runtime(), 0.0) : item.to_float();
+Text Gen::param(const Name* name, SocketType type, const Value& value, Origin origin) {
+    const bool is_scalar = shape(type) == Shape::scalar;
+    const Value made = is_scalar ? scalar_value(runtime(), value) : vector_value(runtime(), value);
     if (name == nullptr) {
-        return _f(number);
+        return is_scalar ? _f(made) : _v3(made);
     }
-    inputs.put_parameter(*name, "scalar", number);
-    return name->text;
-}
-
-Text Gen::vector_param(const Name* name, const Value& value) {
-    Value items;
-    if (value.is_list_or_tuple()) {
-        items = value.copied_list();
-    } else {
-        const Value x = value.truthy() ? value.to_float() : Value::number(runtime(), 0.0);
-        items = Value::list(runtime());
-        for (int i = 0; i < 3; ++i) {
-            items.append(x);
-        }
-    }
-    // A list of three gets 0.0 for its fourth; only an empty one reaches the 1.0.
-    for (const double pad : {0.0, 0.0, 0.0, 1.0}) {
-        if (items.size() >= 4) {
-            break;
-        }
-        items.append(Value::number(runtime(), pad));
-    }
-    items.cut(4);
-    if (name == nullptr) {
-        return _v3(items);
-    }
-    inputs.put_parameter(*name, "vector", items);
-    return arena_.keep({name->text, ".xyz"});
+    inputs.put_parameter(*name, is_scalar ? Word("scalar") : Word("vector"), made, origin);
+    return is_scalar ? name->text : arena_.keep({name->text, ".xyz"});
 }
 
 Text Gen::vector_or(const Node& n, Word ident, Signal coord) {

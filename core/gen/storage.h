@@ -117,6 +117,7 @@ struct Storage {
     TextBuffer body;
     std::vector<std::size_t> line_ends;
     Inputs inputs;
+    std::vector<const void*> decisive;       // entries: see Gen::entry
     std::vector<bool> needed;                // by word: the library names asked for
     std::vector<const void*> socket_keys;    // by word: the address of the document's key for it, once it is known
     std::vector<std::size_t> socket_places;  // by word: where a node had its socket last; a guess that may be wrong
@@ -127,6 +128,7 @@ struct Storage {
         body.clear();
         line_ends.clear();
         inputs.clear();
+        decisive.clear();
         needed.clear();
         socket_keys.clear();
     }

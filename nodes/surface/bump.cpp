@@ -10,7 +10,7 @@ namespace {
 
 // Only the stored value counts: the offsets need one width for the whole surface, so a link is not followed.
 Text filter_width(Gen& g, const Node& n) {
-    const Value entry = n.in.get("Filter Width");
+    const Value entry = g.entry(n, "Filter Width");
     const Value width = entry.truthy() ? entry.get("v") : Value();
     return width.is_none() ? "0.1" : g._f(width);
 }

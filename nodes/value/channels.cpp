@@ -8,7 +8,9 @@ namespace quillgen {
 namespace {
 
 void _value(Gen& g, const Node& n) {
-    g.bind(n, "Value", VALUE, g.param(n, Word("value"), VALUE, n.props().get("value")));
+    const Value props = n.props();
+    const Word key = "value";
+    g.bind(n, "Value", VALUE, g.param(n, key, VALUE, props.get(key), {props.object(), key}));
 }
 
 // What an RGB node shows in Blender before anyone touches it.
@@ -21,8 +23,11 @@ Value mid_grey(const Runtime& runtime) {
 }
 
 void _rgb(Gen& g, const Node& n) {
-    const Value color = n.props().get("color");
-    g.bind(n, "Color", RGBA, g.param(n, Word("color"), RGBA, color.present() ? color : mid_grey(g.runtime())));
+    const Value props = n.props();
+    const Word key = "color";
+    const Value color = props.get(key);
+    const Value shown = color.present() ? color : mid_grey(g.runtime());
+    g.bind(n, "Color", RGBA, g.param(n, key, RGBA, shown, {props.object(), key}));
 }
 
 void _sepxyz(Gen& g, const Node& n) {

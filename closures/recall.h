@@ -1,0 +1,65 @@
+// Translations that are kept for documents that come again. Where a document holds what one has held before, apart from
+// the values of its parameters, its text is the same: a step of a slider then costs a comparison and the making of the
+// result.
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "closures/translation.h"
+
+namespace quillgen {
+
+class Recall {
+    struct Kept;
+    struct Entry;
+
+public:
+    // What tells one way of translating from another.
+    struct Way {
+        bool is_material;
+        bool emission_mode;
+        bool use_params;
+        bool is_biased;  // by a bias that is no part of the document: such translations are not kept
+    };
+
+    // One call's use of it. What is known of the document is the call's own meanwhile: a finalizer that runs inside the
+    // call, or another thread, may call with the same document.
+    class Visit {
+    public:
+        Visit(Recall& recall, const Value& document, Way way);
+        ~Visit();
+        Visit(const Visit&) = delete;
+        Visit& operator=(const Visit&) = delete;
+
+        // The translation of the document, with the values that its parameters have now; null where none is known.
+        [[nodiscard]] const Translation* known() const;
+        // Keeps a new translation whose result has been made, if that is worth it. `surface` has made it, and
+        // `displacement` if there is one.
+        void keep(Translation translation, Gen& surface, Gen* displacement);
+
+    private:
+        Recall& recall_;
+        const Value document_;
+        std::size_t key_;
+        bool is_wanted_ = false;
+        std::unique_ptr<Kept> kept_;
+    };
+
+    Recall();
+    ~Recall();
+    Recall(const Recall&) = delete;
+    Recall& operator=(const Recall&) = delete;
+
+private:
+    std::unique_ptr<Kept> take_out(Entry& entry);
+    void put(Entry& entry, std::unique_ptr<Kept> kept);
+    void forget();
+
+    std::unordered_map<std::size_t, Entry> entries_;
+    std::size_t bytes_ = 0;         // of what the entries have
+    const Names* names_ = nullptr;  // that the entries refer to
+};
+
+}  // namespace quillgen

@@ -1,0 +1,252 @@
+#include "core/document/snapshot.h"
+
+#include <cstring>
+#include <limits>
+
+namespace quillgen {
+
+namespace {
+
+bool is_map(PyObject* object) { return PyDict_CheckExact(object) != 0; }
+bool is_list(PyObject* object) { return PyList_CheckExact(object) != 0; }
+bool is_number(PyObject* object) { return PyFloat_CheckExact(object) != 0; }
+
+// Also of a not-a-number, and apart for the two zeros.
+bool same_bits(PyObject* left, PyObject* right) {
+    const double a = PyFloat_AsDouble(left);
+    const double b = PyFloat_AsDouble(right);
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+bool same_text(PyObject* left, PyObject* right) {
+    return left == right || (PyUnicode_CheckExact(left) && PyUnicode_Compare(left, right) == 0);
+}
+
+bool same_integer(PyObject* left, PyObject* right) {
+    return PyLong_CheckExact(left) && PyObject_RichCompareBool(left, right, Py_EQ) == 1;
+}
+
+// Whether it is a float, or a list of floats with one at least.
+bool is_free_value(PyObject* object) {
+    if (!is_list(object)) {
+        return is_number(object);
+    }
+    const Py_ssize_t size = PyList_Size(object);
+    for (Py_ssize_t i = 0; i < size; ++i) {
+        if (!is_number(PyList_GetItem(object, i))) {
+            return false;
+        }
+    }
+    return size > 0;
+}
+
+// What a plain map has under a key that is a word, or null. A look that runs no code of the document's keys.
+PyObject* find(PyObject* map, PyObject* word) {
+    PyObject* key = nullptr;
+    PyObject* item = nullptr;
+    for (Py_ssize_t place = 0; is_map(map) && PyDict_Next(map, &place, &key, &item) != 0;) {
+        if (same_text(key, word)) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+std::size_t Snapshot::fingerprint(const Value& document) {
+    const Runtime& runtime = document.runtime();
+    PyObject* const nodes = find(document.object(), runtime.word("nodes"));
+    if (nodes == nullptr || !is_list(nodes)) {
+        return 0;
+    }
+    std::uint64_t print = 1;
+    const Py_ssize_t size = PyList_Size(nodes);
+    for (Py_ssize_t i = 0; i < size; ++i) {
+        PyObject* const id = find(PyList_GetItem(nodes, i), runtime.word("id"));
+        if (id == nullptr || !PyUnicode_CheckExact(id)) {
+            return 0;
+        }
+        constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;  // odd, of bits without a pattern
+        print = (print ^ static_cast<std::uint64_t>(PyObject_Hash(id))) * kFactor;
+        print ^= print >> 32;
+    }
+    return static_cast<std::size_t>(print | 1);
+}
+
+// ---- taking it down -------------------------------------------------------------------------
+
+class Snapshot::Walk {
+public:
+    Walk(std::vector<Token>& tokens, const Runtime& runtime, FreeItems& free)
+        : tokens_(tokens), runtime_(runtime), free_(free) {}
+
+    bool value(PyObject* object, PyObject* key, int depth) {
+        constexpr int kDeepest = 32;
+        // One list may stand in many places, and what it holds counts in each: that could go on for ever.
+        constexpr std::size_t kMostTokens = 300'000;
+        if (tokens_.size() == kMostTokens) {
+            return false;
+        }
+        Token& token = tokens_.emplace_back();
+        token.key = Ref::borrow(key);
+        if (PyUnicode_CheckExact(object)) {
+            text_bytes_ += static_cast<std::size_t>(PyUnicode_GetLength(object));
+            return is(token, Kind::text, object);
+        }
+        if (is_number(object)) {
+            return is(token, Kind::number, object);
+        }
+        if (depth < kDeepest && is_map(object)) {
+            return has(token, Kind::map, PyDict_Size(object)) && items_of_map(object, depth + 1);
+        }
+        if (depth < kDeepest && is_list(object)) {
+            return has(token, Kind::list, PyList_Size(object)) && items(object, PyList_GetItem, depth + 1);
+        }
+        if (depth < kDeepest && PyTuple_CheckExact(object)) {
+            return has(token, Kind::tuple, PyTuple_Size(object)) && items(object, PyTuple_GetItem, depth + 1);
+        }
+        if (PyLong_CheckExact(object)) {
+            return is(token, Kind::integer, object);
+        }
+        return (object == Py_None || object == Py_True || object == Py_False) && is(token, Kind::constant, object);
+    }
+
+    [[nodiscard]] std::size_t text_bytes() const { return text_bytes_; }
+
+private:
+    static bool is(Token& token, Kind kind, PyObject* object) {
+        token.kind = kind;
+        token.object = Ref::borrow(object);
+        return true;
+    }
+
+    static bool has(Token& token, Kind kind, Py_ssize_t size) {
+        token.kind = kind;
+        token.size = static_cast<std::uint32_t>(size);
+        return size <= std::numeric_limits<std::uint32_t>::max();
+    }
+
+    bool items_of_map(PyObject* map, int depth) {
+        const auto found = free_.find(map);
+        FreeItem* const free = found != free_.end() ? &found->second : nullptr;
+        if (free != nullptr && std::exchange(free->is_met, true)) {
+            return false;
+        }
+        PyObject* key = nullptr;
+        PyObject* item = nullptr;
+        for (Py_ssize_t place = 0; PyDict_Next(map, &place, &key, &item) != 0;) {
+            if (!PyUnicode_CheckExact(key)) {
+                return false;
+            }
+            if (free != nullptr && is_free_value(item) && same_text(key, runtime_.word(free->key))) {
+                Token& token = tokens_.emplace_back();
+                token.key = Ref::borrow(key);
+                token.kind = Kind::free;
+                free->place = free_count_++;
+            } else if (!value(item, key, depth)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool items(PyObject* list, PyObject* (*get)(PyObject*, Py_ssize_t), int depth) {
+        const std::uint32_t size = tokens_.back().size;
+        for (std::uint32_t i = 0; i < size; ++i) {
+            if (!value(get(list, static_cast<Py_ssize_t>(i)), nullptr, depth)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    std::vector<Token>& tokens_;
+    const Runtime& runtime_;
+    FreeItems& free_;
+    int free_count_ = 0;
+    std::size_t text_bytes_ = 0;
+};
+
+bool Snapshot::take(const Value& document, FreeItems& free) {
+    tokens_.reserve(8 * free.size());
+    Walk walk(tokens_, document.runtime(), free);
+    const bool taken = walk.value(document.object(), nullptr, 0);
+    constexpr std::size_t kObject = 32;  // what a token may keep alive
+    bytes_ = tokens_.capacity() * sizeof(Token) + tokens_.size() * kObject + walk.text_bytes();
+    return taken;
+}
+
+// ---- comparing ------------------------------------------------------------------------------
+
+class Snapshot::Comparison {
+public:
+    Comparison(const std::vector<Token>& tokens, const Runtime& runtime, std::vector<Value>& values)
+        : next_(tokens.data()), runtime_(runtime), values_(values) {}
+
+    // Most of a document are the very texts and numbers that it has held before.
+    bool same(PyObject* object) {
+        if (object == next_->object.get()) {
+            ++next_;
+            return true;
+        }
+        return same_value(object);
+    }
+
+private:
+    bool same_value(PyObject* object) {
+        const Token& token = *next_++;
+        switch (token.kind) {
+        case Kind::map:
+            return is_map(object) && PyDict_Size(object) == token.size && items_of_map(object);
+        case Kind::list:
+            return is_list(object) && PyList_Size(object) == token.size && items(object, token.size, PyList_GetItem);
+        case Kind::tuple:
+            return PyTuple_CheckExact(object) && PyTuple_Size(object) == token.size &&
+                   items(object, token.size, PyTuple_GetItem);
+        case Kind::text:
+            return same_text(object, token.object.get());
+        case Kind::integer:
+            return same_integer(object, token.object.get());
+        case Kind::number:
+            return is_number(object) && same_bits(object, token.object.get());
+        case Kind::constant:
+            return false;
+        case Kind::free:
+            values_.push_back({Ref::borrow(object), runtime_});
+            return is_free_value(object);
+        }
+        return false;
+    }
+
+    bool items_of_map(PyObject* object) {
+        PyObject* key = nullptr;
+        PyObject* item = nullptr;
+        for (Py_ssize_t place = 0; PyDict_Next(object, &place, &key, &item) != 0;) {
+            if (!same_text(key, next_->key.get()) || !same(item)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool items(PyObject* object, std::uint32_t size, PyObject* (*get)(PyObject*, Py_ssize_t)) {
+        for (std::uint32_t i = 0; i < size; ++i) {
+            if (!same(get(object, static_cast<Py_ssize_t>(i)))) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    const Token* next_;
+    const Runtime& runtime_;
+    std::vector<Value>& values_;
+};
+
+bool Snapshot::matches(const Value& document, std::vector<Value>& values) const {
+    values.clear();
+    return Comparison(tokens_, document.runtime(), values).same(document.object());
+}
+
+}  // namespace quillgen
