@@ -112,7 +112,7 @@ Translation translate(Gen& g, bool emission_mode) {
 // ---- the result -----------------------------------------------------------------------------
 
 Value output_list(const Module& module, const std::vector<MaterialOutput>& outputs) {
-    const Value list = Value::list(module.runtime);
+    Value list = Value::list(module.runtime);
     for (const MaterialOutput& output : outputs) {
         Value record = module.registry.constant(output.name.text()).copied_map();
         record.put("expr", output.expr);

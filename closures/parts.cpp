@@ -49,8 +49,8 @@ Value make_result(const Runtime& runtime, const Translation& made) {
     Value result = Value::map(runtime);
     result.put("body", made.surface.statements.copied_list());
     result.put("ret", made.ret);
-    result.put("need", made.surface.need.unshared());
-    result.put("structs", made.surface.structs.unshared());
+    result.put("need", made.surface.need.copied_set());
+    result.put("structs", made.surface.structs.copied_set());
     result.put("inputs", inputs_by_name(runtime, made.surface));
     result.put("warnings", made.surface.warnings.copied_list());
     return result;

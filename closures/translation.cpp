@@ -23,7 +23,7 @@ Draft material_draft(const Gen& g, Text header) {
 // else's.
 Value finished_text(const Module& module, Text header, const Draft& draft) {
     return draft.code.present() ? draft.code
-                                : lay_out(module, header, draft.structs, draft.need.unshared(), draft.statements);
+                                : lay_out(module, header, draft.structs, draft.need.copied_set(), draft.statements);
 }
 
 }  // namespace quillgen

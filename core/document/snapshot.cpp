@@ -1,6 +1,6 @@
 #include "core/document/snapshot.h"
 
-#include <cstring>
+#include <bit>
 #include <limits>
 
 namespace quillgen {
@@ -13,9 +13,8 @@ bool is_number(PyObject* object) { return PyFloat_CheckExact(object) != 0; }
 
 // Also of a not-a-number, and apart for the two zeros.
 bool same_bits(PyObject* left, PyObject* right) {
-    const double a = PyFloat_AsDouble(left);
-    const double b = PyFloat_AsDouble(right);
-    return std::memcmp(&a, &b, sizeof a) == 0;
+    return std::bit_cast<std::uint64_t>(PyFloat_AsDouble(left)) ==
+           std::bit_cast<std::uint64_t>(PyFloat_AsDouble(right));
 }
 
 bool same_text(PyObject* left, PyObject* right) {
@@ -213,7 +212,7 @@ private:
         case Kind::constant:
             return false;
         case Kind::free:
-            values_.push_back({Ref::borrow(object), runtime_});
+            values_.emplace_back(Ref::borrow(object), runtime_);
             return is_free_value(object);
         }
         return false;

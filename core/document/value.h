@@ -114,6 +114,7 @@ public:
     [[nodiscard]] Value lower() const;                 // value.lower()
     [[nodiscard]] Value copied_list() const;           // list(value), and what it holds `unshared`
     [[nodiscard]] Value copied_map() const { return own(PyDict_Copy(object_.get())); }  // of a map of our own
+    [[nodiscard]] Value copied_set() const { return own(PySet_New(object_.get())); }    // of a set of our own
     // The value, or a copy of a list, map or set, so that a result shares none with its document.
     [[nodiscard]] Value unshared() const;
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }

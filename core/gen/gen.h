@@ -155,7 +155,6 @@ public:
     Text param(const Node& n, Ident socket, SocketType type, const Value& value, Origin origin = {}) {
         return param(use_params ? &param_name(n, socket) : nullptr, type, value, origin);
     }
-
     const Name& param_name(const Node& n, Word socket);
     const Name& param_name(const Node& n, Text socket);
     const Name& input_name(Text name) { return names_->get(name); }
@@ -191,7 +190,7 @@ public:
     [[nodiscard]] Value structs() const { return structs_; }        // a set of struct names
     [[nodiscard]] std::vector<const Input*> sorted_inputs() const;  // by name
     [[nodiscard]] const Node* find_node(const Value& nid) const;    // null where there is none
-    // The entries that have been asked for so.
+    // All entries that `entry` has given.
     [[nodiscard]] const std::vector<const void*>& decisive() const { return decisive_; }
     [[nodiscard]] const std::shared_ptr<Names>& names() const { return names_; }
 

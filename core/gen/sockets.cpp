@@ -95,7 +95,7 @@ bool Gen::linked(const Node& n, Word ident) {
 
 Value Gen::entry(const Node& n, Word ident) {
     const Socket* const socket = find_socket(n, ident);
-    const Value found = socket != nullptr ? shared(socket->entry) : n.in.get(ident);
+    Value found = socket != nullptr ? shared(socket->entry) : n.in.get(ident);
     if (found.present()) {
         decisive_.push_back(found.object());
     }
