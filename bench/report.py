@@ -3,9 +3,11 @@
     report.py PYTHON    PYTHON is an interpreter that has MaterialX; tools/bench makes one
 """
 import json
+import operator
 import os
 import pathlib
 import platform
+import statistics
 import sys
 
 import text_cost
@@ -23,9 +25,9 @@ TRANSLATION = """## Translation
 Processor time in microseconds, minimum / median over {repeats} repeated batches. Before each call the document is
 edited: a slider is dragged, which is a parameter's value and changes no text, or the graph changes, which has all of
 it translated. The floor, timed in turns with the calls, reads each key that the translation reads once and makes the
-same result from finished strings, in C; the ratios are those of the minima to it. `parts` has the mode of a surface
-and parameters. A ratio over {ratio} is marked, and a speed per kilobyte below {faster:.0f} times MaterialX's, which
-is compared with the whole translation.
+same result from finished strings, in C; a ratio is the median of those of each round, as the machine's speed differs
+from one moment to the next. `parts` has the mode of a surface and parameters. A ratio over {ratio} is marked, and a
+speed per kilobyte below {faster:.0f} times MaterialX's, which is compared with the whole translation.
 
 MaterialX {version}, a material of {nodes} nodes (noise, ramps and mixes under a standard surface), warm:
 {us:.0f} / {median:.0f} µs for {kilobytes:.0f} kB of GLSL, {rate:.2f} µs a kilobyte.
@@ -56,24 +58,24 @@ def _flagged(text, missed):
     return f"{text}{MISS if missed else ''}"
 
 
-def _two(reading):
-    return f"{reading[0]:.1f} / {reading[1]:.1f}"
+def _two(minimum, median):
+    return f"{minimum:.1f} / {median:.1f}"
 
 
 def _translation_row(row, materialx):
     """Of compile."""
-    rebuilt = row["times"][1]
-    faster = materialx["us"] / materialx["kilobytes"] / (rebuilt[0] / row["kilobytes"])
+    rebuilt = min(row["times"][1])
+    faster = materialx["us"] / materialx["kilobytes"] / (rebuilt / row["kilobytes"])
     return (row["name"], row["nodes"], f"{row['kilobytes']:.1f}", *_beside_floor(row["times"][:3]),
             _flagged(f"{faster:.1f}", faster < LEAST_OVER_MATERIALX))
 
 
 def _beside_floor(readings):
     *edits, floor = readings
-    ratios = [edit[0] / floor[0] for edit in edits]
+    ratios = [statistics.median(map(operator.truediv, edit, floor)) for edit in edits]
     edited = [cell for edit, ratio in zip(edits, ratios)
-              for cell in (_two(edit), _flagged(f"{ratio:.2f}", ratio > MOST_OVER_FLOOR))]
-    return (*edited, _two(floor))
+              for cell in (_two(min(edit), statistics.median(edit)), _flagged(f"{ratio:.2f}", ratio > MOST_OVER_FLOOR))]
+    return (*edited, _two(min(floor), statistics.median(floor)))
 
 
 def translation_part(materialx):
@@ -82,7 +84,7 @@ def translation_part(materialx):
     table = translation.table()
     growth = [(size, *(f"{us:.0f}" for us in all_us[:2]), *(f"{us / size:.2f}" for us in all_us))
               for size, *all_us in translation.growth()]
-    imports = [(name, _flagged(_two(readings), readings[0] > LONGEST_IMPORT), f"{size / 1000:.0f}")
+    imports = [(name, _flagged(_two(*readings), readings[0] > LONGEST_IMPORT), f"{size / 1000:.0f}")
                for name, (*readings, size) in translation.imports().items()]
     rate = materialx["us"] / materialx["kilobytes"]
     return [

@@ -45,7 +45,7 @@ def _batch(call):
 
 
 def times(*calls):
-    """(minimum, median) of the processor time of each call in microseconds, the calls taking turns."""
+    """For each call its processor times in microseconds, one of each round in which the calls take turns."""
     counts = [_batch(call) for call in calls]
     readings = [[] for _ in calls]
     gc.collect()
@@ -57,7 +57,7 @@ def times(*calls):
                 call()
             found.append((time.process_time() - start) / count * 1e6)
     gc.enable()
-    return [(min(found), statistics.median(found)) for found in readings]
+    return readings
 
 
 def cases():
@@ -96,6 +96,7 @@ def _dragged(call, document):
 def _rebuilt(call, document):
     """The call, with a property of a node in the middle of the document another one each time."""
     document = copy.deepcopy(document)
+    document["nodes"].reverse()  # so that it is another material than the one whose slider is dragged
     properties, numbers = document["nodes"][len(document["nodes"]) // 2]["props"], itertools.count()
 
     def rebuilt():
@@ -119,7 +120,7 @@ def _kilobytes(result):
 
 
 def table():
-    """A row for each document, with (minimum, median) and allocations of the six calls."""
+    """A row for each document, with the times and allocations of the six calls."""
     counted = _allocations()
     rows = []
     for name, document in cases().items():
@@ -130,7 +131,7 @@ def table():
 
 def growth():
     """Rows of (nodes, microseconds of the three calls of compile) for trees of Math nodes."""
-    return [(size, *(reading[0] for reading in times(*calls(documents.tree(size))[:3]))) for size in GROWTH]
+    return [(size, *map(min, times(*calls(documents.tree(size))[:3]))) for size in GROWTH]
 
 
 def _allocations():

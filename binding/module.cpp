@@ -15,7 +15,7 @@ namespace quillgen {
 
 namespace {
 
-// One interpreter's copy of the module.
+// What an interpreter's copy of the module holds.
 struct Instance {
     Module module;
     Recall recall;

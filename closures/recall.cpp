@@ -25,7 +25,7 @@ std::size_t key_of(const Value& document, Recall::Way way) {
 // Taking a document down costs a third of its translation. It is done for one that comes again, and less and less often
 // where that was in vain: a value is dragged that the text depends on, or copies of a material take turns.
 bool is_worth_keeping(unsigned misses) {
-    constexpr unsigned kMostBetween = 32;
+    constexpr unsigned kMostBetween = 16;
     return std::has_single_bit(misses) || misses % kMostBetween == 0;
 }
 
@@ -76,11 +76,6 @@ struct Recall::Kept {
 private:
     void adopt(Draft& draft, Inputs& inputs, Gen& g, const Snapshot::FreeItems& free);
     static void refresh(Inputs& inputs, const std::vector<Value>& values);
-};
-
-struct Recall::Entry {
-    std::unique_ptr<Kept> kept;  // null where there is none, or where a call has it
-    unsigned misses = 0;         // since it was of use
 };
 
 // Takes over what a draft's generator has of the inputs.
