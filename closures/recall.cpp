@@ -25,7 +25,7 @@ std::size_t key_of(const Value& document, Recall::Way way) {
 // Taking a document down costs a third of its translation. It is done for one that comes again, and less and less often
 // where that was in vain: a value is dragged that the text depends on, or copies of a material take turns.
 bool is_worth_keeping(unsigned misses) {
-    constexpr unsigned kMostBetween = 16;
+    constexpr unsigned kMostBetween = 32;
     return std::has_single_bit(misses) || misses % kMostBetween == 0;
 }
 

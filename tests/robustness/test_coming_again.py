@@ -38,54 +38,42 @@ def check(call, document, what):
     assert plain(outcome(call, document)) == first(call, document), what
 
 
-def leaves(document):
-    return [path for path in paths(document) if path and not isinstance(at(document, path), (dict, list))]
-
-
-@pytest.mark.parametrize("name", CALLS)
-@pytest.mark.parametrize("values", [FLOATS, OTHERS], ids=["floats", "others"])
-def test_any_value_changes(name, values):
-    """One value after another; with each the whole document is compared with a first translation."""
-    call = CALLS[name]
+def check_changes(call, kind, others, most):
+    """Up to that many values of the kind change in each document, one after the other, to what `others` give."""
     for title, document in DOCUMENTS.items():
         document = copy.deepcopy(document)
-        chosen = [path for path in leaves(document) if values is OTHERS or isinstance(at(document, path), float)]
-        stride = 1 + len(chosen) // 60
-        for number, path in enumerate(chosen[::stride]):
+        chosen = [path for path in paths(document) if path and isinstance(at(document, path), kind)]
+        for number, path in enumerate(chosen[::1 + len(chosen) // most]):
             come_again(call, document)
-            with_value = changed(document, path, values[number % len(values)])
-            with with_value:
+            with changed(document, path, others[number % len(others)](at(document, path))):
                 check(call, document, (title, path))
             check(call, document, (title, path, "and back"))
 
 
 @pytest.mark.parametrize("name", CALLS)
-def test_lists_change(name):
-    call = CALLS[name]
-    for title, document in DOCUMENTS.items():
-        document = copy.deepcopy(document)
-        lists = [path for path in paths(document) if path and isinstance(at(document, path), list)]
-        for number, path in enumerate(lists[::1 + len(lists) // 20]):
-            value = at(document, path)
-            other = ([], value[:-1], [*value, 0.5], tuple(value), value[::-1], [1, *value[1:]])[number % 6]
-            come_again(call, document)
-            with changed(document, path, other):
-                check(call, document, (title, path))
+def test_a_float_changes(name):
+    check_changes(CALLS[name], float, [lambda before, value=value: value for value in FLOATS], 60)
 
 
 @pytest.mark.parametrize("name", CALLS)
-def test_maps_change(name):
-    call = CALLS[name]
-    for title, document in DOCUMENTS.items():
-        document = copy.deepcopy(document)
-        maps = [path for path in paths(document) if path and isinstance(at(document, path), dict)]
-        for number, path in enumerate(maps[::1 + len(maps) // 20]):
-            value = at(document, path)
-            other = ({}, {**value, "further": 0.5}, dict(list(value.items())[::-1]), dict(list(value.items())[1:]),
-                     Never(value), {key + "x" * (key == list(value)[-1]): item for key, item in value.items()})[number % 6]
-            come_again(call, document)
-            with changed(document, path, other):
-                check(call, document, (title, path))
+def test_any_value_changes(name):
+    kinds = (float, int, str, type(None))
+    check_changes(CALLS[name], kinds, [lambda before, value=value: value for value in OTHERS], 60)
+
+
+@pytest.mark.parametrize("name", CALLS)
+def test_a_list_changes(name):
+    others = [lambda before: [], lambda before: before[:-1], lambda before: [*before, 0.5], tuple,
+              lambda before: before[::-1], lambda before: [1, *before[1:]]]
+    check_changes(CALLS[name], list, others, 20)
+
+
+@pytest.mark.parametrize("name", CALLS)
+def test_a_map_changes(name):
+    others = [lambda before: {}, lambda before: {**before, "further": 0.5}, Never,
+              lambda before: dict(reversed(before.items())), lambda before: dict(list(before.items())[1:]),
+              lambda before: {key + "x" * (key == list(before)[-1]): item for key, item in before.items()}]
+    check_changes(CALLS[name], dict, others, 20)
 
 
 @pytest.mark.parametrize("name", CALLS)
