@@ -49,8 +49,13 @@ Value make_record(const Runtime& runtime, const Input& input, bool with_name) {
     if (!form.record.present() || form.kind != input.kind) {
         form = {make_form(runtime, input, with_name), input.kind};
     }
+    // Most numbers are the very ones that the last call has had.
+    if (input.is_parameter && input.value.is_float() && form.number.object() != input.value.object()) {
+        form.record.put("default", input.value);
+        form.number = input.value;
+    }
     Value record = form.record.copied_map();
-    if (input.is_parameter) {
+    if (input.is_parameter && !input.value.is_float()) {
         record.put("default", input.value);
     } else if (input.texture != nullptr) {
         record.put("image", input.texture->image);

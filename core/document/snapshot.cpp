@@ -111,6 +111,7 @@ public:
         return (object == Py_None || object == Py_True || object == Py_False) && is(token, Kind::constant, object);
     }
 
+    [[nodiscard]] std::size_t free_count() const { return static_cast<std::size_t>(free_count_); }
     [[nodiscard]] std::size_t text_bytes() const { return text_bytes_; }
 
 private:
@@ -171,6 +172,7 @@ bool Snapshot::take(const Value& document, FreeItems& free) {
     tokens_.reserve(8 * free.size());
     Walk walk(tokens_, document.runtime(), free);
     const bool taken = walk.value(document.object(), nullptr, 0);
+    free_count_ = walk.free_count();
     constexpr std::size_t kObject = 32;  // what a token may keep alive
     bytes_ = tokens_.capacity() * sizeof(Token) + tokens_.size() * kObject + walk.text_bytes();
     return taken;
@@ -197,7 +199,7 @@ private:
         const Token& token = *next_++;
         switch (token.kind) {
         case Kind::map:
-            return is_map(object) && PyDict_Size(object) == token.size && items_of_map(object);
+            return is_map(object) && PyDict_Size(object) == token.size && items_of_map(object, token.size);
         case Kind::list:
             return is_list(object) && PyList_Size(object) == token.size && items(object, token.size, PyList_GetItem);
         case Kind::tuple:
@@ -218,10 +220,11 @@ private:
         return false;
     }
 
-    bool items_of_map(PyObject* object) {
+    bool items_of_map(PyObject* object, std::uint32_t size) {
         PyObject* key = nullptr;
         PyObject* item = nullptr;
-        for (Py_ssize_t place = 0; PyDict_Next(object, &place, &key, &item) != 0;) {
+        Py_ssize_t place = 0;
+        for (std::uint32_t i = 0; i < size && PyDict_Next(object, &place, &key, &item) != 0; ++i) {
             if (!same_text(key, next_->key.get()) || !same(item)) {
                 return false;
             }
@@ -245,6 +248,7 @@ private:
 
 bool Snapshot::matches(const Value& document, std::vector<Value>& values) const {
     values.clear();
+    values.reserve(free_count_);
     return Comparison(tokens_, document.runtime(), values).same(document.object());
 }
 

@@ -48,6 +48,7 @@ private:
     class Comparison;
 
     std::vector<Token> tokens_;
+    std::size_t free_count_ = 0;
     std::size_t bytes_ = 0;
 };
 

@@ -20,6 +20,7 @@ struct Name {
     struct Form {
         Value record;
         Word kind = "scalar";
+        Value number = {};  // the default that it has from the last document, if that was a float
     };
 
     Text text;
