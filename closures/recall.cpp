@@ -199,7 +199,8 @@ void Recall::Visit::keep(Translation translation, Gen& surface, Gen* displacemen
     if (!kept->take(document_, surface, displacement)) {
         return;
     }
-    if (kept->names.get() != std::exchange(recall_.names_, kept->names.get())) {
+    const Names* const before = std::exchange(recall_.names_, kept->names.get());
+    if (before != nullptr && before != kept->names.get()) {
         recall_.forget();  // the names of before have been given up, and what is kept would hold on to them
     }
     if (recall_.bytes_ + kept->bytes > kMostBytes) {
