@@ -123,21 +123,21 @@ Value output_list(const Module& module, const std::vector<MaterialOutput>& outpu
 
 // The displacement's record without its parameters and warnings, which go to the material's.
 Value put_displacement(const Module& module, const Translation& made, const Value& params, const Value& warnings) {
-    const Draft& draft = *made.displacement;
-    const Value code = finished_text(module, "displacement", draft);
+    const Draft& draft = made.displacement->draft;
+    const Value code = finished_text(module, draft);
     const InputRecords inputs = input_records(module.runtime, draft);
     params.update(inputs.params);
     draft.warnings.for_each([&](const Value& warning) { warnings.append(warning); });
     Value record = Value::map(module.runtime);
     record.put("code", code);
     record.put("inputs", inputs.sorted);
-    record.put("magnitude", Value::number(module.runtime, made.magnitude));
+    record.put("magnitude", Value::number(module.runtime, made.displacement->magnitude));
     return record;
 }
 
 // Each list and map is the result's own.
 Value make_result(const Module& module, const Translation& made) {
-    const Value code = finished_text(module, "material", made.surface);
+    const Value code = finished_text(module, made.surface);
     const InputRecords inputs = input_records(module.runtime, made.surface);
     const Value warnings = made.surface.warnings.copied_list();
     Value displacement = Value::none(module.runtime);
@@ -170,7 +170,7 @@ Value compile(const Module& module, Recall& recall, const Value& ir, const Value
     std::optional<Gen> displacement;
     if (!emission_mode && wants_displacement(surface)) {
         displacement.emplace(Gen::After{surface});
-        made.displacement = _displacement(*displacement, made.magnitude);
+        made.displacement = _displacement(*displacement);
     }
     Value result = make_result(module, made);
     visit.keep(std::move(made), surface, displacement ? &*displacement : nullptr);

@@ -11,9 +11,8 @@ namespace quillgen {
 // none).
 Value compile(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params);
 
-// The scalar of real displacement, centred on 0.5. The magnitude, in centimetres, that its values are scaled by is a
-// power of two, at least 0.0625.
-Draft _displacement(Gen& g, double& magnitude);
+// The scalar of real displacement, centred on 0.5.
+Displacement _displacement(Gen& g);
 
 // One graph without a header: a map with `body` (list of statements), `ret` (expression of the
 // colour), `need` and `structs` (sets), `inputs` (map of records), `warnings`.

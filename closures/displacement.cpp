@@ -49,7 +49,7 @@ double power_of_two(long exponent) {
 
 }  // namespace
 
-Draft _displacement(Gen& g, double& magnitude) {
+Displacement _displacement(Gen& g) {
     g.disp_stage = true;
     const Value src = g.ir.at("out").at("displacement");
     const Bound source = g.output(src);
@@ -60,18 +60,18 @@ Draft _displacement(Gen& g, double& magnitude) {
     const Text oz = g.geo("oz");
     const Text nl = g.geo("Nl");
     const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)"_fmt, d, ox, oy, oz, nl);
-    magnitude = estimated_range(g, src.at(Py_ssize_t{0}));
-    if (magnitude == 0.0) {
+    double range = estimated_range(g, src.at(Py_ssize_t{0}));
+    if (range == 0.0) {
         g.warn(
             "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are "
             "clipped)");
-        magnitude = 100.0;
+        range = 100.0;
     }
-    magnitude = power_of_two(g.runtime().ceil_log2(magnitude));
+    const double magnitude = power_of_two(g.runtime().ceil_log2(range));
     std::string literal;
     append_literal(literal, magnitude);
     g.emit("return 0.5 + $0 / $1;"_fmt, s_cm, literal);
-    return material_draft(g, "displacement");
+    return {material_draft(g, "displacement"), magnitude};
 }
 
 }  // namespace quillgen

@@ -34,6 +34,7 @@ void append_graph(const Value& lines, const Value& pair, const Value& wrap) {
 Translation translate(Gen& g, bool emission_mode) {
     const Gen::Run res = g.run();
     Draft draft = {
+        .header = {},
         .statements = line_list(g),
         .structs = g.structs(),
         .need = g.need(),

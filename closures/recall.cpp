@@ -4,26 +4,24 @@
 #include <bit>
 #include <list>
 
-#include "core/document/snapshot.h"
-
 namespace quillgen {
 
 namespace {
 
-// All of it is forgotten beyond that, so that a long session does not grow: room for some two hundred materials of
+// All of it is forgotten beyond that, so that a long session does not grow: room for more than a hundred materials of
 // thirty nodes.
 constexpr std::size_t kMostBytes = std::size_t{32} * 1024 * 1024;
 constexpr std::size_t kMostEntries = 1024;  // documents that have come once count too
 
 // 0 for a document that cannot be known.
 std::size_t key_of(const Value& document, Recall::Way way) {
-    const std::size_t fingerprint = Snapshot::fingerprint(document);
+    const std::size_t fingerprint = way.is_biased ? 0 : Snapshot::fingerprint(document);
     const unsigned kind = (way.is_material ? 1U : 0U) + (way.emission_mode ? 2U : 0U) + (way.use_params ? 4U : 0U);
-    return way.is_biased || fingerprint == 0 ? 0 : fingerprint * 8 + kind;
+    return fingerprint == 0 ? 0 : fingerprint * 8 + kind;
 }
 
-// Taking a document down costs a third of its translation. It is done for one that comes again, and less and less often
-// where that was in vain: a value is dragged that the text depends on, or copies of a material take turns.
+// Taking a document down costs two thirds of its translation. It is done for one that comes again, and less and less
+// often where that was in vain: a value is dragged that the text depends on, or copies of a material take turns.
 bool is_worth_keeping(unsigned misses) {
     constexpr unsigned kMostBetween = 32;
     return std::has_single_bit(misses) || misses % kMostBetween == 0;
@@ -33,7 +31,8 @@ bool is_plain(const Texture& texture) {
     return texture.image.is_plain_str() && texture.extension.is_plain_str() && texture.interpolation.is_plain_str();
 }
 
-// Adds where the values of parameters stand.
+// Adds where the values of parameters stand. A map that is the place of two of them stands in two places of the
+// document, and such a document is not taken.
 void add_parameters(const Gen& g, Snapshot::FreeItems& free) {
     for (const Input& input : g.inputs.entries()) {
         if (input.origin.map != nullptr) {
@@ -55,19 +54,22 @@ struct Recall::Kept {
     struct Inputs {
         std::vector<Input> entries;
         std::vector<int> places;                           // of the entries: of their values among the free ones, or -1
-        std::vector<std::pair<std::size_t, Value>> lists;  // what entries hold whose values are not free
+        std::vector<std::pair<std::size_t, Value>> lists;  // the vectors of other entries, to be copied for each result
     };
 
     explicit Kept(Translation made) : translation(std::move(made)) {}
 
-    // False where the document could come to another text without showing it.
+    // False where the document cannot be taken down.
     bool take(const Value& document, Gen& surface, Gen* displacement);
-    // Goes on with the values of a document that it matches.
+    // Whether the library still has the words that the text holds.
+    [[nodiscard]] bool has_words_of(const Runtime& runtime) const;
+    // Gives the parameters the values of a document that it matches.
     void refresh(const std::vector<Value>& values);
 
     Snapshot snapshot;
     Translation translation;
     std::shared_ptr<Names> names;
+    Gen::Types types;
     Inputs surface_inputs;
     Inputs displacement_inputs;
     std::list<Texture> textures;
@@ -75,7 +77,7 @@ struct Recall::Kept {
 
 private:
     void adopt(Draft& draft, Inputs& inputs, Gen& g, const Snapshot::FreeItems& free);
-    static void refresh(Inputs& inputs, const std::vector<Value>& values);
+    static void refresh_inputs(Inputs& inputs, const std::vector<Value>& values);
 };
 
 // Takes over what a draft's generator has of the inputs.
@@ -95,6 +97,9 @@ void Recall::Kept::adopt(Draft& draft, Inputs& inputs, Gen& g, const Snapshot::F
         inputs.places.push_back(place);
     }
     textures.splice(textures.end(), g.textures);
+    for (std::size_t d = 0; d < types.size(); ++d) {
+        types[d] = g.asked_types()[d].empty() ? types[d] : g.asked_types()[d];
+    }
     bytes += inputs.entries.size() * 2 * sizeof(Input) + 2 * g.body().size();
 }
 
@@ -114,18 +119,26 @@ bool Recall::Kept::take(const Value& document, Gen& surface, Gen* displacement) 
     names = surface.names();
     adopt(translation.surface, surface_inputs, surface, free);
     if (displacement != nullptr) {
-        adopt(*translation.displacement, displacement_inputs, *displacement, free);
+        adopt(translation.displacement->draft, displacement_inputs, *displacement, free);
     }
     return std::all_of(textures.begin(), textures.end(), is_plain);
 }
 
-void Recall::Kept::refresh(const std::vector<Value>& values) {
-    refresh(surface_inputs, values);
-    refresh(displacement_inputs, values);
+bool Recall::Kept::has_words_of(const Runtime& runtime) const {
+    for (std::size_t d = 0; d < types.size(); ++d) {
+        if (!types[d].empty() && library_type(runtime, static_cast<int>(d)) != types[d]) {
+            return false;
+        }
+    }
+    return true;
 }
 
-// No two results share a list.
-void Recall::Kept::refresh(Inputs& inputs, const std::vector<Value>& values) {
+void Recall::Kept::refresh(const std::vector<Value>& values) {
+    refresh_inputs(surface_inputs, values);
+    refresh_inputs(displacement_inputs, values);
+}
+
+void Recall::Kept::refresh_inputs(Inputs& inputs, const std::vector<Value>& values) {
     for (std::size_t i = 0; i < inputs.entries.size(); ++i) {
         if (inputs.places[i] >= 0) {
             Input& input = inputs.entries[i];
@@ -134,7 +147,7 @@ void Recall::Kept::refresh(Inputs& inputs, const std::vector<Value>& values) {
             input.value = input.kind == Word("scalar") ? scalar_value(runtime, value) : vector_value(runtime, value);
         }
     }
-    for (const auto& [place, list] : inputs.lists) {
+    for (const auto& [place, list] : inputs.lists) {  // no two results share one
         inputs.entries[place].value = list.copied_list();
     }
 }
@@ -152,9 +165,11 @@ void Recall::put(Entry& entry, std::unique_ptr<Kept> kept) {
     entry.kept = std::move(kept);
 }
 
+// What is forgotten is destroyed when nothing of it is to be seen any more.
 void Recall::forget() {
-    entries_.clear();
+    const auto forgotten = std::exchange(entries_, {});
     bytes_ = 0;
+    names_ = nullptr;
 }
 
 Recall::Visit::Visit(Recall& recall, const Value& document, Way way)
@@ -164,7 +179,7 @@ Recall::Visit::Visit(Recall& recall, const Value& document, Way way)
     }
     const auto found = recall_.entries_.find(key_);
     if (found == recall_.entries_.end()) {
-        if (recall_.entries_.size() == kMostEntries) {
+        if (recall_.entries_.size() >= kMostEntries) {
             recall_.forget();
         }
         recall_.entries_.try_emplace(key_);
@@ -172,14 +187,21 @@ Recall::Visit::Visit(Recall& recall, const Value& document, Way way)
     }
     Entry& entry = found->second;
     std::vector<Value> values;
-    if (entry.kept != nullptr && entry.kept->snapshot.matches(document, values)) {
-        entry.misses = 0;
-        kept_ = recall_.take_out(entry);  // ahead of all that may call for it again
-        kept_->refresh(values);
-        return;
+    const bool is_known = entry.kept != nullptr && entry.kept->snapshot.matches(document, values);
+    entry.misses = is_known ? 0 : entry.misses + 1;
+    const bool is_wanted = !is_known && is_worth_keeping(entry.misses);
+    // What does not match is given up, so that comparisons in vain are as rare as what they take.
+    std::unique_ptr<Kept> kept = recall_.take_out(entry);
+    if (is_known && kept->has_words_of(document.runtime())) {
+        kept->refresh(values);
+        kept_ = std::move(kept);
+    } else if (is_wanted) {
+        before_ = std::make_unique<Snapshot>();
+        Snapshot::FreeItems none;
+        if (!before_->take(document, none)) {
+            before_.reset();
+        }
     }
-    recall_.take_out(entry);  // and given up, so that comparisons in vain are as rare as what they take
-    is_wanted_ = is_worth_keeping(++entry.misses);
 }
 
 Recall::Visit::~Visit() {
@@ -192,23 +214,27 @@ Recall::Visit::~Visit() {
 const Translation* Recall::Visit::known() const { return kept_ != nullptr ? &kept_->translation : nullptr; }
 
 void Recall::Visit::keep(Translation translation, Gen& surface, Gen* displacement) {
-    if (!is_wanted_) {
+    std::vector<Value> values;
+    if (before_ == nullptr || !before_->matches(document_, values)) {
         return;
     }
     auto kept = std::make_unique<Kept>(std::move(translation));
     if (!kept->take(document_, surface, displacement)) {
         return;
     }
-    const Names* const before = std::exchange(recall_.names_, kept->names.get());
-    if (before != nullptr && before != kept->names.get()) {
-        recall_.forget();  // the names of before have been given up, and what is kept would hold on to them
-    }
-    if (recall_.bytes_ + kept->bytes > kMostBytes) {
+    // Names of before have been given up, and what is kept would hold on to them.
+    const bool are_other_names = recall_.names_ != nullptr && recall_.names_ != kept->names.get();
+    if (are_other_names || recall_.bytes_ + kept->bytes > kMostBytes) {
         recall_.forget();
+        return;
     }
-    Entry& entry = recall_.entries_[key_];
-    recall_.take_out(entry);
-    recall_.put(entry, std::move(kept));
+    const auto found = recall_.entries_.find(key_);
+    if (found == recall_.entries_.end()) {
+        return;
+    }
+    recall_.names_ = kept->names.get();
+    const std::unique_ptr<Kept> older = recall_.take_out(found->second);
+    recall_.put(found->second, std::move(kept));
 }
 
 }  // namespace quillgen

@@ -1,6 +1,8 @@
 // Translations that are kept for documents that come again. Where a document holds what one has held before, apart from
 // the values of its parameters, its text is the same: a step of a slider then costs a comparison and the making of the
-// result, a third to a half of the time of a translation. What is new in each call takes up to a tenth longer for it.
+// result, a third to a half of the time of a translation (docs/performance.md). Two things are told by evaluation
+// alone, and not where there is none: that the interpreter's recursion limit is lower by now, and that the document was
+// another one for a while inside the call that kept it.
 #pragma once
 
 #include <memory>
@@ -8,6 +10,7 @@
 #include <vector>
 
 #include "closures/translation.h"
+#include "core/document/snapshot.h"
 
 namespace quillgen {
 
@@ -28,6 +31,7 @@ public:
     class Visit {
     public:
         Visit(Recall& recall, const Value& document, Way way);
+        // Gives back what the call has had, unless a call inside it has kept another or forgotten all.
         ~Visit();
         Visit(const Visit&) = delete;
         Visit& operator=(const Visit&) = delete;
@@ -42,7 +46,8 @@ public:
         Recall& recall_;
         const Value document_;
         std::size_t key_;
-        bool is_wanted_ = false;
+        std::unique_ptr<Snapshot>
+            before_;  // where the translation is to be kept: it may run code that changes the document
         std::unique_ptr<Kept> kept_;
     };
 
@@ -63,7 +68,7 @@ private:
 
     std::unordered_map<std::size_t, Entry> entries_;
     std::size_t bytes_ = 0;         // of what the entries have
-    const Names* names_ = nullptr;  // that the entries refer to
+    const Names* names_ = nullptr;  // of what was kept last; only compared, may be gone
 };
 
 }  // namespace quillgen

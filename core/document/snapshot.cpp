@@ -1,7 +1,7 @@
 #include "core/document/snapshot.h"
 
 #include <bit>
-#include <limits>
+#include <cmath>
 
 namespace quillgen {
 
@@ -11,18 +11,25 @@ bool is_map(PyObject* object) { return PyDict_CheckExact(object) != 0; }
 bool is_list(PyObject* object) { return PyList_CheckExact(object) != 0; }
 bool is_number(PyObject* object) { return PyFloat_CheckExact(object) != 0; }
 
-// Also of a not-a-number, and apart for the two zeros.
+// The two zeros are not the same.
 bool same_bits(PyObject* left, PyObject* right) {
     return std::bit_cast<std::uint64_t>(PyFloat_AsDouble(left)) ==
            std::bit_cast<std::uint64_t>(PyFloat_AsDouble(right));
 }
 
+// Whether anything is a plain str like the one at the right.
 bool same_text(PyObject* left, PyObject* right) {
     return left == right || (PyUnicode_CheckExact(left) && PyUnicode_Compare(left, right) == 0);
 }
 
 bool same_integer(PyObject* left, PyObject* right) {
     return PyLong_CheckExact(left) && PyObject_RichCompareBool(left, right, Py_EQ) == 1;
+}
+
+bool is_small_integer(PyObject* object) {
+    int overflow = 0;
+    PyLong_AsLongLongAndOverflow(object, &overflow);
+    return overflow == 0;
 }
 
 // Whether it is a float, or a list of floats with one at least.
@@ -41,9 +48,12 @@ bool is_free_value(PyObject* object) {
 
 // What a plain map has under a key that is a word, or null. A look that runs no code of the document's keys.
 PyObject* find(PyObject* map, PyObject* word) {
+    if (!is_map(map)) {
+        return nullptr;
+    }
     PyObject* key = nullptr;
     PyObject* item = nullptr;
-    for (Py_ssize_t place = 0; is_map(map) && PyDict_Next(map, &place, &key, &item) != 0;) {
+    for (Py_ssize_t place = 0; PyDict_Next(map, &place, &key, &item) != 0;) {
         if (same_text(key, word)) {
             return item;
         }
@@ -82,49 +92,51 @@ public:
 
     bool value(PyObject* object, PyObject* key, int depth) {
         constexpr int kDeepest = 32;
-        // One list may stand in many places, and what it holds counts in each: that could go on for ever.
-        constexpr std::size_t kMostTokens = 300'000;
-        if (tokens_.size() == kMostTokens) {
-            return false;
-        }
-        Token& token = tokens_.emplace_back();
-        token.key = Ref::borrow(key);
         if (PyUnicode_CheckExact(object)) {
-            text_bytes_ += static_cast<std::size_t>(PyUnicode_GetLength(object));
-            return is(token, Kind::text, object);
+            count_text(object);
+            return add_plain(key, Kind::text, object);
         }
         if (is_number(object)) {
-            return is(token, Kind::number, object);
+            return !std::isnan(PyFloat_AsDouble(object)) && add_plain(key, Kind::number, object);
         }
         if (depth < kDeepest && is_map(object)) {
-            return has(token, Kind::map, PyDict_Size(object)) && items_of_map(object, depth + 1);
+            return add(key, Kind::map, PyDict_Size(object)) && items_of_map(object, depth + 1);
         }
         if (depth < kDeepest && is_list(object)) {
-            return has(token, Kind::list, PyList_Size(object)) && items(object, PyList_GetItem, depth + 1);
+            return add(key, Kind::list, PyList_Size(object)) && items(object, PyList_GetItem, depth + 1);
         }
         if (depth < kDeepest && PyTuple_CheckExact(object)) {
-            return has(token, Kind::tuple, PyTuple_Size(object)) && items(object, PyTuple_GetItem, depth + 1);
+            return add(key, Kind::tuple, PyTuple_Size(object)) && items(object, PyTuple_GetItem, depth + 1);
         }
         if (PyLong_CheckExact(object)) {
-            return is(token, Kind::integer, object);
+            return is_small_integer(object) && add_plain(key, Kind::integer, object);
         }
-        return (object == Py_None || object == Py_True || object == Py_False) && is(token, Kind::constant, object);
+        return (object == Py_None || object == Py_True || object == Py_False) && add_plain(key, Kind::constant, object);
     }
 
     [[nodiscard]] std::size_t free_count() const { return static_cast<std::size_t>(free_count_); }
     [[nodiscard]] std::size_t text_bytes() const { return text_bytes_; }
 
 private:
-    static bool is(Token& token, Kind kind, PyObject* object) {
+    // One list may stand in many places, and what it holds counts in each: that could go on for ever.
+    bool add(PyObject* key, Kind kind, Py_ssize_t size) {
+        constexpr std::size_t kMostTokens = 300'000;
+        if (tokens_.size() >= kMostTokens || size > static_cast<Py_ssize_t>(kMostTokens)) {
+            return false;
+        }
+        Token& token = tokens_.emplace_back();
+        token.key = Ref::borrow(key);
         token.kind = kind;
-        token.object = Ref::borrow(object);
+        token.size = static_cast<std::uint32_t>(size);
         return true;
     }
 
-    static bool has(Token& token, Kind kind, Py_ssize_t size) {
-        token.kind = kind;
-        token.size = static_cast<std::uint32_t>(size);
-        return size <= std::numeric_limits<std::uint32_t>::max();
+    bool add_plain(PyObject* key, Kind kind, PyObject* object) {
+        if (!add(key, kind, 0)) {
+            return false;
+        }
+        tokens_.back().object = Ref::borrow(object);
+        return true;
     }
 
     bool items_of_map(PyObject* map, int depth) {
@@ -139,12 +151,12 @@ private:
             if (!PyUnicode_CheckExact(key)) {
                 return false;
             }
-            if (free != nullptr && is_free_value(item) && same_text(key, runtime_.word(free->key))) {
-                Token& token = tokens_.emplace_back();
-                token.key = Ref::borrow(key);
-                token.kind = Kind::free;
+            count_text(key);
+            const bool is_free = free != nullptr && is_free_value(item) && same_text(key, runtime_.word(free->key));
+            if (is_free) {
                 free->place = free_count_++;
-            } else if (!value(item, key, depth)) {
+            }
+            if (!(is_free ? add(key, Kind::free, 0) : value(item, key, depth))) {
                 return false;
             }
         }
@@ -161,6 +173,14 @@ private:
         return true;
     }
 
+    // Short texts are in what is reckoned for a token, and most are shared.
+    void count_text(PyObject* text) {
+        constexpr Py_ssize_t kShort = 16;
+        constexpr std::size_t kMostOfCharacter = 4;
+        const Py_ssize_t length = PyUnicode_GetLength(text);
+        text_bytes_ += length > kShort ? kMostOfCharacter * static_cast<std::size_t>(length) : 0;
+    }
+
     std::vector<Token>& tokens_;
     const Runtime& runtime_;
     FreeItems& free_;
@@ -173,7 +193,7 @@ bool Snapshot::take(const Value& document, FreeItems& free) {
     Walk walk(tokens_, document.runtime(), free);
     const bool taken = walk.value(document.object(), nullptr, 0);
     free_count_ = walk.free_count();
-    constexpr std::size_t kObject = 32;  // what a token may keep alive
+    constexpr std::size_t kObject = 64;  // what a token may keep alive
     bytes_ = tokens_.capacity() * sizeof(Token) + tokens_.size() * kObject + walk.text_bytes();
     return taken;
 }
@@ -185,7 +205,7 @@ public:
     Comparison(const std::vector<Token>& tokens, const Runtime& runtime, std::vector<Value>& values)
         : next_(tokens.data()), runtime_(runtime), values_(values) {}
 
-    // Most of a document are the very texts and numbers that it has held before.
+    // Most of a document is the very texts and numbers that it held before.
     bool same(PyObject* object) {
         if (object == next_->object.get()) {
             ++next_;

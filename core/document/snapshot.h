@@ -1,5 +1,4 @@
-// What a document held at one moment, to tell whether a document holds the same. An artist who drags a slider has the
-// material translated again at every step, and all of it but one number is what it was before.
+// What a document held at one moment, to tell whether a document holds the same.
 #pragma once
 
 #include <cstdint>
@@ -16,6 +15,7 @@ public:
     struct FreeItem {
         explicit FreeItem(Word key_of_item) : key(key_of_item) {}
         Word key;
+        // Set by `take`:
         int place = -1;  // among all free values; -1 where it does not have such a value
         bool is_met = false;
     };
@@ -26,8 +26,9 @@ public:
     static std::size_t fingerprint(const Value& document);
 
     // Takes down all of the document, and gives the free items their places. False where it holds anything but plain
-    // maps, lists, tuples, texts and numbers, more than some hundred thousand of them, or the map of a free item twice:
-    // then nothing is to be asked of the snapshot. No code but our own runs meanwhile.
+    // maps, lists, tuples, texts and numbers, too many of them, a not-a-number that isn't free (Python tells those
+    // apart by where they stand, too), an integer of more than 64 bits, or the map of a free item twice: then nothing
+    // is to be asked of the snapshot. No code but our own runs meanwhile.
     [[nodiscard]] bool take(const Value& document, FreeItems& free);
     // Whether the document holds the same: equal keys in the same order, and values of the same types and bits.
     // `values` gets those that are free, by their places. No code but our own runs meanwhile.
@@ -37,7 +38,7 @@ public:
 
 private:
     enum class Kind : std::uint8_t { map, list, tuple, text, integer, number, constant, free };
-    // A value, in the order of a walk that goes down at once.
+    // A value, in depth-first order.
     struct Token {
         Ref key;     // of an item of a map
         Ref object;  // of what has no items

@@ -7,6 +7,7 @@
 // names.
 #pragma once
 
+#include <array>
 #include <list>
 #include <span>
 #include <string>
@@ -35,6 +36,9 @@ struct Uses {
     bool emission = false;
     bool coat = false;
 };
+
+// The library's word for the type of a coordinate of `d` dimensions. KeyError where it has none.
+std::string library_type(const Runtime& runtime, int d);
 
 class Gen {
 public:
@@ -109,8 +113,7 @@ public:
     void use(Word name) { use({name}); }
     void use_composed(Text name);  // a name made of words of the document
     void use_struct(Word name);
-    // The library's word for the type of a coordinate of `d` dimensions. KeyError where it has none.
-    Text types(int d);
+    Text types(int d);  // library_type
 
     // ---- output sockets ---------------------------------------------------------------------
     // Whether anything in the document reads the output.
@@ -144,8 +147,8 @@ public:
     // `fallback` where the record lacks the socket. Unsupported "{type}: no input {ident}".
     Text inp(const Node& n, Word ident, SocketType want, Text fallback = {});
     bool linked(const Node& n, Word ident);
-    // The entry of a socket, absent where the record lacks it. It is for those who decide by the stored value, which
-    // the text depends on then even where it has become a parameter.
+    // The entry of a socket, absent where the record lacks it. Whoever decides by a socket's stored value, or writes it
+    // as a literal, reads it here: the text depends on the value then, even where it has become a parameter.
     Value entry(const Node& n, Word ident);
     // Unsupported where a shader meets a value.
     Text convert(Text expr, SocketType from, SocketType to);
@@ -192,6 +195,9 @@ public:
     [[nodiscard]] const Node* find_node(const Value& nid) const;    // null where there is none
     // All entries that `entry` has given.
     [[nodiscard]] const std::vector<const void*>& decisive() const { return decisive_; }
+    // The library's words that `types` has given, by the number of dimensions; empty where it has not been asked.
+    using Types = std::array<std::string, 5>;
+    [[nodiscard]] const Types& asked_types() const { return types_; }
     [[nodiscard]] const std::shared_ptr<Names>& names() const { return names_; }
 
 private:
@@ -273,6 +279,7 @@ private:
     std::vector<const void*>& socket_keys_;
     std::vector<std::size_t>& socket_places_;
     Value structs_;
+    Types types_;
     const Offset* boff_ = nullptr;
 };
 

@@ -19,7 +19,7 @@ struct Texture {
 // Where in the document the value of a parameter stands: an item of a map. Only told apart, never looked into.
 struct Origin {
     const void* map = nullptr;  // null for no such place
-    Word key = "v";
+    Word key = "v";             // of the item
 
     bool operator==(const Origin&) const = default;
 };

@@ -141,7 +141,7 @@ void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
         socket.type = socket_type(socket.t ? shared(socket.t) : shared(socket.entry).at("t"));
         if (is_value_type(socket.type)) {
             const Value v = socket.v ? shared(socket.v) : shared(socket.entry).get("v");
-            socket.text = param(n, ident, socket.type, v, {socket.entry.get()});
+            socket.text = param(n, ident, socket.type, v, {socket.entry.get(), "v"});
         }
     }
     socket.is_read = true;
@@ -171,7 +171,7 @@ Text Gen::read_entry(const Node& n, Word ident, const Value& entry, SocketType w
     }
     const SocketType type = socket_type(entry.at("t"));
     if (is_value_type(type)) {
-        return convert(param(n, ident, type, entry.get("v"), {entry.object()}), type, want);
+        return convert(param(n, ident, type, entry.get("v"), {entry.object(), "v"}), type, want);
     }
     return is_closure(type) && is_closure(want) ? "L.closure_none()" : "0.0";
 }

@@ -3,6 +3,8 @@ import copy
 import gc
 import json
 import math
+import pathlib
+import re
 
 import pytest
 
@@ -239,6 +241,99 @@ def test_the_library_is_asked_each_time(tag, monkeypatch):
     assert len(asked) == 6 and asked[0] == asked[2] == asked[4] and asked[1] == asked[3] == asked[5]
 
 
+def test_a_library_that_takes_its_names_away(tag, monkeypatch):
+    document, resolve = sliders(tag), quillgen_lib.resolve
+
+    def emptying(names):
+        texts = resolve(names)
+        names.clear()
+        return texts
+
+    wanted = first(CALLS["compile"], document)
+    monkeypatch.setattr(quillgen_lib, "resolve", emptying)
+    come_again(CALLS["compile"], document)
+    monkeypatch.undo()
+    assert plain(outcome(CALLS["compile"], document)) == wanted
+
+
+def test_a_library_of_other_types(tag, monkeypatch):
+    voronoi = node("TexVoronoi", id="Voronoi")
+    document = sliders(tag)
+    document["nodes"].append(voronoi)
+    document["nodes"][0]["in"]["Roughness"] = link(voronoi, "Distance")
+    for call in CALLS.values():
+        come_again(call, document)
+        for types in ({d: f"my{word}" for d, word in quillgen_lib.TYPES.items()}, {}):
+            with monkeypatch.context() as patch:
+                patch.setattr(quillgen_lib, "TYPES", types)
+                check(call, document, types)
+            check(call, document, "as before")
+
+
+class Finalized:
+    """Runs something when it is given up."""
+
+    def __init__(self, what):
+        self.what = what
+
+    def __del__(self):
+        self.what()
+
+
+def test_an_object_that_a_library_leaves_in_its_names(tag, monkeypatch):
+    """It is not kept, so that it is gone when the call is."""
+    document, resolve, gone = sliders(tag), quillgen_lib.resolve, []
+
+    def leaving(names):
+        texts = resolve(set(names))
+        names.add(Finalized(lambda: gone.append(1)))
+        return texts
+
+    monkeypatch.setattr(quillgen_lib, "resolve", leaving)
+    for calls in range(1, 6):
+        quillgen.compile(document)
+        assert len(gone) == 2 * calls
+
+
+def test_a_document_that_changes_while_it_is_translated(tag, monkeypatch):
+    def document():
+        math = node("Math", id="Math", props={"operation": "ADD"})
+        return material(node("BsdfPrincipled", {"Roughness": link(math)}), math, tag)
+
+    changing, resolve = document(), quillgen_lib.resolve
+
+    def change(names):
+        changing["nodes"][1]["props"]["operation"] = "MULTIPLY"
+        return resolve(names)
+
+    quillgen.compile(changing)
+    monkeypatch.setattr(quillgen_lib, "resolve", change)
+    quillgen.compile(changing)
+    monkeypatch.undo()
+    for same in (changing, document()):
+        check(CALLS["compile"], same, same["nodes"][1]["props"]["operation"])
+
+
+def test_one_and_another_not_a_number(tag):
+    """`in` takes the very same one for equal, and no other."""
+    def document(name, map):
+        attribute = node("Attribute", props={"attribute_name": name})
+        return material(node("Emission", {"Color": link(attribute)}), attribute, tag, uv_maps=[map])
+
+    number = float("nan")
+    come_again(CALLS["compile"], document(number, number))
+    check(CALLS["compile"], document(float("nan"), float("nan")), "another one")
+    check(CALLS["compile"], document(number, number), "the same one")
+
+
+def test_no_text_decides_by_a_value_behind_the_back_of_what_is_kept():
+    """Gen::entry is how a handler asks for a socket's stored value."""
+    root = pathlib.Path(__file__).parents[2]
+    sources = [path for folder in ("nodes", "closures") for path in (root / folder).rglob("*.cpp")]
+    assert len(sources) > 20
+    assert not [str(path) for path in sources if re.search(r"\.in\.(get|at|find)\(", path.read_text(encoding="utf-8"))]
+
+
 def test_a_call_inside_a_call(tag):
     """The garbage collector runs a finalizer in the middle of a call, which has the same document translated with other
     values."""
@@ -246,15 +341,14 @@ def test_a_call_inside_a_call(tag):
     wanted, wanted_of_other = first(CALLS["compile"], document), first(CALLS["compile"], other)
     ended = []
 
-    class Finalized:
-        def __del__(self):
-            if gc.get_threshold()[0] == 1:
-                ended.append(plain(outcome(CALLS["compile"], other)) == wanted_of_other)
+    def call_again():
+        if gc.get_threshold()[0] == 1:
+            ended.append(plain(outcome(CALLS["compile"], other)) == wanted_of_other)
 
     come_again(quillgen.compile, document)
     thresholds = gc.get_threshold()
     for _ in range(20):
-        cycle = Finalized()
+        cycle = Finalized(call_again)
         cycle.itself = cycle
         del cycle
         held = [([], {}) for _ in range(200)]  # so that the interpreter has none at hand, and collects for the first
