@@ -49,33 +49,34 @@ def again(number):
     quillgen.compile(material(node("Gamma", id=f"a node that comes again {number // 3}")))
 
 work = {"sound": sound, "mistaken": mistaken, "named anew": named_anew, "again": again}[sys.argv[1]]
-samples, objects = [], []
-for number in range(int(sys.argv[2])):
+warm_up, calls_between, looked_at = int(sys.argv[2]), 100_000, 20_000
+last = warm_up + calls_between
+peaks = {warm_up: [0, 0], last: [0, 0]}
+for _ in range(3):
+    resident(), len(gc.get_objects())  # the first looks take memory of their own
+for number in range(last + looked_at):
     work(number)
-    if number >= int(sys.argv[2]) // 3 and number % 2_000 == 0:
-        samples.append(resident())
-        objects.append(len(gc.get_objects()))
-samples, objects = samples[2:], objects[2:]  # the first looks take memory of their own
-third = len(samples) // 3
-print(*(max(row[-third:]) - max(row[:third]) for row in (samples, objects)))
+    start = last if number >= last else warm_up
+    if number % 1_000 == 0 and start <= number < start + looked_at:
+        peaks[start] = [*map(max, peaks[start], (resident(), len(gc.get_objects())))]
+print(*(after - before for before, after in zip(peaks[warm_up], peaks[last])))
 """
 
 
-# Less than one object for each of the calls between the looks.
-MOST_GROWN = 1_500_000
-
-
-@pytest.mark.parametrize("work", ["sound", "mistaken", "named anew", "again"])
-def test_memory_is_flat(work):
-    grown, objects = map(int, run(FLAT, work, 150_000, timeout=300).split())
-    assert grown < MOST_GROWN and abs(objects) < 100
+# Names are given up, and come to their full number again, some times in the longer warm-up. Of 33,333 documents that come
+# again a thousand are kept at a time, with some objects each: the looks do not meet their peak to the object.
+@pytest.mark.parametrize("work, warm_up, most_objects", [("sound", 10_000, 100), ("mistaken", 10_000, 100),
+                                                         ("named anew", 150_000, 100), ("again", 150_000, 3_000)])
+def test_memory_is_flat(work, warm_up, most_objects):
+    grown, objects = map(int, run(FLAT, work, warm_up, timeout=300).split())
+    assert grown < 300_000 and abs(objects) < most_objects
 
 
 def test_the_check_sees_a_leak():
     leaking = FLAT.replace("outcome(calls[number % 5], documents[number % len(documents)])",
                            "LEAK.append(str(number) * 10)").replace("import copy", "LEAK = []\nimport copy")
-    grown, _ = map(int, run(leaking, "sound", 150_000).split())
-    assert grown > MOST_GROWN
+    grown, _ = map(int, run(leaking, "sound", 10_000).split())
+    assert grown > 1_000_000
 
 
 def test_eight_threads_give_the_same_bytes():
