@@ -79,6 +79,35 @@ def test_the_check_sees_a_leak():
     assert grown > 1_000_000
 
 
+# Four hundred documents that come again, each with something large of its own.
+LARGE = """
+import resource, sys
+import quillgen
+from golden.documents import material, node
+
+def resident():
+    return int(open("/proc/self/statm").read().split()[1]) * resource.getpagesize()
+
+def document(number):
+    large = {"key": lambda: {"k" * 200_000 + str(number): 1}, "text": lambda: {"further": "\U0001F600" * 100_000},
+             "integer": lambda: {"further": 1 << 1_600_000}}[sys.argv[1]]
+    return material(node("Gamma", id=f"number {number}")) | large()
+
+before = most = resident()
+for number in range(400):
+    one = document(number)
+    for _ in range(3):
+        quillgen.compile(one)
+    most = max(most, resident())
+print(most - before)
+"""
+
+
+@pytest.mark.parametrize("what", ["key", "text", "integer"])
+def test_what_is_kept_is_bounded(what):
+    assert int(run(LARGE, what)) < 48 * 2**20
+
+
 def test_eight_threads_give_the_same_bytes():
     documents = [example(name) for name in ("oak_planks", "lava", "mossy_rock", "pbr_crate")]
     wanted = [json.dumps(quillgen.compile(document)) for document in documents]
@@ -93,6 +122,35 @@ def test_eight_threads_give_the_same_bytes():
     for thread in threads:
         thread.join()
     assert all(result == wanted for number in range(8) for result in results[number])
+
+
+# Four hundred documents that come again, each with something large of its own.
+LARGE = """
+import resource, sys
+import quillgen
+from golden.documents import material, node
+
+def resident():
+    return int(open("/proc/self/statm").read().split()[1]) * resource.getpagesize()
+
+def document(number):
+    large = {"key": lambda: {"k" * 200_000 + str(number): 1}, "text": lambda: {"further": "\U0001F600" * 100_000},
+             "integer": lambda: {"further": 1 << 1_600_000}}[sys.argv[1]]
+    return material(node("Gamma", id=f"number {number}")) | large()
+
+before = most = resident()
+for number in range(400):
+    one = document(number)
+    for _ in range(3):
+        quillgen.compile(one)
+    most = max(most, resident())
+print(most - before)
+"""
+
+
+@pytest.mark.parametrize("what", ["key", "text", "integer"])
+def test_what_is_kept_is_bounded(what):
+    assert int(run(LARGE, what)) < 48 * 2**20
 
 
 def test_eight_threads_with_objects_that_let_others_run():
