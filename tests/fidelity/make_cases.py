@@ -1,5 +1,5 @@
 """Makes the reference data: builds the node trees of all families in Blender 5.0.1, renders each with Cycles
-and flattens it with the host of examples/blender_host.
+and flattens it with the host of blender/quillgen_blender.
 
     .venv-blender-5.0/bin/python tests/fidelity/make_cases.py [family ...]
 """
@@ -13,10 +13,10 @@ import bpy
 import numpy as np
 
 HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parent / "host"), str(HERE.parents[1] / "examples")]
+sys.path[:0] = [str(HERE), str(HERE.parent / "host"), str(HERE.parents[1] / "blender")]
 
-import blender_host  # noqa: E402
-from blender_host import export  # noqa: E402
+import quillgen_blender  # noqa: E402
+from quillgen_blender.write import export  # noqa: E402
 import render  # noqa: E402
 import store  # noqa: E402
 from builder import SIDE  # noqa: E402
@@ -79,7 +79,7 @@ def tiled(cases):
                 "node": case.node,
                 "name": case.name,
                 "reason": case.reason,
-                "document": blender_host.flatten(one, mesh),
+                "document": quillgen_blender.flatten(one, mesh),
             }
             for case, one in zip(some, materials)
         ]
@@ -117,7 +117,7 @@ def save_scenes():
                     "node": case.node,
                     "name": f"{scene.name}: {case.name}",
                     "reason": case.reason,
-                    "document": blender_host.flatten(shown, thing.data),
+                    "document": quillgen_blender.flatten(shown, thing.data),
                 }
             )
             values.append(wear(thing, shown)[rows, columns])

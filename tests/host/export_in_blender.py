@@ -9,10 +9,10 @@ import bpy
 import numpy as np
 
 HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parents[1] / "examples")]
+sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 sys.path.append(sys.argv[1])  # behind Blender's own packages
 
-import blender_host  # noqa: E402
+import quillgen_blender  # noqa: E402
 from trees import add  # noqa: E402
 
 
@@ -32,10 +32,10 @@ def main(folder):
     height = add(tree, "Displacement", {0: add(tree, "TexNoise").outputs[0], "Scale": 0.05}).outputs[0]
     tree.links.new(height, tree.get_output_node("CYCLES").inputs["Displacement"])
     notes = []
-    document = blender_host.flatten(material, note=notes.append)
-    result = blender_host.translate(document)
-    files = blender_host.write(result, folder, "Wall", document, notes + ["a note"])
-    saved = blender_host.save_textures(result, folder)
+    document = quillgen_blender.flatten(material, note=notes.append)
+    result = quillgen_blender.translate(document)
+    files = quillgen_blender.write(result, folder, "Wall", document, notes + ["a note"])
+    saved = quillgen_blender.save_textures(result, folder)
     print(
         json.dumps(
             {

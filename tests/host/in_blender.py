@@ -11,9 +11,9 @@ import bpy
 import numpy as np
 
 HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parents[1] / "examples")]
+sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-import blender_host  # noqa: E402
+import quillgen_blender  # noqa: E402
 from rebuild import rebuild  # noqa: E402
 from trees import TREES  # noqa: E402
 
@@ -24,7 +24,7 @@ def main():
     bpy.ops.wm.read_factory_settings(use_empty=True)
     grid = canvas(len(TREES))
     shown = [material(fill) for fill in TREES]
-    documents = [blender_host.flatten(one, grid) for one in shown]
+    documents = [quillgen_blender.flatten(one, grid) for one in shown]
     again = [rebuild(json.loads(json.dumps(document))) for document in documents]
     first, second = (picture(grid, materials) for materials in (shown, again))
     report = {

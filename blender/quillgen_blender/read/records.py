@@ -3,7 +3,7 @@
 import bpy
 from mathutils import Vector
 
-from . import hues
+from ..passes import hues
 
 SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
 PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")

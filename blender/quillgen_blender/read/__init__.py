@@ -1,0 +1,1 @@
+"""Reading Blender: a material as a plain document. This room imports bpy."""

@@ -1,0 +1,1 @@
+"""The interface: panels, operators, preferences, live update. This room imports bpy."""

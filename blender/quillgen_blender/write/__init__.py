@@ -1,0 +1,1 @@
+"""Writing the files of an export: plain Python without bpy."""
