@@ -16,9 +16,10 @@ from typing import NamedTuple
 import numpy as np
 
 HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parent / "gpu")]
+sys.path[:0] = [str(HERE), str(HERE.parent / "gpu"), str(HERE.parents[1] / "blender")]
 
 import store  # noqa: E402
+from quillgen_blender import passes  # noqa: E402
 
 # The CPU's Vulkan device has approximations of its own for these two, off by up to 4e-4; graphics cards have
 # not.
@@ -95,7 +96,7 @@ def prepare(record, arrays, given, number, literal):
     """(what cases have in common that run as one shader, the case's own part)"""
     import quillgen
 
-    result = quillgen.compile(record["document"], "emission", not literal)
+    result = quillgen.compile(passes.prepare(record["document"])[0], "emission", not literal)
     wanted = arrays["values"][number]
     names = [entry["name"] for entry in result["inputs"] if entry["kind"] != "texture"]
     values = {

@@ -15,7 +15,7 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "host"), str(HERE.parents[1] / "blender")]
 
-import quillgen_blender  # noqa: E402
+from quillgen_blender import read  # noqa: E402
 from quillgen_blender.write import export  # noqa: E402
 import render  # noqa: E402
 import store  # noqa: E402
@@ -79,7 +79,7 @@ def tiled(cases):
                 "node": case.node,
                 "name": case.name,
                 "reason": case.reason,
-                "document": quillgen_blender.flatten(one, mesh),
+                "document": read.flatten(one, mesh).document,
             }
             for case, one in zip(some, materials)
         ]
@@ -117,7 +117,7 @@ def save_scenes():
                     "node": case.node,
                     "name": f"{scene.name}: {case.name}",
                     "reason": case.reason,
-                    "document": quillgen_blender.flatten(shown, thing.data),
+                    "document": read.flatten(shown, thing.data).document,
                 }
             )
             values.append(wear(thing, shown)[rows, columns])

@@ -12,7 +12,8 @@ HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 sys.path.append(sys.argv[1])  # behind Blender's own packages
 
-import quillgen_blender  # noqa: E402
+from quillgen_blender import passes, read  # noqa: E402
+from quillgen_blender.write import export  # noqa: E402
 from trees import add  # noqa: E402
 
 
@@ -31,11 +32,10 @@ def main(folder):
     tree.links.new(both.outputs[0], tree.nodes["Principled BSDF"].inputs["Base Color"])
     height = add(tree, "Displacement", {0: add(tree, "TexNoise").outputs[0], "Scale": 0.05}).outputs[0]
     tree.links.new(height, tree.get_output_node("CYCLES").inputs["Displacement"])
-    notes = []
-    document = quillgen_blender.flatten(material, note=notes.append)
-    result = quillgen_blender.translate(document)
-    files = quillgen_blender.write(result, folder, "Wall", document, notes + ["a note"])
-    saved = quillgen_blender.save_textures(result, folder)
+    document, _ = passes.prepare(read.flatten(material).document)
+    result = export.translate(document)
+    files = export.write(result, folder, "Wall", document, ["a note"])
+    saved = export.save_textures(result, folder)
     print(
         json.dumps(
             {

@@ -1,4 +1,4 @@
-"""Flattens every little material, builds the document again as a plain tree and renders both. Prints one JSON
+"""Flattens every little material, builds its document, made ready for the translator, again as a plain tree and renders both. Prints one JSON
 object: {name: {"document": ..., "difference": the largest one between the two pictures}}. Runs inside
 Blender."""
 
@@ -13,7 +13,7 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-import quillgen_blender  # noqa: E402
+from quillgen_blender import passes, read  # noqa: E402
 from rebuild import rebuild  # noqa: E402
 from trees import TREES  # noqa: E402
 
@@ -24,8 +24,8 @@ def main():
     bpy.ops.wm.read_factory_settings(use_empty=True)
     grid = canvas(len(TREES))
     shown = [material(fill) for fill in TREES]
-    documents = [quillgen_blender.flatten(one, grid) for one in shown]
-    again = [rebuild(json.loads(json.dumps(document))) for document in documents]
+    documents = [read.flatten(one, grid).document for one in shown]
+    again = [rebuild(json.loads(json.dumps(passes.prepare(document)[0]))) for document in documents]
     first, second = (picture(grid, materials) for materials in (shown, again))
     report = {
         fill.__name__: {

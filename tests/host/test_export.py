@@ -2,24 +2,22 @@
 for."""
 
 import json
-import subprocess
+import sys
 from pathlib import Path
 
 import pytest
 import quillgen
 
 HERE = Path(__file__).resolve().parent
-ROOT = HERE.parents[1]
+sys.path.insert(0, str(HERE))
+
+import blenders  # noqa: E402
 
 
-@pytest.fixture(scope="module", params=("4.2", "5.0"))
+@pytest.fixture(scope="module", params=blenders.VERSIONS)
 def exported(request, tmp_path_factory):
-    python = ROOT / f".venv-blender-{request.param}" / "bin" / "python"
-    if not python.exists():
-        pytest.skip(f"no Blender {request.param} here: tools/setup --blender makes it")
     folder = tmp_path_factory.mktemp("unreal")
-    words = [python, "-W", "ignore", HERE / "export_in_blender.py", Path(quillgen.__file__).parent, folder]
-    lines = subprocess.run(words, check=True, capture_output=True, text=True).stdout.splitlines()
+    lines = blenders.run(request.param, HERE / "export_in_blender.py", Path(quillgen.__file__).parent, folder)
     return folder, json.loads(lines[-1])
 
 

@@ -3,8 +3,6 @@
 import bpy
 from mathutils import Vector
 
-from ..passes import hues
-
 SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
 PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")
 CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
@@ -35,15 +33,13 @@ def properties(node):
 
 
 def ramp(node):
-    """The stops of a colour ramp. In HSV and HSL Blender interpolates linearly, whatever is set."""
+    """A colour ramp as it stands: the stops in the order of their list, the words that rule what lies between."""
     band = node.color_ramp
-    stops = [[stop.position, list(stop.color)] for stop in band.elements]
-    if band.color_mode == "RGB":
-        return {"stops": stops, "interp": band.interpolation, "mode": "RGB"}
     return {
-        "stops": hues.through_the_seam(stops, band.color_mode, band.hue_interpolation),
-        "interp": "LINEAR",
+        "stops": [[stop.position, list(stop.color)] for stop in band.elements],
+        "interp": band.interpolation,
         "mode": band.color_mode,
+        "hue": band.hue_interpolation,
     }
 
 

@@ -1,9 +1,11 @@
 """A Blender material as one flat document: nodes, what links them, images and settings."""
 
 import re
+from typing import Any, NamedTuple
 
 import bpy
 
+from ..notes import Note
 from . import records, sources, values
 
 # Sockets that mean "the surface's own" while nothing is linked to them, so that a group's constant can't be
@@ -22,25 +24,25 @@ COORDINATE_TEXTURES = (
 SURFACE_NAMES = ("Normal", "Coat Normal", "Clearcoat Normal", "Tangent")
 
 
-def flatten(material, mesh=None, note=lambda text: None):
-    """The document of a material. `mesh` gives the UV maps (by default the first mesh that wears the
-    material); `note` is called with a line for whatever can't be handed over as it is."""
+class Reading(NamedTuple):
+    """What flatten finds. `document` is plain data, as JSON has it. `paths` leads from the id of a record to the
+    names of its node, behind those of the group nodes around it, the outermost first; nodes that the reader puts in
+    have the path of the node that they feed."""
+
+    document: dict[str, Any]
+    notes: list[Note]
+    paths: dict[str, tuple[str, ...]]
+
+
+def flatten(material, mesh=None) -> Reading:
+    """The document of a material. `mesh` gives the UV maps (by default the first mesh that wears the material)."""
     if material.node_tree is None:
         raise ValueError(f"{material.name} has no nodes")
-    mesh = mesh or next(
-        (
-            thing.data
-            for thing in bpy.data.objects
-            if thing.type == "MESH" and material.name in [slot.name for slot in thing.material_slots]
-        ),
-        None,
-    )
+    mesh = mesh or worn_by(material)
     uv_maps = [layer.name for layer in mesh.uv_layers] if mesh else []
+    writer = Writer(uv_maps)
     if mesh and uv_maps and not mesh.uv_layers[0].active_render:
-        note(
-            f"{mesh.name}: the UV map for rendering is not the first one, which is the one that Unreal takes"
-        )
-    writer = Writer(uv_maps, note)
+        writer.note("", f"{mesh.name}: the UV map for rendering is not the first one, which Unreal takes", "near")
     end = material.node_tree.get_output_node("CYCLES")
     out = {}
     for name in ("Surface", "Displacement"):
@@ -49,13 +51,26 @@ def flatten(material, mesh=None, note=lambda text: None):
             out[name.lower()] = writer.reference(source)[:2]
     writer.waiting.reverse()
     writer.finish()
-    return {
+    document = {
         "nodes": writer.nodes,
         "out": out,
         "images": writer.images,
         "uv_maps": uv_maps,
         "settings": settings(material),
     }
+    return Reading(document, writer.notes, writer.paths)
+
+
+def worn_by(material):
+    """The first mesh with the material in one of its slots."""
+    return next(
+        (
+            thing.data
+            for thing in bpy.data.objects
+            if thing.type == "MESH" and any(slot.material == material for slot in thing.material_slots)
+        ),
+        None,
+    )
 
 
 def settings(material):
@@ -68,12 +83,16 @@ def settings(material):
 class Writer:
     """Collects the node records, from those that are asked for on to what feeds them."""
 
-    def __init__(self, uv_maps, note):
+    def __init__(self, uv_maps):
         self.tree = sources.Tree()
         self.source = self.tree.source
-        self.uv_maps, self.note = uv_maps, note
+        self.uv_maps = uv_maps
         self.nodes, self.images = [], {}
+        self.notes, self.paths = [], {}
         self.ids, self.spellings, self.waiting = {}, set(), []
+
+    def note(self, identity, text, loss="lost"):
+        self.notes.append(Note(identity, text, loss))
 
     def finish(self):
         """Records what is waiting and all that feeds it, each node when its first reader's turn comes."""
@@ -89,6 +108,7 @@ class Writer:
         names = tuple(step.name for step in path) + (node.name,)
         if names not in self.ids:
             self.ids[names] = self.fresh("/".join(names))
+            self.paths[self.ids[names]] = names
         self.waiting.append((path, node, self.ids[names]))
         return self.ids[names]
 
@@ -168,12 +188,18 @@ class Writer:
         seen, spread, whole = sources.narrow(linked.borders, linked.socket.type, socket.type)
         if spread or whole:
             reference[2] = seen
-            return self.number(reference, whole, f"{identity} {socket.identifier}")
+            return self.number(reference, whole, identity, socket)
         return reference[:2] + [seen]
 
-    def number(self, reference, whole, wish):
+    def put_in(self, socket, reader):
+        """The id of a node that feeds a reader's socket and that Blender hasn't got."""
+        identity = self.fresh(f"{reader} {socket.identifier}")
+        self.paths[identity] = self.paths[reader]
+        return identity
+
+    def number(self, reference, whole, reader, socket):
         """A node that makes one number of what it reads."""
-        identity = self.fresh(wish)
+        identity = self.put_in(socket, reader)
         self.nodes.append(
             {
                 "id": identity,
@@ -187,7 +213,7 @@ class Writer:
 
     def constant(self, value, socket, reader):
         """A node that holds a vector."""
-        identity = self.fresh(f"{reader} {socket.identifier}")
+        identity = self.put_in(socket, reader)
         parts = {name: {"t": "VALUE", "v": part} for name, part in zip("XYZ", value)}
         self.nodes.append(
             {
