@@ -79,7 +79,7 @@ def scene(uv):
         "camera_position": (50.0, -50.0, 1000.0),
         "pixel_depth": 1000.0,
         "view_size": (64.0, 64.0),
-        "tan_half_fov": 0.05,
+        "tan_half_fov": (0.05, 0.05),
         "view_axis x": (1.0, 0.0, 0.0),
         "view_axis y": (0.0, -1.0, 0.0),
         "view_axis z": (0.0, 0.0, -1.0),

@@ -29,7 +29,7 @@ def inputs(uv):
     fixed = {"cycles_normal": up, "vertex_normal": up, "camera_vector": up, "two_sided_sign": (1,),
              "tangent_world": (1, 0, 0), "bitangent_world": (0, 1, 0), "object_origin": (0, 0, 0),
              "camera_position": (50, -50, 1000), "pixel_depth": (1000,), "view_size": (64, 64),
-             "tan_half_fov": (0.05,),
+             "tan_half_fov": (0.05, 0.05),
              "view_axis:x": (1, 0, 0), "view_axis:y": (0, -1, 0), "view_axis:z": (0, 0, -1),
              "object_axis:x": (1, 0, 0), "object_axis:y": (0, 1, 0), "object_axis:z": up,
              "local_bounds_min": (0, -100, -50), "local_bounds_max": (100, 0, 50),

@@ -60,6 +60,6 @@ def fixed(thing, camera):
               "view_axis:x": right * FLIP, "view_axis:y": up * FLIP, "view_axis:z": forward * FLIP,
               "local_bounds_min": np.multiply(100, (lx, -hy, lz)),
               "local_bounds_max": np.multiply(100, (hx, -ly, hz)),
-              "tan_half_fov": (cameras.tan_half_fov(camera),), "view_size": (camera.pixels, camera.pixels),
+              "tan_half_fov": (cameras.tan_half_fov(camera),) * 2, "view_size": (camera.pixels, camera.pixels),
               "temporal_index": (0,)}
     return {kind: np.float64([value]) for kind, value in values.items()}

@@ -8,8 +8,8 @@ import numpy as np
 import cost
 import device
 
-SCALARS = {"scalar", "pixel_depth", "two_sided_sign", "tan_half_fov", "temporal_index"}
-PAIRS = {"texcoord", "view_size", "pixel_position"}
+SCALARS = {"scalar", "pixel_depth", "two_sided_sign", "temporal_index"}
+PAIRS = {"texcoord", "tan_half_fov", "view_size", "pixel_position"}
 QUADS = {"vector", "vertex_color"}
 
 RETURNED = "qh_result"  # the local that takes what the function returns

@@ -251,6 +251,13 @@ def test_the_signature():
         "inout MaterialFloat OutMetallic, inout MaterialFloat3 OutNormal)")
 
 
+def test_the_view_has_two_angles():
+    """Unreal gives the tangents of half the horizontal and of half the vertical field of view."""
+    result = {"code": "return float3(thfov, 0.0);", "inputs": [{"name": "thfov", "kind": "tan_half_fov"}], "outputs": []}
+    assert "MaterialFloat2 thfov" in custom_expression.function(result)
+    assert custom_expression.evaluate(result, {"thfov": (0.5, 0.25)})["result"].tolist() == [[0.5, 0.25, 0.0]]
+
+
 def test_an_expression_compiles_and_its_warnings_count():
     assert set(custom_expression.compile_both(expression())) == {"2018", "2021"}
     assert custom_expression.instruction_count(expression()) > 10

@@ -175,6 +175,6 @@ def fixed(surface, view):
         "view_axis:x": view.right * FLIP,
         "view_axis:y": view.up * FLIP,
         "view_axis:z": view.forward * FLIP,
-        "tan_half_fov": np.array([view.tangent]),
+        "tan_half_fov": np.array([view.tangent, view.tangent]),
         "view_size": np.array([PIXELS, PIXELS], float),
     }
