@@ -1,14 +1,40 @@
 """What changes a document on its way to the translator: one pass a file, plain Python without bpy."""
 
-from . import ramps
+from collections.abc import Collection
+from typing import Any
 
+from ..notes import Note
+from . import parameters, ramps
+from .options import Options
+
+__all__ = ["PASSES", "Options", "finish", "prepare"]
+
+# In this order. Each takes a document and the options, and returns a document (the same one where nothing changes,
+# never one changed in place) and notes.
 PASSES = (ramps.run,)
+# What follows the translation, likewise: each takes a result, the document that was translated, the names of the
+# parameters that the artist marked, and the options.
+RESULT_PASSES = (parameters.name_parameters,)
 
 
-def prepare(document, options=None):
+def prepare(document: dict[str, Any], options: Options | None = None) -> tuple[dict[str, Any], list[Note]]:
     """The document that the translator takes, and the notes of all passes."""
-    notes = []
+    options = options or Options()
+    notes: list[Note] = []
     for run in PASSES:
         document, more = run(document, options)
         notes += more
     return document, notes
+
+
+def finish(
+    result: dict[str, Any], document: dict[str, Any], named: Collection[str] = (), options: Options | None = None
+) -> tuple[dict[str, Any], list[Note]]:
+    """The result as it is exported, and notes. `document` is what `prepare` returned and the translator took;
+    `named` holds names of parameters (`P_Node__Socket`) that the artist marked."""
+    options = options or Options()
+    notes: list[Note] = []
+    for run in RESULT_PASSES:
+        result, more = run(result, document, named, options)
+        notes += more
+    return result, notes

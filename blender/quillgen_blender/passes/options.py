@@ -1,0 +1,34 @@
+"""What the artist chooses about the passes."""
+
+from dataclasses import dataclass
+from typing import Literal
+
+LiveParameters = Literal["auto", "all", "named", "none"]
+
+
+@dataclass(frozen=True)
+class Options:
+    """Every field has the value that suits most materials.
+
+    `parameters`: which numbers and colours become parameters of the Unreal material. "all": every unlinked socket;
+    "named": Value and RGB nodes, inputs of groups, and what the artist marked; "none": no one, all values are
+    literals of the text; "auto": "all" up to `parameter_limit` parameters, "named" above.
+
+    `exact_luma`: a colour that feeds a number is weighted with all the digits that Cycles has. The text's own
+    weights have four, which shows where the number is a seed or a coordinate.
+
+    `smooth_ramps`: ramps with B-spline, cardinal or narrow ease interpolation get linear stops instead, as few as
+    stay within `ramp_tolerance` of what Cycles shows. Without it they are linear between the artist's stops.
+
+    `nearest_shaders`: shaders that the translator lacks are replaced by the nearest that it has.
+
+    `find_range`: the magnitude of real displacement follows from the nodes that make it.
+    """
+
+    parameters: LiveParameters = "auto"
+    parameter_limit: int = 200
+    exact_luma: bool = True
+    smooth_ramps: bool = True
+    ramp_tolerance: float = 1e-3
+    nearest_shaders: bool = True
+    find_range: bool = True

@@ -1,0 +1,121 @@
+"""Which values stay live: parameters that nobody named become literals of the text.
+
+The translator makes a parameter of every unlinked socket. A large material has more than a thousand, and no artist
+looks for one among so many. This pass over a result puts the value of those that nobody named into the text, written
+as the translator itself writes a literal, and drops their inputs.
+"""
+
+import re
+from collections.abc import Collection, Iterable
+from typing import Any
+
+from ..notes import Note
+from .options import Options
+
+# Nodes whose value exists to be set: they are named by being there.
+NAMED_BY_TYPE = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color"}
+# A parameter as it stands in a text. The mask that follows a vector is part of what its literal replaces.
+PARAMETER = re.compile(r"\b(P_[A-Za-z0-9_]*)(\.xyz\b)?")
+
+
+def use_params(options: Options) -> bool:
+    """The translator's argument of this name."""
+    return options.parameters != "none"
+
+
+def name_parameters(
+    result: dict[str, Any], document: dict[str, Any], named: Collection[str], options: Options
+) -> tuple[dict[str, Any], list[Note]]:
+    """The result with the parameters that `options` asks for, and a note where the limit decided.
+
+    `document` is the one that was translated. `named` holds input names (`P_Node__Socket`) that the artist marked,
+    beside those that the document names: Value and RGB nodes, and input entries whose key `named` is true.
+    """
+    possible = result["params"].keys() - made_by_passes(document)
+    choice = options.parameters
+    if choice == "auto":
+        choice = "all" if len(possible) <= options.parameter_limit else "named"
+    kept = set(possible) if choice == "all" else set()
+    if choice == "named":
+        kept = possible & {*named, *named_by(document)}
+    notes = []
+    if choice != options.parameters and choice == "named":
+        text = (
+            f"{len(possible)} values could be parameters, which is more than the limit of {options.parameter_limit}: "
+            f"the {len(kept)} named ones are, all others are fixed in the text"
+        )
+        notes.append(Note("", text, "info"))
+    dropped = result["params"].keys() - kept
+    return (with_literals(result, dropped) if dropped else result), notes
+
+
+def named_by(document: dict[str, Any]) -> Iterable[str]:
+    """The names of the parameters that the document names by itself."""
+    for node in document["nodes"]:
+        if node["type"] in NAMED_BY_TYPE:
+            yield parameter_name(node["id"], NAMED_BY_TYPE[node["type"]])
+        for socket, entry in node["in"].items():
+            if entry.get("named"):
+                yield parameter_name(node["id"], socket)
+
+
+def made_by_passes(document: dict[str, Any]) -> set[str]:
+    """Parameters of nodes and of stops that a pass put in: nobody knows them by sight, none of them is ever live."""
+    found = set()
+    for node in document["nodes"]:
+        if node.get("made"):
+            found.update(parameter_name(node["id"], socket) for socket in node["in"])
+        if node.get("ramp", {}).get("made"):
+            for place in range(len(node["ramp"]["stops"])):
+                found.update(parameter_name(node["id"], f"stop{place}_{part}") for part in ("pos", "col"))
+    return found
+
+
+def with_literals(result: dict[str, Any], dropped: Collection[str]) -> dict[str, Any]:
+    """The result with the dropped parameters' values in its texts."""
+    params = result["params"]
+    literals = {}
+    for name in dropped:
+        kind, value = params[name]
+        if kind == "scalar":
+            literals[name] = (number(value), None)
+        else:
+            literals[name] = (constructor("float4", value), constructor("float3", value[:3]))
+    changed = without(result, literals)
+    changed["params"] = {name: pair for name, pair in params.items() if name not in literals}
+    if result["displacement"]:
+        changed["displacement"] = without(result["displacement"], literals)
+    return changed
+
+
+def without(record: dict[str, Any], literals: dict[str, tuple[str, str | None]]) -> dict[str, Any]:
+    """A copy of a result or of its displacement, with literals in its text and without their inputs."""
+
+    def literal(match: re.Match[str]) -> str:
+        found = literals.get(match[1])
+        if found is None:
+            return match[0]
+        whole, xyz = found
+        return xyz if match[2] and xyz else whole + (match[2] or "")
+
+    inputs = [entry for entry in record["inputs"] if entry["name"] not in literals]
+    return record | {"code": PARAMETER.sub(literal, record["code"]), "inputs": inputs}
+
+
+def parameter_name(node: str, socket: str) -> str:
+    """The input's name, as the translator's `param_name` makes it."""
+    return "P_" + re.sub("[^A-Za-z0-9_]", "_", f"{node}__{socket}")
+
+
+def number(value: float) -> str:
+    """A float literal as the translator writes it: the shortest decimal that reads back, and finite."""
+    value = float(value)
+    if value != value:
+        return "0.0"
+    if value in (float("inf"), float("-inf")):
+        return "3.402823466e+38" if value > 0 else "-3.402823466e+38"
+    return repr(value)
+
+
+def constructor(word: str, values: Iterable[float]) -> str:
+    return f"{word}({', '.join(number(value) for value in values)})"
