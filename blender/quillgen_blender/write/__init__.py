@@ -1,1 +1,13 @@
-"""Writing the files of an export: plain Python without bpy."""
+"""Writing the files of an export: plain Python without bpy.
+
+    target = look(Path("unreal"))
+    written = write_material(target, Material(name="Oak", document=document, result=quillgen.compile(document)))
+
+The format is told in docs/exchange.md.
+"""
+
+from .manifest import Material
+from .target import Target, Written, look, write_material
+from .textures import Picture
+
+__all__ = ["Material", "Picture", "Target", "Written", "look", "write_material"]

@@ -1,0 +1,80 @@
+"""From a document to the files for Unreal: passes, translation, passes over the result, writing. Plain Python; what
+comes before, reading Blender, is up to the caller."""
+
+import json
+from collections.abc import Collection, Mapping, Sequence
+from dataclasses import dataclass, field, replace
+from pathlib import Path
+from typing import Any
+
+from . import passes, write
+from .notes import Note
+from .passes import Options
+from .write import Material, Picture, Target, Written
+
+
+@dataclass(frozen=True)
+class Settings:
+    """What an export makes of a material. `mode`: "surface", or "emission" for an unlit material. `displacement`:
+    whether a displacement of the geometry is exported; without it, it bumps the surface as in Blender's own bump-only
+    setting. `named`: the parameters that the artist marked."""
+
+    options: Options = field(default_factory=Options)
+    mode: str = "surface"
+    displacement: bool = True
+    named: Collection[str] = ()
+
+
+def translate(
+    name: str, document: dict[str, Any], notes: Sequence[Note] = (), settings: Settings | None = None
+) -> Material:
+    """A material, ready to be written. Raises what `quillgen.compile` raises."""
+    import quillgen  # here, so that the rest works where the module isn't installed
+
+    settings = settings or Settings()
+    method = document.get("settings", {}).get("displacement", "BUMP")
+    if not settings.displacement and method != "BUMP":
+        document = document | {"settings": document["settings"] | {"displacement": "BUMP"}}
+    document, more = passes.prepare(document, settings.options)
+    result = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
+    result, last = passes.finish(result, document, settings.named, settings.options)
+    return Material(
+        name=name,
+        document=document,
+        result=result,
+        mode=settings.mode,
+        notes=[*notes, *more, *last],
+        made_by={"quillgen": getattr(quillgen, "__version__", ""), "extension": getattr(quillgen, "__version__", "")},
+    )
+
+
+def export_document(
+    target: Target,
+    name: str,
+    document: dict[str, Any],
+    pictures: Mapping[str, Path] | None = None,
+    settings: Settings | None = None,
+) -> Written:
+    """Exports a document that lies ready, as examples/materials has them. `pictures`: image name -> its file."""
+    made = translate(name, document, settings=settings)
+    images = document.get("images", {})
+    saved = {
+        image: Picture(path, images.get(image, {}).get("float", False), images.get(image, {}).get("colorspace", "sRGB"))
+        for image, path in (pictures or {}).items()
+    }
+    return write.write_material(target, replace(made, pictures=saved))
+
+
+def export_examples(folder: Path, documents: Sequence[Path]) -> list[Written]:
+    """Exports documents in files to a folder; pictures are looked for in `textures` beside each document."""
+    target = write.look(folder)
+    found = []
+    for path in documents:
+        document = json.loads(path.read_text(encoding="utf-8"))
+        pictures = {
+            image: path.parent / "textures" / image
+            for image in document.get("images", {})
+            if (path.parent / "textures" / image).is_file()
+        }
+        found.append(export_document(target, path.stem.replace("_", " ").title(), document, pictures))
+    return found

@@ -1,0 +1,131 @@
+"""The manifest of a material, `material.json`, and the file of its values, `parameters.json`."""
+
+import json
+from collections.abc import Mapping, Sequence
+from dataclasses import dataclass, field
+from typing import Any
+
+from ..labels import Label
+from ..notes import Note
+from . import files, parameters
+from .textures import Picture
+
+FORMAT, VERSION = "quillgen-material", 1
+VALUES_FORMAT = "quillgen-parameters"
+KEYS = {
+    "name",
+    "library",
+    "made_by",
+    "mode",
+    "settings",
+    "surface",
+    "displacement",
+    "parameters",
+    "textures",
+    "remarks",
+}
+MANIFEST, VALUES, SURFACE, DISPLACEMENT = "material.json", "parameters.json", "surface.hlsl", "displacement.hlsl"
+
+
+@dataclass(frozen=True)
+class Material:
+    """All that one material's files are made of.
+
+    `document` is what was translated and `result` what `quillgen.compile` gave for it in the mode `mode`. `library`
+    names the file that the material is linked from, "" where it is the file's own: name and library together tell a
+    material. `labels` goes by node id and socket, `pictures` by the image's name. `made_by`: versions by name.
+    """
+
+    name: str
+    document: Mapping[str, Any]
+    result: Mapping[str, Any]
+    mode: str = "surface"
+    library: str = ""
+    notes: Sequence[Note] = ()
+    labels: Mapping[tuple[str, str], Label] = field(default_factory=dict)
+    pictures: Mapping[str, Picture] = field(default_factory=dict)
+    made_by: Mapping[str, str] = field(default_factory=dict)
+
+
+def texts(result: Mapping[str, Any]) -> dict[str, bytes]:
+    """File name -> content of the texts."""
+    found = {SURFACE: encoded(result["code"] + "\n")}
+    if result["displacement"]:
+        found[DISPLACEMENT] = encoded(result["displacement"]["code"] + "\n")
+    return found
+
+
+def manifest(
+    material: Material,
+    contents: Mapping[str, bytes],
+    textures: list[dict[str, Any]],
+    before: Mapping[str, Any] | None,
+) -> dict[str, Any]:
+    result = material.result
+    last = before["parameters"]["records"] if before else ()
+    displacement = result["displacement"]
+    return {
+        "format": FORMAT,
+        "version": VERSION,
+        "name": material.name,
+        "library": material.library,
+        "made_by": dict(material.made_by),
+        "mode": material.mode,
+        "settings": dict(result["material"]),
+        "surface": {
+            "file": SURFACE,
+            "sha256": files.checksum(contents[SURFACE]),
+            "inputs": [wired(entry) for entry in result["inputs"]],
+            "outputs": [dict(entry) for entry in result["outputs"]],
+        },
+        "displacement": displacement
+        and {
+            "file": DISPLACEMENT,
+            "sha256": files.checksum(contents[DISPLACEMENT]),
+            "inputs": [wired(entry) for entry in displacement["inputs"]],
+            "magnitude": displacement["magnitude"],
+        },
+        "parameters": {
+            "file": VALUES,
+            "records": parameters.records(result, material.document, material.labels, last),
+        },
+        "textures": textures,
+        "remarks": remarks(result["warnings"], material.notes, material.document),
+    }
+
+
+def wired(entry: Mapping[str, Any]) -> dict[str, Any]:
+    """An input as JSON can hold it."""
+    return {key: parameters.finite(value) if key == "default" else value for key, value in entry.items()}
+
+
+def values(result: Mapping[str, Any]) -> dict[str, Any]:
+    return {"format": VALUES_FORMAT, "version": VERSION, "values": parameters.values(result)}
+
+
+def without_values(manifest: Mapping[str, Any]) -> Any:
+    """What stays as it is while only values change."""
+    if isinstance(manifest, Mapping):
+        return {key: without_values(value) for key, value in manifest.items() if key != "default"}
+    if isinstance(manifest, (list, tuple)):
+        return [without_values(value) for value in manifest]
+    return manifest
+
+
+def remarks(warnings: Sequence[str], notes: Sequence[Note], document: Mapping[str, Any]) -> list[dict[str, str]]:
+    """What differs from Blender, each once: what the host brings near or loses, and what the translator warns of."""
+    ids = sorted((node["id"] for node in document["nodes"]), key=len, reverse=True)
+    found = [{"node": note.node, "text": note.text, "loss": note.loss} for note in notes]
+    for warning in warnings:
+        node = next((name for name in ids if warning.startswith((f"{name}: ", f"{name} ("))), "")
+        text = warning[len(node) :].removeprefix(": ").strip() if node else warning
+        found.append({"node": node, "text": text, "loss": "warning"})
+    return [remark for place, remark in enumerate(found) if remark not in found[:place]]
+
+
+def encoded(text: str) -> bytes:
+    return text.encode("utf-8", "replace")
+
+
+def dumped(content: Mapping[str, Any]) -> bytes:
+    return encoded(json.dumps(content, indent=1, ensure_ascii=False, allow_nan=False) + "\n")

@@ -1,0 +1,116 @@
+"""The folder that materials are exported to: which of its folders belong to which material."""
+
+import contextlib
+import json
+from dataclasses import dataclass, field
+from pathlib import Path
+from typing import Any, Literal, NamedTuple
+
+from . import files, manifest, names, textures
+from .manifest import Material
+
+Changed = Literal["all", "parameters", "nothing"]
+Identity = tuple[str, str]  # a material's name, and the library that it is linked from
+
+
+@dataclass
+class Target:
+    """`folders`: the names that are taken there, by `names.key`. `materials`: the folder of each material that was
+    exported, and its manifest."""
+
+    path: Path
+    folders: set[str] = field(default_factory=set)
+    materials: dict[Identity, tuple[str, dict[str, Any]]] = field(default_factory=dict)
+
+
+class Written(NamedTuple):
+    """What an export did: `changed` says which files are new."""
+
+    folder: Path
+    changed: Changed
+    manifest: dict[str, Any]
+
+
+def look(path: Path) -> Target:
+    """Makes the folder where it isn't there yet, and looks at what it holds."""
+    path.mkdir(parents=True, exist_ok=True)
+    files.sweep(path)
+    target = Target(path)
+    for entry in sorted(path.iterdir()):
+        found = read_manifest(entry)
+        if found is not None:
+            target.materials.setdefault((found["name"], found["library"]), (entry.name, found))
+        if found is not None or not is_empty_folder(entry):
+            target.folders.add(names.key(entry.name))
+    return target
+
+
+def is_empty_folder(path: Path) -> bool:
+    return path.is_dir() and not any(path.iterdir())
+
+
+def read_manifest(folder: Path) -> dict[str, Any] | None:
+    """The manifest of a folder that an export made, None of any other."""
+    with contextlib.suppress(OSError, ValueError):
+        found = json.loads((folder / manifest.MANIFEST).read_bytes())
+        kind = isinstance(found, dict) and (found.get("format"), found.get("version"))
+        if kind == (manifest.FORMAT, manifest.VERSION) and found.keys() >= manifest.KEYS:
+            return found
+    return None
+
+
+def write_material(target: Target, material: Material) -> Written:
+    """Writes the files of a material that have changed, all of them or none. A material keeps the folder that it
+    has."""
+    identity = (material.name, material.library)
+    name, before = target.materials.get(identity, ("", None))
+    pictures = textures.records(material.result, material.pictures, target.path, before["textures"] if before else [])
+    contents = manifest.texts(material.result)
+    made = manifest.manifest(material, contents, pictures, before)
+    values = manifest.dumped(manifest.values(material.result))
+    changed: Changed = "all"
+    if before and (target.path / name).is_dir():
+        changed = update(target.path / name, before, made, contents, values)
+    else:
+        name = name or names.free(material.name, target.folders)
+        whole = contents | {manifest.VALUES: values, manifest.MANIFEST: manifest.dumped(made)}
+        files.make_folder(target.path / name, whole)
+    target.folders.add(names.key(name))
+    target.materials[identity] = (name, before if before and changed != "all" else made)
+    if before:
+        used = {record["file"] for _, found in target.materials.values() for record in found["textures"]}
+        textures.remove_unused(target.path, before["textures"], used)
+    return Written(target.path / name, changed, made)
+
+
+def update(
+    folder: Path, before: dict[str, Any], made: dict[str, Any], contents: dict[str, bytes], values: bytes
+) -> Changed:
+    """Brings the files of a folder up to date. Where only values have changed, their file alone is written."""
+    same = manifest.without_values(before) == manifest.without_values(made)
+    if (
+        same
+        and (folder / manifest.MANIFEST).is_file()
+        and all(holds(folder / name, contents[name]) for name in contents)
+    ):
+        if holds(folder / manifest.VALUES, values):
+            return "nothing"
+        files.replace(folder, {manifest.VALUES: values})
+        return "parameters"
+    files.sweep(folder)
+    files.replace(folder, contents | {manifest.VALUES: values, manifest.MANIFEST: manifest.dumped(made)})
+    remove_displacement(folder, before, made)
+    return "all"
+
+
+def holds(path: Path, content: bytes) -> bool:
+    return path.is_file() and path.read_bytes() == content
+
+
+def remove_displacement(folder: Path, before: dict[str, Any], made: dict[str, Any]) -> None:
+    """Removes the text that the material no longer has, if it still is what the export wrote."""
+    last = before["displacement"]
+    if last and not made["displacement"]:
+        path = folder / last["file"]
+        if path.is_file() and files.checksum_of(path) == last["sha256"]:
+            path.unlink()
