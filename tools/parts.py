@@ -1,0 +1,100 @@
+"""The parts of the tests: one row for each, in the order in which they run.
+
+A row says what to run (a bash command line at the root of the repository), in which choices (`tools/test --fast`,
+`tools/test`, `tools/test --all`), and what has to be there first. In a command line `{python}` is the Python that has
+the packages of tests/requirements.txt; the modules of the GCC build, binding/python and blender are on its path.
+
+A command that leaves something out says so in a line that begins with "left out: "; pytest's skipped tests are found
+without that.
+"""
+
+from dataclasses import dataclass
+
+FAST = ("fast", "default", "all")
+DEFAULT = ("default", "all")
+SHORT = ("default",)  # a sample of what `--all` does in full
+ALL = ("all",)
+
+
+@dataclass(frozen=True)
+class Part:
+    name: str
+    does: str  # what is told while it runs
+    command: str
+    choices: tuple[str, ...]
+    after: tuple[str, ...] = ()  # parts that must have passed
+    setup: tuple[str, ...] = ("build",)  # what `tools/setup` must have installed, see there
+    option: str = ""  # runs only where this option of `tools/test` is given
+
+
+def pytest(name: str, does: str, tests: str, choices: tuple[str, ...], **further: object) -> Part:
+    """A part that is tests for pytest, on the GCC build."""
+    settings: dict[str, object] = {"after": ("build",), "setup": ("build", "tests"), **further}
+    return Part(name, does, f"{{pytest}} {tests}", choices, **settings)  # type: ignore[arg-type]
+
+
+PARTS = (
+    Part(
+        "format",
+        "clang-format of the C++ sources",
+        "git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror",
+        FAST,
+    ),
+    Part(
+        "ruff",
+        "ruff over the Python sources",
+        ".venv-tools/bin/ruff check --quiet binding blender tools",
+        FAST,
+        setup=("lint",),
+    ),
+    Part(
+        "build",
+        "GCC, warnings are errors: the build that the tests use",
+        "{cmake} -B build/g++ -DCMAKE_CXX_COMPILER=g++ && cmake --build build/g++",
+        FAST,
+        setup=("build", "tests"),
+    ),
+    Part(
+        "clang",
+        "Clang, warnings are errors",
+        "{cmake} -B build/clang++ -DCMAKE_CXX_COMPILER=clang++ && cmake --build build/clang++",
+        DEFAULT,
+        setup=("build", "tests"),
+    ),
+    pytest("goldens", "every golden document gives what is kept of it", "tests/golden/test_golden.py", FAST),
+    pytest("edge-cases", "rules of the document and of every node", "tests/test_*.py", FAST),
+    pytest("texts", "DXC takes every golden text", "tests/golden/test_compiles.py", DEFAULT),
+    pytest("library", "the HLSL library on DXC and a Vulkan device", "tests/gpu tests/library", DEFAULT),
+    pytest("fidelity", "generated texts against Cycles, pixel by pixel", "tests/fidelity", ALL),
+    pytest(
+        "robustness",
+        "documents that are not sound, hostile objects, deep graphs",
+        "tests/robustness --ignore tests/robustness/test_fuzz.py",
+        DEFAULT,
+    ),
+    pytest("fuzz", "the fuzzers", "tests/robustness/test_fuzz.py", ALL),
+    pytest(
+        "host",
+        "what the extension reads, in Blender",
+        "tests/host",
+        ALL,
+        setup=("build", "tests", "blender"),
+    ),
+    Part(
+        "mypy",
+        "types of the Python sources",
+        ".venv-tools/bin/mypy",
+        DEFAULT,
+        setup=("lint",),
+    ),
+    Part(
+        "install",
+        "the wheel, built and installed where nothing else is",
+        "tools/translate-examples --out out/test/examples",
+        DEFAULT,
+        setup=("build", "tests"),
+    ),
+    Part("tidy", "clang-tidy", "tools/tidy", ALL, after=("clang",), setup=("build", "tests")),
+    Part("sanitizers", "AddressSanitizer, UndefinedBehaviorSanitizer, leaks", "tools/sanitize", ALL,
+         setup=("build", "tests")),
+)  # fmt: skip

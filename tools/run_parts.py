@@ -1,0 +1,221 @@
+"""Runs the parts of the tests (tools/parts.py), and tells as it goes what it does and how long each part took.
+
+    tools/test             ten minutes on two processors: what a change should pass before it is shown to others
+    tools/test --all       everything, as .ci/run does: also the Blenders, all data, the fuzzers, clang-tidy, wheels
+    tools/test --fast      the loop of development: under a minute once built
+    tools/test --part NAME [--part NAME ...] [-- ARGUMENTS]   these alone, with arguments for their last command
+    tools/test --list      the parts, and which choice has them
+
+The output of each part is kept in out/test/NAME.log, and shown where the part fails. What a part needs is installed
+first by tools/setup; QUILLGEN_NO_SETUP=1 leaves that out.
+"""
+
+import argparse
+import json
+import os
+import re
+import subprocess
+import sys
+import time
+from collections.abc import Iterable, Sequence
+from dataclasses import dataclass, field
+from pathlib import Path
+
+from parts import PARTS, Part
+
+ROOT = Path(__file__).resolve().parents[1]
+LOGS = ROOT / "out" / "test"
+PYTHON = ".venv/bin/python"
+BLENDERS = "4.2 5.0 5.2"
+TAIL = 60  # lines of a failed part that are shown
+
+
+@dataclass
+class Outcome:
+    failed: list[str] = field(default_factory=list)  # command lines that repeat what failed
+    left_out: list[str] = field(default_factory=list)
+    passed: set[str] = field(default_factory=set)
+
+
+def main(arguments: Sequence[str]) -> int:
+    arguments, further = split(arguments)
+    options = parse(arguments)
+    if options.list:
+        return show_list()
+    LOGS.mkdir(parents=True, exist_ok=True)
+    chosen, outcome = choose(options)
+    started = time.monotonic()
+    setup(chosen, options)
+    for part in chosen:
+        missing = [name for name in part.after if name not in outcome.passed]
+        if missing:
+            outcome.left_out.append(f"{part.name} ({', '.join(missing)} failed)")
+            continue
+        run(part, options, further, outcome)
+    return tell(outcome, time.monotonic() - started)
+
+
+def split(arguments: Sequence[str]) -> tuple[list[str], list[str]]:
+    if "--" not in arguments:
+        return list(arguments), []
+    at = list(arguments).index("--")
+    return list(arguments[:at]), list(arguments[at + 1 :])
+
+
+def parse(arguments: Sequence[str]) -> argparse.Namespace:
+    parser = argparse.ArgumentParser(
+        prog="tools/test", description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter
+    )
+    choice = parser.add_mutually_exclusive_group()
+    choice.add_argument("--all", dest="choice", action="store_const", const="all")
+    choice.add_argument("--fast", dest="choice", action="store_const", const="fast")
+    choice.add_argument("--part", dest="parts", action="append", metavar="NAME", choices=[part.name for part in PARTS])
+    choice.add_argument("--list", action="store_true")
+    parser.add_argument(
+        "--blender", metavar="VERSIONS", help=f"Blenders for the tests that run it, such as 4.5,5.1 ({BLENDERS})"
+    )
+    parser.add_argument("--fxc", action="store_true", help="also Microsoft's FXC under Wine, which is installed for it")
+    parser.add_argument("--verbose", action="store_true", help="the parts' output as it comes")
+    options = parser.parse_args(arguments)
+    options.choice = options.choice or "default"
+    options.blender = (options.blender or BLENDERS).replace(",", " ")
+    return options
+
+
+def choose(options: argparse.Namespace) -> tuple[list[Part], Outcome]:
+    """The parts to run, with those that must run before them, and what is left out from the start."""
+    outcome = Outcome()
+    wanted: set[str] = set()
+    for part in PARTS:
+        asked = bool(options.parts and part.name in options.parts)
+        given = not part.option or getattr(options, part.option)
+        if asked or (not options.parts and given and (options.choice in part.choices or part.option)):
+            wanted |= with_earlier(part)
+        elif not options.parts and not given and options.choice == "all":
+            outcome.left_out.append(f"{part.name} (--{part.option} runs it)")
+    chosen = [part for part in PARTS if part.name in wanted]
+    if not options.parts and options.choice != "all":
+        later = [part.name for part in PARTS if part.name not in wanted and "all" in part.choices]
+        if later:
+            outcome.left_out.append(f"{', '.join(later)} (--all runs them)")
+    return chosen, outcome
+
+
+def with_earlier(part: Part) -> set[str]:
+    names = {part.name}
+    for earlier in PARTS:
+        if earlier.name in part.after:
+            names |= with_earlier(earlier)
+    return names
+
+
+def setup(chosen: Iterable[Part], options: argparse.Namespace) -> None:
+    """Installs what the parts need. Blenders that can't be had here are told by their tests."""
+    if os.environ.get("QUILLGEN_NO_SETUP"):
+        return
+    needs = {need for part in chosen for need in part.setup}
+    words = [need for need in ("build", "tests", "lint", "docs", "fxc") if need in needs]
+    if "blender" in needs:
+        words.append(f"blender={','.join(options.blender.split())}")
+    print(f"== setup: {' '.join(words)}", flush=True)
+    subprocess.run([ROOT / "tools" / "setup", *words], cwd=ROOT, check=True)
+
+
+def run(part: Part, options: argparse.Namespace, further: Sequence[str], outcome: Outcome) -> None:
+    print(f"== {part.name}: {part.does}", flush=True)
+    started = time.monotonic()
+    log = LOGS / f"{part.name}.log"
+    asked = options.parts and options.parts[-1] == part.name
+    code = execute(command(part, further if asked else ()), log, environment(options), options.verbose)
+    lines = log.read_text(encoding="utf-8", errors="replace").splitlines()
+    took = f"{time.monotonic() - started:.0f} s"
+    outcome.left_out += [f"{part.name}: {what}" for what in left_out(lines)]
+    if code == 0:
+        outcome.passed.add(part.name)
+        print(f"   passed in {took}{summary(part, lines)}", flush=True)
+        return
+    if not options.verbose:
+        print("\n".join(lines[-TAIL:]))
+    print(f"   FAILED in {took}, exit status {code}; all of its output: {log.relative_to(ROOT)}", flush=True)
+    outcome.failed.append(repetition(part))
+
+
+def command(part: Part, further: Sequence[str]) -> str:
+    """The command line of a part. Arguments that name tests take the place of those in the table."""
+    pytest = f"{PYTHON} -m pytest -q -rs -o cache_dir=out/test/cache/{part.name}"
+    template = part.command
+    if further and template.startswith("{pytest}"):
+        tests = any(Path(one.split("::")[0]).exists() for one in further)
+        template = "{pytest}" if tests else template
+    cmake = f"cmake -S . -G Ninja -DQUILLGEN_STRICT=ON -DPython_EXECUTABLE={ROOT / PYTHON}"
+    line = template.replace("{pytest}", pytest).replace("{python}", PYTHON).replace("{cmake}", cmake)
+    return " ".join([line, *(f"'{one}'" for one in further)])
+
+
+def environment(options: argparse.Namespace) -> dict[str, str]:
+    folders = [str(ROOT / folder) for folder in ("build/g++", "binding/python", "blender")]
+    given = os.environ.get("PYTHONPATH")
+    return {
+        **os.environ,
+        "PYTHONPATH": os.pathsep.join(folders + ([given] if given else [])),
+        "QUILLGEN_BLENDERS": options.blender,
+        "QUILLGEN_CHOICE": options.choice,
+    }
+
+
+def execute(line: str, log: Path, env: dict[str, str], verbose: bool) -> int:
+    line = f"set -euo pipefail; {line}"
+    if verbose:
+        line = f"({line}) 2>&1 | tee '{log}'"
+        return subprocess.run(["bash", "-o", "pipefail", "-c", line], cwd=ROOT, env=env).returncode
+    with log.open("wb") as output:
+        return subprocess.run(["bash", "-c", line], cwd=ROOT, env=env, stdout=output, stderr=output).returncode
+
+
+def left_out(lines: Iterable[str]) -> list[str]:
+    """What a part said that it left out, and the reasons of tests that pytest skipped."""
+    found: dict[str, int] = {}
+    for line in lines:
+        if line.startswith("left out: "):
+            found.setdefault(line.removeprefix("left out: "), 0)
+        elif match := re.match(r"SKIPPED \[(\d+)\] [^ ]+ (.*)", line):
+            found[match[2]] = found.get(match[2], 0) + int(match[1])
+    return [f"{count} tests: {reason}" if count else reason for reason, count in found.items()]
+
+
+def summary(part: Part, lines: Sequence[str]) -> str:
+    """pytest's last line, without its time."""
+    if "{pytest}" not in part.command or not lines:
+        return ""
+    counts = re.sub(r" in [\d.]+s.*", "", lines[-1].strip("= "))
+    return f": {counts}"
+
+
+def repetition(part: Part) -> str:
+    """The command line that repeats what failed, and nothing else where pytest knows it."""
+    line = f"tools/test --part {part.name}"
+    kept = LOGS / "cache" / part.name / "v" / "cache" / "lastfailed"
+    if "{pytest}" in part.command and kept.exists():
+        failed = list(json.loads(kept.read_text(encoding="utf-8")))
+        if 0 < len(failed) <= 3:
+            line += " -- " + " ".join(f"'{one}'" for one in failed)
+    return line
+
+
+def show_list() -> int:
+    for part in PARTS:
+        choice = part.option or ("default only" if part.choices == ("default",) else part.choices[0])
+        print(f"{part.name:16} {choice:13} {part.does}")
+    return 0
+
+
+def tell(outcome: Outcome, seconds: float) -> int:
+    print(f"== {len(outcome.passed)} parts passed, {len(outcome.failed)} failed, {seconds / 60:.1f} minutes")
+    print("left out: " + ("; ".join(outcome.left_out) or "nothing"))
+    for line in outcome.failed:
+        print(f"repeat it alone: {line}")
+    return 1 if outcome.failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
