@@ -65,8 +65,8 @@ def made_by_passes(document: dict[str, Any]) -> set[str]:
     for node in document["nodes"]:
         if node.get("made"):
             found.update(parameter_name(node["id"], socket) for socket in node["in"])
-        if node.get("ramp", {}).get("made"):
-            for place in range(len(node["ramp"]["stops"])):
+        for place, origin in enumerate(node.get("ramp", {}).get("origin", ())):
+            if origin is None:
                 found.update(parameter_name(node["id"], f"stop{place}_{part}") for part in ("pos", "col"))
     return found
 
