@@ -4,6 +4,7 @@ import copy
 import time
 
 import pytest
+
 from documents import document, link, node, value
 from quillgen_blender.passes import Options, hues, polyline, ramp_values, ramps
 from shown import difference, shown

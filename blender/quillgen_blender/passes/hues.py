@@ -8,10 +8,12 @@ the range, then at the other.
 
 import colorsys
 
+from .ramp_values import Colour, Stop
+
 EDGE = 1e-5  # how far from the seam the new stops stay, since hue 1 is the colour of hue 0
 
 
-def through_the_seam(stops, mode, way):
+def through_the_seam(stops: list[Stop], mode: str, way: str) -> list[Stop]:
     """The stops with those put in that the way needs."""
     found = stops[:1]
     for (start, first), (end, second) in zip(stops, stops[1:]):
@@ -27,7 +29,7 @@ def through_the_seam(stops, mode, way):
     return found
 
 
-def turned(one, two, way):
+def turned(one: float, two: float, way: str) -> int:
     """The whole turns, -1, 0 or 1, that the second hue lies beyond the first one's round."""
     if way == "NEAR":
         return (two - one < -0.5) - (two - one > 0.5)
@@ -36,7 +38,7 @@ def turned(one, two, way):
     return int(way == "CW" and two < one) - int(way == "CCW" and two > one)
 
 
-def split(colour, mode):
+def split(colour: Colour, mode: str) -> Colour:
     """[hue, the mode's second and third component, alpha]"""
     red, green, blue, alpha = colour
     if mode == "HSV":
@@ -45,13 +47,9 @@ def split(colour, mode):
     return [hue, saturation, lightness, alpha]
 
 
-def join(parts, mode):
+def join(parts: Colour, mode: str) -> Colour:
     hue, second, third, alpha = parts
     return [
-        *(
-            colorsys.hsv_to_rgb(hue, second, third)
-            if mode == "HSV"
-            else colorsys.hls_to_rgb(hue, third, second)
-        ),
+        *(colorsys.hsv_to_rgb(hue, second, third) if mode == "HSV" else colorsys.hls_to_rgb(hue, third, second)),
         alpha,
     ]

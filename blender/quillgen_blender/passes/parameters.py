@@ -61,7 +61,7 @@ def named_by(document: dict[str, Any]) -> Iterable[str]:
 
 def made_by_passes(document: dict[str, Any]) -> set[str]:
     """Parameters of nodes and of stops that a pass put in: nobody knows them by sight, none of them is ever live."""
-    found = set()
+    found: set[str] = set()
     for node in document["nodes"]:
         if node.get("made"):
             found.update(parameter_name(node["id"], socket) for socket in node["in"])
@@ -74,7 +74,7 @@ def made_by_passes(document: dict[str, Any]) -> set[str]:
 def with_literals(result: dict[str, Any], dropped: Collection[str]) -> dict[str, Any]:
     """The result with the dropped parameters' values in its texts."""
     params = result["params"]
-    literals = {}
+    literals: dict[str, tuple[str, str | None]] = {}
     for name in dropped:
         kind, value = params[name]
         if kind == "scalar":

@@ -43,7 +43,7 @@ def swung(columns: list[Column], tolerance: float, lean: float) -> list[Corner]:
 
 def swing(columns: list[Column], corner: int, values: list[float], tolerance: float, lean: float) -> Corner:
     """The corner that follows one at which the curve is not flat."""
-    slopes = []
+    slopes: list[list[tuple[float, float]]] = []
     for column, value in zip(columns, values, strict=True):
         limit = corner + 1 + len(slopes[-1]) if slopes else len(column)
         slopes.append(feasible(column[corner + 1 : limit], value, tolerance))

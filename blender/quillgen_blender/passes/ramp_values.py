@@ -4,8 +4,9 @@ Cycles asks Blender for 257 values of a ramp, evenly spaced from 0 to 1, and is 
 """
 
 from collections.abc import Iterator
+from typing import Any
 
-Stop = list  # [position, [red, green, blue, alpha]]
+Stop = list[Any]  # [position, [red, green, blue, alpha]]
 Colour = list[float]
 
 STEPS = 256  # of Cycles' table
@@ -32,7 +33,7 @@ def evaluated(stops: list[Stop], interpolation: str, factors: list[float]) -> It
         end, second = stops[place] if place < count else (1.0, stops[-1][1])
         share = (factor - start) / (end - start) if end != start else 0.0
         spline = interpolation in WEIGHTS
-        if count == 1 or factor <= stops[0][0] and not spline:
+        if count == 1 or (factor <= stops[0][0] and not spline):
             yield stops[0][1]
         elif interpolation == "CONSTANT":
             yield first
@@ -55,7 +56,12 @@ def evaluated(stops: list[Stop], interpolation: str, factors: list[float]) -> It
 def b_spline(t: float) -> tuple[float, float, float, float]:
     """The weights of four neighbours between the second and the third."""
     s = 1.0 - t
-    return s * s * s / 6.0, (t * t * (3.0 * t - 6.0) + 4.0) / 6.0, (s * s * (3.0 * s - 6.0) + 4.0) / 6.0, t * t * t / 6.0
+    return (
+        s * s * s / 6.0,
+        (t * t * (3.0 * t - 6.0) + 4.0) / 6.0,
+        (s * s * (3.0 * s - 6.0) + 4.0) / 6.0,
+        t * t * t / 6.0,
+    )
 
 
 def cardinal(t: float) -> tuple[float, float, float, float]:

@@ -14,7 +14,10 @@ from typing import Any
 from ..notes import Note
 from . import hues, polyline, ramp_values
 from .options import Options
+from .ramp_values import Stop
 from .support import note
+
+Placed = tuple[Stop, int | None]  # a stop and its place in the list, None if it is a new one
 
 # Behind the first stop's position Blender shows what follows, at it the first stop itself: stops of the same place
 # as the first stand this much behind it.
@@ -57,7 +60,7 @@ def prepared(record: dict[str, Any], options: Options | None = None) -> dict[str
     return record | {"ramp": plain | {"stops": [stop for stop, _ in ordered]}}
 
 
-def needs_fit(stops: list, interpolation: str) -> bool:
+def needs_fit(stops: list[Stop], interpolation: str) -> bool:
     """Whether the translator has no interpolation of that kind, or one that strays from Cycles' table: an ease over
     less than a tenth of the range is too short for a table of 257 entries, and one that a stop out of order cuts
     off is none."""
@@ -83,7 +86,9 @@ def strays(width: float, rise: float) -> bool:
 
 
 @lru_cache(maxsize=64)
-def fitted(stops: tuple[tuple[float, ...], ...], interpolation: str, tolerance: float) -> tuple:
+def fitted(
+    stops: tuple[tuple[float, ...], ...], interpolation: str, tolerance: float
+) -> tuple[tuple[float, tuple[float, ...]], ...]:
     """Linear stops that stay within the tolerance of Cycles' table. Kept for the ramps seen last: they take more
     time than all other passes, and while an artist moves a slider they stay what they are."""
     samples = ramp_values.table([[place, list(colour)] for place, *colour in stops], interpolation)
@@ -91,13 +96,13 @@ def fitted(stops: tuple[tuple[float, ...], ...], interpolation: str, tolerance: 
     return tuple((step / ramp_values.STEPS, tuple(values)) for step, values in corners)
 
 
-def in_order(stops: list, interpolation: str, mode: str, way: str) -> list[tuple[list, int | None]]:
+def in_order(stops: list[Stop], interpolation: str, mode: str, way: str) -> list[Placed]:
     """Ascending stops that show what those of a list do in whatever order, each with its place in the list.
 
     Between two stops that exceed all before them, Blender goes to the second one from the stop that precedes it in
     the list. Where that is not the first of the two, the way is cut off at the first one's position.
     """
-    found: list[tuple[list, int | None]] = [(stops[0], 0)]
+    found: list[Placed] = [(stops[0], 0)]
     top = 0  # the last stop that exceeded all before it
     for place in range(1, len(stops) + 1):
         if place < len(stops) and stops[place][0] <= stops[top][0]:
@@ -108,7 +113,7 @@ def in_order(stops: list, interpolation: str, mode: str, way: str) -> list[tuple
             if before != top:
                 found.append(([start, stops[before][1]], before))
             break
-        pieces: list[tuple[list, int | None]] = [(stops[before], before), (stops[place], place)]
+        pieces: list[Placed] = [(stops[before], before), (stops[place], place)]
         if mode != "RGB":
             between = hues.through_the_seam([stops[before], stops[place]], mode, way)[1:-1]
             pieces[1:1] = [(stop, None) for stop in between]
@@ -120,18 +125,18 @@ def in_order(stops: list, interpolation: str, mode: str, way: str) -> list[tuple
     return found
 
 
-def cut(pieces: list[tuple[list, int | None]], start: float, interpolation: str, mode: str) -> list:
+def cut(pieces: list[Placed], start: float, interpolation: str, mode: str) -> list[Placed]:
     """The pieces of a way from a position on; the first stop is a new one."""
     while len(pieces) > 2 and pieces[1][0][0] <= start:
         pieces = pieces[1:]
     (left, first), origin = pieces[0]
     (right, second), _ = pieces[1]
     if interpolation == "CONSTANT" or left == start:
-        return [([start, first], origin), *pieces[1:]]
+        return [([start, first], origin)] + pieces[1:]
     share = (start - left) / (right - left)
     if mode == "RGB":
         colour = [x + (y - x) * share for x, y in zip(first, second, strict=True)]
     else:
         one, two = hues.split(first, mode), hues.split(second, mode)
         colour = hues.join([x + (y - x) * share for x, y in zip(one, two, strict=True)], mode)
-    return [([start, colour], None), *pieces[1:]]
+    return [([start, colour], None)] + pieces[1:]

@@ -3,6 +3,8 @@
 The one table of this kind. The interface, the documents and the notes of the passes read it.
 """
 
+# ruff: noqa: E501  a row of the table is a line
+
 from typing import Literal, NamedTuple
 
 from ..notes import Note
