@@ -6,15 +6,16 @@ A record is {"node", "name", "reason", "document"} and whatever else its family 
 import io
 import json
 import lzma
+import os
 from pathlib import Path
 
 import numpy as np
 
-DATA = Path(__file__).resolve().parent / "data"
+DATA = Path(os.environ.get("QUILLGEN_FIDELITY_DATA", Path(__file__).resolve().parent / "data"))
 
 
 def save(family, records, arrays):
-    DATA.mkdir(exist_ok=True)
+    DATA.mkdir(parents=True, exist_ok=True)
     text = json.dumps(records, ensure_ascii=False, separators=(",", ":")).encode()
     (DATA / f"{family}.json.xz").write_bytes(lzma.compress(text, preset=9))
     buffer = io.BytesIO()
@@ -30,7 +31,7 @@ def load(family):
 
 
 def save_settings(settings):
-    DATA.mkdir(exist_ok=True)
+    DATA.mkdir(parents=True, exist_ok=True)
     (DATA / "settings.json").write_text(json.dumps(settings, indent=1) + "\n")
 
 

@@ -15,7 +15,10 @@ sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
 from quillgen_blender import passes, read  # noqa: E402
 from rebuild import rebuild  # noqa: E402
-from trees import TREES  # noqa: E402
+import newer_trees  # noqa: E402
+import trees  # noqa: E402
+
+TREES = trees.TREES + newer_trees.TREES
 
 SIDE = 16
 
@@ -44,8 +47,10 @@ def material(fill):
     tree = made.node_tree
     tree.nodes.clear()
     glow = tree.nodes.new("ShaderNodeEmission")
-    tree.links.new(fill(tree), glow.inputs["Color"])
-    tree.links.new(glow.outputs[0], tree.nodes.new("ShaderNodeOutputMaterial").inputs["Surface"])
+    end = tree.nodes.new("ShaderNodeOutputMaterial")
+    shown = fill(tree)
+    tree.links.new(glow.outputs[0], end.inputs["Surface"])
+    tree.links.new(shown, end.inputs["Surface"] if shown.type == "SHADER" else glow.inputs["Color"])
     return made
 
 

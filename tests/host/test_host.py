@@ -29,7 +29,7 @@ def test_a_document_rendered_again_shows_the_same_picture(blender):
     # The rebuilt curve is made of straight pieces, and hues stay a hair away from the seam.
     tolerance = {"rgb_curves": 5e-4, "ramp_past_red": 1e-4}
     version, report = blender
-    assert len(report) > 20
+    assert len(report) > (40 if blenders.at_least(version, 5, 0) else 20)
     off = {
         name: found["difference"]
         for name, found in report.items()
@@ -41,7 +41,7 @@ def test_a_document_rendered_again_shows_the_same_picture(blender):
 def test_pictures_of_the_trees_show_something(blender):
     version, report = blender
     plain = [name for name, found in report.items() if found["spread"] == 0]
-    assert len(plain) <= 7, plain
+    assert len(plain) <= 8, plain
 
 
 def test_groups_within_groups(blender):
@@ -54,7 +54,7 @@ def test_groups_within_groups(blender):
         "Math",
     } <= set(found)
     assert found["Two/First/Noise Texture"]["in"]["Scale"]["link"] == ["Two/Math", "Value", "VALUE"]
-    assert found["One/Second/Noise Texture"]["in"]["Scale"] == {"t": "VALUE", "v": 3.0}
+    assert found["One/Second/Noise Texture"]["in"]["Scale"] == {"t": "VALUE", "v": 3.0, "named": True}
     assert found["One/Second/Noise Texture"]["in"]["Vector"]["link"] == ["One/First/Math", "Value", "VALUE"]
     assert found["One/First/Noise Texture"]["in"]["Vector"]["link"] == ["Vector Math", "Vector", "VECTOR"]
 
@@ -155,6 +155,6 @@ def test_other_uv_maps_go_by_name(blender):
 def test_a_document_has_all_its_keys(blender):
     for found in blender[1].values():
         document = found["document"]
-        assert list(document) == ["nodes", "out", "images", "uv_maps", "settings"]
+        assert list(document) == ["nodes", "out", "images", "uv_maps", "settings", "host"]
         assert document["settings"] == {"backface_culling": False, "displacement": "BUMP"}
         assert document["out"] == {"surface": ["Emission", "Emission"]}

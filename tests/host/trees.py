@@ -6,7 +6,7 @@ import bpy
 
 def add(tree, kind, inputs=None, **settings):
     """A node; inputs are values, or sockets to link."""
-    node = tree.nodes.new(kind if kind.startswith("Node") else "ShaderNode" + kind)
+    node = tree.nodes.new(kind if kind.startswith(("Node", "GeometryNode", "FunctionNode")) else "ShaderNode" + kind)
     for key, value in settings.items():
         setattr(node, key, value)
     for key, value in (inputs or {}).items():

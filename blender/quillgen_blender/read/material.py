@@ -6,22 +6,7 @@ from typing import Any, NamedTuple
 import bpy
 
 from ..notes import Note
-from . import records, sources, values
-
-# Sockets that mean "the surface's own" while nothing is linked to them, so that a group's constant can't be
-# handed over as their value: it has to arrive by a link.
-COORDINATE_TEXTURES = (
-    "ShaderNodeTexGradient",
-    "ShaderNodeTexChecker",
-    "ShaderNodeTexBrick",
-    "ShaderNodeTexMagic",
-    "ShaderNodeTexWave",
-    "ShaderNodeTexNoise",
-    "ShaderNodeTexVoronoi",
-    "ShaderNodeTexGabor",
-    "ShaderNodeTexImage",
-)
-SURFACE_NAMES = ("Normal", "Coat Normal", "Clearcoat Normal", "Tangent")
+from .writer import Writer
 
 
 class Reading(NamedTuple):
@@ -40,23 +25,21 @@ def flatten(material, mesh=None) -> Reading:
         raise ValueError(f"{material.name} has no nodes")
     mesh = mesh or worn_by(material)
     uv_maps = [layer.name for layer in mesh.uv_layers] if mesh else []
-    writer = Writer(uv_maps)
+    writer = Writer(uv_maps, settings(material))
     if mesh and uv_maps and not mesh.uv_layers[0].active_render:
         writer.note("", f"{mesh.name}: the UV map for rendering is not the first one, which Unreal takes", "near")
+    writer.root.tree = material.node_tree
     end = material.node_tree.get_output_node("CYCLES")
-    out = {}
-    for name in ("Surface", "Displacement"):
-        source = end and writer.source(end.inputs[name], ())
-        if isinstance(source, sources.Linked):
-            out[name.lower()] = writer.reference(source)[:2]
-    writer.waiting.reverse()
+    out = {name.lower(): writer.output(end.inputs[name]) for name in ("Surface", "Displacement")} if end else {}
     writer.finish()
+    writer.aov_outputs()
     document = {
         "nodes": writer.nodes,
-        "out": out,
+        "out": {name: source for name, source in out.items() if source},
         "images": writer.images,
         "uv_maps": uv_maps,
-        "settings": settings(material),
+        "settings": writer.settings,
+        "host": host(end, mesh, writer),
     }
     return Reading(document, writer.notes, writer.paths)
 
@@ -80,165 +63,24 @@ def settings(material):
     return found
 
 
-class Writer:
-    """Collects the node records, from those that are asked for on to what feeds them."""
-
-    def __init__(self, uv_maps):
-        self.tree = sources.Tree()
-        self.source = self.tree.source
-        self.uv_maps = uv_maps
-        self.nodes, self.images = [], {}
-        self.notes, self.paths = [], {}
-        self.ids, self.spellings, self.waiting = {}, set(), []
-
-    def note(self, identity, text, loss="lost"):
-        self.notes.append(Note(identity, text, loss))
-
-    def finish(self):
-        """Records what is waiting and all that feeds it, each node when its first reader's turn comes."""
-        recorded = set()
-        while self.waiting:
-            path, node, identity = self.waiting.pop()
-            if identity not in recorded:
-                recorded.add(identity)
-                self.record(path, node, identity)
-
-    def identity(self, path, node):
-        """The node's id: its name, behind the names of the groups around it."""
-        names = tuple(step.name for step in path) + (node.name,)
-        if names not in self.ids:
-            self.ids[names] = self.fresh("/".join(names))
-            self.paths[self.ids[names]] = names
-        self.waiting.append((path, node, self.ids[names]))
-        return self.ids[names]
-
-    def fresh(self, wish):
-        """An id that no other node has. Parameters are named by the id's letters and digits only, so two ids
-        have to differ in these."""
-        name, count = wish, 0
-        while re.sub("[^A-Za-z0-9]", "_", name) in self.spellings:
-            count += 1
-            name = f"{wish} {count + 1}"
-        self.spellings.add(re.sub("[^A-Za-z0-9]", "_", name))
-        return name
-
-    def reference(self, linked):
-        """[id, output, type] of a node's output."""
-        node, socket = linked.node, linked.socket
-        name = "Vector" if self.other_uv_map(node) is not None else socket.identifier
-        return [self.identity(linked.path, node), name, socket.type]
-
-    def other_uv_map(self, node):
-        """The name of the UV map that a UV Map node asks for, unless it is the first, which needs no name."""
-        name = node.uv_map if node.bl_idname == "ShaderNodeUVMap" else ""
-        return name if name in self.uv_maps[1:] else None
-
-    def record(self, path, node, identity):
-        found = {"id": identity, "type": node.bl_idname, "in": {}}
-        place = len(self.nodes)
-        self.nodes.append(found)
-        first = len(self.waiting)
-        for socket in node.inputs:
-            found["in"][socket.identifier] = self.entry(socket, path, node, identity)
-        self.waiting[first:] = reversed(self.waiting[first:])  # the first socket's node comes next
-        found["outs"] = {socket.identifier: socket.type for socket in node.outputs}
-        found["props"] = records.properties(node)
-        if node.bl_idname == "ShaderNodeValToRGB":
-            found["ramp"] = records.ramp(node)
-        if node.bl_idname in records.CURVES:
-            found["curve"] = records.curve(node)
-        if getattr(node, "image", None):
-            self.images[node.image.name] = records.image(node.image)
-        if node.bl_idname == "ShaderNodeTexCoord" and node.object:
-            found["object_matrix"] = [
-                part for row in node.object.matrix_world.inverted_safe() for part in row
-            ]
-        if self.other_uv_map(node) is not None:
-            self.nodes[place] = attribute(identity, node.uv_map)
-
-    def entry(self, socket, path, node, identity):
-        """The document's word on one input: a link or a value."""
-        found = self.source(socket, path)
-        if isinstance(found, sources.Linked):
-            return {"t": socket.type, "link": self.link(found, socket, identity)}
-        implicit = node.bl_idname in COORDINATE_TEXTURES and socket.identifier == "Vector"
-        if (
-            isinstance(found, sources.Constant)
-            and found.value is not None
-            and not self.own(found, socket, node, implicit)
-        ):
-            value = values.convert(found.value, found.type, socket.type)
-            if implicit or is_surface_socket(socket, node):
-                return {"t": socket.type, "link": self.constant(value, socket, identity)}
-            return {"t": socket.type, "v": value}
-        if node.bl_idname == "ShaderNodeTexWhiteNoise" and socket.identifier == "Vector" and socket.enabled:
-            # the one texture that has no coordinate of its own: it reads the value of its socket
-            return {"t": socket.type, "link": self.constant(values.default(socket), socket, identity)}
-        value = values.default(socket)
-        return {"t": socket.type} if value is None else {"t": socket.type, "v": value}
-
-    def own(self, found, socket, node, implicit):
-        """Whether an implicit socket stays with the surface's own value in spite of a group's constant."""
-        if sources.BORDERS_CONVERT:
-            return implicit or is_surface_socket(socket, node)
-        return found.hidden and is_surface_socket(socket, node)
-
-    def link(self, linked, socket, identity):
-        reference = self.reference(linked)
-        seen, spread, whole = sources.narrow(linked.borders, linked.socket.type, socket.type)
-        if spread or whole:
-            reference[2] = seen
-            return self.number(reference, whole, identity, socket)
-        return reference[:2] + [seen]
-
-    def put_in(self, socket, reader):
-        """The id of a node that feeds a reader's socket and that Blender hasn't got."""
-        identity = self.fresh(f"{reader} {socket.identifier}")
-        self.paths[identity] = self.paths[reader]
-        return identity
-
-    def number(self, reference, whole, reader, socket):
-        """A node that makes one number of what it reads."""
-        identity = self.put_in(socket, reader)
-        self.nodes.append(
-            {
-                "id": identity,
-                "type": "ShaderNodeMath",
-                "in": {"Value": {"t": "VALUE", "link": reference}},
-                "outs": {"Value": "VALUE"},
-                "props": {"operation": "TRUNC" if whole else "ADD"},
-            }
-        )
-        return [identity, "Value", "VALUE"]
-
-    def constant(self, value, socket, reader):
-        """A node that holds a vector."""
-        identity = self.put_in(socket, reader)
-        parts = {name: {"t": "VALUE", "v": part} for name, part in zip("XYZ", value)}
-        self.nodes.append(
-            {
-                "id": identity,
-                "type": "ShaderNodeCombineXYZ",
-                "in": parts,
-                "outs": {"Vector": "VECTOR"},
-                "props": {},
-            }
-        )
-        return [identity, "Vector", "VECTOR"]
+def host(end, mesh, writer):
+    """What stands beside the graph: whether there is a volume, which nodes are driven or animated, the colours of the
+    mesh."""
+    found = {"volume": bool(end and end.inputs["Volume"].is_linked), "drivers": driven(writer)}
+    if mesh:
+        found["color_attributes"] = [layer.name for layer in mesh.color_attributes]
+        index = mesh.color_attributes.render_color_index
+        found["active_color"] = mesh.color_attributes[index].name if index >= 0 else ""
+    return found
 
 
-def is_surface_socket(socket, node):
-    if node.bl_idname == "ShaderNodeTexEnvironment":
-        return socket.identifier == "Vector"
-    return socket.hide_value and socket.identifier in SURFACE_NAMES
+def driven(writer):
+    """The ids of the nodes with a value that a driver or an animation changes from frame to frame."""
+    names = {place: driven_in(place.tree) for place in writer.root.all() if place.tree.animation_data}
+    return sorted(identity for (place, name), identity in writer.ids.items() if name in names.get(place, ()))
 
 
-def attribute(identity, uv_map):
-    """A UV Map node that doesn't ask for the first map: as an attribute, which is looked up by its name."""
-    return {
-        "id": identity,
-        "type": "ShaderNodeAttribute",
-        "in": {},
-        "outs": {"Color": "RGBA", "Vector": "VECTOR", "Fac": "VALUE", "Alpha": "VALUE"},
-        "props": {"attribute_type": "GEOMETRY", "attribute_name": uv_map},
-    }
+def driven_in(tree):
+    data = tree.animation_data
+    curves = [*data.drivers, *(getattr(data.action, "fcurves", ()) if data.action else ())]
+    return {name for curve in curves for name in re.findall(r'^nodes\["(.*?)"\]', curve.data_path)}

@@ -1,4 +1,4 @@
-"""What feeds a socket, once groups, reroutes and muted nodes are out of the way.
+"""What feeds a socket, once groups, reroutes, muted nodes and all that only directs values are out of the way.
 
 Two generations of Blender disagree about what happens on the way:
 
@@ -21,80 +21,91 @@ BORDERS_CONVERT = bpy.app.version < (5, 0, 0)
 class Linked(NamedTuple):
     """An output of a real node, and the types of the borders behind it, the nearest to the node first."""
 
-    path: tuple
+    place: object
     node: object
     socket: object
     borders: tuple = ()
 
 
 class Constant(NamedTuple):
-    """The value of an unlinked socket on a group's border; `hidden` where the interface shows no field for
-    it."""
+    """A value that no node holds, such as that of an unlinked socket on a group's border; `hidden` where the
+    interface shows no field for it, `named` where it is an artist's choice: an input of a group."""
 
     type: str
     value: object
     hidden: bool = False
+    named: bool = False
 
 
-class Tree:
-    """Finds sources within one material. Looking up a socket's links costs a walk over the whole tree, so the
-    links of each tree are sorted once."""
+class Sources:
+    """Finds sources within one material. `directing` has a function for each node type that only hands on what it
+    reads; `note(place, node, text, loss)` hears of what can't be resolved."""
 
-    def __init__(self):
-        self.links = {}
+    def __init__(self, directing, note):
+        self.directing, self.note = directing, note
+        self.trees = {}
+        self.zones = {}
 
-    def link(self, socket):
-        """The link into an input that counts: one that is neither muted nor part of a cycle nor on a socket
-        that the node doesn't show in its present mode."""
-        tree = socket.id_data
-        if tree not in self.links:
-            self.links[tree] = {
-                link.to_socket.as_pointer(): link
-                for link in tree.links
-                if link.is_valid and not link.is_muted and link.from_socket.enabled and link.to_socket.enabled
-            }
-        return self.links[tree].get(socket.as_pointer())
+    def links(self, tree):
+        """{input: [(node, output), ...]} of a tree, the inputs by pointer. To ask a socket for its links costs a walk
+        over the whole tree, so they are sorted once. A link counts that is neither muted nor part of a cycle nor on a
+        socket that the node doesn't show in its present mode."""
+        found = self.trees.get(tree)
+        if found is None:
+            found = self.trees[tree] = {}
+            for link in tree.links:
+                if link.is_valid and not link.is_muted:
+                    start, end = link.from_socket, link.to_socket
+                    if start.enabled and end.enabled:
+                        found.setdefault(end.as_pointer(), []).append((link.from_node, start))
+        return found
 
-    def source(self, socket, path):
-        """The Linked or Constant that an input reads, or None where it is left with its own value. `path`
-        holds the group nodes around the socket, outermost first."""
-        link = self.link(socket)
-        if link is None:
+    def source(self, socket, place):
+        """The Linked or Constant that an input reads, or None where it is left with its own value."""
+        if not socket.is_linked:
             return None
-        node, out = link.from_node, link.from_socket
+        found = self.links(socket.id_data).get(socket.as_pointer())
+        return self.output(*found[0], place) if found else None
+
+    def output(self, node, out, place):
+        """The same for a node's output."""
+        while place.members is not None and node.as_pointer() not in place.members:
+            place = place.outer
         if node.mute:
             inner = next((way.from_socket for way in node.internal_links if way.to_socket == out), None)
-            return inner and self.passage(inner, out, path)
-        if node.bl_idname == "NodeReroute":
-            return self.passage(node.inputs[0], out, path)
-        if node.bl_idname == "NodeGroupInput":
-            return self.border(named(path[-1].inputs, out.identifier), path[:-1])
+            return inner and self.passage(inner, out, place)
+        kind = node.bl_idname
+        if kind in self.directing:
+            return self.directing[kind](self, node, out, place)
         if hasattr(node, "node_tree"):
-            end = group_end(node.node_tree)
-            if end is None:
-                return Constant(out.type, values.zero(out.type))
-            return self.border(named(end.inputs, out.identifier), path + (node,))
-        return Linked(path, node, out)
+            return self.group(node, out, place)
+        return Linked(place, node, out)
 
-    def passage(self, inner, out, path):
-        """Through a reroute or a muted node."""
-        found = self.source(inner, path)
+    def group(self, node, out, place):
+        end = group_end(node.node_tree)
+        if end is None:
+            return Constant(out.type, values.zero(out.type))
+        return self.border(named(end.inputs, out.identifier), place.group(node))
+
+    def passage(self, inner, out, place):
+        """Through a node that hands on what it reads, such as a reroute."""
+        found = self.source(inner, place)
         if found is None:
             return Constant(out.type, values.zero(out.type)) if BORDERS_CONVERT else None
         return cross(found, out)
 
-    def border(self, socket, path):
+    def border(self, socket, place, named=False):
         """Into or out of a group; the border's own value stands in where nothing is linked."""
-        found = self.source(socket, path)
+        found = self.source(socket, place)
         if found is None:
-            return Constant(socket.type, values.default(socket), socket.hide_value)
+            return Constant(socket.type, values.default(socket), socket.hide_value, named)
         return cross(found, socket)
 
 
 def cross(found, socket):
     if isinstance(found, Constant):
-        return Constant(socket.type, values.convert(found.value, found.type, socket.type), found.hidden)
-    return found._replace(borders=found.borders + (socket.type,)) if BORDERS_CONVERT else found
+        return found._replace(type=socket.type, value=values.convert(found.value, found.type, socket.type))
+    return found._replace(borders=(*found.borders, socket.type)) if BORDERS_CONVERT else found
 
 
 def named(sockets, identifier):
@@ -119,3 +130,4 @@ def narrow(borders, source, target):
         elif values.kind(border) == "triple" and not narrowed and values.kind(now) == "triple":
             now = border
     return now, narrowed and values.kind(target) == "triple", whole
+

@@ -1,23 +1,47 @@
 """Socket values as plain numbers and lists, and the conversions that Blender makes between socket types."""
 
-SCALARS = ("VALUE", "INT", "BOOLEAN")
-TRIPLES = ("VECTOR", "RGBA", "ROTATION")
+KINDS = {
+    **dict.fromkeys(("VALUE", "INT", "BOOLEAN"), "scalar"),
+    **dict.fromkeys(("VECTOR", "RGBA", "ROTATION"), "triple"),
+}
 LUMA = (0.2126, 0.7152, 0.0722)
+# Nodes that hold a constant, by the attribute that holds it.
+HOLDERS = {
+    "FunctionNodeInputInt": "integer",
+    "FunctionNodeInputBool": "boolean",
+    "FunctionNodeInputVector": "vector",
+    "FunctionNodeInputMenu": "value",
+}
 
 
 def kind(socket_type):
     """ "scalar", "triple" or None: what a conversion has to know of a type."""
-    return "scalar" if socket_type in SCALARS else "triple" if socket_type in TRIPLES else None
+    return KINDS.get(socket_type)
 
 
 def default(socket):
-    """The value that the socket holds while nothing is linked to it; None where it is not a number."""
-    value = getattr(socket, "default_value", None)
-    if kind(socket.type) == "scalar":
-        return value
-    if kind(socket.type) == "triple":
-        value = list(value)
-        return value if socket.type == "RGBA" else (value + [0.0, 0.0, 0.0])[:3]
+    """The value that the socket holds while nothing is linked to it; None where it has none."""
+    socket_type = socket.type
+    form = KINDS.get(socket_type)
+    if form == "scalar":
+        return socket.default_value
+    if form == "triple":
+        value = list(socket.default_value)
+        return value if socket_type == "RGBA" else triple(value)
+    return socket.default_value if socket_type == "MENU" else None
+
+
+def triple(value):
+    return (list(value) + [0.0, 0.0, 0.0])[:3]
+
+
+def held(node):
+    """The constant that a node holds, None for all other nodes."""
+    if node.bl_idname in HOLDERS:
+        value = getattr(node, HOLDERS[node.bl_idname])
+        return triple(value) if node.bl_idname == "FunctionNodeInputVector" else value
+    if node.bl_idname in ("ShaderNodeValue", "ShaderNodeRGB"):
+        return default(node.outputs[0])
     return None
 
 
@@ -35,12 +59,12 @@ def zero(socket_type):
 def convert(value, source, target):
     """A constant that crosses from a socket of one type into a socket of another."""
     if value is None or kind(target) is None:
-        return None
+        return value if source == target else None
     if kind(source) == "triple" and kind(target) == "scalar":
         weights = LUMA if source == "RGBA" else (1 / 3, 1 / 3, 1 / 3)
-        value = sum(part * weight for part, weight in zip(value, weights))
+        value = sum(part * weight for part, weight in zip(value, weights, strict=False))
     if kind(source) == "scalar" and kind(target) == "triple":
         value = [float(value)] * 3
     if kind(target) == "triple":
-        return value[:3] + [1.0] if target == "RGBA" else value[:3]
+        return [*value[:3], 1.0] if target == "RGBA" else value[:3]
     return {"INT": int, "BOOLEAN": lambda number: number > 0, "VALUE": float}[target](value)

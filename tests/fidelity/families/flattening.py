@@ -1,12 +1,13 @@
 """Trees with groups, reroutes and muted nodes: those of the host's own tests, over exact coordinates."""
 
+import newer_trees
 import trees
 
 from builder import Case
 
 
 def cases():
-    for fill in trees.TREES:
+    for fill in trees.TREES + newer_trees.TREES:
         if fill.__name__ not in ("second_uv_map", "constant_for_a_normal", "hidden_constant_for_a_normal"):
             yield Case("(groups, reroutes, muted nodes)", fill.__name__.replace("_", " "), whole(fill))
 
@@ -16,10 +17,10 @@ def whole(fill):
 
     def build(c):
         before = trees.vector
-        trees.vector = lambda tree: c.vector() if tree == c.tree else before(tree)
+        trees.vector = newer_trees.vector = lambda tree: c.vector() if tree == c.tree else before(tree)
         try:
             return fill(c.tree)
         finally:
-            trees.vector = before
+            trees.vector = newer_trees.vector = before
 
     return build

@@ -10,6 +10,7 @@ from builder import Case, words
 FOLDER = tempfile.TemporaryDirectory()  # for the pictures that stay on the disk
 SPACE = "colour spaces other than sRGB and linear Rec.709 are read as linear"
 HALF = "Cycles multiplies and filters pictures of 16 bits on the disk before it decodes them"
+SUFFIXES = {"PNG": "png", "TIFF": "tif", "OPEN_EXR": "exr"}
 SIZES = {"tall": (5, 7), "wide": (16, 9), "single": (1, 1), "column": (1, 4), "small": (3, 2)}
 OFF_TEXELS = (3 / 16, (-1.0 + 1 / 64, -1.0 + 3 / 128, 0.5 + 1 / 64))  # never on a border between texels
 
@@ -49,7 +50,7 @@ def cases():
                         )
     for space in ("ACEScg", "Linear Rec.2020"):
         yield image(f"byte {space}", ("byte", space, "STRAIGHT", "wide"), "Color", reason=SPACE)
-    for file in ("PNG 8", "PNG 16", "OPEN_EXR 32", "PNG 8 disk", "PNG 16 disk", "OPEN_EXR 32 disk"):
+    for file in ("PNG 8", "PNG 16", "OPEN_EXR 32", "PNG 8 disk", "PNG 16 disk", "OPEN_EXR 32 disk", "TIFF 8", "TIFF 16", "TIFF 8 disk", "TIFF 16 disk"):
         for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
             for out in ("Color", "Color beside Alpha", "Alpha"):
                 half = file == "PNG 16 disk" and out != "Alpha"
@@ -128,7 +129,7 @@ def from_file(name, kind, alpha, size):
     width, height = SIZES[size]
     source = bpy.data.images.new("source", width, height, alpha=True, float_buffer=depth != "8")
     source.pixels.foreach_set(texels(width, height, False))
-    path = f"{FOLDER.name}/{name}.{'png' if form == 'PNG' else 'exr'}"
+    path = f"{FOLDER.name}/{name}.{SUFFIXES[form]}"
     settings = bpy.context.scene.render.image_settings
     before = settings.file_format, settings.color_depth, settings.color_mode
     settings.file_format, settings.color_depth, settings.color_mode = form, depth, "RGBA"

@@ -1,0 +1,182 @@
+"""Nodes that direct values instead of computing them: reroutes, and from Blender 5.0 on menus, repeat zones, closures
+and bundles.
+
+Blender resolves them before it renders, and so they are here: what they direct has to be known without running the
+shader.
+"""
+
+from . import sources as s
+from . import values
+
+MOST_TURNS = 128  # of one repeat zone; each turn is written out
+
+
+def reroute(sources, node, out, place):
+    return sources.passage(node.inputs[0], out, place)
+
+
+def group_input(sources, node, out, place):
+    return sources.border(s.named(place.node.inputs, out.identifier), place.outer, named=True)
+
+
+def implicit_conversion(sources, node, out, place):
+    """Converts a constant, as a border does, and nothing else."""
+    return through(sources, node.inputs[0], out, place)
+
+
+def scene_time(sources, node, out, place):
+    scene = s.bpy.context.scene
+    sources.note(place, node, f"stands at frame {scene.frame_current}, the one that is shown", "near")
+    frame = scene.frame_current_final
+    return s.Constant("VALUE", frame if out.identifier == "Frame" else frame / scene.render.fps * scene.render.fps_base)
+
+
+def menu_switch(sources, node, out, place):
+    word = known(sources, node.inputs["Menu"], place)
+    words = [item.name for item in node.enum_items]
+    if word not in words:
+        sources.note(place, node, "its menu is not known ahead: the first entry is taken")
+        word = words[0] if words else None
+    if out.identifier != "Output":
+        return s.Constant("BOOLEAN", out.name == word)
+    if word is None:
+        return nothing(out)
+    return through(sources, node.inputs[1 + words.index(word)], out, place)
+
+
+def repeat_output(sources, node, out, place):
+    """What a repeat zone gives: its input after no turn, else what its last turn hands on."""
+    start = partner(node)
+    if start is None:
+        return nothing(out)
+    turns = known(sources, start.inputs["Iterations"], place)
+    if turns is None:
+        sources.note(place, node, "its number of turns is not known ahead: one is made")
+        turns = 1
+    if turns > MOST_TURNS:
+        sources.note(place, node, f"makes {MOST_TURNS} of its {turns} turns, the most that are written out")
+    return after(sources, node, start, out.identifier, place, min(turns, MOST_TURNS))
+
+
+def after(sources, zone, start, identifier, place, turns):
+    """An item of a zone after a number of turns."""
+    if turns <= 0:
+        socket = s.named(start.inputs, identifier)
+        return through(sources, socket, socket, place)
+    socket = s.named(zone.inputs, identifier)
+    return through(sources, socket, socket, place.turn_of(zone, inside(sources, start), turns - 1))
+
+
+def repeat_input(sources, node, out, place):
+    if place.members is None or place.caller is not None:
+        return nothing(out)  # read from outside of its zone
+    if out.identifier == "Iteration":
+        return s.Constant("INT", place.turn)
+    return after(sources, place.node, node, out.identifier, place.outer, place.turn)
+
+
+def evaluate_closure(sources, node, out, place):
+    """Goes on inside the closure, at the item of the same name."""
+    closure = sources.source(node.inputs["Closure"], place)
+    if not isinstance(closure, s.Linked) or closure.node.bl_idname != "NodeClosureOutput":
+        sources.note(place, node, "the closure that it calls is not known ahead: it gives 0")
+        return nothing(out)
+    socket = by_name(closure.node.inputs, out.name)
+    if socket is None:
+        return nothing(out)
+    members = inside(sources, partner(closure.node))
+    return through(sources, socket, out, closure.place.call(closure.node, members, node, place))
+
+
+def closure_input(sources, node, out, place):
+    if place.caller is None:
+        return nothing(out)
+    socket = by_name(place.node.inputs, out.name)
+    return nothing(out) if socket is None else through(sources, socket, out, place.caller)
+
+
+def separate_bundle(sources, node, out, place):
+    found = in_bundle(sources, sources.source(node.inputs["Bundle"], place), out.name)
+    if found is None:
+        return nothing(out)
+    return through(sources, found[0], out, found[1])
+
+
+def in_bundle(sources, bundle, name):
+    """(socket, place) of what a bundle holds under a name."""
+    if not isinstance(bundle, s.Linked):
+        return None
+    node, place = bundle.node, bundle.place
+    if node.bl_idname == "NodeCombineBundle":
+        socket = by_name(node.inputs, name)
+        return socket and (socket, place)
+    if node.bl_idname == "NodeJoinBundle":
+        ends = [link for link in node.id_data.links if link.to_node == node and link.is_valid and not link.is_muted]
+        ends.sort(key=lambda link: link.multi_input_sort_id, reverse=True)  # the last one that has the name counts
+        found = (in_bundle(sources, sources.output(link.from_node, link.from_socket, place), name) for link in ends)
+        return next((one for one in found if one), None)
+    sources.note(place, node, "gives no bundle that is known ahead")
+    return None
+
+
+def through(sources, socket, out, place):
+    """What a socket reads, or its own value: it is the end of a way, not a stop on it."""
+    found = sources.source(socket, place)
+    if found is None:
+        found = s.Constant(socket.type, values.default(socket), socket.hide_value)
+    return s.cross(found, out)
+
+
+def nothing(out):
+    return s.Constant(out.type, values.zero(out.type))
+
+
+def known(sources, socket, place):
+    """The value of a socket where it is the same everywhere, else None."""
+    found = sources.source(socket, place)
+    if found is None:
+        return values.default(socket)
+    if isinstance(found, s.Linked):
+        found = s.Constant(found.socket.type, values.held(found.node))
+    return values.convert(found.value, found.type, socket.type)
+
+
+def partner(output):
+    """The input node of a zone."""
+    return next((node for node in output.id_data.nodes if getattr(node, "paired_output", None) == output), None)
+
+
+def inside(sources, start):
+    """The nodes that depend on a zone's input, by pointer."""
+    if start is None:
+        return frozenset()
+    key = start.as_pointer()
+    if key not in sources.zones:
+        readers = {}
+        for link in start.id_data.links:
+            readers.setdefault(link.from_node.as_pointer(), []).append(link.to_node.as_pointer())
+        found, waiting = {key}, [key]
+        while waiting:
+            more = [node for node in readers.get(waiting.pop(), ()) if node not in found]
+            found.update(more)
+            waiting += more
+        sources.zones[key] = found
+    return sources.zones[key]
+
+
+def by_name(sockets, name):
+    return next((socket for socket in sockets if socket.name == name and socket.type != "CUSTOM"), None)
+
+
+TABLE = {
+    "NodeReroute": reroute,
+    "NodeGroupInput": group_input,
+    "NodeImplicitConversion": implicit_conversion,
+    "GeometryNodeInputSceneTime": scene_time,
+    "GeometryNodeMenuSwitch": menu_switch,
+    "GeometryNodeRepeatInput": repeat_input,
+    "GeometryNodeRepeatOutput": repeat_output,
+    "NodeClosureInput": closure_input,
+    "NodeEvaluateClosure": evaluate_closure,
+    "NodeSeparateBundle": separate_bundle,
+}

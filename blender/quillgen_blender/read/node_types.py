@@ -1,0 +1,90 @@
+"""What is the same for all nodes of a type, looked up once a session: it belongs to Blender, not to a
+document."""
+
+from typing import NamedTuple
+
+import bpy
+
+from . import known
+
+PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")
+COMMON = frozenset(bpy.types.ShaderNode.bl_rna.properties.keys())
+CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
+# Sockets that mean "the surface's own" while nothing is linked to them, so that a group's constant can't be
+# handed over as their value: it has to arrive by a link.
+COORDINATE_TEXTURES = (
+    "ShaderNodeTexGradient",
+    "ShaderNodeTexChecker",
+    "ShaderNodeTexBrick",
+    "ShaderNodeTexMagic",
+    "ShaderNodeTexWave",
+    "ShaderNodeTexNoise",
+    "ShaderNodeTexVoronoi",
+    "ShaderNodeTexGabor",
+    "ShaderNodeTexImage",
+)
+SURFACE_NAMES = ("Normal", "Coat Normal", "Clearcoat Normal", "Tangent")
+
+
+class NodeType(NamedTuple):
+    """`properties` are (name, convert) pairs, `convert` None where the value is plain already. `inputs` and `outputs`
+    are (identifier, type) pairs; `implicit` and `surface` are the inputs that stand for a coordinate or a direction of
+    the surface while nothing is linked to them. `unknown` are properties and sockets that no table of ours has."""
+
+    name: str
+    properties: tuple
+    inputs: tuple
+    outputs: tuple
+    implicit: frozenset
+    surface: frozenset
+    curve: bool
+    ramp: bool
+    image: bool
+    object: bool
+    mapping: bool
+    unknown: tuple
+
+
+KEPT: dict[str, NodeType] = {}
+
+
+def of(node):
+    name = node.bl_idname
+    found = KEPT.get(name)
+    if found is None:
+        found = KEPT[name] = look(node)
+    return found
+
+
+def look(node):
+    name = node.bl_idname
+    props = [prop for prop in node.bl_rna.properties if prop.identifier not in COMMON]
+    pointers = {prop.identifier for prop in props if prop.type == "POINTER"}
+    inputs = list(node.inputs)
+    return NodeType(
+        name,
+        tuple((prop.identifier, converter(prop)) for prop in props if prop.type in PLAIN and not prop.is_readonly),
+        tuple((socket.identifier, socket.type) for socket in inputs),
+        tuple((socket.identifier, socket.type) for socket in node.outputs),
+        frozenset(socket.identifier for socket in inputs if name in COORDINATE_TEXTURES and socket.identifier == "Vector"),
+        frozenset(socket.identifier for socket in inputs if is_surface_socket(name, socket)),
+        name in CURVES,
+        "color_ramp" in pointers,
+        "image" in pointers,
+        name == "ShaderNodeTexCoord",
+        "texture_mapping" in pointers,
+        known.unknown(name, [prop.identifier for prop in props] + [socket.identifier for socket in inputs]),
+    )
+
+
+def converter(prop):
+    """What makes plain data of a property's value; None where it is plain."""
+    if getattr(prop, "is_array", False):
+        return list
+    return sorted if prop.type == "ENUM" and prop.is_enum_flag else None
+
+
+def is_surface_socket(name, socket):
+    if name == "ShaderNodeTexEnvironment":
+        return socket.identifier == "Vector"
+    return socket.hide_value and socket.identifier in SURFACE_NAMES

@@ -1,0 +1,106 @@
+"""Nodes that the document has by another name: those of older Blenders by their successors, constants of newer ones as
+plain values, and those whose formula another Blender has changed, with what makes up for it."""
+
+import math
+
+import bpy
+
+from . import records, values
+
+VERSION = bpy.app.version
+# Old node: (its successor, mode, sockets that are called otherwise).
+SUCCESSORS = {
+    "ShaderNodeSeparateRGB": ("ShaderNodeSeparateColor", "RGB", {"Image": "Color", "R": "Red", "G": "Green", "B": "Blue"}),
+    "ShaderNodeSeparateHSV": ("ShaderNodeSeparateColor", "HSV", {"H": "Red", "S": "Green", "V": "Blue"}),
+    "ShaderNodeCombineRGB": ("ShaderNodeCombineColor", "RGB", {"Image": "Color", "R": "Red", "G": "Green", "B": "Blue"}),
+    "ShaderNodeCombineHSV": ("ShaderNodeCombineColor", "HSV", {"H": "Red", "S": "Green", "V": "Blue"}),
+}
+NUMBERS = ("FunctionNodeInputInt", "FunctionNodeInputBool")
+
+
+def output_name(writer, node, socket):
+    """What the document calls a node's output."""
+    kind, name = node.bl_idname, socket.identifier
+    if kind in SUCCESSORS:
+        return SUCCESSORS[kind][2].get(name, name)
+    if kind in NUMBERS:
+        return "Value"
+    return "Vector" if other_uv_map(writer, node) is not None else name
+
+
+def adapt(writer, node, record):
+    """Changes a record whose node the translator knows by another name or formula."""
+    change = CHANGES.get(record["type"])
+    if change:
+        change(writer, node, record)
+
+
+def successor(writer, node, record):
+    kind, mode, names = SUCCESSORS[record["type"]]
+    record["type"], record["props"] = kind, {"mode": mode}
+    for sockets in ("in", "outs"):
+        record[sockets] = {names.get(name, name): entry for name, entry in record[sockets].items()}
+
+
+def number(writer, node, record):
+    held = values.held(node)
+    record |= {"type": "ShaderNodeValue", "props": {"value": float(held)}, "outs": {"Value": "VALUE"}}
+
+
+def vector(writer, node, record):
+    record |= records.combined(record["id"], values.held(node))
+
+
+def uv_map(writer, node, record):
+    """A UV Map node that doesn't ask for the first map: as an attribute, which is looked up by its name."""
+    name = other_uv_map(writer, node)
+    if name is not None:
+        record |= {
+            "type": "ShaderNodeAttribute",
+            "in": {},
+            "outs": {"Color": "RGBA", "Vector": "VECTOR", "Fac": "VALUE", "Alpha": "VALUE"},
+            "props": {"attribute_type": "GEOMETRY", "attribute_name": name},
+        }
+
+
+def other_uv_map(writer, node):
+    """The name of the UV map that a UV Map node asks for, unless it is the first, which needs no name."""
+    name = node.uv_map if node.bl_idname == "ShaderNodeUVMap" else ""
+    return name if name in writer.uv_maps[1:] else None
+
+
+def magic(writer, node, record):
+    """Up to 5.1 the remainder by a whole turn is taken of the coordinate, since then of coordinate times Scale. They
+    differ where coordinates leave the first turn, unless 5 times Scale is whole."""
+    coordinate, scale = record["in"]["Vector"], record["in"]["Scale"]
+    if "link" not in coordinate or ("v" in scale and float(5 * scale["v"]).is_integer()):
+        return
+    identity = writer.put_in("Vector", record["id"])
+    turn = [2 * math.pi] * 3
+    writer.nodes.append(
+        {
+            "id": identity,
+            "type": "ShaderNodeVectorMath",
+            "in": {"Vector": coordinate, "Vector_001": {"t": "VECTOR", "v": turn}},
+            "outs": {"Vector": "VECTOR"},
+            "props": {"operation": "MODULO"},
+        }
+    )
+    coordinate["link"] = [identity, "Vector", "VECTOR"]
+
+
+def voronoi(writer, node, record):
+    if record["props"]["voronoi_dimensions"] != "1D":
+        writer.note(record["id"], "its cells lie as in Blender 5.0 and later, where this Blender has others", "near")
+
+
+CHANGES = {
+    **dict.fromkeys(SUCCESSORS, successor),
+    **dict.fromkeys(NUMBERS, number),
+    "FunctionNodeInputVector": vector,
+    "ShaderNodeUVMap": uv_map,
+}
+if VERSION < (5, 2, 0):
+    CHANGES["ShaderNodeTexMagic"] = magic
+if VERSION < (5, 0, 0):
+    CHANGES["ShaderNodeTexVoronoi"] = voronoi

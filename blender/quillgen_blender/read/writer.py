@@ -1,0 +1,164 @@
+"""Collects the records of a document, from the nodes that are asked for on to what feeds them."""
+
+import re
+
+from ..notes import Note
+from . import directing, losses, node_types, records, sources, values, versions
+from .places import Place
+
+NOT_A_LETTER = re.compile("[^A-Za-z0-9]")
+
+
+class Writer:
+    """`uv_maps`: the names of the mesh's; `settings`: those of the material, as the document has them."""
+
+    def __init__(self, uv_maps, settings):
+        self.sources = sources.Sources(directing.TABLE, self.note_on)
+        self.uv_maps, self.settings = uv_maps, settings
+        self.root = Place()
+        self.nodes, self.images, self.notes, self.paths = [], {}, [], {}
+        self.ids, self.spellings, self.waiting, self.told = {}, set(), [], set()
+
+    # What readers of the document ask for
+
+    def output(self, socket):
+        """[id, output] of what feeds a socket of the material's output; None where no node does."""
+        found = self.sources.source(socket, self.root)
+        return self.reference(found)[:2] if isinstance(found, sources.Linked) else None
+
+    def finish(self):
+        """Records what is waiting and all that feeds it, each node when its first reader's turn comes."""
+        self.waiting.reverse()
+        while self.waiting:
+            self.record(*self.waiting.pop())
+
+    # Notes
+
+    def note(self, identity, text, loss="lost"):
+        if (identity, text) not in self.told:
+            self.told.add((identity, text))
+            self.notes.append(Note(identity, text, loss))
+
+    def note_on(self, place, node, text, loss="lost"):
+        """A note on a node that may have no record."""
+        identity = self.ids.get((place, node.name)) or place.prefix + node.name
+        self.paths.setdefault(identity, (*place.names, node.name))
+        self.note(identity, text, loss)
+
+    # Ids
+
+    def identity(self, place, node):
+        """The node's id: its name, behind the names of the groups around it."""
+        name = node.name
+        found = self.ids.get((place, name))
+        if found is None:
+            found = self.ids[place, name] = self.fresh(place.prefix + name)
+            self.paths[found] = (*place.names, name)
+            self.waiting.append((place, node, found))
+        return found
+
+    def fresh(self, wish):
+        """An id that no other node has. Parameters are named by the id's letters and digits only, so two ids
+        have to differ in these."""
+        name, count = wish, 0
+        spelling = NOT_A_LETTER.sub("_", name)
+        while spelling in self.spellings:
+            count += 1
+            name = f"{wish} {count + 1}"
+            spelling = NOT_A_LETTER.sub("_", name)
+        self.spellings.add(spelling)
+        return name
+
+    def put_in(self, identifier, reader):
+        """The id of a node that feeds a reader's socket and that Blender hasn't got."""
+        identity = self.fresh(f"{reader} {identifier}")
+        self.paths[identity] = self.paths[reader]
+        return identity
+
+    def aov_outputs(self):
+        """Notes on what goes to render passes of its own, in the trees that were read."""
+        for place in self.root.all():
+            for node in place.tree.nodes:
+                if node.bl_idname == "ShaderNodeOutputAOV" and not node.mute and any(s.is_linked for s in node.inputs):
+                    self.note_on(place, node, f"the pass {node.aov_name} has no place in a material")
+
+    # Records
+
+    def reference(self, linked):
+        """[id, output, type] of a node's output."""
+        node, socket = linked.node, linked.socket
+        return [self.identity(linked.place, node), versions.output_name(self, node, socket), socket.type]
+
+    def record(self, place, node, identity):
+        kind = node_types.of(node)
+        found = {"id": identity, "type": kind.name, "in": {}}
+        self.nodes.append(found)
+        first = len(self.waiting)
+        entries = found["in"]
+        for socket, (identifier, socket_type) in zip(node.inputs, kind.inputs, strict=False):
+            entries[identifier] = (
+                self.linked(socket, identifier, kind, place, identity) if socket.is_linked else None
+            ) or self.unlinked(socket, identifier, socket_type, kind, identity)
+        self.waiting[first:] = reversed(self.waiting[first:])  # the first socket's node comes next
+        found["outs"] = dict(kind.outputs)
+        found["props"] = {
+            name: make(getattr(node, name)) if make else getattr(node, name) for name, make in kind.properties
+        }
+        records.add_own(self, node, kind, found)
+        for name in kind.unknown:
+            self.note(identity, f"{name} is new to this translator and has no effect")
+        versions.adapt(self, node, found)
+        losses.tell(self, found)
+
+    def unlinked(self, socket, identifier, socket_type, kind, identity):
+        value = values.default(socket)
+        if kind.name == "ShaderNodeTexWhiteNoise" and identifier == "Vector" and socket.enabled:
+            # the one texture that has no coordinate of its own: it reads the value of its socket
+            return {"t": socket_type, "link": self.constant(value, identifier, identity)}
+        return {"t": socket_type} if value is None else {"t": socket_type, "v": value}
+
+    def linked(self, socket, identifier, kind, place, identity):
+        """The entry of an input that reads a link; None where nothing comes by it."""
+        found = self.sources.source(socket, place)
+        if isinstance(found, sources.Linked):
+            return {"t": socket.type, "link": self.link(found, socket, identity)}
+        if found is None or found.value is None or self.own(found, identifier, kind):
+            return None
+        value = values.convert(found.value, found.type, socket.type)
+        if identifier in kind.implicit or identifier in kind.surface:
+            return {"t": socket.type, "link": self.constant(value, identifier, identity)}
+        return {"t": socket.type, "v": value} | ({"named": True} if found.named else {})
+
+    def own(self, found, identifier, kind):
+        """Whether an implicit socket stays with the surface's own value in spite of a group's constant."""
+        if sources.BORDERS_CONVERT:
+            return identifier in kind.implicit or identifier in kind.surface
+        return found.hidden and identifier in kind.surface
+
+    def link(self, linked, socket, identity):
+        reference = self.reference(linked)
+        if not linked.borders:
+            return reference
+        seen, spread, whole = sources.narrow(linked.borders, linked.socket.type, socket.type)
+        reference[2] = seen
+        return self.number(reference, whole, socket.identifier, identity) if spread or whole else reference
+
+    def number(self, reference, whole, identifier, reader):
+        """A node that makes one number of what it reads."""
+        identity = self.put_in(identifier, reader)
+        self.nodes.append(
+            {
+                "id": identity,
+                "type": "ShaderNodeMath",
+                "in": {"Value": {"t": "VALUE", "link": reference}},
+                "outs": {"Value": "VALUE"},
+                "props": {"operation": "TRUNC" if whole else "ADD"},
+            }
+        )
+        return [identity, "Value", "VALUE"]
+
+    def constant(self, value, identifier, reader):
+        """A node that holds a vector."""
+        identity = self.put_in(identifier, reader)
+        self.nodes.append(records.combined(identity, value))
+        return [identity, "Vector", "VECTOR"]
