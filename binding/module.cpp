@@ -155,6 +155,7 @@ int exec(PyObject* self) {
         checked(PyModule_AddObjectRef(self, "Unsupported", module.runtime.unsupported()));
         const Ref types = Ref::checked(PySequence_Tuple(module.registry.types().object()));
         checked(PyModule_AddObjectRef(self, "NODES", types.get()));
+        checked(PyModule_AddStringConstant(self, "__version__", QUILLGEN_VERSION));
         return Ref::borrow(Py_None);
     }));
     return result ? 0 : -1;

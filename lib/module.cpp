@@ -130,7 +130,8 @@ int make_texts(State& state) {
 int exec(PyObject* module) {
     State& state = state_of(module);
     if (make_texts(state) < 0 || add_map(module, "STRUCTS", struct_texts()) < 0 ||
-        add_map(module, "TYPES", type_words()) < 0) {
+        add_map(module, "TYPES", type_words()) < 0 ||
+        PyModule_AddStringConstant(module, "__version__", QUILLGEN_VERSION) < 0) {
         return -1;
     }
     PyObject* names = PyDict_Keys(state.units);

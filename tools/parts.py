@@ -62,7 +62,8 @@ PARTS = (
         setup=("build", "tests"),
     ),
     pytest("goldens", "every golden document gives what is kept of it", "tests/golden/test_golden.py", FAST),
-    pytest("edge-cases", "rules of the document and of every node", "tests/test_*.py", FAST),
+    pytest("edge-cases", "rules of documents and nodes", "tests/test_edge_cases_*.py tests/test_registry.py", FAST),
+    pytest("materials", "the example materials and the gallery", "tests/test_materials.py tests/test_gallery.py", ALL),
     pytest("texts", "DXC takes every golden text", "tests/golden/test_compiles.py", DEFAULT),
     pytest("library", "the HLSL library on DXC and a Vulkan device", "tests/gpu tests/library", DEFAULT),
     pytest("fidelity", "generated texts against Cycles, pixel by pixel", "tests/fidelity", ALL),
@@ -72,6 +73,8 @@ PARTS = (
         "tests/robustness --ignore tests/robustness/test_fuzz.py",
         DEFAULT,
     ),
+    pytest("extension", "the extension, without Blender", "tests/extension", FAST),
+    pytest("tools", "quillgen_tools and quillgen-translate", "tests/tools", FAST),
     pytest("fuzz", "the fuzzers", "tests/robustness/test_fuzz.py", ALL),
     pytest(
         "host",
@@ -86,6 +89,14 @@ PARTS = (
         ".venv-tools/bin/mypy",
         DEFAULT,
         setup=("lint",),
+    ),
+    Part(
+        "stubs",
+        "the modules' stubs against the modules; a typed example for mypy and pyright",
+        "tools/check-stubs",
+        DEFAULT,
+        after=("build",),
+        setup=("build", "tests", "lint"),
     ),
     Part(
         "install",

@@ -114,7 +114,7 @@ def setup(chosen: Iterable[Part], options: argparse.Namespace) -> None:
     if os.environ.get("QUILLGEN_NO_SETUP"):
         return
     needs = {need for part in chosen for need in part.setup}
-    words = [need for need in ("build", "tests", "lint", "docs", "fxc") if need in needs]
+    words: list[str] = [need for need in ("build", "tests", "lint", "docs", "fxc") if need in needs]
     if "blender" in needs:
         words.append(f"blender={','.join(options.blender.split())}")
     print(f"== setup: {' '.join(words)}", flush=True)
@@ -142,7 +142,7 @@ def run(part: Part, options: argparse.Namespace, further: Sequence[str], outcome
 
 def command(part: Part, further: Sequence[str]) -> str:
     """The command line of a part. Arguments that name tests take the place of those in the table."""
-    pytest = f"{PYTHON} -m pytest -q -rs -o cache_dir=out/test/cache/{part.name}"
+    pytest = f"{PYTHON} -m pytest -q -rs -o cache_dir={LOGS / 'cache' / part.name}"
     template = part.command
     if further and template.startswith("{pytest}"):
         tests = any(Path(one.split("::")[0]).exists() for one in further)

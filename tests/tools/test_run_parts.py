@@ -1,0 +1,116 @@
+"""What tools/test runs and tells."""
+
+import importlib.util
+import sys
+from pathlib import Path
+
+import pytest
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tools"))
+
+import parts  # noqa: E402
+import run_parts  # noqa: E402
+
+
+@pytest.fixture
+def table(monkeypatch, tmp_path):
+    def make(*rows):
+        monkeypatch.setattr(run_parts, "PARTS", rows)
+        monkeypatch.setattr(run_parts, "LOGS", ROOT / "out" / "test" / tmp_path.name)
+        monkeypatch.setenv("QUILLGEN_NO_SETUP", "1")
+
+    return make
+
+
+def row(name, command, choices=parts.FAST, **further):
+    return parts.Part(name, f"does {name}", command, choices, **further)
+
+
+def test_names_are_unique_and_parts_come_after_what_they_need():
+    names = [part.name for part in parts.PARTS]
+    assert len(names) == len(set(names))
+    for part in parts.PARTS:
+        assert all(names.index(earlier) < names.index(part.name) for earlier in part.after)
+        assert set(part.choices) <= {"fast", "default", "all"} and (part.choices or part.option)
+
+
+def test_all_is_what_ci_runs():
+    assert "tools/test --all" in (ROOT / ".ci" / "run").read_text()
+
+
+def test_every_folder_of_tests_is_in_some_part():
+    lines = " ".join(part.command for part in parts.PARTS)
+    folders = {path.parent.name for path in (ROOT / "tests").glob("*/test_*.py")}
+    assert [name for name in sorted(folders) if f"tests/{name}" not in lines] == []
+
+
+def test_a_failure_is_told_with_the_line_that_repeats_it(table, capfd):
+    table(row("good", "echo fine"), row("bad", "echo trouble; exit 3"), row("last", "true"))
+    assert run_parts.main(["--fast"]) == 1
+    told = capfd.readouterr().out
+    assert "trouble" in told and "exit status 3" in told and "fine" not in told
+    assert "2 parts passed, 1 failed" in told
+    assert told.rstrip().splitlines()[-1] == "repeat it alone: tools/test --part bad"
+
+
+def test_what_needs_a_failed_part_is_left_out(table, capfd):
+    table(row("build", "false"), row("tests", "true", after=("build",)), row("other", "true"))
+    assert run_parts.main(["--fast"]) == 1
+    told = capfd.readouterr().out
+    assert "left out: tests (build failed)" in told and "== other" in told and "== tests" not in told
+
+
+def test_choices(table, capfd):
+    table(
+        row("a", "true"), row("b", "true", parts.ALL), row("c", "true", parts.SHORT), row("d", "true", (), option="fxc")
+    )
+    for choice, shown, left in [
+        (["--fast"], "a", "b (--all runs them)"),
+        ([], "a c", "b (--all runs them)"),
+        (["--all"], "a b", "d (--fxc runs it)"),
+        (["--all", "--fxc"], "a b d", "nothing"),
+        (["--part", "b"], "b", "nothing"),
+    ]:
+        assert run_parts.main(choice) == 0
+        told = capfd.readouterr().out
+        assert [line.split()[1][:-1] for line in told.splitlines() if line.startswith("== ") and ": does" in line] == (
+            shown.split()
+        )
+        assert f"left out: {left}" in told
+
+
+def test_a_part_alone_brings_what_it_needs(table, capfd):
+    table(row("build", "true"), row("other", "true"), row("tests", "true", after=("build",)))
+    assert run_parts.main(["--part", "tests"]) == 0
+    told = capfd.readouterr().out
+    assert "== build" in told and "== tests" in told and "== other" not in told
+
+
+def test_what_parts_leave_out_is_told_at_the_end(table, capfd):
+    table(row("one", "echo 'left out: Blender 5.2, no Python'; echo 'SKIPPED [3] tests/x.py:5: no device'"))
+    assert run_parts.main([]) == 0
+    assert "left out: one: Blender 5.2, no Python; one: 3 tests: no device" in capfd.readouterr().out
+
+
+def test_a_failing_test_of_pytest_is_named(table, capfd, tmp_path):
+    test = tmp_path / "test_it.py"
+    test.write_text("def test_good(): pass\ndef test_bad(): assert 0\n")
+    table(row("unit", f"{{pytest}} --rootdir {tmp_path} -c /dev/null {test}"))
+    assert run_parts.main([]) == 1
+    assert "tools/test --part unit -- 'test_it.py::test_bad'" in capfd.readouterr().out
+
+
+def test_arguments_take_the_place_of_the_tests_of_a_part():
+    part = parts.pytest("x", "", "tests/golden", parts.FAST)
+    assert run_parts.command(part, ["-k", "noise"]).endswith("tests/golden '-k' 'noise'")
+    line = run_parts.command(part, ["tests/golden/test_golden.py::test_x"])
+    assert line.endswith("'tests/golden/test_golden.py::test_x'") and "tests/golden '" not in line
+
+
+def test_without_pytest_the_driver_needs_the_standard_library_only():
+    sources = [(ROOT / "tools" / name).read_text() for name in ("run_parts.py", "parts.py")]
+    names = {line.split()[1].split(".")[0] for text in sources for line in text.splitlines()
+             if line.startswith(("import ", "from "))}  # fmt: skip
+    assert names - {"parts"} <= sys.stdlib_module_names
+    assert importlib.util.find_spec("parts") is not None
