@@ -73,6 +73,7 @@ PARTS = (
         "tests/robustness --ignore tests/robustness/test_fuzz.py",
         DEFAULT,
     ),
+    pytest("passes", "what is done to documents and results ahead of and behind the translation", "tests/passes", FAST),
     pytest("extension", "the extension, without Blender", "tests/extension", FAST),
     pytest("tools", "quillgen_tools and quillgen-translate", "tests/tools", FAST),
     pytest("fuzz", "the fuzzers", "tests/robustness/test_fuzz.py", ALL),
