@@ -5,11 +5,10 @@ from typing import NamedTuple
 
 import bpy
 
-from . import known
+from . import known, records, values
 
 PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")
 COMMON = frozenset(bpy.types.ShaderNode.bl_rna.properties.keys())
-CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
 # Sockets that mean "the surface's own" while nothing is linked to them, so that a group's constant can't be
 # handed over as their value: it has to arrive by a link.
 COORDINATE_TEXTURES = (
@@ -28,8 +27,9 @@ SURFACE_NAMES = ("Normal", "Coat Normal", "Clearcoat Normal", "Tangent")
 
 class NodeType(NamedTuple):
     """`properties` are (name, convert) pairs, `convert` None where the value is plain already. `inputs` and `outputs`
-    are (identifier, type) pairs; `implicit` and `surface` are the inputs that stand for a coordinate or a direction of
-    the surface while nothing is linked to them. `unknown` are properties and sockets that no table of ours has."""
+    are (identifier, type) pairs, those of inputs with the form of their values; `implicit` and `surface` are the inputs
+    that stand for a coordinate or a direction of the surface while nothing is linked to them. `own` adds what else a
+    record holds, `unknown` are properties and sockets that no table of ours has."""
 
     name: str
     properties: tuple
@@ -37,22 +37,23 @@ class NodeType(NamedTuple):
     outputs: tuple
     implicit: frozenset
     surface: frozenset
-    curve: bool
-    ramp: bool
-    image: bool
-    object: bool
-    mapping: bool
+    group: bool
+    own: tuple
     unknown: tuple
 
 
 KEPT: dict[str, NodeType] = {}
+BLENDERS_OWN = ("ShaderNode", "Node", "FunctionNode", "GeometryNode")
+VARYING = ("ShaderNodeScript", "ShaderNodeRaycast")  # types whose nodes have sockets of their own
 
 
 def of(node):
     name = node.bl_idname
     found = KEPT.get(name)
     if found is None:
-        found = KEPT[name] = look(node)
+        found = look(node)
+        if name.startswith(BLENDERS_OWN) and name not in VARYING:  # what an add-on defines may vary
+            KEPT[name] = found
     return found
 
 
@@ -64,15 +65,12 @@ def look(node):
     return NodeType(
         name,
         tuple((prop.identifier, converter(prop)) for prop in props if prop.type in PLAIN and not prop.is_readonly),
-        tuple((socket.identifier, socket.type) for socket in inputs),
+        tuple((socket.identifier, socket.type, values.KINDS.get(socket.type)) for socket in inputs),
         tuple((socket.identifier, socket.type) for socket in node.outputs),
-        frozenset(socket.identifier for socket in inputs if name in COORDINATE_TEXTURES and socket.identifier == "Vector"),
+        frozenset(("Vector",) if name in COORDINATE_TEXTURES else ()),
         frozenset(socket.identifier for socket in inputs if is_surface_socket(name, socket)),
-        name in CURVES,
-        "color_ramp" in pointers,
-        "image" in pointers,
-        name == "ShaderNodeTexCoord",
-        "texture_mapping" in pointers,
+        "node_tree" in pointers,
+        records.own(name, pointers),
         known.unknown(name, [prop.identifier for prop in props] + [socket.identifier for socket in inputs]),
     )
 

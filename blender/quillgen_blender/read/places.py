@@ -16,6 +16,7 @@ class Place:
         self.names = names
         self.inner = {}  # kept, so that a place is the same object whichever way leads to it
         self.tree = outer.tree if outer else None
+        self.links = None  # what sources.py found out about the tree's links
 
     def group(self, node):
         """The tree of a group node that stands here."""

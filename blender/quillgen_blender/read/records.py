@@ -4,7 +4,7 @@ import bpy
 from mathutils import Vector
 
 SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
-OUTPUT_VALUES = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color", "ShaderNodeNormal": "normal"}
+CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
 MOVING = {
     "SEQUENCE": "is a sequence of pictures: the one that is shown now is taken",
     "MOVIE": "is a movie: the picture that is shown now is taken",
@@ -12,27 +12,43 @@ MOVING = {
 }
 
 
-def add_own(writer, node, kind, record):
-    """What a record holds beside sockets and plain properties."""
-    if kind.ramp:
-        record["ramp"] = ramp(node)
-    if kind.curve:
-        record["curve"] = curve(node)
-    if kind.name in OUTPUT_VALUES:
-        record["props"][OUTPUT_VALUES[kind.name]] = output_value(node)
-    if kind.image and node.image:
-        add_image(writer, node, record)
-    if kind.object and node.object:
+def own(name, pointers):
+    """The functions that add to the record of a node type what it holds beside sockets and plain properties.
+    `pointers`: its properties that are no plain values."""
+    found = [OUTPUT_VALUES[name]] if name in OUTPUT_VALUES else []
+    found += [add for pointer, add in POINTERS.items() if pointer in pointers]
+    return (*found, add_curve) if name in CURVES else tuple(found)
+
+
+def add_value(writer, node, record):
+    record["props"]["value"] = node.outputs[0].default_value
+
+
+def add_colour(writer, node, record):
+    record["props"]["color"] = list(node.outputs[0].default_value)
+
+
+def add_direction(writer, node, record):
+    """A direction, however long the stored vector is."""
+    record["props"]["normal"] = list(Vector(node.outputs[0].default_value).normalized())
+
+
+def add_ramp(writer, node, record):
+    record["ramp"] = ramp(node)
+
+
+def add_curve(writer, node, record):
+    record["curve"] = curve(node)
+
+
+def add_object(writer, node, record):
+    if record["type"] == "ShaderNodeTexCoord" and node.object:
         record["object_matrix"] = [part for row in node.object.matrix_world.inverted_safe() for part in row]
-    if kind.mapping and moved(node.texture_mapping):
+
+
+def note_mapping(writer, node, record):
+    if moved(node.texture_mapping):
         writer.note(record["id"], "its own mapping, a panel of older Blenders, has no effect: use a Mapping node")
-
-
-def output_value(node):
-    value = node.outputs[0].default_value
-    if node.bl_idname == "ShaderNodeNormal":  # a direction, however long the stored vector is
-        return list(Vector(value).normalized())
-    return value if node.bl_idname == "ShaderNodeValue" else list(value)
 
 
 def combined(identity, value):
@@ -62,23 +78,36 @@ def curve(node):
     before those of the channels, as Blender does."""
     mapping = node.mapping
     mapping.update()
-    evaluate, parts = mapping.evaluate, list(mapping.curves)
+    parts = list(mapping.curves)
     ends = [point.location[0] for part in parts for point in part.points]
     low, high = min(ends), max(ends)
     places = [low + (high - low) * step / (SAMPLES - 1) for step in range(SAMPLES)]
     if node.bl_idname == "ShaderNodeRGBCurve":
-        common = parts.pop()
-        places = [evaluate(common, place) for place in places]
+        places = sampled(mapping, parts.pop(), places)
     return {
-        "tables": [[evaluate(part, place) for place in places] for part in parts],
+        "tables": [sampled(mapping, part, places) for part in parts],
         "min": low,
         "max": high,
         "extend": mapping.extend,
     }
 
 
+def sampled(mapping, part, places):
+    """A curve at some places. Most channels of most nodes are left as they are, a line from corner to corner, and
+    evaluating takes longer than all else in reading."""
+    if len(part.points) == 2 and min(places) >= part.points[0].location[0]:
+        one, two = (tuple(point.location) for point in part.points)
+        plain = all(point.handle_type in ("AUTO", "VECTOR") for point in part.points)
+        if plain and one[0] == one[1] and two[0] == two[1] and max(places) <= two[0]:
+            return places[:]
+    evaluate = mapping.evaluate
+    return [evaluate(part, place) for place in places]
+
+
 def add_image(writer, node, record):
     picture = node.image
+    if picture is None:
+        return
     record["props"]["image"] = picture.name
     if picture.name not in writer.images:
         writer.images[picture.name] = image(picture)
@@ -120,3 +149,7 @@ def moved(mapping):
         or mapping.use_max
         or (mapping.mapping_x, mapping.mapping_y, mapping.mapping_z) != ("X", "Y", "Z")
     )
+
+
+OUTPUT_VALUES = {"ShaderNodeValue": add_value, "ShaderNodeRGB": add_colour, "ShaderNodeNormal": add_direction}
+POINTERS = {"color_ramp": add_ramp, "image": add_image, "object": add_object, "texture_mapping": note_mapping}

@@ -13,7 +13,7 @@ from typing import NamedTuple
 
 import bpy
 
-from . import values
+from . import node_types, values
 
 BORDERS_CONVERT = bpy.app.version < (5, 0, 0)
 
@@ -47,9 +47,9 @@ class Sources:
         self.zones = {}
 
     def links(self, tree):
-        """{input: [(node, output), ...]} of a tree, the inputs by pointer. To ask a socket for its links costs a walk
-        over the whole tree, so they are sorted once. A link counts that is neither muted nor part of a cycle nor on a
-        socket that the node doesn't show in its present mode."""
+        """{input: (node, output)} of a tree, the inputs by pointer. To ask a socket for its links costs a walk over the
+        whole tree, so they are sorted once. A link counts that is neither muted nor part of a cycle nor on a socket
+        that the node doesn't show in its present mode."""
         found = self.trees.get(tree)
         if found is None:
             found = self.trees[tree] = {}
@@ -57,15 +57,17 @@ class Sources:
                 if link.is_valid and not link.is_muted:
                     start, end = link.from_socket, link.to_socket
                     if start.enabled and end.enabled:
-                        found.setdefault(end.as_pointer(), []).append((link.from_node, start))
+                        found[end.as_pointer()] = link.from_node, start
         return found
 
     def source(self, socket, place):
         """The Linked or Constant that an input reads, or None where it is left with its own value."""
         if not socket.is_linked:
             return None
-        found = self.links(socket.id_data).get(socket.as_pointer())
-        return self.output(*found[0], place) if found else None
+        if place.links is None:
+            place.links = self.links(place.tree)
+        found = place.links.get(socket.as_pointer())
+        return self.output(*found, place) if found else None
 
     def output(self, node, out, place):
         """The same for a node's output."""
@@ -74,12 +76,10 @@ class Sources:
         if node.mute:
             inner = next((way.from_socket for way in node.internal_links if way.to_socket == out), None)
             return inner and self.passage(inner, out, place)
-        kind = node.bl_idname
-        if kind in self.directing:
-            return self.directing[kind](self, node, out, place)
-        if hasattr(node, "node_tree"):
-            return self.group(node, out, place)
-        return Linked(place, node, out)
+        kind = node_types.of(node)
+        if kind.name in self.directing:
+            return self.directing[kind.name](self, node, out, place)
+        return self.group(node, out, place) if kind.group else Linked(place, node, out)
 
     def group(self, node, out, place):
         end = group_end(node.node_tree)

@@ -16,11 +16,12 @@ SUCCESSORS = {
     "ShaderNodeCombineHSV": ("ShaderNodeCombineColor", "HSV", {"H": "Red", "S": "Green", "V": "Blue"}),
 }
 NUMBERS = ("FunctionNodeInputInt", "FunctionNodeInputBool")
+OUTPUT_NAMES = frozenset((*SUCCESSORS, *NUMBERS, "ShaderNodeUVMap"))
 
 
-def output_name(writer, node, socket):
-    """What the document calls a node's output."""
-    kind, name = node.bl_idname, socket.identifier
+def output_name(writer, node, name):
+    """What the document calls an output of a node whose type is among OUTPUT_NAMES."""
+    kind = node.bl_idname
     if kind in SUCCESSORS:
         return SUCCESSORS[kind][2].get(name, name)
     if kind in NUMBERS:

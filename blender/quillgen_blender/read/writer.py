@@ -87,7 +87,10 @@ class Writer:
     def reference(self, linked):
         """[id, output, type] of a node's output."""
         node, socket = linked.node, linked.socket
-        return [self.identity(linked.place, node), versions.output_name(self, node, socket), socket.type]
+        name = socket.identifier
+        if node_types.of(node).name in versions.OUTPUT_NAMES:
+            name = versions.output_name(self, node, name)
+        return [self.identity(linked.place, node), name, socket.type]
 
     def record(self, place, node, identity):
         kind = node_types.of(node)
@@ -95,27 +98,35 @@ class Writer:
         self.nodes.append(found)
         first = len(self.waiting)
         entries = found["in"]
-        for socket, (identifier, socket_type) in zip(node.inputs, kind.inputs, strict=False):
-            entries[identifier] = (
-                self.linked(socket, identifier, kind, place, identity) if socket.is_linked else None
-            ) or self.unlinked(socket, identifier, socket_type, kind, identity)
-        self.waiting[first:] = reversed(self.waiting[first:])  # the first socket's node comes next
+        for socket, (identifier, socket_type, form) in zip(node.inputs, kind.inputs, strict=False):
+            entry = self.linked(socket, identifier, kind, place, identity) if socket.is_linked else None
+            if entry is None:
+                entry = {"t": socket_type}
+                if form == "scalar":
+                    entry["v"] = socket.default_value
+                elif form:
+                    value = list(socket.default_value)
+                    entry["v"] = value if len(value) == 3 or socket_type == "RGBA" else values.triple(value)
+            entries[identifier] = entry
+        if kind.name == "ShaderNodeTexWhiteNoise":
+            self.white_noise(node, identity, entries["Vector"])
+        if len(self.waiting) - first > 1:
+            self.waiting[first:] = reversed(self.waiting[first:])  # the first socket's node comes next
         found["outs"] = dict(kind.outputs)
         found["props"] = {
             name: make(getattr(node, name)) if make else getattr(node, name) for name, make in kind.properties
         }
-        records.add_own(self, node, kind, found)
+        for add in kind.own:
+            add(self, node, found)
         for name in kind.unknown:
             self.note(identity, f"{name} is new to this translator and has no effect")
         versions.adapt(self, node, found)
         losses.tell(self, found)
 
-    def unlinked(self, socket, identifier, socket_type, kind, identity):
-        value = values.default(socket)
-        if kind.name == "ShaderNodeTexWhiteNoise" and identifier == "Vector" and socket.enabled:
-            # the one texture that has no coordinate of its own: it reads the value of its socket
-            return {"t": socket_type, "link": self.constant(value, identifier, identity)}
-        return {"t": socket_type} if value is None else {"t": socket_type, "v": value}
+    def white_noise(self, node, identity, entry):
+        """The one texture that has no coordinate of its own: it reads the value of its socket."""
+        if "v" in entry and node.inputs["Vector"].enabled:
+            entry["link"] = self.constant(entry.pop("v"), "Vector", identity)
 
     def linked(self, socket, identifier, kind, place, identity):
         """The entry of an input that reads a link; None where nothing comes by it."""

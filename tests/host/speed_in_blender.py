@@ -1,0 +1,73 @@
+"""How long reading takes: rebuilds documents (JSON files named as arguments) as materials and reads each of them often.
+Prints one JSON object: {name: {"nodes": ..., "seconds": the shortest processor time}}. Runs inside Blender."""
+
+import json
+import sys
+import time
+from pathlib import Path
+
+import bpy
+
+HERE = Path(__file__).resolve().parent
+sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
+
+from quillgen_blender import read  # noqa: E402
+from rebuild import rebuild  # noqa: E402
+from trees import add, group, use  # noqa: E402
+
+
+def main(paths):
+    bpy.ops.wm.read_factory_settings(use_empty=True)
+    materials = {path.stem: rebuilt(path) for path in paths} | {"large": large()}
+    print(json.dumps({name: measured(material) for name, material in materials.items()}))
+
+
+def rebuilt(path):
+    document = json.loads(path.read_text())
+    for name in document.get("images", {}):
+        bpy.data.images.new(name, 4, 4)
+    return rebuild(document, path.stem)
+
+
+def large():
+    """474 nodes: forty times a group of textures, ramps and curves, and what ties them together."""
+    material = bpy.data.materials.new("Large")
+    material.use_nodes = True
+    tree = material.node_tree
+    layer = group("Layer", [("Where", "Vector"), ("Size", "Float")], [("Out", "Color")], fill)
+    before = add(tree, "TexCoord").outputs["Object"]
+    for number in range(40):
+        before = use(tree, layer, {0: before, 1: 1.0 + number}, f"Layer {number}").outputs[0]
+    tree.links.new(before, tree.nodes["Principled BSDF"].inputs["Base Color"])
+    return material
+
+
+def fill(tree, begin, end):
+    moved = add(tree, "Mapping", {0: begin[0]}).outputs[0]
+    noise = add(tree, "TexNoise", {"Vector": moved, "Scale": begin[1]})
+    cells = add(tree, "TexVoronoi", {"Vector": moved, "Scale": begin[1]})
+    waves = add(tree, "TexWave", {"Vector": moved, "Scale": begin[1]})
+    ramp = add(tree, "ValToRGB", {0: noise.outputs[0]})
+    range_ = add(tree, "MapRange", {"Value": cells.outputs["Distance"]})
+    total = add(tree, "Math", {0: range_.outputs[0], 1: waves.outputs["Fac"]}).outputs[0]
+    mixed = add(tree, "Mix", {"Factor_Float": total, "A_Color": ramp.outputs[0]}, data_type="RGBA")
+    first = add(tree, "NodeReroute")
+    tree.links.new(mixed.outputs["Result"] if len(mixed.outputs) == 1 else mixed.outputs[2], first.inputs[0])
+    shifted = add(tree, "HueSaturation", {"Color": first.outputs[0]}).outputs[0]
+    moved = add(tree, "VectorMath", {0: shifted, 1: begin[0]}).outputs[0]
+    tree.links.new(add(tree, "Gamma", {"Color": moved}).outputs[0], end[0])
+
+
+def measured(material):
+    nodes = len(read.flatten(material).document["nodes"])
+    return {"nodes": nodes, "seconds": min(once(material) for _ in range(25))}
+
+
+def once(material):
+    start = time.process_time()
+    read.flatten(material)
+    return time.process_time() - start
+
+
+if __name__ == "__main__":
+    main([Path(word) for word in sys.argv[1:]])
