@@ -84,6 +84,13 @@ PARTS = (
         ALL,
         setup=("build", "tests", "blender"),
     ),
+    pytest(
+        "extension",
+        "the files of an export, the interface, the command line and the installation, in Blender",
+        "tests/extension",
+        DEFAULT,
+        setup=("build", "tests", "blender"),
+    ),
     Part(
         "mypy",
         "types of the Python sources",

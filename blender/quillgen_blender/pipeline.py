@@ -2,6 +2,7 @@
 comes before, reading Blender, is up to the caller."""
 
 import json
+import re
 from collections.abc import Collection, Mapping, Sequence
 from dataclasses import dataclass, field, replace
 from pathlib import Path
@@ -25,10 +26,19 @@ class Settings:
     named: Collection[str] = ()
 
 
+class Failed(Exception):
+    """A material that can't be exported, in the artist's words. `node`: the id of the node that is to blame, "" where
+    none is."""
+
+    def __init__(self, text: str, node: str = ""):
+        super().__init__(text)
+        self.node = node
+
+
 def translate(
     name: str, document: dict[str, Any], notes: Sequence[Note] = (), settings: Settings | None = None
 ) -> Material:
-    """A material, ready to be written. Raises what `quillgen.compile` raises."""
+    """A material, ready to be written. Raises Failed."""
     import quillgen  # here, so that the rest works where the module isn't installed
 
     settings = settings or Settings()
@@ -36,7 +46,10 @@ def translate(
     if not settings.displacement and method != "BUMP":
         document = document | {"settings": document["settings"] | {"displacement": "BUMP"}}
     document, more = passes.prepare(document, settings.options)
-    result = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
+    try:
+        result = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
+    except quillgen.Unsupported as error:
+        raise explained(str(error), document) from error
     result, last = passes.finish(result, document, settings.named, settings.options)
     return Material(
         name=name,
@@ -46,6 +59,24 @@ def translate(
         notes=[*notes, *more, *last],
         made_by={"quillgen": getattr(quillgen, "__version__", ""), "extension": getattr(quillgen, "__version__", "")},
     )
+
+
+def explained(message: str, document: Mapping[str, Any]) -> Failed:
+    """What an artist can do about a graph that has no translation."""
+    if message == "no surface output":
+        return Failed("nothing is connected to the Surface of the Material Output")
+    for node in document["nodes"]:
+        if message.startswith(f"{node['type']}: no input"):
+            return Failed(f"the node has {message.partition(': ')[2]}, which its type needs", node["id"])
+        for socket, entry in node["in"].items():
+            source = entry.get("link", ("", "", ""))[2]
+            if source and (source == "SHADER") != (entry.get("t") == "SHADER"):
+                wanted = "a shader" if entry.get("t") == "SHADER" else "a value"
+                given = "a shader" if source == "SHADER" else "a value"
+                return Failed(f"{socket} takes {wanted}, and {given} is connected to it", node["id"])
+    if re.match("a (shader|.* value) plugged into", message):
+        return Failed("the Surface of the Material Output takes a shader, and a value is connected to it")
+    return Failed(message)
 
 
 def export_document(

@@ -6,8 +6,9 @@
 The format is told in docs/exchange.md.
 """
 
-from .manifest import Material
-from .target import Target, Written, look, write_material
+from .manifest import Material, remarks
+from .parameters import inputs
+from .target import Target, Written, look, stamp, write_material
 from .textures import Picture
 
-__all__ = ["Material", "Picture", "Target", "Written", "look", "write_material"]
+__all__ = ["Material", "Picture", "Target", "Written", "inputs", "look", "remarks", "stamp", "write_material"]

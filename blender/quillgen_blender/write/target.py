@@ -10,17 +10,32 @@ from . import files, manifest, names, textures
 from .manifest import Material
 
 Changed = Literal["all", "parameters", "nothing"]
+Stamp = tuple[int, int] | None  # when a file was written, and its size
 Identity = tuple[str, str]  # a material's name, and the library that it is linked from
 
 
 @dataclass
 class Target:
     """`folders`: the names that are taken there, by `names.key`. `materials`: the folder of each material that was
-    exported, and its manifest."""
+    exported. `manifests`: what these say, by folder, each with the stamp of its file. `looked`: the stamp of the folder
+    itself as it was looked at; it changes as folders come and go."""
 
     path: Path
+    looked: Stamp = None
     folders: set[str] = field(default_factory=set)
-    materials: dict[Identity, tuple[str, dict[str, Any]]] = field(default_factory=dict)
+    materials: dict[Identity, str] = field(default_factory=dict)
+    manifests: dict[str, tuple[Stamp, dict[str, Any]]] = field(default_factory=dict)
+
+    def manifest(self, folder: str) -> dict[str, Any] | None:
+        """The manifest in a folder as it is now; None where none of ours is there."""
+        now = stamp(self.path / folder / manifest.MANIFEST)
+        if folder not in self.manifests or self.manifests[folder][0] != now:
+            found = read_manifest(self.path / folder)
+            if found is None:
+                self.manifests.pop(folder, None)
+                return None
+            self.manifests[folder] = (now, found)
+        return self.manifests[folder][1]
 
 
 class Written(NamedTuple):
@@ -35,14 +50,22 @@ def look(path: Path) -> Target:
     """Makes the folder where it isn't there yet, and looks at what it holds."""
     path.mkdir(parents=True, exist_ok=True)
     files.sweep(path)
-    target = Target(path)
+    target = Target(path, stamp(path))
     for entry in sorted(path.iterdir()):
-        found = read_manifest(entry)
+        found = target.manifest(entry.name)
         if found is not None:
-            target.materials.setdefault((found["name"], found["library"]), (entry.name, found))
+            target.materials.setdefault((found["name"], found["library"]), entry.name)
         if found is not None or not is_empty_folder(entry):
             target.folders.add(names.key(entry.name))
     return target
+
+
+def stamp(path: Path) -> Stamp:
+    try:
+        found = path.stat()
+    except OSError:
+        return None
+    return found.st_mtime_ns, found.st_size
 
 
 def is_empty_folder(path: Path) -> bool:
@@ -63,22 +86,27 @@ def write_material(target: Target, material: Material) -> Written:
     """Writes the files of a material that have changed, all of them or none. A material keeps the folder that it
     has."""
     identity = (material.name, material.library)
-    name, before = target.materials.get(identity, ("", None))
+    name = target.materials.get(identity, "")
+    before = target.manifest(name) if name else None
+    if name and not (target.path / name).exists():
+        target.folders.discard(names.key(name))
     pictures = textures.records(material.result, material.pictures, target.path, before["textures"] if before else [])
     contents = manifest.texts(material.result)
     made = manifest.manifest(material, contents, pictures, before)
     values = manifest.dumped(manifest.values(material.result))
     changed: Changed = "all"
-    if before and (target.path / name).is_dir():
+    if before:
         changed = update(target.path / name, before, made, contents, values)
     else:
-        name = name or names.free(material.name, target.folders)
+        name = names.free(material.name, target.folders)
         whole = contents | {manifest.VALUES: values, manifest.MANIFEST: manifest.dumped(made)}
         files.make_folder(target.path / name, whole)
     target.folders.add(names.key(name))
-    target.materials[identity] = (name, before if before and changed != "all" else made)
-    if before:
-        used = {record["file"] for _, found in target.materials.values() for record in found["textures"]}
+    target.materials[identity] = name
+    if changed == "all":
+        target.manifests[name] = (stamp(target.path / name / manifest.MANIFEST), made)
+    if before and changed == "all":
+        used = {record["file"] for _, found in target.manifests.values() for record in found["textures"]}
         textures.remove_unused(target.path, before["textures"], used)
     return Written(target.path / name, changed, made)
 

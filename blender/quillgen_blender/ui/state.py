@@ -1,0 +1,33 @@
+"""What the interface knows of this session's exports. Nothing of it is saved with a file."""
+
+from collections.abc import Iterable
+from typing import Any
+
+import bpy
+
+from ..exporting import Outcome
+from . import log
+
+_outcomes: dict[int, Outcome] = {}  # by the material's session_uid
+
+
+def keep(material: Any, outcome: Outcome) -> None:
+    _outcomes[material.session_uid] = outcome
+    log.tell(outcome)
+    redraw()
+
+
+def last(material: Any) -> Outcome | None:
+    return _outcomes.get(material.session_uid) if material else None
+
+
+def forget() -> None:
+    _outcomes.clear()
+
+
+def redraw(kinds: Iterable[str] = ("PROPERTIES", "NODE_EDITOR")) -> None:
+    """Draws the editors that show a panel of ours again."""
+    for window in bpy.context.window_manager.windows:
+        for area in window.screen.areas:
+            if area.type in kinds:
+                area.tag_redraw()

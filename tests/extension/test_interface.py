@@ -1,0 +1,51 @@
+"""The interface in each Blender: the checks of checks.py, which run there."""
+
+import ast
+import json
+import os
+import subprocess
+import sys
+from pathlib import Path
+
+import pytest
+
+import quillgen
+
+HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent / "host"))
+
+import blenders  # noqa: E402
+
+NAMES = [
+    node.name
+    for node in ast.parse((HERE / "checks.py").read_text(encoding="utf-8")).body
+    if isinstance(node, ast.FunctionDef) and node.name.startswith("check_")
+]
+
+
+@pytest.fixture(scope="module", params=blenders.VERSIONS)
+def found(request, tmp_path_factory):
+    return in_blender(request.param, tmp_path_factory.mktemp("interface"))
+
+
+def in_blender(version, folder):
+    python = blenders.ROOT / f".venv-blender-{version}" / "bin" / "python"
+    if not python.exists():
+        pytest.skip(f"no Blender {version} here: tools/setup --blender makes it")
+    environment = os.environ | {
+        "BLENDER_USER_RESOURCES": str(folder / "user"),
+        "PYTHONPATH": str(Path(quillgen.__file__).parent),
+    }
+    done = subprocess.run(
+        [python, "-W", "ignore", HERE / "checks.py", folder / "report.json"],
+        capture_output=True,
+        text=True,
+        env=environment,
+    )
+    assert done.returncode == 0, done.stdout[-2000:] + done.stderr[-4000:]
+    return json.loads((folder / "report.json").read_text())
+
+
+@pytest.mark.parametrize("name", NAMES)
+def test_interface(found, name):
+    assert found[name] == ""
