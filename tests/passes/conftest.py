@@ -1,6 +1,7 @@
-"""The passes without Blender and, where it is built, the translator."""
+"""The passes need no Blender. The tests that translate need the modules: tools/test has them on its path."""
 
 import sys
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "blender"))
+HERE = Path(__file__).resolve().parent
+sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]

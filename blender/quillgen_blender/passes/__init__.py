@@ -4,17 +4,17 @@ from collections.abc import Collection
 from typing import Any
 
 from ..notes import Note
-from . import parameters, ramps
+from . import displacement, luma, parameters, ramps
 from .options import Options
 
 __all__ = ["PASSES", "Options", "finish", "prepare"]
 
 # In this order. Each takes a document and the options, and returns a document (the same one where nothing changes,
 # never one changed in place) and notes.
-PASSES = (ramps.run,)
+PASSES = (ramps.run, luma.run)
 # What follows the translation, likewise: each takes a result, the document that was translated, the names of the
 # parameters that the artist marked, and the options.
-RESULT_PASSES = (parameters.name_parameters,)
+RESULT_PASSES = (displacement.set_magnitude, parameters.name_parameters)
 
 
 def prepare(document: dict[str, Any], options: Options | None = None) -> tuple[dict[str, Any], list[Note]]:

@@ -37,10 +37,10 @@ def run(document: dict[str, Any], options: Options) -> tuple[dict[str, Any], lis
 
 
 def prepared(record: dict[str, Any], options: Options | None = None) -> dict[str, Any]:
-    """The node's record with a ramp for the translator. A ramp without the key `hue` is one already."""
+    """The node's record with a ramp for the translator. Without the key `hue` the stops are in order already."""
     options = options or Options()
     ramp = record.get("ramp")
-    if ramp is None or "hue" not in ramp:
+    if ramp is None:
         return record
     stops, mode = ramp["stops"], ramp["mode"]
     interpolation = ramp["interp"] if mode == "RGB" else "LINEAR"
@@ -54,6 +54,8 @@ def prepared(record: dict[str, Any], options: Options | None = None) -> dict[str
             "fitted": True,
         }
         return record | {"ramp": plain}
+    if "hue" not in ramp:
+        return record
     ordered = in_order(stops, interpolation, mode, ramp["hue"])
     if [origin for _, origin in ordered] != list(range(len(stops))):
         plain["origin"] = [origin for _, origin in ordered]

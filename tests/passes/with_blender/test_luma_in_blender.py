@@ -1,0 +1,21 @@
+"""The weights of a colour that feeds a number, measured with Cycles in each Blender."""
+
+import json
+import sys
+from pathlib import Path
+
+import pytest
+
+HERE = Path(__file__).resolve().parent
+sys.path[:0] = [str(HERE.parent), str(HERE.parents[1] / "host")]
+
+import blenders  # noqa: E402
+from quillgen_blender.passes import luma  # noqa: E402
+
+
+@pytest.mark.parametrize("version", blenders.VERSIONS)
+def test_weights(version):
+    measured = json.loads(blenders.run(version, HERE / "measure_luma.py")[-1])
+    expected = luma.weights([int(part) for part in version.split(".")])
+    assert measured["link"] == pytest.approx(expected, abs=5e-8)
+    assert measured["node"] == pytest.approx(expected, abs=5e-8)
