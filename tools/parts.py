@@ -77,6 +77,14 @@ PARTS = (
     pytest("extension", "the extension, without Blender", "tests/extension", FAST),
     pytest("tools", "quillgen_tools and quillgen-translate", "tests/tools", FAST),
     pytest("fuzz", "the fuzzers", "tests/robustness/test_fuzz.py", ALL),
+    pytest("passes", "what changes a document ahead of the translation", "tests/passes --ignore tests/passes/with_blender", FAST),
+    pytest(
+        "passes-in-blender",
+        "ramps and weights of colours against each Blender",
+        "tests/passes/with_blender",
+        ALL,
+        setup=("build", "tests", "blender"),
+    ),
     pytest(
         "host",
         "what the extension reads, in Blender",

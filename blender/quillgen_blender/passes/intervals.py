@@ -100,7 +100,7 @@ def product_sum_of_squares(vector: Value) -> Interval | None:
     return add(add(squares[0], squares[1]), squares[2])
 
 
-def clamped(interval: Interval | None) -> Interval:
+def clamped(interval: Interval | None) -> Interval | None:
     return UNIT if interval is None else limited(interval, UNIT)
 
 
@@ -121,7 +121,7 @@ def _mix(at: Intervals, node: dict[str, Any], output: str) -> Value:
     else:
         factors = [at.number(node, "Factor_Float")] * 3
     if props.get("clamp_factor"):
-        factors = list[Interval | None](map(clamped, factors))
+        factors = [clamped(factor) for factor in factors]
     if kind == "FLOAT":
         return [mixed(factors[0], at.number(node, "A_Float"), at.number(node, "B_Float"))]
     word = {"VECTOR": "Vector", "RGBA": "Color"}.get(kind)

@@ -64,9 +64,13 @@ def settings(material):
 
 
 def host(end, mesh, writer):
-    """What stands beside the graph: whether there is a volume, which nodes are driven or animated, the colours of the
+    """What stands beside the graph: the version, whether there is a volume, which nodes are driven or animated, the colours of the
     mesh."""
-    found = {"volume": bool(end and end.inputs["Volume"].is_linked), "drivers": driven(writer)}
+    found = {
+        "blender": list(bpy.app.version),
+        "volume": bool(end and end.inputs["Volume"].is_linked),
+        "drivers": driven(writer),
+    }
     if mesh:
         found["color_attributes"] = [layer.name for layer in mesh.color_attributes]
         index = mesh.color_attributes.render_color_index

@@ -1,10 +1,14 @@
 """Socket values as plain numbers and lists, and the conversions that Blender makes between socket types."""
 
+import bpy
+
+from ..passes import luma
+
 KINDS = {
     **dict.fromkeys(("VALUE", "INT", "BOOLEAN"), "scalar"),
     **dict.fromkeys(("VECTOR", "RGBA", "ROTATION"), "triple"),
 }
-LUMA = (0.2126, 0.7152, 0.0722)
+LUMA = luma.weights(bpy.app.version)
 # Nodes that hold a constant, by the attribute that holds it.
 HOLDERS = {
     "FunctionNodeInputInt": "integer",
