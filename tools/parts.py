@@ -73,11 +73,14 @@ PARTS = (
         "tests/robustness --ignore tests/robustness/test_fuzz.py",
         DEFAULT,
     ),
-    pytest("passes", "what is done to documents and results ahead of and behind the translation", "tests/passes", FAST),
-    pytest("extension", "the extension, without Blender", "tests/extension", FAST),
     pytest("tools", "quillgen_tools and quillgen-translate", "tests/tools", FAST),
     pytest("fuzz", "the fuzzers", "tests/robustness/test_fuzz.py", ALL),
-    pytest("passes", "what changes a document ahead of the translation", "tests/passes --ignore tests/passes/with_blender", FAST),
+    pytest(
+        "passes",
+        "what is done ahead of the translation and behind it",
+        "tests/passes --ignore tests/passes/with_blender",
+        FAST,
+    ),
     pytest(
         "passes-in-blender",
         "ramps and weights of colours against each Blender",
