@@ -42,6 +42,19 @@ class Outcome:
         return f"{self.name}, {self.node}" if self.node else self.name
 
 
+@dataclass
+class Memory:
+    """What the last export of a material started from, for the next one to know what is as it was."""
+
+    document: dict[str, Any] | None = None
+    settings: Settings | None = None
+    fingerprint: list[Any] | None = None
+
+
+class Unchanged(Exception):
+    """There is nothing to export."""
+
+
 Steps = Generator[str, None, Outcome]
 
 
@@ -71,16 +84,22 @@ def library_of(material: Any) -> str:
     return Path(material.library.filepath.replace("\\", "/")).name if material.library else ""
 
 
-def steps(material: Any, target: Target | None, settings: Settings, textures: bool | Collection[str] = True) -> Steps:
+def steps(
+    material: Any,
+    target: Target | None,
+    settings: Settings,
+    textures: bool | Collection[str] = True,
+    memory: Memory | None = None,
+) -> Steps:
     """Exports one material to a target, or just translates it where that is None. `textures`: whether its pictures
-    are saved, or the names of those that are. Yields what it is about to do, and never raises but for errors of the
-    program that started it."""
+    are saved, or the names of those that are. `memory` is that of the last export of this material to this target.
+    Yields what it is about to do, and never raises but for errors of the program that started it."""
     began = time.perf_counter()
     library = library_of(material)
     outcome = Outcome(material.name, library, at=time.time())
     paths: dict[str, tuple[str, ...]] = {}
     try:
-        made, paths = yield from translation(material, settings, with_labels=target is not None)
+        made, paths = yield from translation(material, settings, target is not None, memory, not textures)
         inputs = write.inputs(made.result)
         outcome = replace(
             outcome,
@@ -94,6 +113,8 @@ def steps(material: Any, target: Target | None, settings: Settings, textures: bo
         if target is not None:
             written = yield from writing(made, target, textures)
             outcome = replace(outcome, folder=str(written.folder), changed=written.changed)
+    except Unchanged:
+        outcome = replace(outcome, changed="nothing")
     except Failed as error:
         outcome = replace(outcome, error=str(error), node=error.node, paths=paths, changed="")
     except OSError as error:
@@ -107,28 +128,54 @@ def steps(material: Any, target: Target | None, settings: Settings, textures: bo
 
 
 def translation(
-    material: Any, settings: Settings, with_labels: bool = True
+    material: Any,
+    settings: Settings,
+    with_labels: bool = True,
+    memory: Memory | None = None,
+    may_be_unchanged: bool = False,
 ) -> Generator[str, None, tuple[Material, dict[str, tuple[str, ...]]]]:
-    """Reads and translates a material."""
+    """Reads and translates a material. Raises Failed, and Unchanged where `memory` says that nothing has changed."""
     yield "reading"
     why = exportable(material)
     if why:
         raise Failed(why)
     reading = read.flatten(material)
-    found = labels.labels(material, reading.document, reading.paths) if with_labels else {}
+    yield "comparing"
+    same = labels_are_as_before(material, reading, settings, memory, may_be_unchanged)
     yield "translating"
     try:
         made = pipeline.translate(material.name, reading.document, reading.notes, settings)
     except Failed as error:
         error.node = shown(error.node, reading.paths)
         raise
+    found: labels.Labels = {}
+    if with_labels and not same:
+        live = made.result["params"].keys()
+        wanted = {origin for name, origin in write.origins(made.document).items() if name in live}
+        for more in labels.by_node(material, made.document, reading.paths, wanted):
+            yield "labels"
+            found.update(more)
     made = replace(
         made,
         library=library_of(material),
-        labels=found,
+        labels=None if same else found,
         made_by={**made.made_by, "blender": ".".join(map(str, bpy.app.version))},
     )
     return made, reading.paths
+
+
+def labels_are_as_before(
+    material: Any, reading: read.Reading, settings: Settings, memory: Memory | None, may_be_unchanged: bool
+) -> bool:
+    """Whether the labels are those of the last export. Raises Unchanged where all else is as well."""
+    if memory is None:
+        return False
+    now = labels.fingerprint(material)
+    same = memory.fingerprint == now
+    if same and may_be_unchanged and memory.settings == settings and memory.document == reading.document:
+        raise Unchanged
+    memory.document, memory.settings, memory.fingerprint = reading.document, settings, now
+    return same
 
 
 def shown(node: str, paths: dict[str, tuple[str, ...]]) -> str:
@@ -140,12 +187,16 @@ def writing(made: Material, target: Target, textures: bool | Collection[str]) ->
     wanted = {entry["image"] for entry in write.inputs(made.result) if entry["kind"] == "texture"}
     if textures is not True:
         wanted &= set(textures or ())
-    with tempfile.TemporaryDirectory(prefix="quillgen-") as folder:
-        if wanted:
-            yield "saving pictures"
+    if not wanted:
+        yield "comparing"
+        prepared = write.prepare(target, made)
+    else:
+        yield "saving pictures"
+        with tempfile.TemporaryDirectory(prefix="quillgen-") as folder:
             made = replace(made, pictures=save_pictures(wanted, Path(folder), made))
-        yield "writing"
-        return write.write_material(target, made)
+            prepared = write.prepare(target, made)
+    yield "writing"
+    return write.commit(target, prepared)
 
 
 def save_pictures(images: Iterable[str], folder: Path, made: Material) -> dict[str, Picture]:

@@ -3,6 +3,8 @@
 python checks.py OUT.json      what failed, by name; BLENDER_USER_RESOURCES names an empty folder
 """
 
+import contextlib
+import io
 import json
 import sys
 import tempfile
@@ -19,9 +21,12 @@ import materials  # noqa: E402
 from recording import Layout, context_of, drawn, operator_type  # noqa: E402
 
 import quillgen_blender  # noqa: E402
-from quillgen_blender import exporting, read  # noqa: E402
+from quillgen_blender import command, exporting, read  # noqa: E402
 from quillgen_blender.read import labels  # noqa: E402
 from quillgen_blender.ui import live, panels, state  # noqa: E402
+
+
+NUMBERS = {}  # what was measured, for the report
 
 
 def setting():
@@ -422,6 +427,155 @@ def check_a_material_that_is_removed_meanwhile():
     assert live._waiting.job is None
 
 
+PAUSE = 5.0  # milliseconds that Blender's main thread is busy at a time
+WHOLE = {"slider": 10.0, "graph": 30.0}  # and all in all, on a machine that may be busy
+
+
+def slices(edit):
+    """The CPU time of what Blender's main thread does for an edit: the handler, then each call of the timer, in
+    milliseconds. The machine may be busy: best of many."""
+    found = []
+    handler = live.changed
+    spent = []
+
+    def timed(*words):
+        began = time.thread_time()
+        handler(*words)
+        spent.append(1000 * (time.thread_time() - began))
+
+    handlers = bpy.app.handlers.depsgraph_update_post
+    handlers[handlers.index(handler)] = timed
+    try:
+        for turn in range(60):
+            spent.clear()
+            edit(turn)
+            bpy.context.view_layer.update()
+            Clock.now += 0.35
+            again = 0.0
+            while again is not None:
+                began = time.thread_time()
+                again = live.tick()
+                spent.append(1000 * (time.thread_time() - began))
+                Clock.now += again or 0.0
+            found.append(list(spent))
+    finally:
+        handlers[handlers.index(timed)] = handler
+    return found
+
+
+def check_an_edit_takes_little_of_the_main_thread():
+    setting()
+    material = materials.of_sixty_nodes()
+    active("Sixty")
+    scene = bpy.context.scene.quillgen
+    scene.parameters = "all"
+    bpy.ops.quillgen.export()
+    scene.live = True
+    nodes = material.node_tree.nodes
+
+    def slider(turn):
+        nodes["Noise Texture"].inputs["Scale"].default_value = 5 + turn / 100
+
+    def graph(turn):
+        nodes["Math"].operation = ("MULTIPLY", "ADD")[turn % 2]
+
+    for name, edit, changed in (("slider", slider, "parameters"), ("graph", graph, "all")):
+        found = slices(edit)
+        assert state.last(material).changed == changed
+        NUMBERS[f"{name}, whole edit, ms"] = whole = min(map(sum, found))
+        NUMBERS[f"{name}, longest pause, ms"] = pause = min(map(max, found))
+        assert pause <= PAUSE and whole <= WHOLE[name], NUMBERS
+
+
+# The command line
+
+
+def saved():
+    """A .blend file with materials, in an empty folder."""
+    out = setting()
+    file = out / "scene.blend"
+    bpy.ops.wm.save_as_mainfile(filepath=str(file))
+    return file
+
+
+def ran(*words):
+    """The exit code of a command line, and what it printed on stdout and on stderr."""
+    texts = io.StringIO(), io.StringIO()
+    with contextlib.redirect_stdout(texts[0]), contextlib.redirect_stderr(texts[1]):
+        try:
+            code = command.main([str(word) for word in words])
+        except SystemExit as error:
+            code = error.code
+    return code, texts[0].getvalue(), texts[1].getvalue()
+
+
+def check_command_exports_all_and_tells():
+    file = saved()
+    code, told, errors = ran(file, "--out", file.parent / "out")
+    assert (code, errors) == (0, "")
+    assert "6 exported, 0 unchanged, 0 failed" in told and "My Wire: " in told, told
+    assert (file.parent / "out" / "Sand" / "material.json").is_file()
+    assert not (file.parent / "out" / command.RUN).exists()
+    assert "0 exported, 6 unchanged" in ran(file, "--out", file.parent / "out")[1]
+    assert ran(file, "--out", file.parent / "out", "--quiet") == (0, "", "")
+
+
+def check_command_takes_materials_by_name():
+    file = saved()
+    code, told, _ = ran(file, "--out", file.parent / "out", "--material", "Sand", "Oak")
+    assert code == 0 and sorted(path.name for path in (file.parent / "out").iterdir()) == ["Oak", "Sand"], told
+    code, _, errors = ran(file, "--out", file.parent / "other", "--material", "Sand", "Elm")
+    assert code == 2 and "has no material Elm" in errors and not (file.parent / "other").exists()
+
+
+def check_command_refuses_what_is_not_there():
+    file = saved()
+    assert ran(file.parent / "gone.blend", "--out", file.parent / "out")[::2] == (
+        2,
+        f"quillgen_blender: {file.parent / 'gone.blend'}: no such file\n",
+    )
+    (file.parent / "text.blend").write_text("no blend")
+    assert ran(file.parent / "text.blend", "--out", file.parent / "out")[0] == 2
+    assert ran(file, "--out", file)[0] == 2
+    assert ran(file)[0] == 2
+
+
+def check_command_tells_failures_by_its_exit_code():
+    file = saved()
+    bpy.data.materials["Oak"].node_tree.links.clear()
+    bpy.ops.wm.save_as_mainfile(filepath=str(file))
+    code, told, errors = ran(file, "--out", file.parent / "out")
+    assert code == 1 and "Oak: nothing is connected" in errors and "5 exported, 0 unchanged, 1 failed" in told
+
+
+def check_command_goes_on_where_it_was_interrupted():
+    file = saved()
+    out = file.parent / "out"
+    whole, done = exporting.finish, []
+
+    def interrupted(job):
+        if len(done) == 2:
+            raise KeyboardInterrupt
+        done.append(whole(job))
+        return done[-1]
+
+    exporting.finish = interrupted
+    try:
+        code, _, errors = ran(file, "--out", out)
+    finally:
+        exporting.finish = whole
+    assert code == 130 and "stopped after 2 of 6" in errors
+    code, told, _ = ran(file, "--out", out)
+    assert code == 0 and "2 of 6 are done" in told and "4 exported, 0 unchanged, 0 failed, 2 done before" in told, told
+    exporting.finish = interrupted
+    done.clear()
+    try:
+        ran(file, "--out", out)
+    finally:
+        exporting.finish = whole
+    assert "done before" not in ran(file, "--out", out, "--parameters", "none")[1], "another run starts anew"
+
+
 def main(out):
     quillgen_blender.register()
     live.time = Clock
@@ -434,7 +588,7 @@ def main(out):
             except Exception:
                 report[name] = traceback.format_exc()
     quillgen_blender.unregister()
-    Path(out).write_text(json.dumps(report))
+    Path(out).write_text(json.dumps({"checks": report, "numbers": NUMBERS}))
 
 
 if __name__ == "__main__":

@@ -78,3 +78,20 @@ def remarked():
     wire.name = "My Wire"
     tree.links.new(wire.outputs[0], shader.inputs["Roughness"])
     return material
+
+
+def of_sixty_nodes():
+    """A chain of the nodes that artists use most, as long as a large material."""
+    kinds = ("TexNoise", "Math", "MapRange", "Mix", "ValToRGB", "TexVoronoi", "Mapping", "VectorMath", "HueSaturation")
+    material, tree, shader = fresh("Sixty")
+    last = None
+    for place in range(58):
+        node = tree.nodes.new(f"ShaderNode{kinds[place % len(kinds)]}")
+        if last:
+            ends = [socket for socket in node.inputs if socket.enabled and socket.type in ("VALUE", "RGBA", "VECTOR")]
+            tree.links.new(last.outputs[0], ends[0])
+        last = node
+    tree.links.new(last.outputs[0], shader.inputs["Base Color"])
+    assert len(tree.nodes) == 60
+    bpy.context.object.data.materials.append(material)
+    return material

@@ -43,7 +43,9 @@ def in_blender(version, folder):
         env=environment,
     )
     assert done.returncode == 0, done.stdout[-2000:] + done.stderr[-4000:]
-    return json.loads((folder / "report.json").read_text())
+    report = json.loads((folder / "report.json").read_text())
+    print(f"Blender {version}:", ", ".join(f"{name} {number:.2f}" for name, number in report["numbers"].items()))
+    return report["checks"]
 
 
 @pytest.mark.parametrize("name", NAMES)

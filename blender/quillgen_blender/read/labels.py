@@ -1,5 +1,6 @@
 """What an artist reads at the sockets that become parameters: names, ranges, tooltips."""
 
+from collections.abc import Container, Iterator
 from typing import Any
 
 import bpy
@@ -17,26 +18,88 @@ OWN_VALUES = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color"}
 HOPS = 100  # links that are followed outwards, at most
 
 
+Labels = dict[tuple[str, str], Label]
+
+
 def labels(
-    material: bpy.types.Material, document: dict[str, Any], paths: dict[str, tuple[str, ...]]
-) -> dict[tuple[str, str], Label]:
-    """Node id and socket -> label, for all values in a document that `read.flatten` made of the material. Where a
-    value comes from outside of a group, the label is that of the group node's socket."""
-    found: dict[tuple[str, str], Label] = {}
-    places: dict[tuple[str, ...], tuple[Any, ...]] = {}
+    material: bpy.types.Material,
+    document: dict[str, Any],
+    paths: dict[str, tuple[str, ...]],
+    wanted: Container[tuple[str, str]] | None = None,
+) -> Labels:
+    """Node id and socket -> label, for the values in a document that `read.flatten` made of the material, or for those
+    that are wanted. Where a value comes from outside of a group, the label is that of the group node's socket."""
+    found: Labels = {}
+    for more in by_node(material, document, paths, wanted):
+        found.update(more)
+    return found
+
+
+def by_node(
+    material: bpy.types.Material,
+    document: dict[str, Any],
+    paths: dict[str, tuple[str, ...]],
+    wanted: Container[tuple[str, str]] | None = None,
+) -> Iterator[Labels]:
+    """The same, node by node, for those who have no time for all at once."""
+    chains: dict[tuple[str, ...], tuple[Any, ...]] = {}
+    ranges: dict[str, tuple[float | None, float | None]] = {}
     for record in document["nodes"]:
         path = paths.get(record["id"])
         if path is None:
             continue
-        chain = places.get(path)
+        asked = [socket for socket in sockets_of(record) if wanted is None or (record["id"], socket) in wanted]
+        if not asked:
+            continue
+        chain = chains.get(path)
         if chain is None:
-            chain = places[path] = nodes_on(material.node_tree, path)
+            chain = chains[path] = nodes_on(material.node_tree, path)
         if not chain:
             continue
         if chain[-1].bl_idname != record["type"] or record["id"].rpartition("/")[2] != chain[-1].name:
-            found.update(of_helper(record, chain))
+            yield of_helper(record, chain, ranges)
         else:
-            found.update(of_node(record, chain))
+            yield of_node(record, chain, asked, ranges)
+
+
+def sockets_of(record: dict[str, Any]) -> list[str]:
+    """What of a node may become a parameter."""
+    found = [socket for socket, entry in record["in"].items() if "link" not in entry]
+    if record["type"] in OWN_VALUES:
+        found.append(OWN_VALUES[record["type"]])
+    for place in range(len(record.get("ramp", {}).get("stops", ()))):
+        found += [f"stop{place}_pos", f"stop{place}_col"]
+    return found
+
+
+def fingerprint(material: bpy.types.Material) -> list[Any]:
+    """Changes with all that labels depend on but the records of the document: names and headers of nodes, and what
+    reaches a group from outside."""
+    found: list[Any] = []
+    waiting, seen = [material.node_tree], set()
+    while waiting:
+        tree = waiting.pop()
+        seen.add(tree)
+        for node in tree.nodes:
+            found.append((node.name, node.label))
+            inner = getattr(node, "node_tree", None)
+            if inner is not None and inner not in seen:
+                waiting.append(inner)
+            word = OPERATIONS.get(node.bl_idname)
+            if word:
+                found.append(getattr(node, word))
+        if tree != material.node_tree:
+            found.append(tree.name)
+            found += [
+                (item.name, item.description, getattr(item, "min_value", None), getattr(item, "max_value", None))
+                for item in tree.interface.items_tree
+                if item.item_type == "SOCKET"
+            ]
+            found += [
+                (link.from_socket.identifier, link.to_node.name, link.to_socket.identifier)
+                for link in tree.links
+                if link.from_node.bl_idname in ("NodeGroupInput", "NodeReroute")
+            ]
     return found
 
 
@@ -52,41 +115,45 @@ def nodes_on(tree: Any, path: tuple[str, ...]) -> tuple[Any, ...]:
     return tuple(chain)
 
 
-def of_node(record: dict[str, Any], chain: tuple[Any, ...]) -> dict[tuple[str, str], Label]:
+def of_node(
+    record: dict[str, Any],
+    chain: tuple[Any, ...],
+    asked: Container[str],
+    ranges: dict[str, tuple[float | None, float | None]],
+) -> Labels:
     node, identity = chain[-1], record["id"]
+    base = header_label(chain)
     found = {}
-    entries = record["in"]
     counts: dict[str, int] = {}
-    shown_first = sorted(enumerate(node.inputs), key=lambda item: not item[1].enabled)
-    for order, socket in shown_first:  # the hidden ones are numbered behind those that the node shows
+    sockets = list(enumerate(node.inputs))
+    sockets.sort(key=lambda item: not item[1].enabled)  # the hidden ones are numbered behind those that the node shows
+    for order, socket in sockets:
         name = socket.label or socket.name
         counts[name] = counts.get(name, 0) + 1
-        entry = entries.get(socket.identifier)
-        if entry is None or "link" in entry:
+        if socket.identifier not in asked:
             continue
         shown = name if counts[name] == 1 else f"{name} {counts[name]}"
-        outer = outwards(socket, chain[:-1])
-        found[identity, socket.identifier] = outer or of_socket(socket, chain, shown, order)
+        outer = outwards(socket, chain[:-1], ranges) if socket.is_linked else None
+        found[identity, socket.identifier] = outer or of_socket(socket, base, shown, order, ranges)
     if record["type"] in OWN_VALUES:
-        color = record["type"] == "ShaderNodeRGB"
-        found[identity, OWN_VALUES[record["type"]]] = header_label(chain)._replace(color=color)
+        found[identity, OWN_VALUES[record["type"]]] = base._replace(color=record["type"] == "ShaderNodeRGB")
     for place in range(len(record.get("ramp", {}).get("stops", ()))):
-        label = header_label(chain)._replace(order=len(node.inputs) + 2 * place)
-        found[identity, f"stop{place}_pos"] = label._replace(
-            socket=f"Stop {place + 1} Position", minimum=0.0, maximum=1.0
-        )
+        label = base._replace(socket=f"Stop {place + 1} Position", order=len(sockets) + 2 * place)
+        found[identity, f"stop{place}_pos"] = label._replace(minimum=0.0, maximum=1.0)
         found[identity, f"stop{place}_col"] = label._replace(
             socket=f"Stop {place + 1} Color", color=True, order=label.order + 1
         )
     return found
 
 
-def of_helper(record: dict[str, Any], chain: tuple[Any, ...]) -> dict[tuple[str, str], Label]:
+def of_helper(
+    record: dict[str, Any], chain: tuple[Any, ...], ranges: dict[str, tuple[float | None, float | None]]
+) -> Labels:
     """Labels of a node that the reader put in: it holds the value of a socket of the node that it feeds."""
-    node = chain[-1]
-    for order, socket in enumerate(node.inputs):
-        if record["id"].rpartition(" ")[2] == socket.identifier or record["id"].endswith(f" {socket.identifier}"):
-            base = outwards(socket, chain[:-1]) or of_socket(socket, chain, socket.label or socket.name, order)
+    for order, socket in enumerate(chain[-1].inputs):
+        if record["id"].endswith(f" {socket.identifier}"):
+            outer = outwards(socket, chain[:-1], ranges) if socket.is_linked else None
+            base = outer or of_socket(socket, header_label(chain), socket.label or socket.name, order, ranges)
             return {
                 (record["id"], name): base._replace(socket=f"{base.socket} {name}".strip())
                 for name, entry in record["in"].items()
@@ -95,7 +162,9 @@ def of_helper(record: dict[str, Any], chain: tuple[Any, ...]) -> dict[tuple[str,
     return {}
 
 
-def outwards(socket: Any, groups: tuple[Any, ...]) -> Label | None:
+def outwards(
+    socket: Any, groups: tuple[Any, ...], ranges: dict[str, tuple[float | None, float | None]]
+) -> Label | None:
     """The label of the group node's socket that the value of a socket comes from; None where the value is the
     socket's own."""
     found = None
@@ -111,28 +180,27 @@ def outwards(socket: Any, groups: tuple[Any, ...]) -> Label | None:
         if link.from_node.bl_idname != "NodeGroupInput":
             break
         identifier = link.from_socket.identifier
-        outer = next((each for each in groups[-1].inputs if each.identifier == identifier), None)
-        if outer is None:
+        place = next((place for place, each in enumerate(groups[-1].inputs) if each.identifier == identifier), None)
+        if place is None:
             break
-        order = next(place for place, each in enumerate(groups[-1].inputs) if each == outer)
-        found = of_socket(outer, groups, outer.name, order, in_group=True)
-        socket, groups = outer, groups[:-1]
+        socket = groups[-1].inputs[place]
+        found = of_socket(socket, header_label(groups), socket.name, place, ranges)
+        low, high, description = interface_range(groups[-1].node_tree, identifier)
+        found = found._replace(minimum=low, maximum=high, description=description)
+        groups = groups[:-1]
     return found
 
 
-def of_socket(socket: Any, chain: tuple[Any, ...], shown: str, order: int, in_group: bool = False) -> Label:
-    """The label of the last node's socket."""
-    low, high, description = soft_range(socket)
-    if in_group:
-        low, high, description = interface_range(chain[-1].node_tree, socket.identifier) or (low, high, description)
-    return header_label(chain)._replace(
-        socket=shown,
-        color=socket.type == "RGBA",
-        minimum=low,
-        maximum=high,
-        description=description,
-        order=order,
-    )
+def of_socket(
+    socket: Any, base: Label, shown: str, order: int, ranges: dict[str, tuple[float | None, float | None]]
+) -> Label:
+    """The label of a socket, with `base` of its node."""
+    kind = socket.bl_idname
+    if kind not in ranges:
+        ranges[kind] = soft_range(socket)
+    low, high = ranges[kind]
+    color = socket.type == "RGBA"
+    return Label(base.header, base.node, base.groups, shown, color, low, high, socket.description, order)
 
 
 def header_label(chain: tuple[Any, ...]) -> Label:
@@ -154,18 +222,16 @@ def header(node: Any) -> str:
     return node.bl_label
 
 
-def soft_range(socket: Any) -> tuple[float | None, float | None, str]:
-    """The range of the socket's slider, None where it has none, and the tooltip."""
+def soft_range(socket: Any) -> tuple[float | None, float | None]:
+    """The range of the slider of sockets of this kind, None where they have none."""
     value = socket.bl_rna.properties.get("default_value")
     if value is None or value.type != "FLOAT" or socket.type == "RGBA":
-        return None, None, socket.description
+        return None, None
     low, high = value.soft_min, value.soft_max
-    if low <= -NO_LIMIT and high >= NO_LIMIT:
-        return None, None, socket.description
-    return low, high, socket.description
+    return (None, None) if low <= -NO_LIMIT and high >= NO_LIMIT else (low, high)
 
 
-def interface_range(tree: Any, identifier: str) -> tuple[float | None, float | None, str] | None:
+def interface_range(tree: Any, identifier: str) -> tuple[float | None, float | None, str]:
     """The range and the tooltip that the group's author gave to a socket."""
     for item in tree.interface.items_tree:
         if item.item_type == "SOCKET" and item.in_out == "INPUT" and item.identifier == identifier:
@@ -173,4 +239,4 @@ def interface_range(tree: Any, identifier: str) -> tuple[float | None, float | N
             if low is None or high is None or (low <= -NO_LIMIT and high >= NO_LIMIT):
                 return None, None, item.description
             return low, high, item.description
-    return None
+    return None, None, ""

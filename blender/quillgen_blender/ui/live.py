@@ -5,8 +5,8 @@ with a chance for Blender to draw between them.
 """
 
 import time
-from collections.abc import Collection
-from typing import Any
+from collections.abc import Collection, Iterator
+from typing import Any, NamedTuple
 
 import bpy
 
@@ -17,15 +17,23 @@ SLICE = 0.004  # seconds of work at a time
 SOON = 0.01  # seconds until the next slice
 
 
+class Job(NamedTuple):
+    """Work in steps. `material`: the one that is exported, None while materials are looked for."""
+
+    material: Any
+    steps: Iterator[str]
+
+
 class Waiting:
     """What was edited and isn't exported yet."""
 
     def __init__(self) -> None:
         self.materials: dict[int, float] = {}  # session_uid -> when it was edited last
+        self.shared: dict[int, float] = {}  # the same of groups and images, whose materials aren't known yet
         self.images: set[str] = set()  # names of those whose pixels may have changed
-        self.users: dict[int, set[int]] = {}  # session_uid of a group or an image -> those of its materials
         self.target: write.Target | None = None
-        self.job: tuple[Any, exporting.Steps] | None = None
+        self.memories: dict[int, exporting.Memory] = {}  # session_uid -> what was exported last
+        self.job: Job | None = None
 
     def forget(self) -> None:
         self.__init__()  # type: ignore[misc]
@@ -66,38 +74,38 @@ def switched(on: bool) -> None:
 
 @bpy.app.handlers.persistent
 def changed(scene: Any, depsgraph: Any) -> None:
-    """Notes the materials that an update is about."""
-    edited = set()
+    """Notes what an update is about."""
+    now = time.monotonic()
+    noted = False
     for update in depsgraph.updates:
         found = update.id.original
         if isinstance(found, bpy.types.Material):
-            edited.add(found.session_uid)
-        elif isinstance(found, (bpy.types.ShaderNodeTree, bpy.types.Image)):
-            edited |= users_of(found)
+            _waiting.materials[found.session_uid] = now
+        elif isinstance(found, (bpy.types.ShaderNodeTree, bpy.types.Image)) and not found.is_embedded_data:
+            _waiting.shared[found.session_uid] = now
             if isinstance(found, bpy.types.Image):
                 _waiting.images.add(found.name)
-    if not edited:
-        return
-    now = time.monotonic()
-    _waiting.materials.update(dict.fromkeys(edited, now))
-    if not bpy.app.timers.is_registered(tick):
+        else:
+            continue
+        noted = True
+    if noted and not bpy.app.timers.is_registered(tick):
         bpy.app.timers.register(tick, first_interval=preferences.of(bpy.context).rest)
 
 
-def users_of(found: Any) -> set[int]:
-    """The materials that a group or an image is part of. Looked up once until the next material is edited."""
-    if found.session_uid not in _waiting.users:
-        users: set[int] = set()
-        seen, waiting = {found}, [found]
-        while waiting:
-            for user in bpy.data.user_map(subset=[waiting[-1]])[waiting.pop()]:
-                if isinstance(user, bpy.types.Material):
-                    users.add(user.session_uid)
-                elif isinstance(user, bpy.types.ShaderNodeTree) and user not in seen:
-                    seen.add(user)
-                    waiting.append(user)
-        _waiting.users[found.session_uid] = users
-    return _waiting.users[found.session_uid]
+def users(edited: dict[int, float]) -> Iterator[str]:
+    """Notes the materials that groups or images are part of, a material at a time."""
+    for material in list(bpy.data.materials):
+        yield "looking"
+        if exporting.exportable(material):
+            continue
+        parts = {part.session_uid for node in all_nodes(material.node_tree) for part in parts_of(node)}
+        times = [when for uid, when in edited.items() if uid in parts]
+        if times:
+            _waiting.materials[material.session_uid] = max(times)
+
+
+def parts_of(node: Any) -> list[Any]:
+    return [part for part in (getattr(node, "node_tree", None), getattr(node, "image", None)) if part]
 
 
 def tick() -> float | None:
@@ -108,50 +116,60 @@ def tick() -> float | None:
     while time.perf_counter() < until:
         if _waiting.job is None and not begin(context, rest):
             break
-        if _waiting.job is not None:
-            step()
+        step()
     if _waiting.job is not None:
         return SOON
-    if not _waiting.materials:
-        return None
-    return max(SOON, min(_waiting.materials.values()) + rest - time.monotonic())
+    edits = [*_waiting.materials.values(), *_waiting.shared.values()]
+    return max(SOON, min(edits) + rest - time.monotonic()) if edits else None
 
 
 def begin(context: Any, rest: float) -> bool:
-    """Starts the export of a material whose edit has rested; whether there was one."""
-    ready = [uid for uid, edited in _waiting.materials.items() if time.monotonic() - edited >= rest]
+    """Takes up what has rested; whether there was something."""
+    now = time.monotonic()
+    if _waiting.shared and now - max(_waiting.shared.values()) >= rest:
+        _waiting.job = Job(None, users(_waiting.shared))
+        _waiting.shared = {}
+        return True
+    ready = [uid for uid, edited in _waiting.materials.items() if now - edited >= rest]
     if not ready:
         return False
     del _waiting.materials[ready[0]]
-    _waiting.users.clear()
     material = next((each for each in bpy.data.materials if each.session_uid == ready[0]), None)
     target = current_target(context)
-    if material is None or target is None or exporting.exportable(material):
+    if material is None or target is None or exporting.exportable(material) or not preferences.of(context).live:
         return True
     folder = target.materials.get((material.name, exporting.library_of(material)))
     before = target.manifest(folder) if folder else None
-    if before is None or not preferences.of(context).live:
+    if before is None:
         return True
     textures: bool | Collection[str] = False
     if context.scene.quillgen.textures:
-        kept = {record["image"] for record in before["textures"] if record["file"]}
-        used = {node.image.name for node in all_nodes(material.node_tree) if getattr(node, "image", None)}
-        textures = used - kept | used & _waiting.images
-    _waiting.images.clear()
-    _waiting.job = material, exporting.steps(material, target, settings.chosen(context), textures)
+        textures = changed_images(material, before)
+    memory = _waiting.memories.setdefault(material.session_uid, exporting.Memory())
+    _waiting.job = Job(material, exporting.steps(material, target, settings.chosen(context), textures, memory))
     return True
+
+
+def changed_images(material: Any, before: dict[str, Any]) -> set[str]:
+    """The images of a material that the target hasn't got as they are."""
+    kept = {record["image"] for record in before["textures"] if record["file"]}
+    used = {node.image.name for node in all_nodes(material.node_tree) if getattr(node, "image", None)}
+    return (used - kept) | (used & _waiting.images)
 
 
 def step() -> None:
     """One step of the job under way."""
     if _waiting.job is None:
         return
-    material, job = _waiting.job
+    material, steps = _waiting.job
     try:
-        next(job)
+        next(steps)
     except StopIteration as end:
         _waiting.job = None
-        state.keep(material, end.value)
+        if material is not None:
+            state.keep(material, end.value)
+        if not _waiting.materials:
+            _waiting.images.clear()  # all of their materials have them
     except ReferenceError:  # the material was removed meanwhile
         _waiting.job = None
 
@@ -163,10 +181,11 @@ def current_target(context: Any) -> write.Target | None:
         _waiting.target = None
     elif _waiting.target is None or _waiting.target.path != path or write.stamp(path) != _waiting.target.looked:
         _waiting.target = write.look(path)
+        _waiting.memories.clear()
     return _waiting.target
 
 
-def all_nodes(tree: Any, depth: int = 0) -> Any:
+def all_nodes(tree: Any, depth: int = 0) -> Iterator[Any]:
     for node in tree.nodes:
         yield node
         inner = getattr(node, "node_tree", None)

@@ -7,8 +7,21 @@ The format is told in docs/exchange.md.
 """
 
 from .manifest import Material, remarks
-from .parameters import inputs
-from .target import Target, Written, look, stamp, write_material
+from .parameters import inputs, origins
+from .target import Target, Written, commit, look, prepare, stamp, write_material
 from .textures import Picture
 
-__all__ = ["Material", "Picture", "Target", "Written", "inputs", "look", "remarks", "stamp", "write_material"]
+__all__ = [
+    "Material",
+    "Picture",
+    "Target",
+    "Written",
+    "commit",
+    "inputs",
+    "look",
+    "origins",
+    "prepare",
+    "remarks",
+    "stamp",
+    "write_material",
+]

@@ -57,6 +57,19 @@ def make_folder(place: Path, files: Mapping[str, bytes]) -> None:
         os.rename(whole, place)
 
 
+def put(place: Path, content: bytes) -> None:
+    """Puts one file into its place."""
+    handle, name = tempfile.mkstemp(prefix=TEMPORARY, dir=place.parent)
+    try:
+        with os.fdopen(handle, "wb") as file:
+            file.write(content)
+        os.chmod(name, 0o644)  # mkstemp lets nobody else read it
+        move(Path(name), place)
+    except OSError:
+        Path(name).unlink(missing_ok=True)
+        raise
+
+
 def replace(folder: Path, files: Mapping[str, bytes]) -> None:
     """Puts the files into a folder in the order given, each whole. Where one can't be put, those before it become
     again what they were."""
@@ -90,4 +103,4 @@ def sweep(folder: Path) -> None:
     for path in folder.glob(TEMPORARY + "*"):
         with contextlib.suppress(OSError):
             if time.time() - path.stat().st_mtime > LEFT_OVER:
-                shutil.rmtree(path)
+                shutil.rmtree(path) if path.is_dir() else path.unlink()

@@ -33,7 +33,8 @@ class Material:
 
     `document` is what was translated and `result` what `quillgen.compile` gave for it in the mode `mode`. `library`
     names the file that the material is linked from, "" where it is the file's own: name and library together tell a
-    material. `labels` goes by node id and socket, `pictures` by the image's name. `made_by`: versions by name.
+    material. `labels` goes by node id and socket; None where they are what they were at the last export. `pictures`
+    goes by the image's name. `made_by`: versions by name.
     """
 
     name: str
@@ -42,7 +43,7 @@ class Material:
     mode: str = "surface"
     library: str = ""
     notes: Sequence[Note] = ()
-    labels: Mapping[tuple[str, str], Label] = field(default_factory=dict)
+    labels: Mapping[tuple[str, str], Label] | None = field(default_factory=dict)
     pictures: Mapping[str, Picture] = field(default_factory=dict)
     made_by: Mapping[str, str] = field(default_factory=dict)
 
@@ -62,7 +63,7 @@ def manifest(
     before: Mapping[str, Any] | None,
 ) -> dict[str, Any]:
     result = material.result
-    last = before["parameters"]["records"] if before else ()
+    last = before["parameters"]["records"] if before else []
     displacement = result["displacement"]
     return {
         "format": FORMAT,
@@ -87,29 +88,43 @@ def manifest(
         },
         "parameters": {
             "file": VALUES,
-            "records": parameters.records(result, material.document, material.labels, last),
+            "records": records(material, last),
         },
         "textures": textures,
         "remarks": remarks(result["warnings"], material.notes, material.document),
     }
 
 
+def records(material: Material, last: list[dict[str, Any]]) -> list[dict[str, Any]]:
+    """One record for each parameter. Where labels and names are those of the last export, so are the records."""
+    if material.labels is None and {row["name"] for row in last} == material.result["params"].keys():
+        return last
+    return parameters.records(material.result, material.document, material.labels or {}, last)
+
+
 def wired(entry: Mapping[str, Any]) -> dict[str, Any]:
     """An input as JSON can hold it."""
-    return {key: parameters.finite(value) if key == "default" else value for key, value in entry.items()}
+    value = entry.get("default")
+    if value is None or parameters.finite(value) is value:
+        return dict(entry)
+    return {**entry, "default": parameters.finite(value)}
 
 
 def values(result: Mapping[str, Any]) -> dict[str, Any]:
     return {"format": VALUES_FORMAT, "version": VERSION, "values": parameters.values(result)}
 
 
-def without_values(manifest: Mapping[str, Any]) -> Any:
-    """What stays as it is while only values change."""
-    if isinstance(manifest, Mapping):
-        return {key: without_values(value) for key, value in manifest.items() if key != "default"}
-    if isinstance(manifest, (list, tuple)):
-        return [without_values(value) for value in manifest]
-    return manifest
+def same_but_values(one: Any, other: Any) -> bool:
+    """Whether two manifests are equal but for what stands under the keys `default`."""
+    if one is other or one == other:
+        return True
+    if isinstance(one, dict) and isinstance(other, dict):
+        return one.keys() == other.keys() and all(
+            key == "default" or same_but_values(value, other[key]) for key, value in one.items()
+        )
+    if isinstance(one, list) and isinstance(other, list):
+        return len(one) == len(other) and all(map(same_but_values, one, other))
+    return False
 
 
 def remarks(warnings: Sequence[str], notes: Sequence[Note], document: Mapping[str, Any]) -> list[dict[str, str]]:

@@ -2,7 +2,7 @@
 
 import math
 import re
-from collections.abc import Iterable, Mapping
+from collections.abc import Container, Iterable, Mapping
 from typing import Any
 
 from ..labels import Label
@@ -12,32 +12,37 @@ KINDS = ("scalar", "vector")
 # Values that a node holds beside its inputs, by its type: property -> what the artist reads.
 OWN_VALUES = {"ShaderNodeValue": {"value": ""}, "ShaderNodeRGB": {"color": ""}}
 
+NO_LETTER = re.compile("[^A-Za-z0-9_]")
+
 Origin = tuple[str, str]  # a node's id and the identifier of its socket
 Labels = Mapping[Origin, Label]
 
 
 def param_name(node: str, socket: str) -> str:
     """The name that a text gives to a socket's value; the same as `quillgen.param_name`."""
-    return "P_" + re.sub("[^A-Za-z0-9_]", "_", f"{node}__{socket}")
+    return "P_" + NO_LETTER.sub("_", f"{node}__{socket}")
 
 
 def origins(document: Mapping[str, Any]) -> dict[str, Origin]:
     """Input name -> node and socket, for all values of a document that may become parameters."""
     found = {}
     for node in document["nodes"]:
+        begin = param_name(node["id"], "")
         sockets = [socket for socket, entry in node["in"].items() if "link" not in entry]
         sockets += OWN_VALUES.get(node["type"], ())
         for place in range(len(node.get("ramp", {}).get("stops", ()))):
             sockets += [f"stop{place}_pos", f"stop{place}_col"]
         for socket in sockets:
-            found[param_name(node["id"], socket)] = (node["id"], socket)
+            found[f"{begin}{NO_LETTER.sub('_', socket)}"] = (node["id"], socket)
     return found
 
 
-def guessed(document: Mapping[str, Any]) -> dict[Origin, Label]:
+def guessed(document: Mapping[str, Any], nodes: Container[str]) -> dict[Origin, Label]:
     """Labels by the names in the document alone."""
     found = {}
     for node in document["nodes"]:
+        if node["id"] not in nodes:
+            continue
         *groups, name = node["id"].split("/")
         header = re.sub(r"\.\d{3,}$", "", name)
         label = Label(header, name, tuple(groups))
@@ -59,8 +64,13 @@ def guessed(document: Mapping[str, Any]) -> dict[Origin, Label]:
 
 def finite(value: Any) -> Any:
     """A number, or a list of them, as JSON and Unreal can hold it."""
+    if type(value) is float and -LARGEST <= value <= LARGEST:
+        return value
     if isinstance(value, (list, tuple)):
-        return [finite(part) for part in value]
+        for part in value:
+            if type(part) is not float or not -LARGEST <= part <= LARGEST:
+                return [finite(part) for part in value]
+        return value
     number = float(value)
     return 0.0 if math.isnan(number) else max(-LARGEST, min(LARGEST, number))
 
@@ -87,8 +97,9 @@ def records(
     """One record for each parameter, node by node as the document has them. `before`: the records of the last export,
     whose labels stay where they still fit, so that one more node doesn't rename the parameters of another."""
     kinds = {entry["name"]: entry for entry in inputs(result) if entry["kind"] in KINDS}
-    known = origins(document)
-    texts = {**guessed(document), **labels}
+    known = {name: origin for name, origin in origins(document).items() if name in kinds}
+    missing = {origin[0] for origin in known.values() if origin not in labels}
+    texts = {**guessed(document, missing), **labels} if missing else labels
     places = {name: place for place, name in enumerate(known)}
     rows = []
     for name in sorted(kinds, key=lambda name: (places.get(name, len(places)), name)):

@@ -82,9 +82,25 @@ def read_manifest(folder: Path) -> dict[str, Any] | None:
     return None
 
 
+class Prepared(NamedTuple):
+    """What is to be written of a material: the folder that it has, "" for none, what stands there, and what will."""
+
+    identity: Identity
+    name: str
+    before: dict[str, Any] | None
+    made: dict[str, Any]
+    texts: dict[str, bytes]
+    values: bytes
+
+
 def write_material(target: Target, material: Material) -> Written:
     """Writes the files of a material that have changed, all of them or none. A material keeps the folder that it
     has."""
+    return commit(target, prepare(target, material))
+
+
+def prepare(target: Target, material: Material) -> Prepared:
+    """The first half of it, for those who have something to do in between. Pictures are in their place then."""
     identity = (material.name, material.library)
     name = target.materials.get(identity, "")
     before = target.manifest(name) if name else None
@@ -94,11 +110,17 @@ def write_material(target: Target, material: Material) -> Written:
     contents = manifest.texts(material.result)
     made = manifest.manifest(material, contents, pictures, before)
     values = manifest.dumped(manifest.values(material.result))
+    return Prepared(identity, name if before else "", before, made, contents, values)
+
+
+def commit(target: Target, prepared: Prepared) -> Written:
+    """The second half: the files."""
+    identity, name, before, made, contents, values = prepared
     changed: Changed = "all"
     if before:
         changed = update(target.path / name, before, made, contents, values)
     else:
-        name = names.free(material.name, target.folders)
+        name = names.free(identity[0], target.folders)
         whole = contents | {manifest.VALUES: values, manifest.MANIFEST: manifest.dumped(made)}
         files.make_folder(target.path / name, whole)
     target.folders.add(names.key(name))
@@ -115,7 +137,7 @@ def update(
     folder: Path, before: dict[str, Any], made: dict[str, Any], contents: dict[str, bytes], values: bytes
 ) -> Changed:
     """Brings the files of a folder up to date. Where only values have changed, their file alone is written."""
-    same = manifest.without_values(before) == manifest.without_values(made)
+    same = manifest.same_but_values(before, made)
     if (
         same
         and (folder / manifest.MANIFEST).is_file()
@@ -123,7 +145,7 @@ def update(
     ):
         if holds(folder / manifest.VALUES, values):
             return "nothing"
-        files.replace(folder, {manifest.VALUES: values})
+        files.put(folder / manifest.VALUES, values)
         return "parameters"
     files.sweep(folder)
     files.replace(folder, contents | {manifest.VALUES: values, manifest.MANIFEST: manifest.dumped(made)})
