@@ -16,7 +16,7 @@ HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "host"), str(HERE.parents[1] / "blender")]
 
 from quillgen_blender import read  # noqa: E402
-from quillgen_blender.write import export  # noqa: E402
+from quillgen_blender.read import pictures  # noqa: E402
 import render  # noqa: E402
 import store  # noqa: E402
 from builder import SIDE  # noqa: E402
@@ -160,13 +160,13 @@ def save(family, records, values, arrays):
 def texels(name):
     """An image as a texture holds it, row 0 on top: what the host saves, bytes as bytes."""
     with tempfile.TemporaryDirectory() as folder:
-        path = export.save_texture(bpy.data.images[name], Path(folder) / "texture")
+        path, record = pictures.save_picture(bpy.data.images[name], Path(folder), "texture")
         image = bpy.data.images.load(str(path))
         image.alpha_mode, image.colorspace_settings.name = "CHANNEL_PACKED", "Non-Color"
         pixels = np.empty(len(image.pixels), np.float32)
         image.pixels.foreach_get(pixels)
         pixels = pixels.reshape(image.size[1], image.size[0], 4)[::-1]
-        pixels = pixels if image.is_float else np.rint(pixels * 255).astype(np.uint8)
+        pixels = pixels if record["float"] else np.rint(pixels * 255).astype(np.uint8)
         bpy.data.images.remove(image)
     return pixels
 

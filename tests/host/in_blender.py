@@ -42,7 +42,7 @@ def main():
 
 
 def material(fill):
-    made = bpy.data.materials.new(fill.__name__)
+    made = bpy.data.materials.new(getattr(fill, "__name__", "Tree"))
     made.use_nodes = True
     tree = made.node_tree
     tree.nodes.clear()

@@ -6,6 +6,7 @@ from typing import Any, NamedTuple
 import bpy
 
 from ..notes import Note
+from . import working_space
 from .writer import Writer
 
 
@@ -33,6 +34,7 @@ def flatten(material, mesh=None) -> Reading:
     out = {name.lower(): writer.output(end.inputs[name]) for name in ("Surface", "Displacement")} if end else {}
     writer.finish()
     writer.aov_outputs()
+    working_space.to_rec709(writer)
     document = {
         "nodes": writer.nodes,
         "out": {name: source for name, source in out.items() if source},

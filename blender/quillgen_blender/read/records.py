@@ -1,7 +1,8 @@
 """A node's own settings as plain data: ramps, curves, images, and what some nodes have instead of properties."""
 
-import bpy
 from mathutils import Vector
+
+from . import pictures
 
 SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
 CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
@@ -110,33 +111,11 @@ def add_image(writer, node, record):
         return
     record["props"]["image"] = picture.name
     if picture.name not in writer.images:
-        writer.images[picture.name] = image(picture)
+        writer.images[picture.name] = pictures.record(picture)
+    if pictures.missing(picture):
+        writer.note(record["id"], f"the file of {picture.name} is missing: Blender shows magenta")
     if picture.source in MOVING:
         writer.note(record["id"], f"{picture.name} {MOVING[picture.source]}", "near")
-
-
-def image(picture):
-    return {
-        "name": picture.name,
-        "colorspace": picture.colorspace_settings.name,
-        "alpha": alpha(picture),
-        "float": picture.is_float,
-    }
-
-
-def alpha(picture):
-    """The alpha mode under which the translator shows what Cycles shows.
-
-    From Blender 5.1 on that is the image's own mode, but for straight TIFF files: their pixels are multiplied as they
-    load. Up to 5.0 Cycles multiplies bytes by their alpha under Premultiplied too, and float pixels never.
-    """
-    mode = picture.alpha_mode
-    if mode in ("STRAIGHT", "PREMUL"):
-        if bpy.app.version < (5, 1, 0):
-            return "PREMUL" if picture.is_float else "STRAIGHT"
-        if picture.file_format == "TIFF":
-            return "PREMUL"
-    return mode
 
 
 def moved(mapping):

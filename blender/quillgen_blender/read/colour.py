@@ -1,0 +1,90 @@
+"""Colour spaces: the numbers of a picture or a socket as Linear Rec.709, in which the translated text computes."""
+
+from __future__ import annotations
+
+import itertools
+import tempfile
+from functools import cache
+from pathlib import Path
+
+import bpy
+import numpy as np
+from mathutils import Color
+
+LINEAR = "Linear Rec.709"
+WORKING = "scene_linear"
+# Spaces that hold no colours, and those whose pictures the text decodes itself.
+DATA = ("Non-Color", "Raw", "Generic Data", "Data")
+# Blender scales what it loads from these so that a white of 203 nits is 1; Cycles, where it loads by itself, leaves a
+# white of 100 nits there.
+CYCLES_OWN = {"Rec.2100-HLG": 2.03, "Rec.2100-PQ": 2.03}
+AS_BYTES, AS_FLOATS = ("sRGB", LINEAR, "Linear"), (LINEAR, "Linear")
+
+
+def working_space() -> str:
+    """What the numbers of sockets and of loaded float pictures are in; a choice of the file since Blender 5.0."""
+    data = getattr(bpy.data, "colorspace", None)
+    return data.working_space if data else LINEAR
+
+
+def to_rec709() -> np.ndarray | None:
+    """The matrix from the working space to Linear Rec.709, for rows of colours; None where they are the same."""
+    if working_space() == LINEAR:
+        return None
+    return np.array([Color(unit).from_scene_linear_to_rec709_linear()[:] for unit in np.eye(3).tolist()], np.float64)
+
+
+def converted(space: str, is_float: bool) -> bool:
+    """Whether pictures in a space have to be converted as they are saved: the text reads all but a few as linear."""
+    if space == WORKING:
+        return working_space() != LINEAR
+    return space not in DATA and space not in (AS_FLOATS if is_float else AS_BYTES)
+
+
+@cache
+def fits(space: str, working: str) -> bool:
+    """Whether all bytes in a space are colours between 0 and 1 of Rec.709, so that bytes can hold them. `working` is
+    the working space of the file: what comes out depends on the colour management alone, not on a document."""
+    corners = np.array(list(itertools.product((0, 0.5, 1), repeat=3)), np.float64)
+    found = linear(corners, space)
+    return bool(found.min() > -0.5 / 255 and found.max() < 1 + 0.5 / 255)
+
+
+def linear(colours: np.ndarray, space: str) -> np.ndarray:
+    """Colours [n, 3] in a space as Linear Rec.709, by Blender's own colour management: it converts a float picture as
+    it loads one."""
+    with tempfile.TemporaryDirectory() as folder:
+        path = Path(folder) / "colours.exr"
+        save(np.column_stack([colours, np.ones(len(colours))])[None], path, True)
+        loaded = bpy.data.images.load(str(path))
+        loaded.colorspace_settings.name = space
+        found = pixels(loaded)[0, :, :3].astype(np.float64)
+        bpy.data.images.remove(loaded)
+    matrix = to_rec709()
+    return found if matrix is None else found @ matrix
+
+
+def encoded(colours: np.ndarray) -> np.ndarray:
+    """Linear Rec.709 as sRGB."""
+    colours = np.clip(colours, 0, 1)
+    return np.where(colours < 0.0031308, colours * 12.92, 1.055 * colours ** (1 / 2.4) - 0.055)
+
+
+def pixels(picture) -> np.ndarray:
+    """[height, width, 4] as Blender holds them, row 0 at the bottom."""
+    found = np.empty(len(picture.pixels), np.float32)
+    picture.pixels.foreach_get(found)
+    return found.reshape(picture.size[1], picture.size[0], 4)
+
+
+def save(values: np.ndarray, path: Path, is_float: bool) -> None:
+    """Saves [height, width, 4] as they stand: as OpenEXR with 32 bits, or as PNG with 8."""
+    copy = bpy.data.images.new("quillgen copy", values.shape[1], values.shape[0], alpha=True, float_buffer=is_float)
+    try:
+        copy.alpha_mode = "CHANNEL_PACKED"  # nothing is multiplied on the way
+        copy.colorspace_settings.name = "Non-Color"
+        copy.pixels.foreach_set(np.ascontiguousarray(values, np.float32).ravel())
+        copy.file_format = "OPEN_EXR" if is_float else "PNG"
+        copy.save(filepath=str(path))
+    finally:
+        bpy.data.images.remove(copy)

@@ -1,0 +1,100 @@
+"""Pictures as textures: which file holds the numbers that the translated text expects."""
+
+from __future__ import annotations
+
+import errno
+import shutil
+from pathlib import Path
+from typing import Any
+
+import bpy
+import numpy as np
+
+from . import colour
+
+# Formats that are copied as they are: what Unreal reads as the same bytes or floats.
+BYTES, FLOATS = ("PNG", "TARGA", "TARGA_RAW", "BMP", "JPEG"), ("OPEN_EXR", "HDR")
+
+
+def record(picture) -> dict[str, Any]:
+    """An image's record in a document: how the text has to read the file that `save_picture` makes. `stored` is
+    Blender's own colour space where the file has another."""
+    space, is_float = picture.colorspace_settings.name, picture.is_float
+    found = {"name": picture.name, "colorspace": space, "alpha": alpha(picture), "float": is_float}
+    if colour.converted(space, is_float):
+        is_float = is_float or not colour.fits(space, colour.working_space())
+        found |= {"colorspace": colour.LINEAR if is_float else "sRGB", "float": is_float, "stored": space}
+    return found
+
+
+def alpha(picture) -> str:
+    """The alpha mode under which the translator shows what Cycles shows.
+
+    From Blender 5.1 on that is the image's own mode, but for straight TIFF files: their pixels are multiplied as they
+    load. Up to 5.0 Cycles multiplies bytes by their alpha under Premultiplied too, and float pixels never.
+    """
+    mode = picture.alpha_mode
+    if mode in ("STRAIGHT", "PREMUL"):
+        if bpy.app.version < (5, 1, 0):
+            return "PREMUL" if picture.is_float else "STRAIGHT"
+        if picture.file_format == "TIFF":
+            return "PREMUL"
+    return mode
+
+
+def save_picture(picture, folder: Path, stem: str) -> tuple[Path, dict[str, Any]]:
+    """Saves an image as the text reads it and returns the file, named by `stem` and the format's ending, with the
+    image's record. Bytes stay bytes where bytes can hold them; all else becomes OpenEXR with 32 bits.
+
+    A file on the disk goes as it is where its numbers are what the text expects. All others are written from the pixels
+    that Blender holds, those in foreign colour spaces by way of Blender's colour management. Raises FileNotFoundError
+    where there are no pixels.
+    """
+    if not picture.has_data and not len(picture.pixels):
+        raise FileNotFoundError(errno.ENOENT, "A picture has no pixels", picture.filepath or picture.name)
+    found = record(picture)
+    stored = Path(bpy.path.abspath(picture.filepath_from_user())) if picture.filepath else None
+    if plain(picture, found) and stored and stored.is_file():
+        path = folder / (stem + stored.suffix.lower())
+        shutil.copyfile(stored, path)
+        return path, found
+    path = folder / (stem + (".exr" if found["float"] else ".png"))
+    colour.save(as_read(picture, found), path, found["float"])
+    return path, found
+
+
+def plain(picture, found: dict[str, Any]) -> bool:
+    """Whether the image's file holds the numbers that the text expects."""
+    formats = FLOATS if picture.is_float else BYTES
+    return untouched(picture) and picture.file_format in formats and "stored" not in found
+
+
+def missing(picture) -> bool:
+    """Whether the picture's file is not there; Blender then shows magenta."""
+    if picture.source != "FILE" or picture.packed_file or picture.is_dirty:
+        return False
+    return not Path(bpy.path.abspath(picture.filepath)).is_file()
+
+
+def untouched(picture) -> bool:
+    """Whether the picture is what its file on the disk holds; Cycles then loads that by itself."""
+    return picture.source == "FILE" and not picture.is_dirty and not picture.packed_file
+
+
+def as_read(picture, found: dict[str, Any]) -> np.ndarray:
+    """The numbers [height, width, 4] that the text expects of an image."""
+    values = colour.pixels(picture)
+    space = picture.colorspace_settings.name
+    if picture.is_float:  # in the working space already
+        if untouched(picture):
+            values[..., :3] *= colour.CYCLES_OWN.get(space, 1)
+        matrix = colour.to_rec709()
+        if matrix is not None and space not in colour.DATA:
+            values[..., :3] = values[..., :3] @ matrix
+    elif "stored" in found:
+        flat = values.reshape(-1, 4)
+        each, places = np.unique(np.rint(flat[:, :3] * 255).astype(np.uint8), axis=0, return_inverse=True)
+        each = colour.linear(each / 255, space) * colour.CYCLES_OWN.get(space, 1)
+        each = each.astype(np.float16) if found["float"] else colour.encoded(each)  # Cycles holds them as half floats
+        values[..., :3] = each[places.ravel()].reshape(*values.shape[:2], 3)
+    return values
