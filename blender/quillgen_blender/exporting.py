@@ -13,7 +13,7 @@ import bpy
 
 from . import pipeline, read, write
 from .pipeline import Failed, Settings
-from .read import labels
+from .read import labels, pictures
 from .write import Material, Picture, Target
 
 
@@ -200,13 +200,10 @@ def writing(made: Material, target: Target, textures: bool | Collection[str]) ->
 
 
 def save_pictures(images: Iterable[str], folder: Path, made: Material) -> dict[str, Picture]:
-    from .write import export
-
     found = {}
     for place, name in enumerate(sorted(images)):
-        image = bpy.data.images[name]
-        made_file = export.save_texture(image, folder / str(place))
-        found[name] = Picture(made_file, image.is_float, image.colorspace_settings.name)
+        file, record = pictures.save_picture(bpy.data.images[name], folder, str(place))
+        found[name] = Picture(file, record["float"], record["colorspace"])
     return found
 
 
