@@ -63,8 +63,10 @@ def made_by_passes(document: dict[str, Any]) -> set[str]:
     """Parameters of nodes and of stops that a pass put in: nobody knows them by sight, none of them is ever live."""
     found: set[str] = set()
     for node in document["nodes"]:
-        if node.get("made"):
-            found.update(parameter_name(node["id"], socket) for socket in node["in"])
+        made = node.get("made")
+        found.update(
+            parameter_name(node["id"], socket) for socket, entry in node["in"].items() if made or entry.get("made")
+        )
         for place, origin in enumerate(node.get("ramp", {}).get("origin", ())):
             if origin is None:
                 found.update(parameter_name(node["id"], f"stop{place}_{part}") for part in ("pos", "col"))

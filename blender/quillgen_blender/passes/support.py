@@ -120,6 +120,7 @@ ShaderNodeVertexColor              |              | exact | The one vertex colou
 ShaderNodeVertexColor              | Name         | near  | A mesh in Unreal has one vertex colour: whatever layer is named, that one is read.
 ShaderNodeAttribute                |              | exact | UV maps by name, and the vertex colour.
 ShaderNodeAttribute                | Name         | near  | Not a UV map: read from the one vertex colour that a mesh in Unreal has.
+ShaderNodeAttribute                | Property     | lost  | Properties of objects, instances and view layers are not known to a material: the vertex colour is read.
 ShaderNodeNewGeometry              |              | exact | Position, normals, tangent, incoming and backfacing.
 ShaderNodeNewGeometry              | Pointiness   | lost  | Pointiness is 0.5, Random Per Island 0 and Parametric 0: bake them to vertex colours.
 ShaderNodeObjectInfo               |              | near  | The location is exact, the random number another one than Blender's; colour white, alpha 1, indices 0.
