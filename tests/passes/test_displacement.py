@@ -6,9 +6,9 @@ import random
 import pytest
 
 import quillgen
-from documents import document, link, node, principled, value
 from quillgen_blender.passes import Options, displacement, finish, scalar_intervals
 from quillgen_blender.passes.intervals import Intervals
+from records import document, link, node, principled, value
 
 
 def displaced(*nodes, source, method="DISPLACEMENT"):

@@ -1,8 +1,8 @@
 """What is lost without a word becomes a note with the node's name."""
 
 import quillgen
-from documents import document, link, node, principled, value
 from quillgen_blender.passes import Options, losses
+from records import document, link, node, principled, value
 
 
 def notes_of(*nodes, **keys):

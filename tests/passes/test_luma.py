@@ -3,8 +3,8 @@
 import copy
 
 import quillgen
-from documents import document, link, node, principled, value
 from quillgen_blender.passes import Options, finish, luma, prepare
+from records import document, link, node, principled, value
 
 
 def noise_of_colour():

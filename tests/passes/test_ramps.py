@@ -5,8 +5,8 @@ import time
 
 import pytest
 
-from documents import document, link, node, value
 from quillgen_blender.passes import Options, hues, polyline, ramp_values, ramps
+from records import document, link, node, value
 from shown import difference, shown
 
 A, B, C = [1.0, 0.0, 0.0, 1.0], [0.0, 1.0, 0.0, 1.0], [0.0, 0.0, 1.0, 0.5]

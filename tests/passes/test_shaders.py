@@ -7,8 +7,8 @@ import re
 import pytest
 
 import quillgen
-from documents import document, link, node, principled, value
 from quillgen_blender.passes import Options, finish, luma, prepare, shaders, support
+from records import document, link, node, principled, value
 
 RED = [0.8, 0.1, 0.2, 1.0]
 LITERALS = Options(parameters="none")
@@ -33,7 +33,7 @@ def translated(made):
     return result, notes
 
 
-def records(made, options=LITERALS):
+def shaders_of(made, options=LITERALS):
     after, _ = shaders.run(made, options)
     return {record["id"]: record for record in after["nodes"]}, after
 
@@ -68,16 +68,16 @@ def test_the_colour_counts_as_base_colour(kind, output):
 
 
 def test_glass_is_the_clearer_the_brighter_its_colour():
-    found, after = records(surface(bsdf("BsdfGlass")))
+    found, after = shaders_of(surface(bsdf("BsdfGlass")))
     shader = found["BsdfGlass"]
     assert shader["type"] == "ShaderNodeBsdfPrincipled"
     assert shader["in"]["Base Color"] == colour(RED) and shader["in"]["Roughness"] == value(0.3)
     assert shader["in"]["IOR"] == value(1.45)
     assert shader["in"]["Alpha"]["v"] == pytest.approx(1 - 0.8 * grey(RED))
     assert after["settings"]["blend"] == "BLENDED"  # nothing opaque beside it
-    white, _ = records(surface(bsdf("BsdfGlass", Color=colour([1.0] * 4))))
+    white, _ = shaders_of(surface(bsdf("BsdfGlass", Color=colour([1.0] * 4))))
     assert white["BsdfGlass"]["in"]["Alpha"]["v"] == pytest.approx(0.2, abs=1e-5)
-    refracting, _ = records(surface(bsdf("BsdfRefraction")))
+    refracting, _ = shaders_of(surface(bsdf("BsdfRefraction")))
     assert refracting["BsdfRefraction"]["in"]["Specular IOR Level"]["v"] == 0.0
 
 
@@ -104,7 +104,7 @@ def test_glass_beside_an_opaque_shader_stays_masked():
 
 def test_transmission_lowers_the_opacity_by_its_weight():
     shader = principled(Base_Color=colour(RED), Transmission_Weight=value(0.5), Alpha=value(0.9), Metallic=value(0.25))
-    found, after = records(surface(shader))
+    found, after = shaders_of(surface(shader))
     expected = 0.9 * (1 - 0.8 * grey(RED) * 0.5 * 0.75)
     assert found["Principled BSDF"]["in"]["Alpha"]["v"] == pytest.approx(expected)
     assert "blend" not in after["settings"] and len(after["nodes"]) == 1
@@ -127,7 +127,7 @@ def test_sheen_is_added_towards_the_edges():
     shader = principled(Base_Color=colour(RED), Sheen_Weight=value(0.5))
     result, notes = translated(surface(shader))
     assert result["warnings"] == [] and "L.mix_mix(" in result["code"] and [told.loss for told in notes] == ["near"]
-    found, _ = records(surface(bsdf("BsdfSheen", Roughness=value(0.5))))
+    found, _ = shaders_of(surface(bsdf("BsdfSheen", Roughness=value(0.5))))
     assert found["BsdfSheen"]["type"] == "ShaderNodeBsdfDiffuse"
     assert translated(surface(bsdf("BsdfSheen")))[0]["warnings"] == []
 
@@ -142,7 +142,7 @@ def test_the_share_of_sheen_is_that_of_cycles():
     }
     limits = {0.3: 0.115, 0.5: 0.055, 0.7: 0.04, 1.0: 0.04}
     for roughness, shares in measured.items():
-        found, _ = records(surface(bsdf("BsdfSheen", Roughness=value(roughness))))
+        found, _ = shaders_of(surface(bsdf("BsdfSheen", Roughness=value(roughness))))
         power = next(record for record in found.values() if record["props"].get("operation") == "MULTIPLY_ADD")
         rise, offset = power["in"]["Value"]["v"], power["in"]["Value_002"]["v"]
         for place, share in enumerate(shares):
@@ -154,7 +154,7 @@ def test_the_share_of_sheen_is_that_of_cycles():
 def test_a_white_transparent_is_left_and_a_coloured_one_filters():
     white = surface(bsdf("BsdfTransparent", Color=colour([1.0] * 4)))
     assert shaders.run(white, LITERALS)[0] is white
-    found, _ = records(surface(bsdf("BsdfTransparent")))
+    found, _ = shaders_of(surface(bsdf("BsdfTransparent")))
     sockets = found["BsdfTransparent"]["in"]
     assert sockets["Alpha"]["v"] == pytest.approx(1 - grey(RED))
     assert sockets["Base Color"]["v"][:3] == pytest.approx([max(part - grey(RED), 0) for part in RED[:3]])
@@ -171,7 +171,7 @@ def test_a_conductor_by_its_index():
         Base_Color=colour([0.5] * 4),
     )
     gold["props"]["fresnel_type"] = "PHYSICAL_CONDUCTOR"
-    found, _ = records(surface(gold))
+    found, _ = shaders_of(surface(gold))
     assert found["BsdfMetallic"]["in"]["Base Color"]["v"][:3] == pytest.approx([0.945, 0.776, 0.376], abs=2e-2)
 
 
