@@ -81,15 +81,15 @@ float3 tex_gabor(float3 co, float scale, float frequency, float anisotropy, floa
     float3 p = float3(co.xy, solid ? co.z : 0.0) * scale;
     float3 cell = floor(p);
     // In 2D the walk has one layer: it begins in its last one, which is then taken for the middle one.
-    float3 o = float3(-1.0, -1.0, solid ? -1.0 : 1.0);
+    int3 o = int3(-1, -1, solid ? -1 : 1);
     float2 sum = 0.0;
     [loop]
     do
     {
-        float3 offset = float3(o.xy, solid ? o.z : 0.0);
+        float3 offset = float3(o.xy, solid ? o.z : 0);
         sum += gabor_cell(cell + offset, p - cell - offset, max(frequency, 0.001), along, spread, solid);
     }
-    while (cell_next3(o, 1.0));
+    while (cell_next3(o, 1));
     // Six standard deviations of the sum: sqrt(8 impulses * 0.5 * 1/4), in 3D with 1/(4 sqrt(2)) in place of 1/4.
     sum /= solid ? 5.0453784 : 6.0;
     return float3(sum.y * 0.5 + 0.5, (compatible_atan2(sum.y, sum.x) + 3.1415927) / 6.2831855, length(sum));

@@ -7,8 +7,7 @@ uint4 hash_rotate(uint4 x, uint r) {
 }
 
 // The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that wants one lane takes .x of
-// it, and lanes that share b and c (corners of a noise cell that differ in x only) share the steps that depend on
-// those.
+// it, and lanes that share b and c share the steps that depend on those.
 uint4 hash_final(uint4 a, uint4 b, uint4 c) {
   c = (c ^ b) - hash_rotate(b, 14u);
   a = (a ^ c) - hash_rotate(c, 11u);
@@ -17,6 +16,21 @@ uint4 hash_final(uint4 a, uint4 b, uint4 c) {
   a = (a ^ c) - hash_rotate(c, 4u);
   b = (b ^ a) - hash_rotate(a, 14u);
   return (c ^ b) - hash_rotate(b, 24u);
+}
+
+// The complement of the same, of which only the low 24 bits count: for those the last rotation is a shift. Fewer
+// instructions, but more that wait for one another: for many lanes at a time. A step is x = (x ^ y) - rotate(y); of
+// complements it is ~x = (~x ^ y) + rotate(y), and a GPU has an exclusive or with an addition behind it as one
+// instruction. So c is kept as its complement, a and b where that helps; one step of three is written out for what is
+// at hand: x = rotate(~y) - (x ^ ~y).
+uint4 hash_final_low(uint4 a, uint4 b, uint4 c) {
+  c = (~c ^ b) + hash_rotate(b, 14u);
+  a = (a ^ c) + hash_rotate(~c, 11u);
+  b = hash_rotate(a, 25u) - (b ^ a);
+  c = (c ^ b) + hash_rotate(b, 16u);
+  a = (a ^ c) + hash_rotate(c, 4u) + 1u;
+  b = (b ^ a) - hash_rotate(a, 14u);
+  return (c ^ b) + (b >> 8);
 }
 
 // The six mixing steps of lookup3 that precede a fourth word, in four independent lanes.
@@ -116,9 +130,54 @@ int4 hash_round4(int4 v) {
 // Integer hash (a PCG generator with as many outputs as inputs) of a Voronoi cell's number: each component from 0 to
 // 1, 1 included. Several times cheaper than the word hash. The shift must be the arithmetic one of signed integers.
 // The factor is 2^-31, as the top bit is cleared.
+// hash_int begins it, hash_cell is what follows the first round, without the factor: 0 to 2^31.
+// @each DIM 2 3 4
+intDIM hash_intDIM(intDIM v) {
+  return mad(v, 1664525, 1013904223);
+}
+
+// @each DIM 2 3 4
+floatDIM hash_cellDIM(intDIM v) {
+  return floatDIM(hash_roundDIM(v ^ (v >> 16)) & 0x7FFFFFFF);
+}
+
 // @each DIM 2 3 4
 floatDIM hash_intDIM_to_floatDIM(intDIM v) {
-  v = hash_roundDIM(mad(v, 1664525, 1013904223));
-  v = hash_roundDIM(v ^ (v >> 16));
-  return floatDIM(v & 0x7FFFFFFF) * 4.656612873077393e-10;
+  return hash_cellDIM(hash_roundDIM(hash_intDIM(v))) * 4.656612873077393e-10;
+}
+
+// The first round for a row of cells that differ in x. Integer products cost a GPU four additions each: those that
+// the row shares are made here, and x and y of the round become linear in the cell's place, as x stands in no product
+// before. Gives what they grow by from cell to cell, 1664525 and 1664525 times what y took of x.
+int2 hash_row2(inout int2 v) {
+  v = hash_round2(v);
+  return int2(1664525, 389569705);  // the square of 1664525, of which 32 bits are left
+}
+
+int2 hash_row3(inout int3 v) {
+  v.x = mad(v.y, v.z, v.x);
+  v.y = mad(v.z, v.x, v.y);
+  return int2(1664525, v.z * 1664525);
+}
+
+int2 hash_row4(inout int4 v) {
+  v.x = mad(v.y, v.w, v.x);
+  v.y = mad(v.z, v.x, v.y);
+  return int2(1664525, v.z * 1664525);
+}
+
+// The first round's remaining lines.
+int2 hash_rest2(int2 v) {
+  return v;
+}
+
+int3 hash_rest3(int3 v) {
+  v.z = mad(v.x, v.y, v.z);
+  return v;
+}
+
+int4 hash_rest4(int4 v) {
+  v.z = mad(v.x, v.y, v.z);
+  v.w = mad(v.y, v.z, v.w);
+  return v;
 }

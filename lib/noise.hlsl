@@ -2,7 +2,8 @@
 // Tolerance against Blender: 2e-6 up to detail 4 without distortion; the rounding of the coordinate, which every
 // octave multiplies by the lacunarity, is the larger part beyond that.
 // Everything is inlined where it is called, so each texture calls its fractal at one place and a fractal calls the
-// noise at one place: what differs between octaves, colour channels and components is data of a loop.
+// noise at one place: what differs between octaves, colour channels and components is data of a loop. The corners of a
+// cell aren't: they are side by side.
 
 // A coordinate brought to where float32 resolves cells: the remainder by 100000 with its sign, and half a cell more
 // from a million on, where most coordinates are integers and the noise would be zero.
@@ -53,25 +54,26 @@ floatDIM noise_fadeDIM(floatDIM f) {
   return mad(f * f * f, mad(f, mad(f, -6.0, 15.0), -10.0), 1.0);
 }
 
-// Twice the product of a corner's gradient and the offset from the corner. The gradient is one of eight, chosen by
-// the low bits of h: +-1 along one axis, +-2 along the other. Each table word holds a component: the eight signs from
-// bit 31 down, the eight lengths from bit 23 down. Brought to bits 31 and 23 they make the float +-2 or +-4.
-float noise_gradient2(uint h, float2 f) {
-  return dot(asfloat(((uint2(0x530F0000u, 0x35F00000u) << (h & 7u)) & 0x80800000u) | 0x40000000u), f);
+// Twice the product of a corner's gradient and the offset f from the corner; n is the complement of the corner's hash.
+// The gradient is one of eight, chosen by the low bits of n: +-1 along one axis, +-2 along the other. Each table word
+// holds a component: the eight signs from bit 31 down, the eight lengths from bit 23 down. Brought to bits 31 and 23
+// they make the float +-2 or +-4.
+float noise_gradient2(uint n, float2 f) {
+  return dot(asfloat(((uint2(0xCAF00000u, 0xAC0F0000u) << (n & 7u)) & 0x80800000u) | 0x40000000u), f);
 }
 
 // The same with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the float 2, 3
 // makes -2, and 0 makes 0.
-float noise_gradient3(uint h, float3 f) {
-  return dot(asfloat((uint3(0x7777004Cu, 0x5F007777u, 0x005F5F13u) << ((h & 15u) << 1)) & 0xC0000000u), f);
+float noise_gradient3(uint n, float3 f) {
+  return dot(asfloat((uint3(0x3100DDDDu, 0xDDDD00F5u, 0xC4F5F500u) << ((n << 1) & 31u)) & 0xC0000000u), f);
 }
 
 // The same with one of 32 gradients: +-1 along three of four axes. Bits 3 and 4 leave one axis out, the others are
-// signs.
-float noise_gradient4(uint h, float4 f) {
-  uint s = h & 31u;
-  float3 a = float3(s < 24u ? f.x : f.y, s < 16u ? f.y : f.z, s < 8u ? f.z : f.w);
-  return dot(asfloat((uint3(h << 31, h << 30, h << 29) & 0x80000000u) | 0x40000000u), a);
+// signs; all are complements.
+float noise_gradient4(uint n, float4 f) {
+  uint s = n & 31u;
+  float3 a = float3(s > 7u ? f.x : f.y, s > 15u ? f.y : f.z, s > 23u ? f.z : f.w);
+  return dot(asfloat((uint3(n << 31, n << 30, n << 29) & 0x80000000u) | 0x40000000u), -a);
 }
 
 // Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word
@@ -85,22 +87,32 @@ float noise_signed1(float p) {
   return 0.25 * lerp(g.y, g.x, noise_fade1(f.x));
 }
 
-// In more dimensions the corners are turns of one loop: of the hash they share the first steps alone. Four corners side
-// by side were 100 instructions more and as fast; one loop within the other for each direction is slower by half.
-// `at` is 0 or 1 in each direction, v - at the weight there up to its sign.
+// In more dimensions four corners are taken side by side, as lanes in the order (0, 0), (1, 0), (0, 1), (1, 1) of x and
+// y: a GPU that waits for one lane's step does another's meanwhile, where the turns of a loop wait for each other.
+// The square's value between its corners' four; v is the weight of the lower side.
+float noise_between(float4 g, float2 v) {
+  float2 row = lerp(g.yw, g.xz, v.x);
+  return lerp(row.y, row.x, v.y);
+}
+
 float noise_signed2(float2 p) {
   p = noise_wrap2(p);
   float2 f = frac(p);
-  float2 v = noise_fade2(f);
+  float2 e = f - 1.0;
   uint2 k = 0xDEADBF04u + asuint(int2(floor(p)));
-  float sum = 0.0;
-  [loop]
-  for (uint corner = 0u; corner < 4u; corner++) {
-    uint2 at = uint2(corner & 1u, corner >> 1);
-    float2 w = v - at;
-    sum = mad(abs(w.x * w.y), noise_gradient2(hash_final(k.x + at.x, k.y + at.y, 0xDEADBF04u).x, f - at), sum);
-  }
-  return 0.3308 * sum;
+  uint4 n = hash_final_low(k.x + uint4(0u, 1u, 0u, 1u), k.y + uint4(0u, 0u, 1u, 1u), 0xDEADBF04u);
+  float4 g = float4(noise_gradient2(n.x, f), noise_gradient2(n.y, float2(e.x, f.y)),
+    noise_gradient2(n.z, float2(f.x, e.y)), noise_gradient2(n.w, e));
+  return 0.3308 * noise_between(g, noise_fade2(f));
+}
+
+// The corners of one plane z: k are the cell's numbers, z included, f.z is the offset from the plane.
+float noise_plane3(uint3 k, float3 f, float2 v) {
+  float3 e = f - float3(1.0, 1.0, 0.0);
+  uint4 n = hash_final_low(k.x + uint4(0u, 1u, 0u, 1u), k.y + uint4(0u, 0u, 1u, 1u), k.z);
+  float4 g = float4(noise_gradient3(n.x, f), noise_gradient3(n.y, float3(e.x, f.yz)),
+    noise_gradient3(n.z, float3(f.x, e.yz)), noise_gradient3(n.w, e));
+  return noise_between(g, v);
 }
 
 float noise_signed3(float3 p) {
@@ -110,35 +122,39 @@ float noise_signed3(float3 p) {
   uint3 k = 0xDEADBF08u + asuint(int3(floor(p)));
   float sum = 0.0;
   [loop]
-  for (uint corner = 0u; corner < 8u; corner++) {
-    uint3 at = uint3(corner & 1u, corner >> 1 & 1u, corner >> 2);
-    float3 w = v - at;
-    uint3 h = k + at;
-    sum = mad(abs(w.x * w.y * w.z), noise_gradient3(hash_final(h.x, h.y, h.z).x, f - at), sum);
+  for (uint z = 0u; z < 2u; z++) {
+    sum = mad(abs(v.z - z), noise_plane3(uint3(k.xy, k.z + z), float3(f.xy, f.z - z), v.xy), sum);
   }
   return 0.491 * sum;
 }
 
-// The two corners that differ in w alone are taken together: they share the mixing of the other three numbers.
+// The lanes at one w, of hashes a, b, c that are mixed but for w.
+float noise_plane4(uint4 a, uint4 b, uint4 c, float4 f, float2 v) {
+  float2 e = f.xy - 1.0;
+  uint4 n = hash_final_low(a, b, c);
+  float4 g = float4(noise_gradient4(n.x, f), noise_gradient4(n.y, float4(e.x, f.yzw)),
+    noise_gradient4(n.z, float4(f.x, e.y, f.zw)), noise_gradient4(n.w, float4(e, f.zw)));
+  return noise_between(g, v);
+}
+
+// Both sides in w share the mixing of the other three numbers. z is a loop: eight lanes fill a GPU's time as well as
+// sixteen.
 float noise_signed4(float4 p) {
   p = noise_wrap4(p);
   float4 f = frac(p);
   float4 v = noise_fade4(f);
   uint4 k = asuint(int4(floor(p)));
+  k.xyz += 0xDEADBF0Cu;
   float sum = 0.0;
   [loop]
-  for (uint corner = 0u; corner < 8u; corner++) {
-    uint3 at = uint3(corner & 1u, corner >> 1 & 1u, corner >> 2);
-    float3 w = v.xyz - at;
-    uint4 a = 0xDEADBF0Cu + k.x + at.x;
-    uint4 b = 0xDEADBF0Cu + k.y + at.y;
-    uint4 c = 0xDEADBF0Cu + k.z + at.z;
+  for (uint z = 0u; z < 2u; z++) {
+    uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
+    uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
+    uint4 c = k.z + z;
     hash_mix(a, b, c);
-    uint4 h = hash_final(a + k.w + uint4(0u, 1u, 0u, 1u), b, c);
-    float4 e = float4(f.xyz - at, f.w);
-    float low = noise_gradient4(h.x, e);
-    e.w -= 1.0;
-    sum = mad(abs(w.x * w.y * w.z), lerp(noise_gradient4(h.y, e), low, v.w), sum);
+    float low = noise_plane4(a + k.w, b, c, float4(f.xy, f.z - z, f.w), v.xy);
+    float high = noise_plane4(a + k.w + 1u, b, c, float4(f.xy, f.z - z, f.w - 1.0), v.xy);
+    sum = mad(abs(v.z - z), lerp(high, low, v.w), sum);
   }
   return 0.4172 * sum;
 }

@@ -2,46 +2,63 @@
 // corner plus a hash of the cell times the randomness (0 to 1). Coordinates come scaled; cells are numbered with 32
 // bits, so coordinates beyond +-2^31 give arbitrary values. Cells and colours are Blender's exactly, distances up
 // to rounding.
+// Hashes are the cost, and most cells around a point are too far away to matter: a cell is left out where even the
+// nearest corner that its point can have is farther than what has been found.
 
-// The largest component.
-float voronoi_largest1(float v)
+// Comparing distances takes no root of them: the bound of a vector is the sum of its components' terms, or the largest.
+float voronoi_term(float d, QWKVoronoiParams params)
 {
-    return v;
+    if (params.metric == 0) return d * d;
+    if (params.metric == 3) return pow(abs(d), params.exponent);
+    return params.metric == 1 || params.metric == 2 ? abs(d) : 0.0;
 }
 
-float voronoi_largest2(float2 v)
+float voronoi_join(float bound, float d, QWKVoronoiParams params)
 {
-    return max(v.x, v.y);
+    float term = voronoi_term(d, params);
+    return params.metric == 2 ? max(bound, term) : bound + term;
 }
 
-float voronoi_largest3(float3 v)
+// The bound without x, and with it. In 1D all metrics agree.
+float voronoi_across1(float d, QWKVoronoiParams params)
 {
-    return max(v.x, voronoi_largest2(v.yz));
-}
-
-float voronoi_largest4(float4 v)
-{
-    return max(v.x, voronoi_largest3(v.yzw));
-}
-
-// The length of d in one of the metrics, before its root is taken: enough to compare distances. In 1D all agree.
-// @each DIM 1 2 3 4
-float voronoi_boundDIM(floatDIM d, QWKVoronoiParams params)
-{
-    if (params.metric == 0) return dot(d, d);
-    d = abs(d);
-    if (params.metric == 1) return dot(d, (floatDIM)1.0);
-    if (params.metric == 2) return voronoi_largestDIM(d);
-    if (params.metric == 3) return dot(pow(d, params.exponent), (floatDIM)1.0);
     return 0.0;
 }
 
-// The root that makes a distance of the above.
+float voronoi_across2(float2 d, QWKVoronoiParams params)
+{
+    return voronoi_term(d.y, params);
+}
+
+float voronoi_across3(float3 d, QWKVoronoiParams params)
+{
+    return voronoi_join(voronoi_term(d.z, params), d.y, params);
+}
+
+float voronoi_across4(float4 d, QWKVoronoiParams params)
+{
+    return voronoi_join(voronoi_across3(d.yzw, params), d.y, params);
+}
+
+// @each DIM 1 2 3 4
+float voronoi_boundDIM(floatDIM d, QWKVoronoiParams params)
+{
+    return voronoi_join(voronoi_acrossDIM(d, params), d.x, params);
+}
+
+// The root that makes a distance of a bound, and what it was made of.
 float voronoi_root(float bound, QWKVoronoiParams params)
 {
     if (params.metric == 0) return sqrt(bound);
     if (params.metric == 3) return isinf(params.exponent) ? 1.0 : pow(bound, 1.0 / params.exponent);
     return bound;
+}
+
+float voronoi_unroot(float distance, QWKVoronoiParams params)
+{
+    if (params.metric == 0) return distance * distance;
+    if (params.metric == 3) return pow(distance, params.exponent);
+    return distance;
 }
 
 // Distance of a and b: metric 0 Euclidean, 1 Manhattan, 2 Chebychev, 3 Minkowski with the exponent; 0 for other
@@ -52,21 +69,31 @@ float voronoi_distanceDIM(floatDIM a, floatDIM b, QWKVoronoiParams params)
     return voronoi_root(voronoi_boundDIM(a - b, params), params);
 }
 
-// The hash, 0 to 1 in each component, that places the feature point of the cell c + o. In 1D the cell is hashed as
-// a float.
-float voronoi_hash1(float c, float o)
+// The least that each component of a point's offset can be whose cell is at o. Rounding keeps the order of what it
+// rounds, so no point is nearer than this.
+// @each DIM 1 2 3 4
+floatDIM voronoi_gapDIM(floatDIM o, floatDIM local, QWKVoronoiParams params)
 {
-    return hash_float_to_float(c + o);
+    return max(max(o - local, local - o - params.randomness), (floatDIM)0.0);
 }
 
-// The sum is made of integers, which stay exact where floats skip numbers.
+// The bound of a gap, below which no point's bound can be. Powers are good to 1e-6 on a GPU only; and those of a
+// negative exponent fall with the distance, so they say nothing.
+float voronoi_least(float bound, QWKVoronoiParams params)
+{
+    return params.metric != 3 ? bound : params.exponent > 0.0 ? bound * 0.99999 : 0.0;
+}
+
+// The hash of the cell at x from the middle of a row whose first round is begun.
 // @each DIM 2 3 4
-floatDIM voronoi_hashDIM(floatDIM c, floatDIM o)
+floatDIM voronoi_cellDIM(intDIM v, int2 growth, int x)
 {
-    return hash_intDIM_to_floatDIM(intDIM(c) + intDIM(o));
+    v.xy += x < 0 ? -growth : x > 0 ? growth : (int2)0;
+    return hash_cellDIM(hash_restDIM(v));
 }
 
-// The colour of the cell c + o, h being its hash. In 3D and 4D they are the same numbers.
+// The colour of the cell c + o, h being its hash. In 3D and 4D they are the same numbers. The sums are made of
+// integers, which stay exact where floats skip numbers.
 float3 voronoi_color1(float h, float c, float o)
 {
     return hash_float_to_float3(c + o);
@@ -108,73 +135,193 @@ float4 voronoi_position4(float4 p)
     return p;
 }
 
-// One octave: the nearest feature point (feature 0), the second nearest (1) or a smooth blend of them (2; without
-// smoothness it is the nearest). Of equal distances the first wins, so the order of the cells matters.
-// The nearest are remembered by their offset alone; their hash is made again after the loop.
-// @each DIM 1 2 3 4
-QWKVoronoiOutput voronoi_octaveDIM(QWKVoronoiParams params, floatDIM co)
+// The bound of the nearest feature point to a point at `local` in the cell c + around, or of the second nearest; and
+// its cell's offset o from there, with the cell's hash h, 0 to 1. `others` leaves out the point's own cell. Of equal
+// bounds the one whose cell comes first wins, x fastest. In 1D the cell is hashed as a float.
+float voronoi_walk1(QWKVoronoiParams params, float c, float around, float local, bool second, bool others, out float o,
+                    out float h)
 {
-    bool smooth = params.feature == 2 && params.smoothness != 0.0;
-    bool second = params.feature == 1;
-    float reach = smooth ? 2.0 : 1.0;
-    floatDIM c = floor(co);
-    floatDIM local = co - c;
-    floatDIM o = -reach;
-    floatDIM best_o = 0.0;
-    floatDIM next_o = 0.0;
-    floatDIM h = 0.0;
-    floatDIM place = 0.0;
-    float3 color = 0.0;
-    float best = smooth ? 0.0 : 3.402823466e+38;
+    float best = 3.402823466e+38;
     float next = best;
-    bool first = true;
+    float2 best_o = 0.0;
+    float2 next_o = 0.0;
     [loop]
-    do
+    for (int x = -1; x <= 1; x++)
     {
-        h = voronoi_hashDIM(c, o);
-        floatDIM q = o + h * params.randomness;
-        float t = voronoi_boundDIM(q - local, params);
-        if (smooth || second) t = voronoi_root(t, params);
-        if (smooth)
-        {
-            float w = first ? 1.0 : saturate(0.5 + 0.5 * (best - t) / params.smoothness);
-            w = (3.0 - 2.0 * w) * (w * w);
-            first = false;
-            if (w > 0.0)
-            {
-                float z = params.smoothness * w * (1.0 - w);
-                best = lerp(best, t, w) - z;
-                z /= 1.0 + 3.0 * params.smoothness;
-                color = lerp(color, voronoi_colorDIM(h, c, o), w) - z;
-                place = lerp(place, q, w) - z;
-            }
-        }
-        else if (t < best)
+        float hash = hash_float_to_float(c + around + float(x));
+        float t = voronoi_bound1(float(x) + hash * params.randomness - local, params);
+        if (others && x == 0) t = 3.402823466e+38;
+        if (t < best)
         {
             next = best;
             next_o = best_o;
             best = t;
-            best_o = o;
+            best_o = float2(float(x), hash);
         }
-        else if (second && t < next)
+        else if (t < next)
         {
             next = t;
-            next_o = o;
+            next_o = float2(float(x), hash);
         }
     }
-    while (cell_nextDIM(o, reach));
-    if (!smooth)
+    o = second ? next_o.x : best_o.x;
+    h = second ? next_o.y : best_o.y;
+    return second ? next : best;
+}
+
+// @each DIM 2 3 4
+float voronoi_walkDIM(QWKVoronoiParams params, floatDIM c, floatDIM around, floatDIM local, bool second, bool others,
+                      out floatDIM o, out floatDIM h)
+{
+    float scale = params.randomness * 4.656612873077393e-10;
+    intDIM base = hash_intDIM(intDIM(c) + intDIM(around));
+    float best = 3.402823466e+38;
+    float next = best;
+    int best_key = 0;
+    int next_key = 0;
+    floatDIM best_h = 0.0;
+    floatDIM next_h = 0.0;
+    [loop]
+    for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
     {
-        if (second)
+        intDIM at = cell_rowDIM(row);
+        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
+        [branch]
+        if (voronoi_least(across, params) <= (second ? next : best))
         {
-            best = next;
-            best_o = next_o;
+            intDIM v = base + at * 1664525;
+            int2 growth = hash_rowDIM(v);
+            [loop]
+            for (uint i = 0u; i < 3u; i++)
+            {
+                at.x = cell_offset(i);
+                int key = cell_keyDIM(at);
+                float least = voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params);
+                [branch]
+                if (voronoi_least(least, params) <= (second ? next : best) && !(others && key == 0))
+                {
+                    floatDIM hash = voronoi_cellDIM(v, growth, at.x);
+                    float t = voronoi_boundDIM(mad(hash, scale, (floatDIM)at - local), params);
+                    bool nearer = t == best ? key < best_key : t < best;
+                    if (second)
+                    {
+                        bool moves = nearer || (t == next ? key < next_key : t < next);
+                        next = nearer ? best : moves ? t : next;
+                        next_key = nearer ? best_key : moves ? key : next_key;
+                        next_h = nearer ? best_h : moves ? hash : next_h;
+                    }
+                    best = nearer ? t : best;
+                    best_key = nearer ? key : best_key;
+                    best_h = nearer ? hash : best_h;
+                }
+            }
         }
-        else best = voronoi_root(best, params);
-        h = voronoi_hashDIM(c, best_o);
-        color = voronoi_colorDIM(h, c, best_o);
-        place = best_o + h * params.randomness;
     }
+    o = (floatDIM)cell_of_keyDIM(second ? next_key : best_key);
+    h = (second ? next_h : best_h) * 4.656612873077393e-10;
+    return second ? next : best;
+}
+
+// One octave of the nearest feature point (feature 0) or the second nearest (1).
+// @each DIM 1 2 3 4
+QWKVoronoiOutput voronoi_nearestDIM(QWKVoronoiParams params, floatDIM co)
+{
+    floatDIM c = floor(co);
+    floatDIM o = 0.0;
+    floatDIM h = 0.0;
+    float bound = voronoi_walkDIM(params, c, (floatDIM)0.0, co - c, params.feature == 1, false, o, h);
+    QWKVoronoiOutput result;
+    result.distance = voronoi_root(bound, params);
+    result.color = voronoi_colorDIM(h, c, o);
+    result.position = voronoi_positionDIM(o + h * params.randomness + c);
+    return result;
+}
+
+// A cell's share of the smooth blend: t is the distance to its point, which stands at q. The blend keeps the cells'
+// order, x fastest, as its result depends on it. Written so that a share of 1 leaves nothing of what was before.
+// @each DIM 1 2 3 4
+void voronoi_blendDIM(QWKVoronoiParams params, float t, float3 cell_color, floatDIM q, inout float best,
+                      inout float3 color, inout floatDIM place)
+{
+    float w = params.smoothness != 0.0 ? saturate(0.5 + 0.5 * (best - t) / params.smoothness) : t < best ? 1.0 : 0.0;
+    [branch]
+    if (w > 0.0)
+    {
+        w = (3.0 - 2.0 * w) * (w * w);
+        float rest = 1.0 - w;
+        float z = params.smoothness * w * rest;
+        best = mad(rest, best - t, t) - z;
+        z /= 1.0 + 3.0 * params.smoothness;
+        color = mad((float3)rest, color - cell_color, cell_color) - z;
+        place = mad((floatDIM)rest, place - q, q) - z;
+    }
+}
+
+// One octave of the smooth blend of the points around (feature 2); without smoothness it is the nearest.
+QWKVoronoiOutput voronoi_smooth1(QWKVoronoiParams params, float co)
+{
+    int reach = params.smoothness != 0.0 ? 2 : 1;
+    float c = floor(co);
+    float best = 3.402823466e+38;
+    float3 color = 0.0;
+    float place = 0.0;
+    [loop]
+    for (int x = -reach; x <= reach; x++)
+    {
+        float q = float(x) + hash_float_to_float(c + float(x)) * params.randomness;
+        voronoi_blend1(params, abs(q - (co - c)), hash_float_to_float3(c + float(x)), q, best, color, place);
+    }
+    QWKVoronoiOutput result;
+    result.distance = best;
+    result.color = color;
+    result.position = voronoi_position1(place + c);
+    return result;
+}
+
+// A point has no share from where its distance is the blend and the smoothness on.
+// @each DIM 2 3 4
+QWKVoronoiOutput voronoi_smoothDIM(QWKVoronoiParams params, floatDIM co)
+{
+    int reach = params.smoothness != 0.0 ? 2 : 1;
+    float scale = params.randomness * 4.656612873077393e-10;
+    floatDIM c = floor(co);
+    floatDIM local = co - c;
+    intDIM base = hash_intDIM(intDIM(c));
+    intDIM at = -reach;
+    float best = 3.402823466e+38;
+    float limit = best;
+    float3 color = 0.0;
+    floatDIM place = 0.0;
+    [loop]
+    do
+    {
+        at.x = 0;
+        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
+        [branch]
+        if (voronoi_least(across, params) < limit)
+        {
+            intDIM v = base + at * 1664525;
+            int2 growth = hash_rowDIM(v);
+            v.xy -= growth * reach;
+            [loop]
+            for (at.x = -reach; at.x <= reach; at.x++)
+            {
+                float least = voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params);
+                [branch]
+                if (voronoi_least(least, params) < limit)
+                {
+                    floatDIM hash = hash_cellDIM(hash_restDIM(v));
+                    float bound = voronoi_boundDIM(mad(hash, scale, (floatDIM)at - local), params);
+                    float3 cell_color = voronoi_colorDIM(hash * 4.656612873077393e-10, c, (floatDIM)at);
+                    voronoi_blendDIM(params, voronoi_root(bound, params), cell_color, mad(hash, scale, (floatDIM)at),
+                                     best, color, place);
+                    limit = voronoi_unroot(best + params.smoothness, params);
+                }
+                v.xy += growth;
+            }
+        }
+    }
+    while (cell_next_rowDIM(at, reach));
     QWKVoronoiOutput result;
     result.distance = best;
     result.color = color;
@@ -197,7 +344,9 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     [loop]
     for (float left = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0; left > -1.0; left -= 1.0)
     {
-        QWKVoronoiOutput octave = voronoi_octaveDIM(params, co * scale);
+        QWKVoronoiOutput octave;
+        if (params.feature == 2) octave = voronoi_smoothDIM(params, co * scale);
+        else octave = voronoi_nearestDIM(params, co * scale);
         float w = amplitude * min(left + 1.0, 1.0);
         total += w;
         result.distance += octave.distance * w;

@@ -7,44 +7,54 @@ float voronoi_edge1(QWKVoronoiParams params, float co)
 {
     float c = floor(co);
     float h = hash_float_to_float(c);
-    float left = (voronoi_hash1(c, -1.0) + h) * params.randomness - 1.0;
-    float right = (voronoi_hash1(c, 1.0) + h) * params.randomness + 1.0;
+    float left = (hash_float_to_float(c - 1.0) + h) * params.randomness - 1.0;
+    float right = (hash_float_to_float(c + 1.0) + h) * params.randomness + 1.0;
     float at = co - c;
     return min(abs(left * 0.5 - at), abs(right * 0.5 - at));
 }
 
-// The first walk finds the nearest point, the second the nearest of its borders with the others. Only one cell
-// around is looked at, so now and then a border is missed, as in Blender. Points nearer to each other than 0.01
-// make no border.
+// The nearest point is found first, then the nearest of its borders with the others. Only one cell around is looked
+// at, so now and then a border is missed, as in Blender. Points nearer to each other than 0.01 make no border.
+// A point at a distance of v makes no border nearer than half of what v is more than the nearest point's distance.
 // @each DIM 2 3 4
 float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {
+    params.metric = 0;
+    float scale = params.randomness * 4.656612873077393e-10;
     floatDIM c = floor(co);
     floatDIM local = co - c;
-    floatDIM nearest = 0.0;
-    float best = 3.402823466e+38;
-    float edge = best;
+    floatDIM o = 0.0;
+    floatDIM h = 0.0;
+    float radius = sqrt(voronoi_walkDIM(params, c, (floatDIM)0.0, local, false, false, o, h));
+    floatDIM nearest = h * params.randomness + (o - local);
+    intDIM base = hash_intDIM(intDIM(c));
+    float edge = 3.402823466e+38;
+    float limit = edge;
     [loop]
-    for (int walk = 0; walk < 2; walk++)
+    for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
     {
-        floatDIM o = -1.0;
-        [loop]
-        do
+        intDIM at = cell_rowDIM(row);
+        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
+        [branch]
+        if (across < limit)
         {
-            floatDIM v = o + voronoi_hashDIM(c, o) * params.randomness - local;
-            floatDIM apart = walk == 0 ? v : v - nearest;
-            float square = dot(apart, apart);
-            if (walk == 0)
+            intDIM v = base + at * 1664525;
+            int2 growth = hash_rowDIM(v);
+            [loop]
+            for (uint i = 0u; i < 3u; i++)
             {
-                if (square < best)
+                at.x = cell_offset(i);
+                [branch]
+                if (voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params) < limit)
                 {
-                    best = square;
-                    nearest = v;
+                    floatDIM other = mad(voronoi_cellDIM(v, growth, at.x), scale, (floatDIM)at - local);
+                    floatDIM apart = other - nearest;
+                    float square = dot(apart, apart);
+                    if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
+                    limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
                 }
             }
-            else if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + v, apart) * rsqrt(square));
         }
-        while (cell_nextDIM(o, 1.0));
     }
     return edge;
 }
@@ -77,33 +87,19 @@ float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
 // @each DIM 1 2 3 4
 float voronoi_n_sphere_radiusDIM(QWKVoronoiParams params, floatDIM co)
 {
+    params.metric = 0;
     floatDIM c = floor(co);
+    floatDIM local = co - c;
     floatDIM around = 0.0;
-    floatDIM target = co - c;
-    float best = 0.0;
+    floatDIM o = 0.0;
+    floatDIM h = 0.0;
+    float square = 0.0;
     [loop]
     for (int walk = 0; walk < 2; walk++)
     {
-        floatDIM nearest = 0.0;
-        floatDIM nearest_q = 0.0;
-        floatDIM o = -1.0;
-        best = 3.402823466e+38;
-        [loop]
-        do
-        {
-            floatDIM cell = around + o;
-            floatDIM q = cell + voronoi_hashDIM(c, cell) * params.randomness;
-            float square = dot(q - target, q - target);
-            if (square < best && (walk == 0 || any(o != 0.0)))
-            {
-                best = square;
-                nearest = cell;
-                nearest_q = q;
-            }
-        }
-        while (cell_nextDIM(o, 1.0));
-        around = nearest;
-        target = nearest_q;
+        square = voronoi_walkDIM(params, c, around, local, false, walk > 0, o, h);
+        around = o;
+        local = h * params.randomness;
     }
-    return 0.5 * sqrt(best);
+    return 0.5 * sqrt(square);
 }
