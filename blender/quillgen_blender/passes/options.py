@@ -17,8 +17,8 @@ class Options:
     `exact_luma`: a colour that feeds a number is weighted with all the digits that Cycles has. The text's own
     weights have four, which shows where the number is a seed or a coordinate.
 
-    `smooth_ramps`: ramps with B-spline, cardinal or narrow ease interpolation get linear stops instead, as few as
-    stay within `ramp_tolerance` of what Cycles shows. Without it they are linear between the artist's stops.
+    `smooth_ramps`: ramps with B-spline or cardinal interpolation get linear stops instead, as few as stay within
+    `ramp_tolerance` of what Cycles shows. Without it they are linear between the artist's stops.
 
     `nearest_shaders`: shaders that the translator lacks are replaced by the nearest that it has.
 

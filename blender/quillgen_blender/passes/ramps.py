@@ -63,28 +63,11 @@ def prepared(record: dict[str, Any], options: Options | None = None) -> dict[str
 
 
 def needs_fit(stops: list[Stop], interpolation: str) -> bool:
-    """Whether the translator has no interpolation of that kind, or one that strays from Cycles' table: an ease over
-    less than a tenth of the range is too short for a table of 257 entries, and one that a stop out of order cuts
-    off is none."""
-    if interpolation in ramp_values.WEIGHTS:
-        return len(stops) > 1
-    if interpolation != "EASE":
-        return False
-    places = [place for place, _ in stops]
-    pairs = list(zip(stops, stops[1:], strict=False))
-    return any(second < first for first, second in zip(places, places[1:], strict=False)) or any(
-        strays(end - start, max(abs(x - y) for x, y in zip(first, second, strict=True)))
-        for (start, first), (end, second) in pairs
-        if end > start
-    )
-
-
-def strays(width: float, rise: float) -> bool:
-    """Whether a smooth step differs from Cycles' table by more than a thousandth. A line between two samples misses
-    a curve by an eighth of its second derivative, here 6, times the square of their distance. A step narrower than
-    the table's is a jump here and there."""
-    steps = width * ramp_values.STEPS
-    return steps > 1.0 and 0.75 * rise / (steps * steps) > 1e-3
+    """Whether the translator has no interpolation of that kind. It has Blender's ease, between two stops that it sees
+    whole: not where a stop out of order cuts the way off."""
+    if interpolation == "EASE":
+        return any(second[0] < first[0] for first, second in zip(stops, stops[1:], strict=False))
+    return interpolation in ramp_values.WEIGHTS and len(stops) > 1
 
 
 @lru_cache(maxsize=64)
