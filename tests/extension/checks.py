@@ -6,6 +6,7 @@ python checks.py OUT.json      what failed, by name; BLENDER_USER_RESOURCES name
 import contextlib
 import io
 import json
+import os
 import sys
 import tempfile
 import time
@@ -24,7 +25,6 @@ import quillgen_blender  # noqa: E402
 from quillgen_blender import command, exporting, read  # noqa: E402
 from quillgen_blender.read import labels  # noqa: E402
 from quillgen_blender.ui import live, panels, state  # noqa: E402
-
 
 NUMBERS = {}  # what was measured, for the report
 
@@ -593,3 +593,5 @@ def main(out):
 
 if __name__ == "__main__":
     main(sys.argv[1])
+    sys.stdout.flush()
+    os._exit(0)  # bpy 4.2 as a module crashes as it ends, once a property had an update function

@@ -1,6 +1,6 @@
 """What an artist reads at the sockets that become parameters: names, ranges, tooltips."""
 
-from collections.abc import Container, Iterator
+from collections.abc import Container, Iterator, Mapping
 from typing import Any
 
 import bpy
@@ -23,7 +23,7 @@ Labels = dict[tuple[str, str], Label]
 
 def labels(
     material: bpy.types.Material,
-    document: dict[str, Any],
+    document: Mapping[str, Any],
     paths: dict[str, tuple[str, ...]],
     wanted: Container[tuple[str, str]] | None = None,
 ) -> Labels:
@@ -37,7 +37,7 @@ def labels(
 
 def by_node(
     material: bpy.types.Material,
-    document: dict[str, Any],
+    document: Mapping[str, Any],
     paths: dict[str, tuple[str, ...]],
     wanted: Container[tuple[str, str]] | None = None,
 ) -> Iterator[Labels]:
