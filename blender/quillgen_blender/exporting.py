@@ -12,6 +12,7 @@ from typing import Any
 import bpy
 
 from . import pipeline, read, write
+from .notes import Note
 from .pipeline import Failed, Settings
 from .read import labels, pictures
 from .write import Material, Picture, Target
@@ -112,7 +113,12 @@ def steps(
         )
         if target is not None:
             written = yield from writing(made, target, textures)
-            outcome = replace(outcome, folder=str(written.folder), changed=written.changed)
+            outcome = replace(
+                outcome,
+                folder=str(written.folder),
+                changed=written.changed,
+                remarks=written.manifest["remarks"],
+            )
     except Unchanged:
         outcome = replace(outcome, changed="nothing")
     except Failed as error:
@@ -193,18 +199,24 @@ def writing(made: Material, target: Target, textures: bool | Collection[str]) ->
     else:
         yield "saving pictures"
         with tempfile.TemporaryDirectory(prefix="quillgen-") as folder:
-            made = replace(made, pictures=save_pictures(wanted, Path(folder), made))
-            prepared = write.prepare(target, made)
+            prepared = write.prepare(target, save_pictures(wanted, Path(folder), made))
     yield "writing"
     return write.commit(target, prepared)
 
 
-def save_pictures(images: Iterable[str], folder: Path, made: Material) -> dict[str, Picture]:
-    found = {}
+def save_pictures(images: Iterable[str], folder: Path, made: Material) -> Material:
+    """Saves pictures to a folder. One that can't be saved is left out and told."""
+    found: dict[str, Picture] = {}
+    notes = list(made.notes)
     for place, name in enumerate(sorted(images)):
-        file, record = pictures.save_picture(bpy.data.images[name], folder, str(place))
-        found[name] = Picture(file, record["float"], record["colorspace"])
-    return found
+        try:
+            file, record = pictures.save_picture(bpy.data.images[name], folder, str(place))
+        except (OSError, RuntimeError) as error:
+            reason = getattr(error, "strerror", None) or str(error)
+            notes.append(Note("", f"the picture {name} isn't exported: {reason}", "lost"))
+        else:
+            found[name] = Picture(file, record["float"], record["colorspace"])
+    return replace(made, pictures=found, notes=notes)
 
 
 def finish(job: Steps) -> Outcome:

@@ -6,7 +6,7 @@ import re
 from collections.abc import Collection, Mapping, Sequence
 from dataclasses import dataclass, field, replace
 from pathlib import Path
-from typing import Any
+from typing import Any, Literal
 
 from . import passes, write
 from .notes import Note
@@ -21,7 +21,7 @@ class Settings:
     setting. `named`: the parameters that the artist marked."""
 
     options: Options = field(default_factory=Options)
-    mode: str = "surface"
+    mode: Literal["surface", "emission"] = "surface"
     displacement: bool = True
     named: Collection[str] = ()
 
@@ -47,7 +47,7 @@ def translate(
         document = document | {"settings": document["settings"] | {"displacement": "BUMP"}}
     document, more = passes.prepare(document, settings.options)
     try:
-        result = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
+        result: Any = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
     except quillgen.Unsupported as error:
         raise explained(str(error), document) from error
     result, last = passes.finish(result, document, settings.named, settings.options)

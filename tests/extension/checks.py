@@ -7,6 +7,7 @@ import contextlib
 import io
 import json
 import os
+import statistics
 import sys
 import tempfile
 import time
@@ -122,6 +123,17 @@ def check_a_picture_is_saved_once():
     picture.colorspace_settings.name = "Non-Color"
     assert [round(part, 2) for part in picture.pixels[:4]] == [0.25, 0.5, 0.75, 1.0], picture.pixels[:4]
     assert saved.name.startswith("Paint_ing-")
+
+
+def check_a_picture_that_is_gone_is_told():
+    out = setting()
+    material = active("Poster")
+    image = bpy.data.images.new("gone.png", 4, 4)
+    image.source, image.filepath = "FILE", str(out / "gone.png")
+    material.node_tree.nodes["Image Texture"].image = image
+    assert bpy.ops.quillgen.export() == {"FINISHED"}
+    assert manifest(out / "Poster")["textures"][0]["file"] is None
+    assert any("gone.png isn't exported" in remark["text"] for remark in state.last(material).remarks)
 
 
 def check_options_change_what_is_exported():
@@ -428,15 +440,24 @@ def check_a_material_that_is_removed_meanwhile():
 
 
 PAUSE = 5.0  # milliseconds that Blender's main thread is busy at a time
-WHOLE = {"slider": 10.0, "graph": 30.0}  # and all in all, on a machine that may be busy
+WHOLE = {"slider": 12.0, "graph": 40.0}  # and all in all, over several slices
+YARDSTICK = 1.0  # milliseconds that the loop below takes where these limits hold, a desktop of 2020 with nothing to do
+
+
+def yardstick():
+    """The CPU time of work that is always the same, in milliseconds: how busy the machine is."""
+    began = time.thread_time()
+    words = {}
+    for number in range(5500):
+        words[number % 700] = words.get(number % 300, "") and str(number)
+    return 1000 * (time.thread_time() - began)
 
 
 def slices(edit):
-    """The CPU time of what Blender's main thread does for an edit: the handler, then each call of the timer, in
-    milliseconds. The machine may be busy: best of many."""
-    found = []
+    """The CPU time of what Blender's main thread does for an edit, in milliseconds: the whole and the longest slice of
+    the handler and the timer. Medians, measured by turns with the yardstick and divided by it."""
     handler = live.changed
-    spent = []
+    spent, wholes, pauses, sticks = [], [], [], []
 
     def timed(*words):
         began = time.thread_time()
@@ -446,21 +467,25 @@ def slices(edit):
     handlers = bpy.app.handlers.depsgraph_update_post
     handlers[handlers.index(handler)] = timed
     try:
-        for turn in range(60):
+        for turn in range(61):
             spent.clear()
             edit(turn)
             bpy.context.view_layer.update()
             Clock.now += 0.35
             again = 0.0
             while again is not None:
+                sticks.append(yardstick())
                 began = time.thread_time()
                 again = live.tick()
                 spent.append(1000 * (time.thread_time() - began))
                 Clock.now += again or 0.0
-            found.append(list(spent))
+            wholes.append(sum(spent))
+            pauses.append(max(spent))
     finally:
         handlers[handlers.index(timed)] = handler
-    return found
+    NUMBERS["yardstick"] = statistics.median(sticks)
+    slower = max(1.0, statistics.median(sticks) / YARDSTICK)
+    return statistics.median(wholes) / slower, statistics.median(pauses) / slower
 
 
 def check_an_edit_takes_little_of_the_main_thread():
@@ -480,10 +505,9 @@ def check_an_edit_takes_little_of_the_main_thread():
         nodes["Math"].operation = ("MULTIPLY", "ADD")[turn % 2]
 
     for name, edit, changed in (("slider", slider, "parameters"), ("graph", graph, "all")):
-        found = slices(edit)
+        whole, pause = slices(edit)
         assert state.last(material).changed == changed
-        NUMBERS[f"{name}, whole edit, ms"] = whole = min(map(sum, found))
-        NUMBERS[f"{name}, longest pause, ms"] = pause = min(map(max, found))
+        NUMBERS[f"{name}, whole edit, ms"], NUMBERS[f"{name}, longest pause, ms"] = whole, pause
         assert pause <= PAUSE and whole <= WHOLE[name], NUMBERS
 
 

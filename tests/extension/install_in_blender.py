@@ -6,8 +6,7 @@ import os
 import sys
 from pathlib import Path
 
-import addon_utils
-import bpy  # ahead of addon_utils, which it makes findable
+import bpy
 
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "host"))
@@ -39,6 +38,8 @@ def main(archive, out):
     bpy.ops.wm.read_factory_settings(use_empty=True)
     before = leftovers()
     installed = bpy.ops.extensions.package_install_files(filepath=archive, repo="user_default", enable_on_install=True)
+    import addon_utils  # bpy makes it findable
+
     enabled = addon_utils.check(MODULE)
     import materials  # beside this file
 

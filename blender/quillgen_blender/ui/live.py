@@ -166,7 +166,7 @@ def step() -> None:
         next(steps)
     except StopIteration as end:
         _waiting.job = None
-        if material is not None:
+        if material is not None and end.value.changed != "nothing":
             state.keep(material, end.value)
         if not _waiting.materials:
             _waiting.images.clear()  # all of their materials have them
