@@ -1,0 +1,64 @@
+"""Materials from Blender: imports the folders that the extension Quillgen writes, and builds their materials.
+
+NOT TRIED IN UNREAL: this was written and tested without the editor, against a double of its Python interface. What
+the double can't know: how the editor itself draws, compiles and saves what is built here; the names of pins that no
+reference lists; the look of dialogs and menus; the text for the clipboard. docs/unreal.md holds a checklist of five
+minutes for someone who has Unreal; quillgen_unreal.build_checklist() makes its level.
+
+    import quillgen_unreal
+    quillgen_unreal.import_all("C:/work/export")                          # every material below a folder
+    quillgen_unreal.import_material("C:/work/export/Oak Planks", "/Game/Blender")
+    quillgen_unreal.start_live("C:/work/export"), quillgen_unreal.stop_live()
+
+For Unreal 5.3 to 5.7, with the standard library of its Python alone. It makes, and later updates in place, M_Name with
+the graph and MI_Name, an instance that holds the values; textures go to the folder Textures beside them. Parameters
+keep their names, so instances of your own keep what they override. Nothing is saved: that is yours to do.
+"""
+
+from __future__ import annotations
+
+DEFAULT_PATH = "/Game/Blender"
+
+
+def import_material(folder, content_path=DEFAULT_PATH, instanced=False, force=False):
+    """Imports the material in a folder; returns what became of it, an `importer.Outcome`.
+
+    `instanced`: the meshes are drawn as instances (foliage, instanced static meshes). `force` builds the graph anew
+    even if nothing has changed. Raises `errors.Refused`, naming the file and the material; M_Name is as it was then.
+    """
+    import unreal
+
+    from . import importer
+
+    with unreal.ScopedSlowTask(1, "A material from Blender") as task:
+        task.make_dialog(True)
+        outcome = importer.bring(folder, content_path, importer._progress(task), instanced, force)
+    importer.summarise([outcome], folder)
+    return outcome
+
+
+def import_all(folder, content_path=DEFAULT_PATH, instanced=False, force=False):
+    """Imports every material below a folder; returns a list of `importer.Outcome`. A failure stops no other."""
+    from . import importer
+
+    return importer.bring_all(folder, content_path, instanced, force)
+
+
+def start_live(folder, content_path=DEFAULT_PATH, instanced=False):
+    """Follows a folder: what Blender exports there appears in the open level until `stop_live`."""
+    from . import live
+
+    live.start(folder, content_path, instanced)
+
+
+def stop_live():
+    from . import live
+
+    live.stop()
+
+
+def build_checklist(content_path="/Game/BlenderChecklist"):
+    """Makes a level with a sphere for each kind of input, to see whether this version of Unreal gives it rightly."""
+    from . import checklist
+
+    return checklist.build_level(content_path)

@@ -1,0 +1,21 @@
+"""What goes wrong with an export, in words that name the file and the material."""
+
+from __future__ import annotations
+
+
+class Refused(Exception):
+    """The material can't be imported. The assets are as they were."""
+
+    def __init__(self, material, file, what):
+        super().__init__(f"{material}: {what} ({file})" if file else f"{material}: {what}")
+        self.material = material
+        self.file = str(file)
+        self.what = what
+
+
+class Unfinished(Refused):
+    """The files don't belong together yet: an export is under way."""
+
+
+class Cancelled(Exception):
+    """The user pressed Cancel."""

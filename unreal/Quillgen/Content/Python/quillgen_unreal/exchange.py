@@ -1,0 +1,298 @@
+"""Reads the folder of one material as the Blender extension writes it, and checks all of it.
+
+What `read` gives is right in itself: every input has a kind that can be wired, every parameter and texture has its
+record, every file is there. It raises Refused otherwise, and Unfinished where the files don't belong together yet.
+"""
+
+from __future__ import annotations
+
+import hashlib
+import json
+import math
+import re
+from pathlib import Path
+from typing import NamedTuple
+
+from . import wiring
+from .errors import Refused, Unfinished
+
+MANIFEST = "material.json"
+FORMAT, VALUES_FORMAT, VERSION = "quillgen-material", "quillgen-parameters", 1
+
+MODES = ("surface", "emission")
+SHADINGS = ("default_lit", "clear_coat", "unlit")
+BLENDS = ("opaque", "masked", "translucent")
+PROPERTIES = (
+    "metallic",
+    "roughness",
+    "specular",
+    "emissive",
+    "normal",
+    "opacity",
+    "clear_coat",
+    "clear_coat_roughness",
+)
+TYPES = ("float", "float2", "float3", "float4")
+IDENTIFIER = re.compile(r"[A-Za-z_][A-Za-z0-9_]*\Z")
+
+
+class Text(NamedTuple):
+    code: str
+    inputs: tuple[dict, ...]
+    outputs: tuple[dict, ...]
+
+
+class Parameter(NamedTuple):
+    name: str
+    kind: str
+    default: float | tuple[float, ...]
+    label: str
+    group: str
+    order: int
+    color: bool
+    least: float | None
+    most: float | None
+    description: str
+
+
+class Picture(NamedTuple):
+    name: str
+    image: str
+    path: Path | None  # None where it wasn't exported this time
+    sha256: str
+    floats: bool
+
+
+class Export(NamedTuple):
+    folder: Path
+    name: str
+    library: str  # the file that the material is linked from, "" for the exported file's own
+    mode: str
+    settings: dict
+    surface: Text
+    displacement: Text | None
+    magnitude: float  # of the displacement, in centimetres
+    parameters: tuple[Parameter, ...]
+    pictures: tuple[Picture, ...]
+    values: dict[str, float | tuple[float, ...]]
+    remarks: tuple[dict, ...]
+
+
+class _Reader:
+    """One folder while it is read: it knows the material's name for what it has to say."""
+
+    def __init__(self, folder):
+        self.folder = Path(folder)
+        self.material = self.folder.name
+
+    def refuse(self, file, what):
+        raise Refused(self.material, self.folder / file, what)
+
+    def unfinished(self, file, what):
+        raise Unfinished(self.material, self.folder / file, what)
+
+    def bytes(self, file):
+        """The bytes of a file that has to be beside the manifest."""
+        path = self.folder / file
+        try:
+            return path.read_bytes()
+        except FileNotFoundError:
+            self.unfinished(file, "the file is missing")
+        except OSError as error:
+            self.refuse(file, f"the file can't be read: {error.strerror or error}")
+
+    def json(self, file, name, version=VERSION):
+        try:
+            found = json.loads(self.bytes(file).decode("utf-8"))
+        except (UnicodeDecodeError, ValueError) as error:
+            self.unfinished(file, f"this is no JSON: {error}")
+        if not isinstance(found, dict) or found.get("format") != name:
+            self.refuse(file, f"this is no file of the format {name!r}")
+        if found.get("version") != version:
+            newer = "the plugin and the Blender extension are of different ages: bring both up to date"
+            self.refuse(file, f"version {found.get('version')!r} of the format, this plugin reads {version}; {newer}")
+        return found
+
+    def get(self, record, key, kinds, where):
+        """A value of a record, which must be of these types."""
+        value = record.get(key) if isinstance(record, dict) else None
+        if not isinstance(value, kinds) or (isinstance(value, bool) and kinds in (int, NUMBER)):
+            self.refuse(MANIFEST, f"{where} has no usable {key!r}: {value!r}")
+        return value
+
+    def one_of(self, record, key, choices, where):
+        value = self.get(record, key, str, where)
+        if value not in choices:
+            self.refuse(MANIFEST, f"{where} has an unknown {key!r}: {value!r}")
+        return value
+
+    def file(self, record, where):
+        """The bytes of a file that a record names with its checksum."""
+        name = self.get(record, "file", str, where)
+        if "/" in name or "\\" in name or name.startswith("."):
+            self.refuse(MANIFEST, f"{where} lies in another folder: {name!r}")
+        content = self.bytes(name)
+        if hashlib.sha256(content).hexdigest() != self.get(record, "sha256", str, where):
+            self.unfinished(name, "the file isn't the one that the manifest names")
+        return content
+
+
+NUMBER = (int, float)
+
+
+def read(folder):
+    """The Export in a folder."""
+    reader = _Reader(folder)
+    manifest = reader.json(MANIFEST, FORMAT)
+    reader.material = reader.get(manifest, "name", str, "the manifest") or reader.material
+    mode = reader.one_of(manifest, "mode", MODES, "the manifest")
+    displacement, magnitude = manifest.get("displacement"), 0.0
+    if displacement is not None:
+        magnitude = float(reader.get(displacement, "magnitude", NUMBER, "the displacement"))
+        displacement = _text(reader, displacement, "the displacement", ())
+    surface = reader.get(manifest, "surface", dict, "the manifest")
+    outputs = tuple(_output(reader, o) for o in reader.get(surface, "outputs", list, "the surface"))
+    surface = _text(reader, surface, "the surface", outputs)
+    parameters, file = _parameters(reader, manifest)
+    pictures = tuple(_picture(reader, r) for r in reader.get(manifest, "textures", list, "the manifest"))
+    _complete(reader, (surface, displacement), parameters, pictures)
+    remarks = tuple(r for r in manifest.get("remarks") or () if isinstance(r, dict))
+    return Export(
+        folder=reader.folder,
+        name=reader.material,
+        library=manifest.get("library") or "",
+        mode=mode,
+        settings=_settings(reader, manifest),
+        surface=surface,
+        displacement=displacement,
+        magnitude=magnitude,
+        parameters=parameters,
+        pictures=pictures,
+        values=_values(reader, file, parameters),
+        remarks=remarks,
+    )
+
+
+def _settings(reader, manifest):
+    settings = reader.get(manifest, "settings", dict, "the manifest")
+    where = "the record of settings"
+    reader.one_of(settings, "shading", SHADINGS, where)
+    reader.get(settings, "two_sided", bool, where)
+    reader.get(settings, "tangent_space_normal", bool, where)
+    if reader.one_of(settings, "blend", BLENDS, where) == "masked":
+        reader.get(settings, "clip", NUMBER, where)
+    return settings
+
+
+def _text(reader, record, where, outputs):
+    try:
+        code = reader.file(record, where).decode("utf-8")
+    except UnicodeDecodeError:
+        reader.refuse(record["file"], "the text isn't UTF-8")
+    inputs = tuple(reader.get(record, "inputs", list, where))
+    names = [_identifier(reader, entry, f"an input of {where}") for entry in (*inputs, *outputs)]
+    if len(set(names)) < len(names):
+        reader.refuse(MANIFEST, f"two inputs or outputs of {where} have one name")
+    for entry in inputs:
+        trouble = wiring.unknown(entry)
+        if trouble:
+            newer = "a newer plugin may know it"
+            reader.refuse(MANIFEST, f"the input {entry['name']!r} can't be wired: {trouble} is unknown, {newer}")
+    return Text(code, inputs, outputs)
+
+
+def _identifier(reader, record, where):
+    name = reader.get(record, "name", str, where)
+    if not IDENTIFIER.match(name):
+        reader.refuse(MANIFEST, f"{where} has a name that HLSL doesn't take: {name!r}")
+    return name
+
+
+def _output(reader, record):
+    where = f"the output {_identifier(reader, record, 'an output of the surface')!r}"
+    reader.one_of(record, "type", TYPES, where)
+    reader.one_of(record, "property", PROPERTIES, where)
+    return record
+
+
+def _parameters(reader, manifest):
+    section = reader.get(manifest, "parameters", dict, "the manifest")
+    records = reader.get(section, "records", list, "the section of parameters")
+    return tuple(_parameter(reader, r) for r in records), reader.get(section, "file", str, "the section of parameters")
+
+
+def _parameter(reader, record):
+    name = _identifier(reader, record, "a parameter")
+    where = f"the parameter {name!r}"
+    kind = reader.one_of(record, "kind", ("scalar", "vector"), where)
+    default = _value(record.get("default"), kind)
+    if default is None:
+        reader.refuse(MANIFEST, f"{where} has no usable default: {record.get('default')!r}")
+    least, most = (record.get(key) for key in ("min", "max"))
+    ranged = all(_finite(v) for v in (least, most)) and least < most
+    return Parameter(
+        name=name,
+        kind=kind,
+        default=default,
+        label=reader.get(record, "label", str, where),
+        group=reader.get(record, "group", str, where),
+        order=reader.get(record, "order", int, where),
+        color=reader.get(record, "color", bool, where),
+        least=float(least) if ranged else None,
+        most=float(most) if ranged else None,
+        description=record.get("description") or "",
+    )
+
+
+def _finite(value):
+    return isinstance(value, NUMBER) and not isinstance(value, bool) and math.isfinite(value)
+
+
+def _value(value, kind):
+    """A parameter's value as a float or four of them, None if it is neither."""
+    if kind == "scalar":
+        return float(value) if _finite(value) else None
+    if isinstance(value, (list, tuple)) and len(value) == 4 and all(map(_finite, value)):
+        return tuple(map(float, value))
+    return None
+
+
+def _picture(reader, record):
+    name = _identifier(reader, record, "a texture")
+    where = f"the texture {name!r}"
+    image, floats = reader.get(record, "image", str, where), reader.get(record, "float", bool, where)
+    if record.get("file") is None:
+        return Picture(name, image, None, "", floats)
+    path = reader.folder / reader.get(record, "file", str, where)
+    if not path.is_file():
+        reader.unfinished(record["file"], f"the picture of {where} is missing")
+    return Picture(name, image, path, reader.get(record, "sha256", str, where), floats)
+
+
+def _complete(reader, texts, parameters, pictures):
+    """Every input that carries a value of the material has its record."""
+    kinds = {p.name: p.kind for p in parameters}
+    kinds.update({p.name: "texture" for p in pictures})
+    labels = {p.label.strip().casefold() for p in parameters}
+    if len(kinds) < len(parameters) + len(pictures) or len(labels) < len(parameters):
+        reader.refuse(MANIFEST, "two parameters or textures have one name")
+    for text in filter(None, texts):
+        for entry in text.inputs:
+            if entry["kind"] in wiring.PARAMETERS and kinds.get(entry["name"]) != entry["kind"]:
+                reader.refuse(MANIFEST, f"the input {entry['name']!r} has no record as a {entry['kind']}")
+
+
+def _values(reader, file, parameters):
+    """The value of each parameter: what the file of values says, else the default."""
+    found = reader.json(file, VALUES_FORMAT).get("values")
+    if not isinstance(found, dict):
+        reader.refuse(file, "there are no values")
+    values = {}
+    for parameter in parameters:
+        value = parameter.default
+        if parameter.name in found:
+            value = _value(found[parameter.name], parameter.kind)
+        if value is None:
+            reader.refuse(file, f"the value of {parameter.name!r} isn't one: {found[parameter.name]!r}")
+        values[parameter.name] = value
+    return values

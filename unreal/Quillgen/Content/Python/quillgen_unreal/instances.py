@@ -1,0 +1,52 @@
+"""The material instance that holds the values. Setting one compiles nothing."""
+
+from __future__ import annotations
+
+import struct
+
+import unreal
+
+from . import naming
+from .plan import Color
+
+MEL = unreal.MaterialEditingLibrary
+
+
+def _rounded(number):
+    """As the engine keeps it, in 32 bits."""
+    return struct.unpack("f", struct.pack("f", number))[0]
+
+
+def _held(instance, key):
+    """Parameter name -> value of what the instance overrides."""
+    records = instance.get_editor_property(key)
+    return {
+        str(r.get_editor_property("parameter_info").get_editor_property("name")): r.get_editor_property(
+            "parameter_value"
+        )
+        for r in records
+    }
+
+
+def update(instance, export):
+    """Sets what differs from the export's values. Returns how many values that are."""
+    named = naming.parameters(export.parameters)
+    scalars = _held(instance, "scalar_parameter_values")
+    vectors = _held(instance, "vector_parameter_values")
+    changed = 0
+    for record in export.parameters:
+        name, wanted = named[record.name], export.values[record.name]
+        if record.kind == "scalar":
+            if scalars.get(name) != _rounded(wanted):
+                MEL.set_material_instance_scalar_parameter_value(instance, name, wanted)
+                changed += 1
+        elif _components(vectors.get(name)) != tuple(map(_rounded, wanted)):
+            MEL.set_material_instance_vector_parameter_value(instance, name, unreal.LinearColor(*Color(*wanted)))
+            changed += 1
+    if changed:
+        MEL.update_material_instance(instance)
+    return changed
+
+
+def _components(color):
+    return color and (color.r, color.g, color.b, color.a)

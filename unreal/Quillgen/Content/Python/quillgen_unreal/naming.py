@@ -1,0 +1,43 @@
+"""Names of assets and parameters."""
+
+from __future__ import annotations
+
+import re
+
+from .errors import Refused
+
+LONGEST_PATH = 200  # of an asset: the paths of cooked files are a little longer, and Windows takes 260
+CONTENT_PATH = re.compile(r"(/[^/\\:*?\"<>|' ,.&!~\n\r\t@#]+)+\Z")
+
+
+def asset(prefix, name):
+    """An asset's name: what Unreal refuses in a name becomes "_". "" where nothing of the name is left."""
+    plain = "".join(c if c.isalnum() or c == "_" else "_" for c in name.strip())
+    return prefix + plain if any(c.isalnum() for c in plain) else ""
+
+
+def content_path(path):
+    """A folder of the content browser without a slash at its end."""
+    path = path.rstrip("/")
+    if not CONTENT_PATH.match(path):
+        raise Refused("Import", "", f"{path!r} is no folder of the content browser; one is written /Game/Blender")
+    return path
+
+
+def asset_path(folder, prefix, export):
+    """Where an asset of this export belongs. The folder has the material's name, and a number where two materials
+    share one."""
+    name = asset(prefix, export.folder.name)
+    if not name:
+        raise Refused(export.name, export.folder, "no asset can have this name; give it a letter or a digit in Blender")
+    path = f"{folder}/{name}"
+    if len(path) > LONGEST_PATH:
+        raise Refused(export.name, export.folder, f"the asset's path would be {len(path)} characters long: {path}")
+    return path
+
+
+def parameters(records):
+    """Input name -> what the parameter is called in Unreal: its label, which no other one of the material has. Unreal
+    takes "None" for no name at all."""
+    labels = {record.name: record.label.strip() for record in records}
+    return {name: name if label.casefold() in ("", "none") else label for name, label in labels.items()}

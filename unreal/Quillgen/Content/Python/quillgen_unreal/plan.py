@@ -1,0 +1,101 @@
+"""What a material is made of, as plain data: expressions, their properties and the wires between them.
+
+Nothing here needs the editor. `apply` makes the real thing from it, `clipboard` a text that can be pasted.
+"""
+
+from __future__ import annotations
+
+from typing import NamedTuple
+
+
+class Enum(NamedTuple):
+    """A member of an enumeration: its type and name in Python, and the name that the editor writes in texts."""
+
+    type: str
+    member: str
+    text: str
+
+
+class Color(NamedTuple):
+    r: float
+    g: float
+    b: float
+    a: float
+
+
+class Texture(NamedTuple):
+    """A texture asset by its path, such as /Game/Blender/Textures/T_Oak."""
+
+    path: str
+
+
+class Displacement(NamedTuple):
+    """How far a displacement of 0 to 1 reaches, in centimetres, and which value stays where it is."""
+
+    magnitude: float
+    center: float
+
+
+class Inputs(NamedTuple):
+    """The names of a Custom expression's inputs."""
+
+    names: tuple[str, ...]
+
+
+class Outputs(NamedTuple):
+    """A Custom expression's additional outputs: pairs of a name and a type."""
+
+    pairs: tuple[tuple[str, Enum], ...]
+
+
+class Source(NamedTuple):
+    """Where a wire begins: an expression and the name of its output pin, "" for the first one."""
+
+    expression: str
+    pin: str = ""
+
+
+class Wire(NamedTuple):
+    """A wire into the input pin `pin`, "" for the first one."""
+
+    pin: str
+    source: Source
+
+
+class Expression(NamedTuple):
+    key: str
+    kind: str  # the class, without MaterialExpression in front
+    settings: tuple[tuple[str, object], ...]  # (property, value) in the order in which they are set
+    wires: tuple[Wire, ...]
+    comment: str  # what it is for, to be read in the graph
+
+
+class Graph:
+    """Expressions in an order in which each one's sources come first. What is asked for twice is made once."""
+
+    def __init__(self):
+        self.expressions: dict[str, Expression] = {}
+        self._known: dict[tuple, str] = {}
+        self._counts: dict[str, int] = {}
+
+    def add(self, kind, settings=(), wires=(), comment=""):
+        """The first output of the expression with these properties and wires."""
+        settings = tuple(settings.items()) if isinstance(settings, dict) else tuple(settings)
+        wires = tuple(Wire(pin, source) for pin, source in wires)
+        content = (kind, settings, wires)
+        key = self._known.get(content)
+        if key is None:
+            count = self._counts.get(kind, 0)
+            self._counts[kind] = count + 1
+            key = self._known[content] = f"{kind}_{count}"
+            self.expressions[key] = Expression(key, kind, settings, wires, comment)
+        return Source(key)
+
+
+class Plan(NamedTuple):
+    """A whole material: the graph, what feeds the material's attributes, and the material's own properties."""
+
+    graph: Graph
+    root: Source
+    settings: tuple[tuple[str, object], ...]
+    remarks: tuple[str, ...]  # what this version of the editor can't do of it

@@ -1,0 +1,207 @@
+"""The expressions behind every kind of input.
+
+The text of a material takes Unreal's raw values: world space, centimetres, V running down, nothing flipped or
+normalised. It changes the frame by itself. So each kind is one expression, or a short chain where no single one gives
+the value; what each must not be replaced by is said beside it.
+"""
+
+from __future__ import annotations
+
+from typing import NamedTuple
+
+from . import engine
+from .plan import Color, Inputs, Source
+
+
+class Row(NamedTuple):
+    """A kind that is one expression: its class, properties, and output pin."""
+
+    kind: str
+    settings: dict
+    pin: str = ""
+
+
+PLAIN = {
+    "world_position": Row("WorldPosition", {"world_position_shader_offset": engine.WORLD_POSITION["WPT_DEFAULT"]}),
+    "world_position_cr": Row(
+        "WorldPosition", {"world_position_shader_offset": engine.WORLD_POSITION["WPT_CAMERA_RELATIVE"]}
+    ),
+    "vertex_normal": Row("VertexNormalWS", {}),
+    "tangent_world": Row("VertexTangentWS", {}),
+    "camera_vector": Row("CameraVectorWS", {}),
+    "camera_position": Row("CameraPositionWS", {}),
+    # Not the mesh's own bounds when an actor extends them: generated coordinates follow what this gives.
+    "local_bounds_min": Row("ObjectLocalBounds", {}, "Min"),
+    "local_bounds_max": Row("ObjectLocalBounds", {}, "Max"),
+    "two_sided_sign": Row("TwoSidedSign", {}),
+    "pixel_depth": Row("PixelDepth", {}),
+    "tan_half_fov": Row("ViewProperty", {"property": engine.VIEW_PROPERTY["MEVP_TAN_HALF_FIELD_OF_VIEW"]}),
+    "view_size": Row("ViewProperty", {"property": engine.VIEW_PROPERTY["MEVP_VIEW_SIZE"]}),
+    "temporal_index": Row("ViewProperty", {"property": engine.VIEW_PROPERTY["MEVP_TEMPORAL_SAMPLE_INDEX"]}),
+    # The first output is the position in the viewport from 0 to 1.
+    "pixel_position": Row("ScreenPosition", {}, "PixelPosition"),
+}
+
+AXES = {"x": (1.0, 0.0, 0.0), "y": (0.0, 1.0, 0.0), "z": (0.0, 0.0, 1.0)}
+
+# The vertex normal is turned by the rotation alone; Blender's follows the scale as well, by the inverse transpose.
+# X, Y, Z are the object's axes with their scale; the matrix of their cross products is that inverse but for a factor,
+# which is negative for a mirrored object.
+SCALED_NORMAL = """float3 c = cross(Y, Z);
+float3 n = float3(dot(N, normalize(X)), dot(N, normalize(Y)), dot(N, normalize(Z)));
+n = n.x * c + n.y * cross(Z, X) + n.z * cross(X, Y);
+return normalize(dot(X, c) < 0.0 ? -n : n);"""
+
+
+class Setting(NamedTuple):
+    """What the choice of expressions depends on besides the input itself."""
+
+    features: engine.Features
+    masked: bool = False  # the opacity decides in shadow passes, too
+    instanced: bool = False  # the mesh is drawn as instances: its space is the instance's
+
+
+def source(graph, record, setting):
+    """The output that an input of this record (`kind` and its further keys) is wired to."""
+    row = PLAIN.get(record["kind"])
+    if row:
+        return graph.add(row.kind, row.settings)._replace(pin=row.pin)
+    return CHAINS[record["kind"]](graph, record, setting)
+
+
+def _texcoord(graph, record, setting):
+    settings = {"coordinate_index": record["index"], "u_tiling": 1.0, "v_tiling": 1.0}
+    return graph.add("TextureCoordinate", settings)
+
+
+def _constant(graph, value):
+    return graph.add("Constant3Vector", {"constant": Color(*value, 0.0)})
+
+
+def _transform(graph, value, space, comment):
+    settings = {
+        "transform_source_type": engine.VECTOR_SOURCE[f"TRANSFORMSOURCE_{space}"],
+        "transform_type": engine.VECTOR_TARGET["TRANSFORM_WORLD"],
+    }
+    return graph.add("Transform", settings, [("", _constant(graph, value))], comment)
+
+
+def _object_axis(graph, record, setting):
+    """A column of the object's matrix, with its scale: nothing normalises it."""
+    axis = record["axis"]
+    space = "INSTANCE" if setting.instanced else "LOCAL"
+    return _transform(graph, AXES[axis], space, f"The object's {axis.upper()} axis in the world, with its scale")
+
+
+def _view_axis(graph, record, setting):
+    """In shadow passes the view is the light's. The camera's axes stay what they are where the opacity needs them."""
+    axis = record["axis"]
+    space = "CAMERA" if setting.masked else "VIEW"
+    return _transform(graph, AXES[axis], space, f"The camera's {axis.upper()} axis in the world")
+
+
+def _bitangent_world(graph, record, setting):
+    """By the transform, which keeps the handedness of mirrored UVs."""
+    return _transform(graph, AXES["y"], "TANGENT", "The bitangent in the world")
+
+
+def _position_transform(graph, begin, source_space, target_space, comment):
+    settings = {
+        "transform_source_type": engine.POSITION_SPACE[f"TRANSFORMPOSSOURCE_{source_space}"],
+        "transform_type": engine.POSITION_SPACE[f"TRANSFORMPOSSOURCE_{target_space}"],
+    }
+    return graph.add("TransformPosition", settings, [("", begin)], comment)
+
+
+def _object_origin(graph, record, setting):
+    """The pivot. ObjectPositionWS is the centre of the bounds, another point."""
+    space = "INSTANCE" if setting.instanced else "LOCAL"
+    return _position_transform(graph, _constant(graph, (0.0, 0.0, 0.0)), space, "WORLD", "The object's pivot")
+
+
+def _local_position(graph, record, setting):
+    """The position in the mesh, without what displacement or an offset of the world position adds."""
+    if setting.features.local_position:
+        settings = {
+            "local_origin": engine.LOCAL_ORIGIN["INSTANCE"],
+            "included_offsets": engine.INCLUDED_OFFSETS["EXCLUDE_OFFSETS"],
+        }
+        return graph.add("LocalPosition", settings)
+    offset = engine.WORLD_POSITION["WPT_EXCLUDE_ALL_SHADER_OFFSETS"]
+    world = graph.add("WorldPosition", {"world_position_shader_offset": offset})
+    space = "INSTANCE" if setting.instanced else "LOCAL"
+    return _position_transform(graph, world, "WORLD", space, "The position in the mesh")
+
+
+def _cycles_normal(graph, record, setting):
+    """Never PixelNormalWS, which may not feed the normal."""
+    settings = (
+        ("code", SCALED_NORMAL),
+        ("output_type", engine.FLOATS["float3"]),
+        ("description", "Normal with the object's scale"),
+        ("inputs", Inputs(("N", "X", "Y", "Z"))),
+    )
+    wires = [("N", source(graph, {"kind": "vertex_normal"}, setting))]
+    wires += [(axis.upper(), _object_axis(graph, {"axis": axis}, setting)) for axis in AXES]
+    return graph.add("Custom", settings, wires, "The vertex normal as the object's scale turns it")
+
+
+def _vertex_color(graph, record, setting):
+    """Four wide: the first output of the vertex colour has no alpha."""
+    color = graph.add("VertexColor")
+    wires = [("A", color), ("B", color._replace(pin="A"))]
+    return graph.add("AppendVector", (), wires, "The vertex colour with its alpha")
+
+
+def _derivative(graph, record, setting):
+    """Ray tracing has no neighbouring pixels: there both derivatives are zero, and with them the plane of the surface
+    that bumps are made in. For a position two other vectors of that plane do as well, the tangent and the bitangent."""
+    kind, of = record["kind"], record["of"]
+    found = graph.add(kind.upper(), (), [("Value", source(graph, of, setting))])
+    if of["kind"] != "world_position_cr":
+        return found
+    plane = {"ddx": "tangent_world", "ddy": "bitangent_world"}[kind]
+    wires = [("Normal", found), ("RayTraced", source(graph, {"kind": plane}, setting))]
+    return graph.add("RayTracingQualitySwitch", (), wires, "Ray tracing has no derivatives: the tangent plane instead")
+
+
+CHAINS = {
+    "texcoord": _texcoord,
+    "object_axis": _object_axis,
+    "view_axis": _view_axis,
+    "bitangent_world": _bitangent_world,
+    "object_origin": _object_origin,
+    "local_position": _local_position,
+    "cycles_normal": _cycles_normal,
+    "vertex_color": _vertex_color,
+    "ddx": _derivative,
+    "ddy": _derivative,
+}
+
+# Kinds that carry values of the material itself. `build` wires them.
+PARAMETERS = ("scalar", "vector", "texture")
+
+
+def unknown(record):
+    """What nobody here can wire in this record, as words, or "" for a good record."""
+    kind = record.get("kind")
+    if kind in PLAIN or kind in PARAMETERS:
+        return ""
+    if kind not in CHAINS:
+        return f"the kind {kind!r}"
+    if kind == "texcoord" and not (type(record.get("index")) is int and 0 <= record["index"] < 8):
+        return f"the UV channel {record.get('index')!r}"
+    if kind in ("object_axis", "view_axis") and record.get("axis") not in AXES:
+        return f"the axis {record.get('axis')!r}"
+    if kind in ("ddx", "ddy"):
+        of = record.get("of")
+        if not isinstance(of, dict) or of.get("kind") in (*PARAMETERS, "ddx", "ddy"):
+            return f"the derivative of {of!r}"
+        return unknown(of)
+    return ""
+
+
+def parameter(graph, kind, name, settings):
+    """A Scalar or Vector Parameter. The text reads four numbers of a vector: its first output has but three."""
+    found = graph.add(f"{kind.capitalize()}Parameter", (("parameter_name", name), *settings))
+    return Source(found.expression, "RGBA") if kind == "vector" else found
