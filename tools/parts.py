@@ -43,7 +43,7 @@ PARTS = (
     Part(
         "ruff",
         "ruff over the Python sources",
-        ".venv-tools/bin/ruff check --quiet binding blender tools",
+        ".venv-tools/bin/ruff check --quiet binding blender tools unreal tests/unreal",
         FAST,
         setup=("lint",),
     ),
@@ -73,6 +73,13 @@ PARTS = (
         "tests/robustness --ignore tests/robustness/test_fuzz.py",
         DEFAULT,
     ),
+    pytest(
+        "unreal",
+        "the plugin for Unreal, against a double of the editor",
+        "tests/unreal --ignore tests/unreal/test_picture.py",
+        FAST,
+    ),
+    pytest("unreal-pictures", "what the plugin builds, on a Vulkan device", "tests/unreal/test_picture.py", DEFAULT),
     pytest("tools", "quillgen_tools and quillgen-translate", "tests/tools", FAST),
     pytest("fuzz", "the fuzzers", "tests/robustness/test_fuzz.py", ALL),
     pytest(
