@@ -66,7 +66,13 @@ PARTS = (
     pytest("materials", "the example materials and the gallery", "tests/test_materials.py tests/test_gallery.py", ALL),
     pytest("texts", "DXC takes every golden text", "tests/golden/test_compiles.py", DEFAULT),
     pytest("library", "the HLSL library on DXC and a Vulkan device", "tests/gpu tests/library", DEFAULT),
-    pytest("fidelity", "generated texts against Cycles, pixel by pixel", "tests/fidelity", ALL),
+    pytest("fidelity-sample", "a sample of the texts against Cycles", "tests/fidelity/test_sample.py", SHORT),
+    pytest(
+        "fidelity",
+        "generated texts against Cycles, pixel by pixel",
+        "tests/fidelity --ignore tests/fidelity/test_sample.py",
+        ALL,
+    ),
     pytest(
         "robustness",
         "documents that are not sound, hostile objects, deep graphs",
