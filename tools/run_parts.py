@@ -14,6 +14,7 @@ import argparse
 import json
 import os
 import re
+import resource
 import subprocess
 import sys
 import time
@@ -123,12 +124,12 @@ def setup(chosen: Iterable[Part], options: argparse.Namespace) -> None:
 
 def run(part: Part, options: argparse.Namespace, further: Sequence[str], outcome: Outcome) -> None:
     print(f"== {part.name}: {part.does}", flush=True)
-    started = time.monotonic()
+    started, spent = time.monotonic(), processor_time()
     log = LOGS / f"{part.name}.log"
     asked = options.parts and options.parts[-1] == part.name
     code = execute(command(part, further if asked else ()), log, environment(options), options.verbose)
     lines = log.read_text(encoding="utf-8", errors="replace").splitlines()
-    took = f"{time.monotonic() - started:.0f} s"
+    took = f"{time.monotonic() - started:.0f} s ({processor_time() - spent:.0f} s of processor time)"
     outcome.left_out += [f"{part.name}: {what}" for what in left_out(lines)]
     if code == 0:
         outcome.passed.add(part.name)
@@ -170,6 +171,12 @@ def execute(line: str, log: Path, env: dict[str, str], verbose: bool) -> int:
         return subprocess.run(["bash", "-o", "pipefail", "-c", line], cwd=ROOT, env=env).returncode
     with log.open("wb") as output:
         return subprocess.run(["bash", "-c", line], cwd=ROOT, env=env, stdout=output, stderr=output).returncode
+
+
+def processor_time() -> float:
+    """Of all children so far, in seconds."""
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return used.ru_utime + used.ru_stime
 
 
 def left_out(lines: Iterable[str]) -> list[str]:
