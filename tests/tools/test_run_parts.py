@@ -9,8 +9,8 @@ import pytest
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools"))
 
-import parts  # noqa: E402
-import run_parts  # noqa: E402
+import parts
+import run_parts
 
 
 @pytest.fixture

@@ -16,11 +16,11 @@ ROOT = Path(__file__).resolve().parents[2]
 for folder in ("binding/python", "blender", "build/g++"):
     sys.path.insert(0, str(ROOT / folder))
 
-import quillgen  # noqa: E402
-import quillgen_lib  # noqa: E402
-from quillgen_blender.passes import support  # noqa: E402
-from quillgen_tools import tables, translate  # noqa: E402
-from quillgen_tools.wiring import ATTRIBUTES, WIRING  # noqa: E402
+import quillgen
+import quillgen_lib
+from quillgen_blender.passes import support
+from quillgen_tools import tables, translate
+from quillgen_tools.wiring import ATTRIBUTES, WIRING
 
 FAMILIES = {
     "shaders": "Shaders and outputs",
