@@ -18,8 +18,8 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "gpu"), str(HERE.parents[1] / "blender")]
 
-import store  # noqa: E402
-from quillgen_blender import passes  # noqa: E402
+import store
+from quillgen_blender import passes
 
 # The CPU's Vulkan device has approximations of its own for these two, off by up to 4e-4; graphics cards have
 # not.

@@ -1,7 +1,9 @@
-"""Makes the reference data: builds the node trees of all families in Blender 5.0.1, renders each with Cycles
+"""Makes the reference data: builds the node trees of all families in the Blender that runs it, renders each with Cycles
 and flattens it with the host of blender/quillgen_blender.
 
-    .venv-blender-5.0/bin/python tests/fidelity/make_cases.py [family ...]
+    .venv-blender-5.2/bin/python tests/fidelity/make_cases.py [--every=N] [family ...]
+
+With --every only each n-th case of a family is made. QUILLGEN_FIDELITY_DATA names another folder for the data.
 """
 
 import importlib
@@ -15,12 +17,12 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent / "host"), str(HERE.parents[1] / "blender")]
 
-from quillgen_blender import read  # noqa: E402
-from quillgen_blender.read import pictures  # noqa: E402
-import render  # noqa: E402
-import store  # noqa: E402
-from builder import SIDE  # noqa: E402
-from scenes import facts, normals, rays, stage, textures  # noqa: E402
+import render
+import store
+from builder import SIDE
+from quillgen_blender import read
+from quillgen_blender.read import pictures
+from scenes import facts, normals, rays, stage, textures
 
 TILED = (
     "value",
@@ -38,14 +40,16 @@ PER_PICTURE = 400
 JITTER = 1 / 2048, 1 / 2048  # how far from the pixel's middle Cycles takes its one sample
 
 
-def main(wanted):
-    store.save_settings(settings())
+def main(words):
+    every = next((int(word.partition("=")[2]) for word in words if word.startswith("--every=")), 1)
+    wanted = [word for word in words if not word.startswith("--")]
+    store.save_settings(bpy.app.version_string, settings())
     for family in wanted or TILED + ("scenes",):
         bpy.ops.wm.read_factory_settings(use_empty=True)
         if family == "scenes":
             save_scenes()
             continue
-        cases = list(importlib.import_module("families." + family).cases())
+        cases = list(importlib.import_module("families." + family).cases())[::every]
         records, values = tiled(cases)
         save(family, records, values, {})
 

@@ -3,15 +3,27 @@
 from collections import defaultdict
 from pathlib import Path
 
+import store
+import versions
+
 ROOT = Path(__file__).resolve().parents[2]
 SHARE = 0.98  # of a case's pixels have to agree, unless it has a reason not to
 
 HEAD = """# Fidelity
 
 How far the generated text shows what Blender shows. `tests/fidelity` holds node trees for every setting of
-every node that can be evaluated, each rendered once by Cycles in Blender 5.0.1. Every tree is flattened,
+every node that can be evaluated, each rendered once by Cycles in Blender {blender}. Every tree is flattened,
 translated, compiled with DXC and run on a Vulkan device; a pixel agrees where no channel is off by more
 than 1e-4, relative to values above 1. This page is written by `tests/fidelity/compare.py --write`.
+
+"""
+
+OTHERS = """
+## Other versions of Blender
+
+What the same cases show in another Blender, pixel against pixel of {blender}, wherever a case differs by more than
+1e-4. The reader makes up for what it can by what it writes into the document: alpha modes, and a remainder ahead of
+the Magic Texture. `tests/fidelity/versions.py` writes this table.
 
 """
 
@@ -88,10 +100,11 @@ def troubles(outcomes):
 def write(outcomes):
     below = disagreeing(outcomes)
     agreeing, pixels = count([one for one in outcomes if not one.reason])
-    text = HEAD + (
+    text = HEAD.format(blender=store.blender()) + (
         f"{len(outcomes)} cases, {count(outcomes)[1]} pixels.\n"
         f"Of the {pixels} pixels of cases that can agree, "
         f"{share(agreeing, pixels)} % do. Cases with less than {SHARE:.0%} of their pixels: {len(below)}.\n\n"
     )
     text += table(outcomes) + "\n\n## What differs by design\n\n" + reasons(outcomes) + "\n"
+    text += OTHERS.format(blender=store.blender()) + versions.table() + "\n"
     (ROOT / "docs" / "fidelity.md").write_text(text, encoding="utf-8")

@@ -23,20 +23,28 @@ def save(family, records, arrays):
     (DATA / f"{family}.npz.xz").write_bytes(lzma.compress(buffer.getvalue(), preset=9))
 
 
-def load(family):
+def load(family, folder=None):
     """(records, {name: array})"""
-    records = json.loads(lzma.decompress((DATA / f"{family}.json.xz").read_bytes()))
-    with np.load(io.BytesIO(lzma.decompress((DATA / f"{family}.npz.xz").read_bytes()))) as arrays:
+    folder = folder or DATA
+    records = json.loads(lzma.decompress((folder / f"{family}.json.xz").read_bytes()))
+    with np.load(io.BytesIO(lzma.decompress((folder / f"{family}.npz.xz").read_bytes()))) as arrays:
         return records, {name: arrays[name] for name in arrays.files}
 
 
-def save_settings(settings):
+def save_settings(blender, settings):
+    """`blender`: the version that the data is of."""
     DATA.mkdir(parents=True, exist_ok=True)
-    (DATA / "settings.json").write_text(json.dumps(settings, indent=1) + "\n")
+    text = json.dumps({"blender": blender, "nodes": settings}, indent=1)
+    (DATA / "settings.json").write_text(text + "\n")
 
 
 def load_settings():
-    return json.loads((DATA / "settings.json").read_text())
+    return json.loads((DATA / "settings.json").read_text())["nodes"]
+
+
+def blender():
+    """The version of Blender that the data is of."""
+    return json.loads((DATA / "settings.json").read_text())["blender"]
 
 
 def families():

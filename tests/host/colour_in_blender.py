@@ -1,7 +1,9 @@
 """Pictures in every colour space that Blender has: what Cycles shows of them against what the saved textures hold, as
-the text reads them. Prints one JSON object: {kind of picture: {space: the median difference, relative above 1}}. Runs inside Blender.
+the text reads them. Prints one JSON object: {kind of picture: {space: the median difference, relative above 1}}. Runs
+inside Blender.
 
-Arguments: a folder to write to, the file's working space ("" for the usual one), and "as they stand" to save without conversion.
+Arguments: a folder to write to, the file's working space ("" for the usual one), and "as they stand" to save without
+conversion.
 """
 
 import json
@@ -14,9 +16,9 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-import in_blender  # noqa: E402
-from quillgen_blender.read import colour, pictures  # noqa: E402
-from trees import add  # noqa: E402
+import in_blender
+from quillgen_blender.read import colour, pictures
+from trees import add
 
 SIDE = in_blender.SIDE
 KINDS = {"bytes": False, "bytes on the disk": False, "OpenEXR on the disk": True, "OpenEXR": True}

@@ -1,6 +1,7 @@
-"""Flattens every little material, builds its document, made ready for the translator, again as a plain tree and renders both. Prints one JSON
-object: {name: {"document": ..., "difference": the largest one between the two pictures}}. Runs inside
-Blender."""
+"""Flattens every little material, builds its document, made ready for the translator, again as a plain tree and renders
+both. Writes one JSON object to the file that is named: {name: {"document": ..., "difference": the largest one between
+the two pictures}}. Runs inside Blender.
+"""
 
 import json
 import sys
@@ -13,10 +14,10 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-from quillgen_blender import passes, read  # noqa: E402
-from rebuild import rebuild  # noqa: E402
-import newer_trees  # noqa: E402
-import trees  # noqa: E402
+import newer_trees
+import trees
+from quillgen_blender import passes, read
+from rebuild import rebuild
 
 TREES = trees.TREES + newer_trees.TREES
 

@@ -2,7 +2,8 @@
 bundles, constants. Each function fills a node tree and returns the socket to show. Runs inside Blender."""
 
 import bpy
-from trees import add, colour, group, named, use, vector
+
+from trees import add, colour, group, use, vector
 
 VERSION = bpy.app.version
 
@@ -189,7 +190,10 @@ def closure_through_a_group(tree):
     caller = group("Caller", [("F", "Closure"), ("X", "Float")], [("Out", "Float")], fill)
     source = add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]
     made = closure(
-        tree, [("FLOAT", "X")], [("FLOAT", "Y")], lambda tree, given: [add(tree, "Math", {0: given["X"], 1: 3.0}).outputs[0]]
+        tree,
+        [("FLOAT", "X")],
+        [("FLOAT", "Y")],
+        lambda tree, given: [add(tree, "Math", {0: given["X"], 1: 3.0}).outputs[0]],
     )
     return use(tree, caller, {0: made, 1: source}).outputs[0]
 
@@ -316,5 +320,5 @@ TREES = [
     if callable(thing)
     and getattr(thing, "__module__", "") == __name__
     and name not in HELPERS
-    and VERSION >= FIRST.get(name, (5, 0))
+    and FIRST.get(name, (5, 0)) <= VERSION
 ]

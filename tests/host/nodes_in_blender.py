@@ -1,6 +1,7 @@
 """Every node type that a material can hold, read with all its properties and sockets. Prints one JSON object: {node
-type: {"properties", "sockets": those that Blender has; "kept": those that the document has; "ignored": those with a reason; "unknown": those that the
-reader's table lacks; "notes"; "error"}}. Runs inside Blender."""
+type: {"properties", "sockets": those that Blender has; "kept": those that the document has; "ignored": those with a
+reason; "unknown": those that the reader's table lacks; "notes"; "error"}}. Runs inside Blender.
+"""
 
 import json
 import sys
@@ -11,8 +12,8 @@ import bpy
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-from quillgen_blender import read  # noqa: E402
-from quillgen_blender.read import known, node_types, versions  # noqa: E402
+from quillgen_blender import read
+from quillgen_blender.read import known, node_types, versions
 
 SOURCES = ("VALUE", "INT", "BOOLEAN", "VECTOR", "RGBA", "ROTATION", "SHADER")
 
@@ -71,9 +72,7 @@ def examined(name):
     json.dumps(reading.document, allow_nan=False)
     found["notes"] = [note.text for note in reading.notes]
     found["document"] = reading.document
-    found["kept"] = [
-        key for record in reading.document["nodes"] if record["id"] == node.name for key in kept(record)
-    ]
+    found["kept"] = [key for record in reading.document["nodes"] if record["id"] == node.name for key in kept(record)]
     return found
 
 

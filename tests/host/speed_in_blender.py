@@ -11,9 +11,9 @@ import bpy
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-from quillgen_blender import read  # noqa: E402
-from rebuild import rebuild  # noqa: E402
-from trees import add, group, use  # noqa: E402
+from quillgen_blender import read
+from rebuild import rebuild
+from trees import add, group, use
 
 
 def main(paths):

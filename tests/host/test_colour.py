@@ -9,7 +9,7 @@ import pytest
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE))
 
-import blenders  # noqa: E402
+import blenders
 
 SPACES = {"4.2": 21, "4.5": 21, "5.0": 25, "5.1": 25, "5.2": 63}
 HALF_A_BYTE = 0.5 / 255

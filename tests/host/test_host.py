@@ -10,8 +10,8 @@ import pytest
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-import blenders  # noqa: E402
-from quillgen_blender.passes import ramps  # noqa: E402
+import blenders
+from quillgen_blender.passes import ramps
 
 
 @pytest.fixture(scope="module", params=blenders.VERSIONS)
@@ -39,7 +39,7 @@ def test_a_document_rendered_again_shows_the_same_picture(blender):
 
 
 def test_pictures_of_the_trees_show_something(blender):
-    version, report = blender
+    report = blender[1]
     plain = [name for name, found in report.items() if found["spread"] == 0]
     assert len(plain) <= 8, plain
 
@@ -81,7 +81,9 @@ def test_a_constant_reaches_an_implicit_socket_by_a_link(blender):
     version, report = blender
     texture = nodes(report, "constant_for_a_texture")["Stripes/Gradient Texture"]["in"]["Vector"]
     normal = nodes(report, "constant_for_a_normal")["Rim/Layer Weight"]["in"]["Normal"]
-    assert ("link" in texture, "link" in normal) == ((True, True) if blenders.at_least(version, 5, 0) else (False, False))
+    assert ("link" in texture, "link" in normal) == (
+        (True, True) if blenders.at_least(version, 5, 0) else (False, False)
+    )
     if blenders.at_least(version, 5, 0):
         source = nodes(report, "constant_for_a_texture")[texture["link"][0]]
         assert [source["in"][axis]["v"] for axis in "XYZ"] == [0.25, 0.5, 0.75]
@@ -133,9 +135,7 @@ def test_ramps_get_stops_where_their_way_passes_red(blender):
     places = [round(stop[0], 6) for stop in stops]
     assert places[0] == 0 and places[-1] == 1 and places == sorted(places)
     doubled = [(a[1], b[1]) for a, b in zip(stops, stops[1:]) if a[0] == b[0]]
-    assert len(doubled) == 2 and all(
-        a == pytest.approx(b, abs=1e-3) and a[0] > max(a[1:3]) - 1e-6 for a, b in doubled
-    )
+    assert len(doubled) == 2 and all(a == pytest.approx(b, abs=1e-3) and a[0] > max(a[1:3]) - 1e-6 for a, b in doubled)
 
 
 def test_directions_have_unit_length(blender):

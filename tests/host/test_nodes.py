@@ -10,9 +10,9 @@ import pytest
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-import blenders  # noqa: E402
-import quillgen  # noqa: E402
-from quillgen_blender import passes  # noqa: E402
+import blenders
+import quillgen
+from quillgen_blender import passes
 
 EMPTY = ("image", "object")  # handed over only where something is chosen
 

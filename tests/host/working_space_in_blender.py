@@ -11,11 +11,11 @@ import numpy as np
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
-import in_blender  # noqa: E402
-from quillgen_blender import passes, read  # noqa: E402
-from quillgen_blender.read import colour  # noqa: E402
-from rebuild import rebuild  # noqa: E402
-from trees import add, vector  # noqa: E402
+import in_blender
+from quillgen_blender import passes, read
+from quillgen_blender.read import colour
+from rebuild import rebuild
+from trees import add, vector
 
 
 def number(tree):

@@ -6,6 +6,7 @@ import itertools
 import tempfile
 from functools import cache
 from pathlib import Path
+from typing import Any
 
 import bpy
 import numpy as np
@@ -70,11 +71,22 @@ def encoded(colours: np.ndarray) -> np.ndarray:
     return np.where(colours < 0.0031308, colours * 12.92, 1.055 * colours ** (1 / 2.4) - 0.055)
 
 
-def pixels(picture) -> np.ndarray:
+def pixels(picture: Any) -> np.ndarray:
     """[height, width, 4] as Blender holds them, row 0 at the bottom."""
     found = np.empty(len(picture.pixels), np.float32)
     picture.pixels.foreach_get(found)
     return found.reshape(picture.size[1], picture.size[0], 4)
+
+
+def stored(picture: Any) -> np.ndarray:
+    """The same of the picture's file, with nothing multiplied by alpha or divided by it, as Cycles reads it."""
+    copy = bpy.data.images.load(bpy.path.abspath(picture.filepath))
+    try:
+        copy.alpha_mode = "CHANNEL_PACKED"
+        copy.colorspace_settings.name = picture.colorspace_settings.name
+        return pixels(copy)
+    finally:
+        bpy.data.images.remove(copy)
 
 
 def save(values: np.ndarray, path: Path, is_float: bool) -> None:

@@ -5,33 +5,38 @@ Blender resolves them before it renders, and so they are here: what they direct 
 shader.
 """
 
+from typing import Any
+
+import bpy
+
 from . import sources as s
 from . import values
+from .places import Place
 
 MOST_TURNS = 128  # of one repeat zone; each turn is written out
 
 
-def reroute(sources, node, out, place):
+def reroute(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     return sources.passage(node.inputs[0], out, place)
 
 
-def group_input(sources, node, out, place):
+def group_input(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     return sources.border(s.named(place.node.inputs, out.identifier), place.outer, named=True)
 
 
-def implicit_conversion(sources, node, out, place):
+def implicit_conversion(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     """Converts a constant, as a border does, and nothing else."""
     return through(sources, node.inputs[0], out, place)
 
 
-def scene_time(sources, node, out, place):
-    scene = s.bpy.context.scene
+def scene_time(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
+    scene = bpy.context.scene
     sources.note(place, node, f"stands at frame {scene.frame_current}, the one that is shown", "near")
     frame = scene.frame_current_final
     return s.Constant("VALUE", frame if out.identifier == "Frame" else frame / scene.render.fps * scene.render.fps_base)
 
 
-def menu_switch(sources, node, out, place):
+def menu_switch(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     word = known(sources, node.inputs["Menu"], place)
     words = [item.name for item in node.enum_items]
     if word not in words:
@@ -44,7 +49,7 @@ def menu_switch(sources, node, out, place):
     return through(sources, node.inputs[1 + words.index(word)], out, place)
 
 
-def repeat_output(sources, node, out, place):
+def repeat_output(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     """What a repeat zone gives: its input after no turn, else what its last turn hands on."""
     start = partner(node)
     if start is None:
@@ -58,7 +63,7 @@ def repeat_output(sources, node, out, place):
     return after(sources, node, start, out.identifier, place, min(turns, MOST_TURNS))
 
 
-def after(sources, zone, start, identifier, place, turns):
+def after(sources: s.Sources, zone: Any, start: Any, identifier: str, place: Place, turns: int) -> s.Source:
     """An item of a zone after a number of turns."""
     if turns <= 0:
         socket = s.named(start.inputs, identifier)
@@ -67,7 +72,7 @@ def after(sources, zone, start, identifier, place, turns):
     return through(sources, socket, socket, place.turn_of(zone, inside(sources, start), turns - 1))
 
 
-def repeat_input(sources, node, out, place):
+def repeat_input(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     if place.members is None or place.caller is not None:
         return nothing(out)  # read from outside of its zone
     if out.identifier == "Iteration":
@@ -75,7 +80,7 @@ def repeat_input(sources, node, out, place):
     return after(sources, place.node, node, out.identifier, place.outer, place.turn)
 
 
-def evaluate_closure(sources, node, out, place):
+def evaluate_closure(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     """Goes on inside the closure, at the item of the same name."""
     closure = sources.source(node.inputs["Closure"], place)
     if not isinstance(closure, s.Linked) or closure.node.bl_idname != "NodeClosureOutput":
@@ -88,21 +93,21 @@ def evaluate_closure(sources, node, out, place):
     return through(sources, socket, out, closure.place.call(closure.node, members, node, place))
 
 
-def closure_input(sources, node, out, place):
+def closure_input(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     if place.caller is None:
         return nothing(out)
     socket = by_name(place.node.inputs, out.name)
     return nothing(out) if socket is None else through(sources, socket, out, place.caller)
 
 
-def separate_bundle(sources, node, out, place):
+def separate_bundle(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     found = in_bundle(sources, sources.source(node.inputs["Bundle"], place), out.name)
     if found is None:
         return nothing(out)
     return through(sources, found[0], out, found[1])
 
 
-def in_bundle(sources, bundle, name):
+def in_bundle(sources: s.Sources, bundle: Any, name: str) -> Any:
     """(socket, place) of what a bundle holds under a name."""
     if not isinstance(bundle, s.Linked):
         return None
@@ -119,7 +124,7 @@ def in_bundle(sources, bundle, name):
     return None
 
 
-def through(sources, socket, out, place):
+def through(sources: s.Sources, socket: Any, out: Any, place: Place) -> s.Source:
     """What a socket reads, or its own value: it is the end of a way, not a stop on it."""
     found = sources.source(socket, place)
     if found is None:
@@ -127,11 +132,11 @@ def through(sources, socket, out, place):
     return s.cross(found, out)
 
 
-def nothing(out):
+def nothing(out: Any) -> s.Source:
     return s.Constant(out.type, values.zero(out.type))
 
 
-def known(sources, socket, place):
+def known(sources: s.Sources, socket: Any, place: Place) -> Any:
     """The value of a socket where it is the same everywhere, else None."""
     found = sources.source(socket, place)
     if found is None:
@@ -141,18 +146,18 @@ def known(sources, socket, place):
     return values.convert(found.value, found.type, socket.type)
 
 
-def partner(output):
+def partner(output: Any) -> Any:
     """The input node of a zone."""
     return next((node for node in output.id_data.nodes if getattr(node, "paired_output", None) == output), None)
 
 
-def inside(sources, start):
+def inside(sources: s.Sources, start: Any) -> Any:
     """The nodes that depend on a zone's input, by pointer."""
     if start is None:
         return frozenset()
     key = start.as_pointer()
     if key not in sources.zones:
-        readers = {}
+        readers: dict[int, list[int]] = {}
         for link in start.id_data.links:
             readers.setdefault(link.from_node.as_pointer(), []).append(link.to_node.as_pointer())
         found, waiting = {key}, [key]
@@ -164,7 +169,7 @@ def inside(sources, start):
     return sources.zones[key]
 
 
-def by_name(sockets, name):
+def by_name(sockets: Any, name: str) -> Any:
     return next((socket for socket in sockets if socket.name == name and socket.type != "CUSTOM"), None)
 
 

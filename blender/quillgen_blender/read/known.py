@@ -4,6 +4,7 @@ A newer Blender may add one. What is not in this table is told by a note, and te
 has something that the table lacks: then it is either handed over and translated, or gets its reason here.
 """
 
+from collections.abc import Iterable
 from functools import cache
 
 # Node type: properties | sockets, all without blanks. They are handed over; what the translation makes of them is
@@ -20,8 +21,8 @@ BsdfAnisotropic: distribution | Color Roughness Anisotropy Rotation Normal Tange
 BsdfDiffuse: | Color Roughness Normal
 BsdfGlass: distribution | Color Roughness IOR Normal Thin_Film_Thickness Thin_Film_IOR
 BsdfHair: component | Color Offset RoughnessU RoughnessV Tangent
-BsdfMetallic: distribution fresnel_type | Base_Color Edge_Tint IOR Extinction Roughness Anisotropy Rotation Normal Tangent \
-Thin_Film_Thickness Thin_Film_IOR
+BsdfMetallic: distribution fresnel_type | Base_Color Edge_Tint IOR Extinction Roughness Anisotropy Rotation Normal \
+Tangent Thin_Film_Thickness Thin_Film_IOR
 BsdfPrincipled: distribution subsurface_method | Base_Color Metallic Roughness IOR Alpha Thin_Wall Normal \
 Diffuse_Roughness Subsurface_Weight Subsurface_Radius Subsurface_Scale Subsurface_IOR Subsurface_Anisotropy \
 Specular_IOR_Level Specular_Tint Anisotropic Anisotropic_Rotation Tangent Transmission_Weight Coat_Weight \
@@ -115,7 +116,7 @@ IGNORED = {
 
 
 @cache
-def names(node_type):
+def names(node_type: str) -> frozenset[str] | None:
     """The names that are known on a node type; None where nothing of it is translated."""
     known = _table().get(node_type.removeprefix("ShaderNode"))
     if known is None:
@@ -124,7 +125,7 @@ def names(node_type):
 
 
 @cache
-def _table():
+def _table() -> dict[str, frozenset[str]]:
     found = {}
     for line in _KNOWN.strip().splitlines():
         kind, _, rest = line.partition(":")
@@ -132,7 +133,7 @@ def _table():
     return found
 
 
-def unknown(node_type, found):
+def unknown(node_type: str, found: Iterable[str]) -> tuple[str, ...]:
     """Those of the names, properties and sockets of a node type, that are not known."""
     known = names(node_type)
     return () if known is None else tuple(name for name in found if name.replace(" ", "_") not in known)

@@ -20,7 +20,7 @@ class Reading(NamedTuple):
     paths: dict[str, tuple[str, ...]]
 
 
-def flatten(material, mesh=None) -> Reading:
+def flatten(material: Any, mesh: Any = None) -> Reading:
     """The document of a material. `mesh` gives the UV maps (by default the first mesh that wears the material)."""
     if material.node_tree is None:
         raise ValueError(f"{material.name} has no nodes")
@@ -46,7 +46,7 @@ def flatten(material, mesh=None) -> Reading:
     return Reading(document, writer.notes, writer.paths)
 
 
-def worn_by(material):
+def worn_by(material: Any) -> Any:
     """The first mesh with the material in one of its slots."""
     return next(
         (
@@ -58,16 +58,16 @@ def worn_by(material):
     )
 
 
-def settings(material):
+def settings(material: Any) -> dict[str, Any]:
     found = {"backface_culling": material.use_backface_culling, "displacement": material.displacement_method}
     if material.surface_render_method == "BLENDED":
         found["blend"] = "BLENDED"
     return found
 
 
-def host(end, mesh, writer):
-    """What stands beside the graph: the version, whether there is a volume, which nodes are driven or animated, the colours of the
-    mesh."""
+def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
+    """What stands beside the graph: the version, whether there is a volume, which nodes are driven or animated, the
+    colours of the mesh."""
     found = {
         "blender": list(bpy.app.version),
         "volume": bool(end and end.inputs["Volume"].is_linked),
@@ -80,13 +80,13 @@ def host(end, mesh, writer):
     return found
 
 
-def driven(writer):
+def driven(writer: Writer) -> list[str]:
     """The ids of the nodes with a value that a driver or an animation changes from frame to frame."""
     names = {place: driven_in(place.tree) for place in writer.root.all() if place.tree.animation_data}
     return sorted(identity for (place, name), identity in writer.ids.items() if name in names.get(place, ()))
 
 
-def driven_in(tree):
+def driven_in(tree: Any) -> set[str]:
     data = tree.animation_data
     curves = [*data.drivers, *(getattr(data.action, "fcurves", ()) if data.action else ())]
     return {name for curve in curves for name in re.findall(r'^nodes\["(.*?)"\]', curve.data_path)}

@@ -1,7 +1,8 @@
 """What is the same for all nodes of a type, looked up once a session: it belongs to Blender, not to a
 document."""
 
-from typing import NamedTuple
+from collections.abc import Callable
+from typing import Any, NamedTuple
 
 import bpy
 
@@ -32,14 +33,14 @@ class NodeType(NamedTuple):
     record holds, `unknown` are properties and sockets that no table of ours has."""
 
     name: str
-    properties: tuple
-    inputs: tuple
-    outputs: tuple
-    implicit: frozenset
-    surface: frozenset
+    properties: tuple[tuple[str, Callable[[Any], Any] | None], ...]
+    inputs: tuple[tuple[str, str, str | None], ...]
+    outputs: tuple[tuple[str, str], ...]
+    implicit: frozenset[str]
+    surface: frozenset[str]
     group: bool
-    own: tuple
-    unknown: tuple
+    own: tuple[Callable[..., None], ...]
+    unknown: tuple[str, ...]
 
 
 KEPT: dict[str, NodeType] = {}
@@ -47,7 +48,7 @@ BLENDERS_OWN = ("ShaderNode", "Node", "FunctionNode", "GeometryNode")
 VARYING = ("ShaderNodeScript", "ShaderNodeRaycast")  # types whose nodes have sockets of their own
 
 
-def of(node):
+def of(node: Any) -> NodeType:
     name = node.bl_idname
     found = KEPT.get(name)
     if found is None:
@@ -57,7 +58,7 @@ def of(node):
     return found
 
 
-def look(node):
+def look(node: Any) -> NodeType:
     name = node.bl_idname
     props = [prop for prop in node.bl_rna.properties if prop.identifier not in COMMON]
     pointers = {prop.identifier for prop in props if prop.type == "POINTER"}
@@ -75,14 +76,14 @@ def look(node):
     )
 
 
-def converter(prop):
+def converter(prop: Any) -> Callable[[Any], Any] | None:
     """What makes plain data of a property's value; None where it is plain."""
     if getattr(prop, "is_array", False):
         return list
     return sorted if prop.type == "ENUM" and prop.is_enum_flag else None
 
 
-def is_surface_socket(name, socket):
+def is_surface_socket(name: str, socket: Any) -> bool:
     if name == "ShaderNodeTexEnvironment":
         return socket.identifier == "Vector"
     return socket.hide_value and socket.identifier in SURFACE_NAMES

@@ -12,37 +12,41 @@ import numpy as np
 
 from . import colour
 
+MODES_COUNT = bpy.app.version >= (5, 1, 0)  # whether Cycles goes by the alpha modes of images
 # Formats that are copied as they are: what Unreal reads as the same bytes or floats.
 BYTES, FLOATS = ("PNG", "TARGA", "TARGA_RAW", "BMP", "JPEG"), ("OPEN_EXR", "HDR")
 
 
-def record(picture) -> dict[str, Any]:
+def record(picture: Any) -> dict[str, Any]:
     """An image's record in a document: how the text has to read the file that `save_picture` makes. `stored` is
     Blender's own colour space where the file has another."""
     space, is_float = picture.colorspace_settings.name, picture.is_float
     found = {"name": picture.name, "colorspace": space, "alpha": alpha(picture), "float": is_float}
     if colour.converted(space, is_float):
-        is_float = is_float or not colour.fits(space, colour.working_space())
+        is_float = is_float or multiplied(picture) or not colour.fits(space, colour.working_space())
         found |= {"colorspace": colour.LINEAR if is_float else "sRGB", "float": is_float, "stored": space}
     return found
 
 
-def alpha(picture) -> str:
+def alpha(picture: Any) -> str:
     """The alpha mode under which the translator shows what Cycles shows.
 
-    From Blender 5.1 on that is the image's own mode, but for straight TIFF files: their pixels are multiplied as they
-    load. Up to 5.0 Cycles multiplies bytes by their alpha under Premultiplied too, and float pixels never.
+    From Blender 5.1 on that is the image's own mode. Up to 5.0 Cycles multiplies bytes by their alpha under
+    Premultiplied too, and float pixels never.
     """
     mode = picture.alpha_mode
-    if mode in ("STRAIGHT", "PREMUL"):
-        if bpy.app.version < (5, 1, 0):
-            return "PREMUL" if picture.is_float else "STRAIGHT"
-        if picture.file_format == "TIFF":
-            return "PREMUL"
+    if mode in ("STRAIGHT", "PREMUL") and not MODES_COUNT:
+        return "PREMUL" if picture.is_float else "STRAIGHT"
     return mode
 
 
-def save_picture(picture, folder: Path, stem: str) -> tuple[Path, dict[str, Any]]:
+def multiplied(picture: Any) -> bool:
+    """Whether the text multiplies colours by alpha: in bytes that would come before they are decoded, and Cycles does
+    so only with those that it doesn't convert."""
+    return alpha(picture) in ("STRAIGHT", "PREMUL") and picture.depth in (0, 32)
+
+
+def save_picture(picture: Any, folder: Path, stem: str) -> tuple[Path, dict[str, Any]]:
     """Saves an image as the text reads it and returns the file, named by `stem` and the format's ending, with the
     image's record. Bytes stay bytes where bytes can hold them; all else becomes OpenEXR with 32 bits.
 
@@ -63,28 +67,28 @@ def save_picture(picture, folder: Path, stem: str) -> tuple[Path, dict[str, Any]
     return path, found
 
 
-def plain(picture, found: dict[str, Any]) -> bool:
+def plain(picture: Any, found: dict[str, Any]) -> bool:
     """Whether the image's file holds the numbers that the text expects."""
     formats = FLOATS if picture.is_float else BYTES
     return untouched(picture) and picture.file_format in formats and "stored" not in found
 
 
-def missing(picture) -> bool:
+def missing(picture: Any) -> bool:
     """Whether the picture's file is not there; Blender then shows magenta."""
     if picture.source != "FILE" or picture.packed_file or picture.is_dirty:
         return False
     return not Path(bpy.path.abspath(picture.filepath)).is_file()
 
 
-def untouched(picture) -> bool:
+def untouched(picture: Any) -> bool:
     """Whether the picture is what its file on the disk holds; Cycles then loads that by itself."""
     return picture.source == "FILE" and not picture.is_dirty and not picture.packed_file
 
 
-def as_read(picture, found: dict[str, Any]) -> np.ndarray:
+def as_read(picture: Any, found: dict[str, Any]) -> np.ndarray:
     """The numbers [height, width, 4] that the text expects of an image."""
-    values = colour.pixels(picture)
     space = picture.colorspace_settings.name
+    values = colour.stored(picture) if MODES_COUNT and untouched(picture) else colour.pixels(picture)
     if picture.is_float:  # in the working space already
         if untouched(picture):
             values[..., :3] *= colour.CYCLES_OWN.get(space, 1)
@@ -95,6 +99,6 @@ def as_read(picture, found: dict[str, Any]) -> np.ndarray:
         flat = values.reshape(-1, 4)
         each, places = np.unique(np.rint(flat[:, :3] * 255).astype(np.uint8), axis=0, return_inverse=True)
         each = colour.linear(each / 255, space) * colour.CYCLES_OWN.get(space, 1)
-        each = each.astype(np.float16) if found["float"] else colour.encoded(each)  # Cycles holds them as half floats
+        each = each.astype(np.float16) if found["float"] else colour.encoded(each)  # Cycles too holds half floats
         values[..., :3] = each[places.ravel()].reshape(*values.shape[:2], 3)
     return values

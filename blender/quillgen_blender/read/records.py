@@ -1,5 +1,8 @@
 """A node's own settings as plain data: ramps, curves, images, and what some nodes have instead of properties."""
 
+from collections.abc import Callable
+from typing import Any
+
 from mathutils import Vector
 
 from . import pictures
@@ -13,7 +16,7 @@ MOVING = {
 }
 
 
-def own(name, pointers):
+def own(name: str, pointers: set[str]) -> tuple[Callable[..., None], ...]:
     """The functions that add to the record of a node type what it holds beside sockets and plain properties.
     `pointers`: its properties that are no plain values."""
     found = [OUTPUT_VALUES[name]] if name in OUTPUT_VALUES else []
@@ -21,38 +24,38 @@ def own(name, pointers):
     return (*found, add_curve) if name in CURVES else tuple(found)
 
 
-def add_value(writer, node, record):
+def add_value(writer: Any, node: Any, record: dict[str, Any]) -> None:
     record["props"]["value"] = node.outputs[0].default_value
 
 
-def add_colour(writer, node, record):
+def add_colour(writer: Any, node: Any, record: dict[str, Any]) -> None:
     record["props"]["color"] = list(node.outputs[0].default_value)
 
 
-def add_direction(writer, node, record):
+def add_direction(writer: Any, node: Any, record: dict[str, Any]) -> None:
     """A direction, however long the stored vector is."""
     record["props"]["normal"] = list(Vector(node.outputs[0].default_value).normalized())
 
 
-def add_ramp(writer, node, record):
+def add_ramp(writer: Any, node: Any, record: dict[str, Any]) -> None:
     record["ramp"] = ramp(node)
 
 
-def add_curve(writer, node, record):
+def add_curve(writer: Any, node: Any, record: dict[str, Any]) -> None:
     record["curve"] = curve(node)
 
 
-def add_object(writer, node, record):
+def add_object(writer: Any, node: Any, record: dict[str, Any]) -> None:
     if record["type"] == "ShaderNodeTexCoord" and node.object:
         record["object_matrix"] = [part for row in node.object.matrix_world.inverted_safe() for part in row]
 
 
-def note_mapping(writer, node, record):
+def note_mapping(writer: Any, node: Any, record: dict[str, Any]) -> None:
     if moved(node.texture_mapping):
         writer.note(record["id"], "its own mapping, a panel of older Blenders, has no effect: use a Mapping node")
 
 
-def combined(identity, value):
+def combined(identity: str, value: Any) -> dict[str, Any]:
     """A record that makes a vector of three numbers."""
     return {
         "id": identity,
@@ -63,7 +66,7 @@ def combined(identity, value):
     }
 
 
-def ramp(node):
+def ramp(node: Any) -> dict[str, Any]:
     """A colour ramp as it stands: the stops in the order of their list, the words that rule what lies between."""
     band = node.color_ramp
     return {
@@ -74,7 +77,7 @@ def ramp(node):
     }
 
 
-def curve(node):
+def curve(node: Any) -> dict[str, Any]:
     """The curves as tables over the range of all control points. An RGB curve's common curve is applied
     before those of the channels, as Blender does."""
     mapping = node.mapping
@@ -93,7 +96,7 @@ def curve(node):
     }
 
 
-def sampled(mapping, part, places):
+def sampled(mapping: Any, part: Any, places: list[float]) -> list[float]:
     """A curve at some places. Most channels of most nodes are left as they are, a line from corner to corner, and
     evaluating takes longer than all else in reading."""
     if len(part.points) == 2 and min(places) >= part.points[0].location[0]:
@@ -105,7 +108,7 @@ def sampled(mapping, part, places):
     return [evaluate(part, place) for place in places]
 
 
-def add_image(writer, node, record):
+def add_image(writer: Any, node: Any, record: dict[str, Any]) -> None:
     picture = node.image
     if picture is None:
         return
@@ -118,7 +121,7 @@ def add_image(writer, node, record):
         writer.note(record["id"], f"{picture.name} {MOVING[picture.source]}", "near")
 
 
-def moved(mapping):
+def moved(mapping: Any) -> bool:
     """Whether a texture's own mapping does anything."""
     return (
         tuple(mapping.translation) != (0, 0, 0)

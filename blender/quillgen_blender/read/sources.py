@@ -9,11 +9,13 @@ Two generations of Blender disagree about what happens on the way:
   value is a constant, and a dead end is as if there were no link.
 """
 
-from typing import NamedTuple
+from collections.abc import Callable, Mapping
+from typing import Any, NamedTuple
 
 import bpy
 
 from . import node_types, values
+from .places import Place
 
 BORDERS_CONVERT = bpy.app.version < (5, 0, 0)
 
@@ -21,10 +23,10 @@ BORDERS_CONVERT = bpy.app.version < (5, 0, 0)
 class Linked(NamedTuple):
     """An output of a real node, and the types of the borders behind it, the nearest to the node first."""
 
-    place: object
-    node: object
-    socket: object
-    borders: tuple = ()
+    place: Place
+    node: Any
+    socket: Any
+    borders: tuple[str, ...] = ()
 
 
 class Constant(NamedTuple):
@@ -32,21 +34,25 @@ class Constant(NamedTuple):
     interface shows no field for it, `named` where it is an artist's choice: an input of a group."""
 
     type: str
-    value: object
+    value: Any
     hidden: bool = False
     named: bool = False
+
+
+Links = dict[int, tuple[Any, Any]]
+Source = Linked | Constant | None
 
 
 class Sources:
     """Finds sources within one material. `directing` has a function for each node type that only hands on what it
     reads; `note(place, node, text, loss)` hears of what can't be resolved."""
 
-    def __init__(self, directing, note):
+    def __init__(self, directing: "Directing", note: Callable[..., None]) -> None:
         self.directing, self.note = directing, note
-        self.trees = {}
-        self.zones = {}
+        self.trees: dict[Any, Links] = {}
+        self.zones: dict[int, set[int]] = {}
 
-    def links(self, tree):
+    def links(self, tree: Any) -> Links:
         """{input: (node, output)} of a tree, the inputs by pointer. To ask a socket for its links costs a walk over the
         whole tree, so they are sorted once. A link counts that is neither muted nor part of a cycle nor on a socket
         that the node doesn't show in its present mode."""
@@ -60,7 +66,7 @@ class Sources:
                         found[end.as_pointer()] = link.from_node, start
         return found
 
-    def source(self, socket, place):
+    def source(self, socket: Any, place: Place) -> Source:
         """The Linked or Constant that an input reads, or None where it is left with its own value."""
         if not socket.is_linked:
             return None
@@ -69,7 +75,7 @@ class Sources:
         found = place.links.get(socket.as_pointer())
         return self.output(*found, place) if found else None
 
-    def output(self, node, out, place):
+    def output(self, node: Any, out: Any, place: Place) -> Source:
         """The same for a node's output."""
         while place.members is not None and node.as_pointer() not in place.members:
             place = place.outer
@@ -81,20 +87,20 @@ class Sources:
             return self.directing[kind.name](self, node, out, place)
         return self.group(node, out, place) if kind.group else Linked(place, node, out)
 
-    def group(self, node, out, place):
+    def group(self, node: Any, out: Any, place: Place) -> Source:
         end = group_end(node.node_tree)
         if end is None:
             return Constant(out.type, values.zero(out.type))
         return self.border(named(end.inputs, out.identifier), place.group(node))
 
-    def passage(self, inner, out, place):
+    def passage(self, inner: Any, out: Any, place: Place) -> Source:
         """Through a node that hands on what it reads, such as a reroute."""
         found = self.source(inner, place)
         if found is None:
             return Constant(out.type, values.zero(out.type)) if BORDERS_CONVERT else None
         return cross(found, out)
 
-    def border(self, socket, place, named=False):
+    def border(self, socket: Any, place: Place, named: bool = False) -> Source:
         """Into or out of a group; the border's own value stands in where nothing is linked."""
         found = self.source(socket, place)
         if found is None:
@@ -102,23 +108,23 @@ class Sources:
         return cross(found, socket)
 
 
-def cross(found, socket):
+def cross(found: Linked | Constant, socket: Any) -> Linked | Constant:
     if isinstance(found, Constant):
         return found._replace(type=socket.type, value=values.convert(found.value, found.type, socket.type))
     return found._replace(borders=(*found.borders, socket.type)) if BORDERS_CONVERT else found
 
 
-def named(sockets, identifier):
+def named(sockets: Any, identifier: str) -> Any:
     return next(socket for socket in sockets if socket.identifier == identifier)
 
 
-def group_end(tree):
+def group_end(tree: Any) -> Any:
     """The Group Output that counts."""
     ends = [node for node in tree.nodes if node.bl_idname == "NodeGroupOutput"] if tree else []
     return next((node for node in ends if node.is_active_output), None)
 
 
-def narrow(borders, source, target):
+def narrow(borders: tuple[str, ...], source: str, target: str) -> tuple[str, bool, bool]:
     """What the borders leave of a value on its way from a socket type to another, as (type, narrowed, whole):
     the type that the value counts as at last, whether it shrank to a single number on the way and has to
     spread again, and whether it lost its fraction."""
@@ -131,3 +137,5 @@ def narrow(borders, source, target):
             now = border
     return now, narrowed and values.kind(target) == "triple", whole
 
+
+Directing = Mapping[str, Callable[[Sources, Any, Any, Place], Source]]

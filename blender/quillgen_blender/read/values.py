@@ -1,5 +1,7 @@
 """Socket values as plain numbers and lists, and the conversions that Blender makes between socket types."""
 
+from typing import Any
+
 import bpy
 
 from ..passes import luma
@@ -18,12 +20,12 @@ HOLDERS = {
 }
 
 
-def kind(socket_type):
+def kind(socket_type: str) -> str | None:
     """ "scalar", "triple" or None: what a conversion has to know of a type."""
     return KINDS.get(socket_type)
 
 
-def default(socket):
+def default(socket: Any) -> Any:
     """The value that the socket holds while nothing is linked to it; None where it has none."""
     socket_type = socket.type
     form = KINDS.get(socket_type)
@@ -35,11 +37,11 @@ def default(socket):
     return socket.default_value if socket_type == "MENU" else None
 
 
-def triple(value):
+def triple(value: Any) -> list[float]:
     return (list(value) + [0.0, 0.0, 0.0])[:3]
 
 
-def held(node):
+def held(node: Any) -> Any:
     """The constant that a node holds, None for all other nodes."""
     if node.bl_idname in HOLDERS:
         value = getattr(node, HOLDERS[node.bl_idname])
@@ -49,7 +51,7 @@ def held(node):
     return None
 
 
-def zero(socket_type):
+def zero(socket_type: str) -> Any:
     return {
         "RGBA": [0.0, 0.0, 0.0, 1.0],
         "VECTOR": [0.0, 0.0, 0.0],
@@ -60,7 +62,7 @@ def zero(socket_type):
     }.get(socket_type)
 
 
-def convert(value, source, target):
+def convert(value: Any, source: str, target: str) -> Any:
     """A constant that crosses from a socket of one type into a socket of another."""
     if value is None or kind(target) is None:
         return value if source == target else None
@@ -71,4 +73,6 @@ def convert(value, source, target):
         value = [float(value)] * 3
     if kind(target) == "triple":
         return [*value[:3], 1.0] if target == "RGBA" else value[:3]
-    return {"INT": int, "BOOLEAN": lambda number: number > 0, "VALUE": float}[target](value)
+    if target == "BOOLEAN":
+        return value > 0
+    return int(value) if target == "INT" else float(value)

@@ -2,6 +2,7 @@
 plain values, and those whose formula another Blender has changed, with what makes up for it."""
 
 import math
+from typing import Any
 
 import bpy
 
@@ -10,16 +11,24 @@ from . import records, values
 VERSION = bpy.app.version
 # Old node: (its successor, mode, sockets that are called otherwise).
 SUCCESSORS = {
-    "ShaderNodeSeparateRGB": ("ShaderNodeSeparateColor", "RGB", {"Image": "Color", "R": "Red", "G": "Green", "B": "Blue"}),
+    "ShaderNodeSeparateRGB": (
+        "ShaderNodeSeparateColor",
+        "RGB",
+        {"Image": "Color", "R": "Red", "G": "Green", "B": "Blue"},
+    ),
     "ShaderNodeSeparateHSV": ("ShaderNodeSeparateColor", "HSV", {"H": "Red", "S": "Green", "V": "Blue"}),
-    "ShaderNodeCombineRGB": ("ShaderNodeCombineColor", "RGB", {"Image": "Color", "R": "Red", "G": "Green", "B": "Blue"}),
+    "ShaderNodeCombineRGB": (
+        "ShaderNodeCombineColor",
+        "RGB",
+        {"Image": "Color", "R": "Red", "G": "Green", "B": "Blue"},
+    ),
     "ShaderNodeCombineHSV": ("ShaderNodeCombineColor", "HSV", {"H": "Red", "S": "Green", "V": "Blue"}),
 }
 NUMBERS = ("FunctionNodeInputInt", "FunctionNodeInputBool")
 OUTPUT_NAMES = frozenset((*SUCCESSORS, *NUMBERS, "ShaderNodeUVMap"))
 
 
-def output_name(writer, node, name):
+def output_name(writer: Any, node: Any, name: str) -> Any:
     """What the document calls an output of a node whose type is among OUTPUT_NAMES."""
     kind = node.bl_idname
     if kind in SUCCESSORS:
@@ -29,30 +38,30 @@ def output_name(writer, node, name):
     return "Vector" if other_uv_map(writer, node) is not None else name
 
 
-def adapt(writer, node, record):
+def adapt(writer: Any, node: Any, record: dict[str, Any]) -> None:
     """Changes a record whose node the translator knows by another name or formula."""
     change = CHANGES.get(record["type"])
     if change:
         change(writer, node, record)
 
 
-def successor(writer, node, record):
+def successor(writer: Any, node: Any, record: dict[str, Any]) -> None:
     kind, mode, names = SUCCESSORS[record["type"]]
     record["type"], record["props"] = kind, {"mode": mode}
     for sockets in ("in", "outs"):
         record[sockets] = {names.get(name, name): entry for name, entry in record[sockets].items()}
 
 
-def number(writer, node, record):
+def number(writer: Any, node: Any, record: dict[str, Any]) -> None:
     held = values.held(node)
     record |= {"type": "ShaderNodeValue", "props": {"value": float(held)}, "outs": {"Value": "VALUE"}}
 
 
-def vector(writer, node, record):
+def vector(writer: Any, node: Any, record: dict[str, Any]) -> None:
     record |= records.combined(record["id"], values.held(node))
 
 
-def uv_map(writer, node, record):
+def uv_map(writer: Any, node: Any, record: dict[str, Any]) -> None:
     """A UV Map node that doesn't ask for the first map: as an attribute, which is looked up by its name."""
     name = other_uv_map(writer, node)
     if name is not None:
@@ -64,13 +73,13 @@ def uv_map(writer, node, record):
         }
 
 
-def other_uv_map(writer, node):
+def other_uv_map(writer: Any, node: Any) -> Any:
     """The name of the UV map that a UV Map node asks for, unless it is the first, which needs no name."""
     name = node.uv_map if node.bl_idname == "ShaderNodeUVMap" else ""
     return name if name in writer.uv_maps[1:] else None
 
 
-def magic(writer, node, record):
+def magic(writer: Any, node: Any, record: dict[str, Any]) -> None:
     """Up to 5.1 the remainder by a whole turn is taken of the coordinate, since then of coordinate times Scale. They
     differ where coordinates leave the first turn, unless 5 times Scale is whole."""
     coordinate, scale = record["in"]["Vector"], record["in"]["Scale"]
@@ -90,7 +99,7 @@ def magic(writer, node, record):
     coordinate["link"] = [identity, "Vector", "VECTOR"]
 
 
-def voronoi(writer, node, record):
+def voronoi(writer: Any, node: Any, record: dict[str, Any]) -> None:
     if record["props"]["voronoi_dimensions"] != "1D":
         writer.note(record["id"], "its cells lie as in Blender 5.0 and later, where this Blender has others", "near")
 

@@ -1,8 +1,9 @@
 """Collects the records of a document, from the nodes that are asked for on to what feeds them."""
 
 import re
+from typing import Any
 
-from ..notes import Note
+from ..notes import Loss, Note
 from . import directing, losses, node_types, records, sources, values, versions
 from .places import Place
 
@@ -12,21 +13,27 @@ NOT_A_LETTER = re.compile("[^A-Za-z0-9]")
 class Writer:
     """`uv_maps`: the names of the mesh's; `settings`: those of the material, as the document has them."""
 
-    def __init__(self, uv_maps, settings):
+    def __init__(self, uv_maps: list[str], settings: dict[str, Any]) -> None:
         self.sources = sources.Sources(directing.TABLE, self.note_on)
         self.uv_maps, self.settings = uv_maps, settings
         self.root = Place()
-        self.nodes, self.images, self.notes, self.paths = [], {}, [], {}
-        self.ids, self.spellings, self.waiting, self.told = {}, set(), [], set()
+        self.nodes: list[dict[str, Any]] = []
+        self.images: dict[str, dict[str, Any]] = {}
+        self.notes: list[Note] = []
+        self.paths: dict[str, tuple[str, ...]] = {}
+        self.ids: dict[tuple[Place, str], str] = {}
+        self.spellings: set[str] = set()
+        self.waiting: list[tuple[Place, Any, str]] = []
+        self.told: set[tuple[str, str]] = set()
 
     # What readers of the document ask for
 
-    def output(self, socket):
+    def output(self, socket: Any) -> list[str] | None:
         """[id, output] of what feeds a socket of the material's output; None where no node does."""
         found = self.sources.source(socket, self.root)
         return self.reference(found)[:2] if isinstance(found, sources.Linked) else None
 
-    def finish(self):
+    def finish(self) -> None:
         """Records what is waiting and all that feeds it, each node when its first reader's turn comes."""
         self.waiting.reverse()
         while self.waiting:
@@ -34,12 +41,12 @@ class Writer:
 
     # Notes
 
-    def note(self, identity, text, loss="lost"):
+    def note(self, identity: str, text: str, loss: Loss = "lost") -> None:
         if (identity, text) not in self.told:
             self.told.add((identity, text))
             self.notes.append(Note(identity, text, loss))
 
-    def note_on(self, place, node, text, loss="lost"):
+    def note_on(self, place: Place, node: Any, text: str, loss: Loss = "lost") -> None:
         """A note on a node that may have no record."""
         identity = self.ids.get((place, node.name)) or place.prefix + node.name
         self.paths.setdefault(identity, (*place.names, node.name))
@@ -47,7 +54,7 @@ class Writer:
 
     # Ids
 
-    def identity(self, place, node):
+    def identity(self, place: Place, node: Any) -> str:
         """The node's id: its name, behind the names of the groups around it."""
         name = node.name
         found = self.ids.get((place, name))
@@ -57,7 +64,7 @@ class Writer:
             self.waiting.append((place, node, found))
         return found
 
-    def fresh(self, wish):
+    def fresh(self, wish: str) -> str:
         """An id that no other node has. Parameters are named by the id's letters and digits only, so two ids
         have to differ in these."""
         name, count = wish, 0
@@ -69,13 +76,13 @@ class Writer:
         self.spellings.add(spelling)
         return name
 
-    def put_in(self, identifier, reader):
+    def put_in(self, identifier: str, reader: str) -> str:
         """The id of a node that feeds a reader's socket and that Blender hasn't got."""
         identity = self.fresh(f"{reader} {identifier}")
         self.paths[identity] = self.paths[reader]
         return identity
 
-    def aov_outputs(self):
+    def aov_outputs(self) -> None:
         """Notes on what goes to render passes of its own, in the trees that were read."""
         for place in self.root.all():
             for node in place.tree.nodes:
@@ -84,7 +91,7 @@ class Writer:
 
     # Records
 
-    def reference(self, linked):
+    def reference(self, linked: sources.Linked) -> list[str]:
         """[id, output, type] of a node's output."""
         node, socket = linked.node, linked.socket
         name = socket.identifier
@@ -92,9 +99,9 @@ class Writer:
             name = versions.output_name(self, node, name)
         return [self.identity(linked.place, node), name, socket.type]
 
-    def record(self, place, node, identity):
+    def record(self, place: Place, node: Any, identity: str) -> None:
         kind = node_types.of(node)
-        found = {"id": identity, "type": kind.name, "in": {}}
+        found: dict[str, Any] = {"id": identity, "type": kind.name, "in": {}}
         self.nodes.append(found)
         first = len(self.waiting)
         entries = found["in"]
@@ -123,12 +130,14 @@ class Writer:
         versions.adapt(self, node, found)
         losses.tell(self, found)
 
-    def white_noise(self, node, identity, entry):
+    def white_noise(self, node: Any, identity: str, entry: Any) -> None:
         """The one texture that has no coordinate of its own: it reads the value of its socket."""
         if "v" in entry and node.inputs["Vector"].enabled:
             entry["link"] = self.constant(entry.pop("v"), "Vector", identity)
 
-    def linked(self, socket, identifier, kind, place, identity):
+    def linked(
+        self, socket: Any, identifier: str, kind: node_types.NodeType, place: Place, identity: str
+    ) -> dict[str, Any] | None:
         """The entry of an input that reads a link; None where nothing comes by it."""
         found = self.sources.source(socket, place)
         if isinstance(found, sources.Linked):
@@ -140,13 +149,13 @@ class Writer:
             return {"t": socket.type, "link": self.constant(value, identifier, identity)}
         return {"t": socket.type, "v": value} | ({"named": True} if found.named else {})
 
-    def own(self, found, identifier, kind):
+    def own(self, found: Any, identifier: str, kind: node_types.NodeType) -> bool:
         """Whether an implicit socket stays with the surface's own value in spite of a group's constant."""
         if sources.BORDERS_CONVERT:
             return identifier in kind.implicit or identifier in kind.surface
         return found.hidden and identifier in kind.surface
 
-    def link(self, linked, socket, identity):
+    def link(self, linked: sources.Linked, socket: Any, identity: str) -> list[str]:
         reference = self.reference(linked)
         if not linked.borders:
             return reference
@@ -154,7 +163,7 @@ class Writer:
         reference[2] = seen
         return self.number(reference, whole, socket.identifier, identity) if spread or whole else reference
 
-    def number(self, reference, whole, identifier, reader):
+    def number(self, reference: Any, whole: bool, identifier: str, reader: str) -> list[str]:
         """A node that makes one number of what it reads."""
         identity = self.put_in(identifier, reader)
         self.nodes.append(
@@ -168,7 +177,7 @@ class Writer:
         )
         return [identity, "Value", "VALUE"]
 
-    def constant(self, value, identifier, reader):
+    def constant(self, value: Any, identifier: str, reader: str) -> list[str]:
         """A node that holds a vector."""
         identity = self.put_in(identifier, reader)
         self.nodes.append(records.combined(identity, value))

@@ -2,7 +2,6 @@
 
 import newer_trees
 import trees
-
 from builder import Case
 
 

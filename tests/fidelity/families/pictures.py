@@ -8,8 +8,10 @@ import numpy as np
 from builder import Case, words
 
 FOLDER = tempfile.TemporaryDirectory()  # for the pictures that stay on the disk
-SPACE = "colour spaces other than sRGB and linear Rec.709 are read as linear"
+FOREIGN = ("ACEScg", "Linear Rec.2020", "Display P3", "Rec.1886", "Gamma 2.2 Encoded Rec.709", "sRGB Encoded P3-D65")
+AGAIN = "bytes in other colour spaces are rounded once more: to half floats, in Cycles by another rule, or to bytes"
 HALF = "Cycles multiplies and filters pictures of 16 bits on the disk before it decodes them"
+FILES = "PNG 8", "PNG 16", "OPEN_EXR 32", "TIFF 8", "TIFF 16"
 SUFFIXES = {"PNG": "png", "TIFF": "tif", "OPEN_EXR": "exr"}
 SIZES = {"tall": (5, 7), "wide": (16, 9), "single": (1, 1), "column": (1, 4), "small": (3, 2)}
 OFF_TEXELS = (3 / 16, (-1.0 + 1 / 64, -1.0 + 3 / 128, 0.5 + 1 / 64))  # never on a border between texels
@@ -48,12 +50,16 @@ def cases():
                             out,
                             interpolation=interpolation,
                         )
-    for space in ("ACEScg", "Linear Rec.2020"):
-        yield image(f"byte {space}", ("byte", space, "STRAIGHT", "wide"), "Color", reason=SPACE)
-    for file in ("PNG 8", "PNG 16", "OPEN_EXR 32", "PNG 8 disk", "PNG 16 disk", "OPEN_EXR 32 disk", "TIFF 8", "TIFF 16", "TIFF 8 disk", "TIFF 16 disk"):
+    for space in FOREIGN:
+        for kind in ("byte", "OPEN_EXR 32", "OPEN_EXR 32 disk"):
+            for alpha in ("NONE", "STRAIGHT"):
+                reason = AGAIN if kind == "byte" else ""
+                key = kind, space, alpha, "wide"
+                yield image(f"{kind} {space} {alpha}", key, "Color", reason, interpolation="Closest")
+    for file in [form + where for form in FILES for where in ("", " disk")]:
         for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
             for out in ("Color", "Color beside Alpha", "Alpha"):
-                half = file == "PNG 16 disk" and out != "Alpha"
+                half = file in ("PNG 16 disk", "TIFF 16 disk") and out != "Alpha"
                 yield image(
                     f"file {file} {alpha} {out}", (file, None, alpha, "small"), out, HALF if half else ""
                 )

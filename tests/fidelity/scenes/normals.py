@@ -2,6 +2,8 @@
 
 import math
 
+import bpy
+
 from builder import Case, words
 from families.pictures import picture
 
@@ -49,6 +51,23 @@ def normal_maps(scene):
             ],
             LENGTH if space == "TANGENT" and scene.smooth else "",
         )
+        for settings in conventions():
+            yield Case(
+                "Normal Map",
+                f"{space} {' '.join(settings.values())}",
+                lambda c, space=space, settings=settings: c.node(
+                    "NormalMap", {"Color": directions(c)}, space=space, **settings
+                ).outputs[0],
+                LENGTH if space == "TANGENT" and scene.smooth else "",
+            )
+
+
+def conventions():
+    """Settings that Blender has since 5.1."""
+    if "convention" not in bpy.types.ShaderNodeNormalMap.bl_rna.properties:
+        return []
+    bases = words("NormalMap", "base")
+    return [{"convention": "DIRECTX"}, *({"base": base} for base in bases)]
 
 
 def directions(c):

@@ -102,7 +102,7 @@ def look(surface, view):
 def inputs(surface, view, columns, rows, triangles):
     """Every kind of input that a text can ask for: {name: array [pixels, width]}, `name` being the kind with
     the index or axis behind a colon, and "ddx:" or "ddy:" before it."""
-    distance, weights = surface.solve(triangles, view.eye, view.rays(columns, rows))
+    _, weights = surface.solve(triangles, view.eye, view.rays(columns, rows))
     found = varying(surface, view, triangles, weights)
     # Unreal's screen y runs down. Neighbours see the plane of the same triangle, as in a quad of pixels.
     for name, (dx, dy) in {"ddx": (1, 0), "ddy": (0, -1)}.items():
