@@ -4,6 +4,7 @@ import pytest
 
 import shader
 import test_picture
+from conftest import ROOT
 from double import tables
 from examples.gallery import surfaces
 from surroundings import Surroundings
@@ -23,6 +24,13 @@ def test_the_level(start, version):
     assert len(places) == len(ue.editor.actors)
     ue.plugin.build_checklist()
     assert len(ue.editor.actors) == 2 * len(ue.checks.CHECKS)
+
+
+def test_the_page_lists_the_checks(start):
+    ue = start()
+    page = (ROOT / "docs" / "unreal.md").read_text(encoding="utf-8")
+    for number, check in enumerate(ue.checks.CHECKS, 1):
+        assert f"| {number} | {check.name} | {check.shows} |" in page
 
 
 BALL = surfaces.Thing(surfaces.sphere(0.5), surfaces.turned(35) @ surfaces.turned(20, "x"), (0.2, 0.3, -0.1), 1.7)

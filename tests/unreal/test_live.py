@@ -270,7 +270,7 @@ def test_the_start_up_script_never_stops_the_editor(start):
     for spoil in ("menu", "cook"):
         ue = start()
         ue.editor.unattended = spoil == "cook"
-        ue.editor.menus.clear()
+        ue.unreal.ToolMenus = None
         sys.modules.pop("init_unreal", None)
         importlib.import_module("init_unreal")
         assert len(ue.editor.texts("log_error")) == (spoil == "menu")

@@ -71,6 +71,8 @@ CASES = {
                                      "material.json"),
     "a value that is none": (lambda f: edit(f, lambda v: put(v["values"], next(iter(v["values"])), "red"),
                                             "parameters.json"), "red", "parameters.json"),
+    "a value beyond all floats": (lambda f: edit(f, lambda v: put(v["values"], next(iter(v["values"])), 1e39),
+                                                 "parameters.json"), "1e+39", "parameters.json"),
     "two of one label": (lambda f: edit(f, lambda m: put(m["parameters"]["records"][1], "label",
                                                          m["parameters"]["records"][0]["label"].upper())),
                          "one name", "material.json"),
@@ -135,7 +137,7 @@ def test_a_new_material_that_fails_leaves_no_asset(start, crate):
     assert not [path for path in ue.editor.assets if "/M_" in path or "/MI_" in path]
 
 
-@pytest.mark.parametrize("path", ["Game/Blender", "C:/work", "/Game/My Folder", "/Game//x", "", "/Game/a.b"])
+@pytest.mark.parametrize("path", ["Game/Blender", "D:/Materials", "/Game/My Folder", "/Game//x", "", "/Game/a.b"])
 def test_a_content_path_that_is_none(start, crate, path):
     ue = start()
     with pytest.raises(ue.errors.Refused, match="no folder of the content browser"):

@@ -45,8 +45,6 @@ def _menus(module, editor):
         def add_sub_menu(self, owner, section_name, name, label, tool_tip=""):
             return editor.menus.setdefault(f"{self.name}.{name}", ToolMenu(f"{self.name}.{name}"))
 
-    editor.menus["LevelEditor.MainMenu.Tools"] = ToolMenu("LevelEditor.MainMenu.Tools")
-
     class ToolMenus:
         @staticmethod
         def get():
@@ -54,6 +52,9 @@ def _menus(module, editor):
 
         def find_menu(self, name):
             return editor.menus.get(name)
+
+        def extend_menu(self, name):
+            return editor.menus.setdefault(name, ToolMenu(name))
 
         def refresh_all_widgets(self):
             editor.menus_drawn = True

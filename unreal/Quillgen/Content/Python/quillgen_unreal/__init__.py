@@ -6,9 +6,9 @@ reference lists; the look of dialogs and menus; the text for the clipboard. docs
 minutes for someone who has Unreal; quillgen_unreal.build_checklist() makes its level.
 
     import quillgen_unreal
-    quillgen_unreal.import_all("C:/work/export")                          # every material below a folder
-    quillgen_unreal.import_material("C:/work/export/Oak Planks", "/Game/Blender")
-    quillgen_unreal.start_live("C:/work/export"), quillgen_unreal.stop_live()
+    quillgen_unreal.import_all("D:/Materials")                              # every material below a folder
+    quillgen_unreal.import_material("D:/Materials/Oak Planks", "/Game/Blender")
+    quillgen_unreal.start_live("D:/Materials"), quillgen_unreal.stop_live()
 
 For Unreal 5.3 to 5.7, with the standard library of its Python alone. It makes, and later updates in place, M_Name with
 the graph and MI_Name, an instance that holds the values; textures go to the folder Textures beside them. Parameters
@@ -24,7 +24,8 @@ def import_material(folder, content_path=DEFAULT_PATH, instanced=False, force=Fa
     """Imports the material in a folder; returns what became of it, an `importer.Outcome`.
 
     `instanced`: the meshes are drawn as instances (foliage, instanced static meshes). `force` builds the graph anew
-    even if nothing has changed. Raises `errors.Refused`, naming the file and the material; M_Name is as it was then.
+    even if nothing has changed. Raises `errors.Refused`, naming the file and the material, or `errors.Cancelled`:
+    M_Name is as it was then.
     """
     import unreal
 

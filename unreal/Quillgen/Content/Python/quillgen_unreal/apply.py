@@ -8,7 +8,7 @@ from .errors import Refused
 from .plan import Color, Displacement, Enum, Inputs, Outputs, Texture
 
 MEL = unreal.MaterialEditingLibrary
-MOST_SWEEPS = 8  # deleting all expressions may leave some for the next time
+MOST_SWEEPS = 32  # deleting all expressions may leave some for the next time
 
 
 def value(plain):

@@ -8,7 +8,6 @@ from __future__ import annotations
 
 import hashlib
 import json
-import math
 import re
 from pathlib import Path
 from typing import NamedTuple
@@ -33,6 +32,7 @@ PROPERTIES = (
     "clear_coat_roughness",
 )
 TYPES = ("float", "float2", "float3", "float4")
+LARGEST = 3.402823466e38
 IDENTIFIER = re.compile(r"[A-Za-z_][A-Za-z0-9_]*\Z")
 
 
@@ -245,7 +245,8 @@ def _parameter(reader, record):
 
 
 def _finite(value):
-    return isinstance(value, NUMBER) and not isinstance(value, bool) and math.isfinite(value)
+    """Whether it is a number that 32 bits hold."""
+    return isinstance(value, NUMBER) and not isinstance(value, bool) and abs(value) <= LARGEST
 
 
 def _value(value, kind):

@@ -24,9 +24,7 @@ ENTRIES = (
 
 def register():
     menus = unreal.ToolMenus.get()
-    parent = menus.find_menu(PARENT)
-    if not parent:
-        raise RuntimeError(f"there is no menu {PARENT}")
+    parent = menus.extend_menu(PARENT)  # it may not have been made yet when the editor starts
     menu = parent.add_sub_menu(OWNER, "Quillgen", NAME, "Materials from Blender", "Quillgen")
     menu.add_section("Quillgen", "Materials from Blender")
     for function, label, tip in ENTRIES:

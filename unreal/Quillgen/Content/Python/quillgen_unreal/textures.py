@@ -59,7 +59,7 @@ def remember(material, paths):
 def _kept(export, picture, material):
     known = unreal.EditorAssetLibrary.get_metadata_tag(material, USED_TAG) if material else ""
     where = json.loads(known or "{}").get(picture.name, "")
-    if not unreal.EditorAssetLibrary.does_asset_exist(where):
+    if not where or not unreal.EditorAssetLibrary.does_asset_exist(where):
         what = f"the picture {picture.image!r} wasn't exported, and there is none from an earlier import"
         raise Refused(export.name, export.folder, f"{what}; switch pictures on in Blender and export again")
     return where
