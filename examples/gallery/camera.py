@@ -1,4 +1,5 @@
 """The camera. Everything here and in `surfaces` is in Blender's frame: right-handed, metres, z up."""
+
 from typing import NamedTuple
 
 import numpy as np
@@ -7,7 +8,7 @@ import numpy as np
 class Camera(NamedTuple):
     eye: tuple
     target: tuple
-    lens: float        # in millimetres, on a sensor 36 mm wide
+    lens: float  # in millimetres, on a sensor 36 mm wide
     pixels: int = 256  # the width of the square picture
 
 

@@ -5,17 +5,18 @@
 For each material a strip of Blender's base colour, ours and ten times the difference, and a full picture of
 ours beside the preview that Cycles made. The numbers are kept in docs/gallery/numbers.json.
 """
+
 import json
 import sys
 
 import numpy as np
 
-from . import materials, page, ramps, render, square, tone
-
 import device
 
+from . import materials, page, ramps, render, square, tone
+
 GAP = 4
-COLORS = 160           # of a full picture's palette
+COLORS = 160  # of a full picture's palette
 device.TIMEOUT = 1800  # the first compilation of glazed_vase takes minutes: six tables of 257 entries
 
 

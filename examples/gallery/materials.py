@@ -1,18 +1,16 @@
 """The example materials: their documents, pictures and reference values; their texts run on the device."""
+
 import copy
 import json
-import sys
 from pathlib import Path
 
 import numpy as np
 from PIL import Image
 
+import custom_expression
+
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "examples" / "materials"
-sys.path.insert(0, str(ROOT / "tests" / "gpu"))  # the harness that runs a text on the CPU's Vulkan device
-
-import custom_expression  # noqa: E402
-import quillgen  # noqa: E402
 
 POINTS_AT_ONCE = 1 << 17  # the device answers within seconds
 
@@ -53,7 +51,7 @@ def undithered(ir):
 
 
 def kind_of(entry):
-    """"texcoord:0", "ddx:world_position_cr", "object_axis:y" ... for an input."""
+    """ "texcoord:0", "ddx:world_position_cr", "object_axis:y" ... for an input."""
     if "of" in entry:
         return f"{entry['kind']}:{kind_of(entry['of'])}"
     detail = entry.get("axis", entry.get("index"))
@@ -68,21 +66,26 @@ def evaluate(result, inputs):
     values, count = _wired(result, inputs)
     pieces = []
     for begin in range(0, count, POINTS_AT_ONCE):
-        part = {name: v if len(v) == 1 else v[begin:begin + POINTS_AT_ONCE] for name, v in values.items()}
+        part = {name: v if len(v) == 1 else v[begin : begin + POINTS_AT_ONCE] for name, v in values.items()}
         pieces.append(custom_expression.evaluate(result, _fitting(part), textures(result)))
     return {name: np.concatenate([piece[name] for piece in pieces]) for name in pieces[0]}
 
 
 def textures(result):
     """Input name -> the picture as it is stored, for every picture that a text reads."""
-    return {name: np.asarray(Image.open(FOLDER / "textures" / record["image"]).convert("RGBA"))
-            for name, record in custom_expression.inputs_of(result) if record["kind"] == "texture"}
+    return {
+        name: np.asarray(Image.open(FOLDER / "textures" / record["image"]).convert("RGBA"))
+        for name, record in custom_expression.inputs_of(result)
+        if record["kind"] == "texture"
+    }
 
 
 def _wired(result, inputs):
-    wired = {name: np.atleast_2d(np.float32(inputs[kind_of({"name": name, **record})]))
-             for name, record in custom_expression.inputs_of(result)
-             if record["kind"] != "texture" and "default" not in record}
+    wired = {
+        name: np.atleast_2d(np.float32(inputs[kind_of({"name": name, **record})]))
+        for name, record in custom_expression.inputs_of(result)
+        if record["kind"] != "texture" and "default" not in record
+    }
     return wired, max(map(len, wired.values()), default=1)
 
 

@@ -1,4 +1,5 @@
 """Writes docs/gallery.md: the pictures, the numbers under them, and what is known to differ."""
+
 from . import materials
 
 DOCS = materials.ROOT / "docs"
@@ -33,31 +34,36 @@ are as a host would have to wire them to get Blender's picture:
 
 # What differs beyond what the facts of a material tell, each found by following the difference through the nodes.
 NOTES = {
-    "brick_wall": [
-        "In the picture, the wall of the preview is a mesh of some fineness, ours is followed "
-        "exactly."],
+    "brick_wall": ["In the picture, the wall of the preview is a mesh of some fineness, ours is followed exactly."],
     "chequered_floor": [
         "The veins are ramps that rise within a hundredth of a noise's range: they magnify the last "
-        "bits of the noise's coordinate thirty times and more."],
+        "bits of the noise's coordinate thirty times and more."
+    ],
     "glazed_vase": [
         "The document's curve tables have 256 entries, Cycles' own 257 over the range of the control "
         "points: they differ a little where a curve bends. The documents of the example host have "
-        "257."],
+        "257."
+    ],
     "mossy_rock": [
         "In the picture, moss grows by the normal that Geometry gives. Blender's surface sees the "
-        "bumped normal there; in the text a node that feeds the displacement too keeps the plain one."],
+        "bumped normal there; in the text a node that feeds the displacement too keeps the plain one."
+    ],
     "oak_planks": [
         "Each plank moves its noise by 41.7 times a grey: Blender's weights of red, green and blue "
-        "sum up to 1.000001, the text's to 1. Nine folds of that noise magnify it."],
+        "sum up to 1.000001, the text's to 1. Nine folds of that noise magnify it."
+    ],
     "rosette_tiles": [
         "The points that differ lie on the picture's diagonal, exactly on the border of two wedges: "
-        "the last bit decides which one they belong to."],
+        "the last bit decides which one they belong to."
+    ],
     "rusted_paint": [
         "With tables, the points that differ lie on the diagonal where the square's two triangles meet: "
-        "Cycles' rays find occlusion there."],
+        "Cycles' rays find occlusion there."
+    ],
     "stained_glass": [
         "Blender tints what is behind by the Transparent BSDF's colour, which an opacity of one "
-        "number cannot do: the glass looks paler before a bright background."],
+        "number cannot do: the glass looks paler before a bright background."
+    ],
 }
 
 
@@ -69,8 +75,10 @@ def write(numbers):
 
 
 def summary(numbers):
-    rows = ["| Material | Largest difference | Within 1e-4 | Within 1e-3 | With Cycles' tables, within 1e-4 |",
-            "| --- | --- | --- | --- | --- |"]
+    rows = [
+        "| Material | Largest difference | Within 1e-4 | Within 1e-3 | With Cycles' tables, within 1e-4 |",
+        "| --- | --- | --- | --- | --- |",
+    ]
     for name in sorted(numbers):
         worst, close, near = numbers[name]["value"]
         tables = numbers[name].get("value_tables")
@@ -82,13 +90,22 @@ def summary(numbers):
 def section(name, numbers):
     facts = materials.facts(name)
     shown = "emission" if facts["kind"] == "emission" else "base colour"
-    lines = [f"## {name}", "", facts["what"] + ".", "",
-             f"![{name}: the {shown} from Blender, ours, ten times the difference](gallery/{name}_base.png)", "",
-             f"{shown.capitalize()}: {told(numbers['value'])}"]
+    lines = [
+        f"## {name}",
+        "",
+        facts["what"] + ".",
+        "",
+        f"![{name}: the {shown} from Blender, ours, ten times the difference](gallery/{name}_base.png)",
+        "",
+        f"{shown.capitalize()}: {told(numbers['value'])}",
+    ]
     if "value_tables" in numbers:
         lines[-1] += f" With Cycles' tables: {told(numbers['value_tables'])}"
-    others = [f"{array} {numbers[array][0]:.1e}" for array in ("base", "emission", "metallic", "roughness", "alpha")
-              if array in numbers]
+    others = [
+        f"{array} {numbers[array][0]:.1e}"
+        for array in ("base", "emission", "metallic", "roughness", "alpha")
+        if array in numbers
+    ]
     if others:
         lines += ["", f"Largest differences of the further outputs: {', '.join(others)}."]
     lines += ["", f"![{name}: Cycles' preview and ours](gallery/{name}.png)", ""]

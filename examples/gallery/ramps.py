@@ -1,5 +1,6 @@
 """Colour ramps as Cycles looks them up: in a table of 257 entries. With them in the document, what remains
 of a difference has another reason."""
+
 import copy
 
 import numpy as np
@@ -29,7 +30,7 @@ def table(ramp):
     first = np.minimum(np.floor(place).astype(int), max(len(places) - 2, 0))
     share = (place - first)[:, None]
     if ramp["interp"] == "EASE":
-        share = share ** 2 * (3 - 2 * share)
+        share = share**2 * (3 - 2 * share)
     second = np.minimum(first + 1, len(places) - 1)
     mixed = colors[first] * (1 - share) + colors[second] * share
     return [[float(a), color.tolist()] for a, color in zip(at, mixed)]

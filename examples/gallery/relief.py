@@ -2,6 +2,7 @@
 
 The distances are taken once, on a grid over the UV square, and rays are followed until they are below it.
 """
+
 from typing import NamedTuple
 
 import numpy as np
@@ -17,7 +18,7 @@ SHADOW_STEPS, SHADOW_REACH = 14, 0.35  # metres
 
 class Relief(NamedTuple):
     heights: np.ndarray  # metres along the normal, [rows, columns] over v (from the bottom) and u
-    round: bool          # a sphere of radius 1, whose u goes round; else a square
+    round: bool  # a sphere of radius 1, whose u goes round; else a square
 
 
 def relief(record, thing, camera, rows):
@@ -92,8 +93,9 @@ def _span(relief, thing, eye, rays):
         inner = surfaces.meet(thing._replace(shape=surfaces.sphere(1 + bottom)), eye, rays)
         return begin, np.minimum(end, inner)
     up = thing.turn[:, 2]
-    levels = (thing._replace(place=np.add(thing.place, level * thing.scale * up))
-              for level in (top + 1e-6, bottom - 1e-6))
+    levels = (
+        thing._replace(place=np.add(thing.place, level * thing.scale * up)) for level in (top + 1e-6, bottom - 1e-6)
+    )
     begin, end = (surfaces.meet(level, eye, rays) for level in levels)
     return np.where(np.isfinite(begin) & np.isfinite(end), begin, surfaces.NEVER), end
 
@@ -131,5 +133,5 @@ def _free(relief, thing, points, directions):
     """Whether rays get away from the surface, looked at in places that are closer together near the beginning."""
     free = np.ones(len(points), dtype=bool)
     for share in np.linspace(0, 1, SHADOW_STEPS + 1)[1:]:
-        free[free] = above(relief, thing, (points + SHADOW_REACH * share ** 2 * directions)[free]) > 0
+        free[free] = above(relief, thing, (points + SHADOW_REACH * share**2 * directions)[free]) > 0
     return free

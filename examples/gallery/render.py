@@ -1,4 +1,5 @@
 """Pictures of the example materials: every output of a text, lit by the shader of `shade` on the device."""
+
 import numpy as np
 
 import quillgen
@@ -7,10 +8,26 @@ from . import camera as cameras
 from . import materials, relief, scenes, shade, surfaces, tone, wiring
 
 # What the shader takes, the output that gives it, and its value where the text has no such output.
-SCALARS = (("metallic", "OutMetallic", 0.0), ("roughness", "OutRoughness", 0.5), ("specular", "OutSpecular", 0.5),
-           ("coat", "OutCoat", 0.0), ("coat_roughness", "OutCoatRoughness", 0.03), ("opacity", "OutOpacity", 1.0))
-LIT_BY = ("normal", "coat_normal", "base", "metallic", "roughness", "specular", "coat", "coat_roughness", "seen",
-          "open")
+SCALARS = (
+    ("metallic", "OutMetallic", 0.0),
+    ("roughness", "OutRoughness", 0.5),
+    ("specular", "OutSpecular", 0.5),
+    ("coat", "OutCoat", 0.0),
+    ("coat_roughness", "OutCoatRoughness", 0.03),
+    ("opacity", "OutOpacity", 1.0),
+)
+LIT_BY = (
+    "normal",
+    "coat_normal",
+    "base",
+    "metallic",
+    "roughness",
+    "specular",
+    "coat",
+    "coat_roughness",
+    "seen",
+    "open",
+)
 FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
 
 
@@ -78,8 +95,10 @@ def _reflecting(around, seen):
     if around.blocker == shade.NOTHING:
         return around
     weights = seen[0]["opacity"][:, None] / max(seen[0]["opacity"].sum(), 1e-9)
-    return around._replace(blocker_base=tuple((seen[0]["base"] * weights).sum(axis=0)),
-                           blocker_glow=tuple((seen[0]["emission"] * weights).sum(axis=0)))
+    return around._replace(
+        blocker_base=tuple((seen[0]["base"] * weights).sum(axis=0)),
+        blocker_glow=tuple((seen[0]["emission"] * weights).sum(axis=0)),
+    )
 
 
 def _layer(hit, around, camera, rays, samples, premultiplied):
@@ -105,18 +124,38 @@ def _backdrop(around, scene, camera, rays, samples):
     """The studio's floor and wall, the panel behind, or what else the scene says is behind."""
     below, above = np.float64(scene.behind)
     light = below + (above - below) * np.linspace(1, 0, len(rays))[:, None]
-    plain = {"metallic": 0.0, "roughness": 1.0, "specular": 0.0, "coat": 0.0, "coat_roughness": 0.0,
-             "seen": (1.0, 1.0, 1.0), "open": 1.0}
+    plain = {
+        "metallic": 0.0,
+        "roughness": 1.0,
+        "specular": 0.0,
+        "coat": 0.0,
+        "coat_roughness": 0.0,
+        "seen": (1.0, 1.0, 1.0),
+        "open": 1.0,
+    }
     if around.floor is not None:
         at, normal = studio(around, np.float64(camera.eye), rays)
-        light = shade.lit(around, plain | {"at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal,
-                                           "view": -rays, "base": around.floor}, samples)
+        light = shade.lit(
+            around,
+            plain
+            | {"at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal, "view": -rays, "base": around.floor},
+            samples,
+        )
     if scene.panel:
         distance = -camera.eye[1] / rays[:, 1]
         normal = np.broadcast_to((0.0, -1.0, 0.0), rays.shape).copy()
-        light = shade.lit(around, plain | scene.panel | {
-            "at": camera.eye + distance[:, None] * rays + 1e-3 * normal, "normal": normal,
-            "coat_normal": normal, "view": -rays}, samples)
+        light = shade.lit(
+            around,
+            plain
+            | scene.panel
+            | {
+                "at": camera.eye + distance[:, None] * rays + 1e-3 * normal,
+                "normal": normal,
+                "coat_normal": normal,
+                "view": -rays,
+            },
+            samples,
+        )
     return np.full(len(rays), 1e9), light, np.ones((len(rays), 1))
 
 
@@ -128,9 +167,11 @@ def studio(around, eye, rays, level=-1.0):
         wall = (begin + radius - eye[1]) / rays[:, 1]
     middle = np.array([begin, level + radius])
     a, b = (rays[:, 1:] ** 2).sum(axis=1), rays[:, 1:] @ (eye[1:] - middle)
-    rise = (-b + np.sqrt(np.maximum(b * b - a * (((eye[1:] - middle) ** 2).sum() - radius ** 2), 0))) / a
-    at = {name: eye + distance[:, None] * rays for name, distance in (("floor", np.minimum(floor, 1e6)),
-                                                                     ("rise", rise), ("wall", wall))}
+    rise = (-b + np.sqrt(np.maximum(b * b - a * (((eye[1:] - middle) ** 2).sum() - radius**2), 0))) / a
+    at = {
+        name: eye + distance[:, None] * rays
+        for name, distance in (("floor", np.minimum(floor, 1e6)), ("rise", rise), ("wall", wall))
+    }
     on_floor = np.isfinite(floor) & (at["floor"][:, 1] < begin)
     on_rise = ~on_floor & (at["rise"][:, 2] < middle[1])
     bent = np.concatenate([np.zeros((len(rays), 1)), (middle - at["rise"][:, 1:]) / radius], axis=1)
@@ -161,6 +202,8 @@ def _filtered(light, subdivision):
     for axis in (0, 1):
         padded = np.pad(light, [(reach, reach) if axis == k else (0, 0) for k in range(3)], mode="edge")
         pixels = light.shape[axis] // subdivision
-        light = sum(weight * padded.take(np.arange(pixels) * subdivision + n, axis=axis)
-                    for n, weight in enumerate(bell / bell.sum()))
+        light = sum(
+            weight * padded.take(np.arange(pixels) * subdivision + n, axis=axis)
+            for n, weight in enumerate(bell / bell.sum())
+        )
     return light

@@ -3,6 +3,7 @@
 Cameras and lights were found from the previews themselves: the cameras so that the patterns lie where they
 lie there, the lights so that floor, objects and highlights are as bright and lie where they do.
 """
+
 from typing import NamedTuple
 
 from . import shade, surfaces
@@ -15,14 +16,16 @@ class Scene(NamedTuple):
     things: tuple
     around: Surroundings
     behind: tuple = ((0.0,) * 3,) * 2  # radiance of nothing, at the lower and the upper edge
-    panel: dict | None = None        # what a plane wears that stands upright behind the object
-    relief_rows: int = 0             # rows of the grid of real displacement, 0 for none
-    premultiplied: bool = False      # whether the text's colours are multiplied by the opacity already
+    panel: dict | None = None  # what a plane wears that stands upright behind the object
+    relief_rows: int = 0  # rows of the grid of real displacement, 0 for none
+    premultiplied: bool = False  # whether the text's colours are multiplied by the opacity already
 
 
-STUDIO_LIGHTS = (Light((-3.11, -3.27, 4.3), 2.4, (19.7, 19.1, 18.5)),
-                 Light((3.93, -3.48, 1.74), 3.0, (3.7, 4.0, 4.4)),
-                 Light((1.8, 3.04, 4.63), 2.2, (20.2, 20.5, 21.4)))
+STUDIO_LIGHTS = (
+    Light((-3.11, -3.27, 4.3), 2.4, (19.7, 19.1, 18.5)),
+    Light((3.93, -3.48, 1.74), 3.0, (3.7, 4.0, 4.4)),
+    Light((1.8, 3.04, 4.63), 2.2, (20.2, 20.5, 21.4)),
+)
 STUDIO = Surroundings(STUDIO_LIGHTS, sky=(0.092, 0.096, 0.12), ground=(0.05, 0.05, 0.05), floor=(0.338,) * 3)
 STUDIO_CAMERA = Camera((0.0, -5.9, 1.4), (0.0, 0.0, -0.036), 74.0)
 BALL = (surfaces.Thing(surfaces.sphere()),)
@@ -30,11 +33,14 @@ BALL = (surfaces.Thing(surfaces.sphere()),)
 
 def dark(share):
     """The studio with a dark floor and the lights turned down, for what glows."""
+
     def less(color):
         return tuple(share * part for part in color)
+
     lights = tuple(light._replace(glow=less(light.glow)) for light in STUDIO.lights)
-    return STUDIO._replace(lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground),
-                           floor=(0.085,) * 3, blocker=shade.SPHERE)
+    return STUDIO._replace(
+        lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground), floor=(0.085,) * 3, blocker=shade.SPHERE
+    )
 
 
 def on_a_ball(**changes):
@@ -75,10 +81,14 @@ UPRIGHT = surfaces.Thing(surfaces.square(WALL_HALF), surfaces.turned(90, "x"))
 
 def wall(eye=(0.57, -3.3, 0.35), **changes):
     """A wall 3.2 m wide; places are in halves of its width."""
+
     def metres(place):
         return tuple(WALL_HALF * part for part in place)
-    lights = (Light(metres((-1.78, -1.3, 2.03)), 0.7 * WALL_HALF, (79.0,) * 3),
-              Light(metres((3.0, -2.6, 1.5)), 1.5 * WALL_HALF, (6.0,) * 3))
+
+    lights = (
+        Light(metres((-1.78, -1.3, 2.03)), 0.7 * WALL_HALF, (79.0,) * 3),
+        Light(metres((3.0, -2.6, 1.5)), 1.5 * WALL_HALF, (6.0,) * 3),
+    )
     around = Surroundings(lights, sky=(0.17,) * 3, ground=(0.17,) * 3)
     return Scene(Camera(metres(eye), (0.0, 0.0, 0.0), 65.0), (UPRIGHT,), around)._replace(**changes)
 
@@ -117,9 +127,14 @@ def wet_asphalt():
 
 def maple_leaf():
     """Three cards in the air, the right one from behind."""
-    cards = tuple(surfaces.Thing(surfaces.square(), _euler(*turn), place, size) for turn, place, size in (
-        ((79.9, 16.9, 10.9), (-0.052, 0.0, 0.021), 1.0), ((91.2, 39.8, -6.8), (-1.068, 0.6, 0.361), 0.5),
-        ((120.5, -34.0, 164.5), (0.845, 0.0, -0.38), 0.54)))
+    cards = tuple(
+        surfaces.Thing(surfaces.square(), _euler(*turn), place, size)
+        for turn, place, size in (
+            ((79.9, 16.9, 10.9), (-0.052, 0.0, 0.021), 1.0),
+            ((91.2, 39.8, -6.8), (-1.068, 0.6, 0.361), 0.5),
+            ((120.5, -34.0, 164.5), (0.845, 0.0, -0.38), 0.54),
+        )
+    )
     lights = (Light((-1.0, -1.0, 5.0), 4.0, (6.0, 6.0, 6.0)), Light((-3.1, -3.3, 3.0), 2.4, (9.0, 8.8, 8.5)))
     return Scene(STUDIO_CAMERA, cards, STUDIO._replace(lights=lights, floor=(0.4, 0.43, 0.41)))
 
@@ -128,8 +143,18 @@ def _euler(x, y, z):
     return surfaces.turned(z, "z") @ surfaces.turned(y, "y") @ surfaces.turned(x, "x")
 
 
-SCENES = {"hologram": hologram, "lava": lava, "mossy_rock": mossy_rock, "pbr_crate": pbr_crate,
-          "maple_leaf": maple_leaf, "brick_wall": brick_wall, "oak_planks": wall,
-          "ramp_banner": wall, "rosette_tiles": wall,
-          "stained_glass": stained_glass, "hazard_decal": hazard_decal, "chequered_floor": chequered_floor,
-          "wet_asphalt": wet_asphalt}
+SCENES = {
+    "hologram": hologram,
+    "lava": lava,
+    "mossy_rock": mossy_rock,
+    "pbr_crate": pbr_crate,
+    "maple_leaf": maple_leaf,
+    "brick_wall": brick_wall,
+    "oak_planks": wall,
+    "ramp_banner": wall,
+    "rosette_tiles": wall,
+    "stained_glass": stained_glass,
+    "hazard_decal": hazard_decal,
+    "chequered_floor": chequered_floor,
+    "wet_asphalt": wet_asphalt,
+}

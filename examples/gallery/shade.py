@@ -1,10 +1,9 @@
 """Lights points of surfaces on the Vulkan device, with the shader in shade.hlsl."""
+
 from pathlib import Path
 from typing import NamedTuple
 
 import numpy as np
-
-from . import materials  # noqa: F401  (makes the harness known)
 
 import device
 
@@ -15,18 +14,19 @@ POINTS_AT_ONCE = 1 << 16
 
 class Light(NamedTuple):
     """A square light that shines towards one place."""
+
     at: tuple
     size: float
-    glow: tuple            # radiance
+    glow: tuple  # radiance
     towards: tuple = (0.0, 0.0, 0.0)
 
 
 class Surroundings(NamedTuple):
     lights: tuple
-    sky: tuple                             # radiance from above the horizon
-    ground: tuple                          # and from below
-    floor: tuple | None = None             # reflectance of the studio's floor and wall
-    studio: tuple = (2.35, 2.23)           # where the floor begins to rise, radius of the rise
+    sky: tuple  # radiance from above the horizon
+    ground: tuple  # and from below
+    floor: tuple | None = None  # reflectance of the studio's floor and wall
+    studio: tuple = (2.35, 2.23)  # where the floor begins to rise, radius of the rise
     blocker: int = NOTHING
     blocker_size: float = 1.0
     blocker_turn: np.ndarray = np.eye(3)
@@ -72,18 +72,30 @@ def _body(samples):
 def constants(around):
     """What of the scene stands ahead of the shader's text."""
     sides = [_sides(light) for light in around.lights]
-    lines = [f"static const int LIGHTS = {len(around.lights)}, BLOCKER = {around.blocker};",
-             f"static const float BLOCKER_SIZE = {around.blocker_size!r};",
-             f"static const float2 STUDIO = float2({around.studio[0]!r}, {around.studio[1]!r});"]
-    lines += [f"static const float3 {name}[{len(values)}] = {{{', '.join(map(_vector, values))}}};"
-              for name, values in {"LIGHT_AT": [light.at for light in around.lights],
-                                   "LIGHT_A": [a for a, _ in sides], "LIGHT_B": [b for _, b in sides],
-                                   "LIGHT_GLOW": [light.glow for light in around.lights]}.items()]
-    vectors = {"SKY": around.sky, "GROUND": around.ground, "FLOOR": around.floor or (-1.0, -1.0, -1.0),
-               "BLOCKER_X": around.blocker_turn[:, 0], "BLOCKER_Y": around.blocker_turn[:, 1],
-               "BLOCKER_BASE": around.blocker_base, "BLOCKER_GLOW": around.blocker_glow}
-    lines += [f"static const float3 {name} = {_vector(value)};"
-              for name, value in vectors.items()]
+    lines = [
+        f"static const int LIGHTS = {len(around.lights)}, BLOCKER = {around.blocker};",
+        f"static const float BLOCKER_SIZE = {around.blocker_size!r};",
+        f"static const float2 STUDIO = float2({around.studio[0]!r}, {around.studio[1]!r});",
+    ]
+    lines += [
+        f"static const float3 {name}[{len(values)}] = {{{', '.join(map(_vector, values))}}};"
+        for name, values in {
+            "LIGHT_AT": [light.at for light in around.lights],
+            "LIGHT_A": [a for a, _ in sides],
+            "LIGHT_B": [b for _, b in sides],
+            "LIGHT_GLOW": [light.glow for light in around.lights],
+        }.items()
+    ]
+    vectors = {
+        "SKY": around.sky,
+        "GROUND": around.ground,
+        "FLOOR": around.floor or (-1.0, -1.0, -1.0),
+        "BLOCKER_X": around.blocker_turn[:, 0],
+        "BLOCKER_Y": around.blocker_turn[:, 1],
+        "BLOCKER_BASE": around.blocker_base,
+        "BLOCKER_GLOW": around.blocker_glow,
+    }
+    lines += [f"static const float3 {name} = {_vector(value)};" for name, value in vectors.items()]
     return "\n".join(lines) + "\n"
 
 

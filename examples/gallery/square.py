@@ -2,6 +2,7 @@
 
 It lies in the plane of x and y, one metre wide from the origin, seen from straight above without perspective.
 """
+
 import numpy as np
 
 import quillgen
@@ -9,8 +10,13 @@ import quillgen
 from . import materials
 
 # Which output of the whole text each array of the reference data is compared with.
-OUTPUTS = {"emission": "OutEmissive", "base": "result", "metallic": "OutMetallic", "roughness": "OutRoughness",
-           "alpha": "OutOpacity"}
+OUTPUTS = {
+    "emission": "OutEmissive",
+    "base": "result",
+    "metallic": "OutMetallic",
+    "roughness": "OutRoughness",
+    "alpha": "OutOpacity",
+}
 
 
 def inputs(uv):
@@ -20,31 +26,59 @@ def inputs(uv):
 
     def columns(*parts):
         return np.stack(parts, axis=1)
+
     position = columns(100 * u, -100 * v, zero)
-    varying = {"texcoord:0": columns(u, 1 - v), "texcoord:1": columns(2 * u, 1 - 2 * v),
-               "world_position": position, "local_position": position,
-               "world_position_cr": position - (50, -50, 1000),
-               "vertex_color": columns(u, v, 0.5 * one, one)}
+    varying = {
+        "texcoord:0": columns(u, 1 - v),
+        "texcoord:1": columns(2 * u, 1 - 2 * v),
+        "world_position": position,
+        "local_position": position,
+        "world_position_cr": position - (50, -50, 1000),
+        "vertex_color": columns(u, v, 0.5 * one, one),
+    }
     up = (0, 0, 1)
-    fixed = {"cycles_normal": up, "vertex_normal": up, "camera_vector": up, "two_sided_sign": (1,),
-             "tangent_world": (1, 0, 0), "bitangent_world": (0, 1, 0), "object_origin": (0, 0, 0),
-             "camera_position": (50, -50, 1000), "pixel_depth": (1000,), "view_size": (64, 64),
-             "tan_half_fov": (0.05, 0.05),
-             "view_axis:x": (1, 0, 0), "view_axis:y": (0, -1, 0), "view_axis:z": (0, 0, -1),
-             "object_axis:x": (1, 0, 0), "object_axis:y": (0, 1, 0), "object_axis:z": up,
-             "local_bounds_min": (0, -100, -50), "local_bounds_max": (100, 0, 50),
-             "pixel_position": (0, 0), "temporal_index": (0,)}
+    fixed = {
+        "cycles_normal": up,
+        "vertex_normal": up,
+        "camera_vector": up,
+        "two_sided_sign": (1,),
+        "tangent_world": (1, 0, 0),
+        "bitangent_world": (0, 1, 0),
+        "object_origin": (0, 0, 0),
+        "camera_position": (50, -50, 1000),
+        "pixel_depth": (1000,),
+        "view_size": (64, 64),
+        "tan_half_fov": (0.05, 0.05),
+        "view_axis:x": (1, 0, 0),
+        "view_axis:y": (0, -1, 0),
+        "view_axis:z": (0, 0, -1),
+        "object_axis:x": (1, 0, 0),
+        "object_axis:y": (0, 1, 0),
+        "object_axis:z": up,
+        "local_bounds_min": (0, -100, -50),
+        "local_bounds_max": (100, 0, 50),
+        "pixel_position": (0, 0),
+        "temporal_index": (0,),
+    }
     return varying | {kind: np.float64([value]) for kind, value in fixed.items()} | _derivatives()
 
 
 def _derivatives():
     """From one pixel to the next, 64 of them to the metre; the screen's y runs down."""
     step = 1 / 64
-    return {kind: np.float64([value]) for kind, value in {
-        "ddx:texcoord:0": (step, 0), "ddy:texcoord:0": (0, step),
-        "ddx:texcoord:1": (2 * step, 0), "ddy:texcoord:1": (0, 2 * step),
-        "ddx:vertex_color": (step, 0, 0, 0), "ddy:vertex_color": (0, -step, 0, 0),
-        "ddx:world_position_cr": (100 * step, 0, 0), "ddy:world_position_cr": (0, 100 * step, 0)}.items()}
+    return {
+        kind: np.float64([value])
+        for kind, value in {
+            "ddx:texcoord:0": (step, 0),
+            "ddy:texcoord:0": (0, step),
+            "ddx:texcoord:1": (2 * step, 0),
+            "ddy:texcoord:1": (0, 2 * step),
+            "ddx:vertex_color": (step, 0, 0, 0),
+            "ddy:vertex_color": (0, -step, 0, 0),
+            "ddx:world_position_cr": (100 * step, 0, 0),
+            "ddy:world_position_cr": (0, 100 * step, 0),
+        }.items()
+    }
 
 
 def compare(name, size=64, base_ir=None, whole=True):

@@ -3,6 +3,7 @@
 An object is a shape in a frame of its own, turned and moved into the world. A shape says where a ray meets
 it, and at a point of it the normal, the tangent (the direction in which u grows) and the UV coordinate.
 """
+
 from typing import NamedTuple
 
 import numpy as np
@@ -13,10 +14,10 @@ NEVER = np.inf
 
 
 class Shape(NamedTuple):
-    meet: object   # (origin, rays [n, 3], whether the far side) -> distances, NEVER where there is none
+    meet: object  # (origin, rays [n, 3], whether the far side) -> distances, NEVER where there is none
     frame: object  # points [n, 3] -> (normals, tangents)
-    uv: object     # (points, normals) -> [n, 2]
-    low: tuple     # bounds
+    uv: object  # (points, normals) -> [n, 2]
+    low: tuple  # bounds
     high: tuple
 
 
@@ -25,7 +26,7 @@ class Thing(NamedTuple):
     turn: np.ndarray = np.eye(3)  # its columns are the object's axes in the world
     place: tuple = (0.0, 0.0, 0.0)
     scale: float = 1.0
-    far: bool = False             # shows the side that is turned away from the viewer
+    far: bool = False  # shows the side that is turned away from the viewer
 
 
 def turned(degrees, axis="z"):
@@ -41,7 +42,7 @@ def turned(degrees, axis="z"):
 def sphere(radius=1.0):
     def meet(origin, rays, far):
         middle = -rays @ origin
-        square = middle ** 2 - origin @ origin + radius ** 2
+        square = middle**2 - origin @ origin + radius**2
         reach = np.sqrt(np.maximum(square, 0)) * (1 if far else -1)
         return np.where((square > 0) & (middle + reach > 0), middle + reach, NEVER)
 
@@ -61,6 +62,7 @@ def sphere(radius=1.0):
 def square(half=1.0, wide=1.0):
     """A square in the plane of x and y that faces up, u along x. It is `wide` times as wide as its UV square,
     which goes on beyond 0 and 1 then."""
+
     def meet(origin, rays, far):
         with np.errstate(divide="ignore", invalid="ignore"):
             distance = -origin[2] / rays[:, 2]
@@ -79,6 +81,7 @@ def square(half=1.0, wide=1.0):
 
 def box(half):
     """A cube whose faces each carry the whole UV square, upright on the sides."""
+
     def meet(origin, rays, far):
         with np.errstate(divide="ignore"):
             one, two = (-half - origin) / rays, (half - origin) / rays
@@ -93,8 +96,10 @@ def box(half):
 
     def uv(points, normals):
         _, tangents = frame(points)
-        return np.stack([(points * t).sum(axis=1) for t in (tangents, np.cross(normals, tangents))], axis=1) \
-            / (2 * half) + 0.5
+        return (
+            np.stack([(points * t).sum(axis=1) for t in (tangents, np.cross(normals, tangents))], axis=1) / (2 * half)
+            + 0.5
+        )
 
     return Shape(meet, frame, uv, (-half,) * 3, (half,) * 3)
 
@@ -113,5 +118,10 @@ def describe(thing, points):
     """{"local", "normal", "tangent", "bitangent", "uv"} at points of the world; directions in the world."""
     local = to_local(thing, points)
     normals, tangents = thing.shape.frame(local)
-    return {"local": local, "normal": normals @ thing.turn.T, "tangent": tangents @ thing.turn.T,
-            "bitangent": np.cross(normals, tangents) @ thing.turn.T, "uv": thing.shape.uv(local, normals)}
+    return {
+        "local": local,
+        "normal": normals @ thing.turn.T,
+        "tangent": tangents @ thing.turn.T,
+        "bitangent": np.cross(normals, tangents) @ thing.turn.T,
+        "uv": thing.shape.uv(local, normals),
+    }

@@ -1,4 +1,5 @@
 """From light to the bytes of a picture."""
+
 import io
 
 import numpy as np
@@ -16,11 +17,11 @@ def neutral(linear):
     less the reflection of a dielectric; what is brighter is compressed and loses saturation."""
     x = np.maximum(np.float64(linear), 0)
     least = x.min(axis=-1, keepdims=True)
-    x = x - np.where(least < 0.08, least - 6.25 * least ** 2, 0.04)
+    x = x - np.where(least < 0.08, least - 6.25 * least**2, 0.04)
     peak = x.max(axis=-1, keepdims=True)
     start = 0.8 - 0.04
     room = 1 - start
-    bright = 1 - room ** 2 / np.maximum(peak + room - start, 1e-9)
+    bright = 1 - room**2 / np.maximum(peak + room - start, 1e-9)
     kept = 1 / (0.15 * (peak - bright) + 1)
     compressed = x * bright / np.maximum(peak, 1e-9) * kept + bright * (1 - kept)
     return np.where(peak < start, x, compressed)

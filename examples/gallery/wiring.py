@@ -1,4 +1,5 @@
 """What Unreal hands to a text at points of an object: every kind of input, left-handed and in centimetres."""
+
 import numpy as np
 
 from . import camera as cameras
@@ -19,13 +20,22 @@ def inputs(thing, camera, places, points, normals=None, faces=None):
     away = points - camera.eye
     front = np.where((away * faces).sum(axis=1) < 0, 1.0, -1.0)[:, None]
     _, _, forward = cameras.axes(camera)
-    varying = {"world_position": 100 * points * FLIP, "world_position_cr": 100 * away * FLIP,
-               "local_position": 100 * found["local"] * FLIP, "camera_vector": -cameras.unit(away) * FLIP,
-               "cycles_normal": normals * FLIP, "vertex_normal": normals * FLIP,
-               "tangent_world": found["tangent"] * FLIP, "bitangent_world": -found["bitangent"] * FLIP,
-               "texcoord:0": unreal_uv(found["uv"]), "texcoord:1": unreal_uv(found["uv"]),
-               "two_sided_sign": front, "pixel_depth": 100 * (away @ forward)[:, None],
-               "pixel_position": places, "vertex_color": np.ones((1, 4))}
+    varying = {
+        "world_position": 100 * points * FLIP,
+        "world_position_cr": 100 * away * FLIP,
+        "local_position": 100 * found["local"] * FLIP,
+        "camera_vector": -cameras.unit(away) * FLIP,
+        "cycles_normal": normals * FLIP,
+        "vertex_normal": normals * FLIP,
+        "tangent_world": found["tangent"] * FLIP,
+        "bitangent_world": -found["bitangent"] * FLIP,
+        "texcoord:0": unreal_uv(found["uv"]),
+        "texcoord:1": unreal_uv(found["uv"]),
+        "two_sided_sign": front,
+        "pixel_depth": 100 * (away @ forward)[:, None],
+        "pixel_position": places,
+        "vertex_color": np.ones((1, 4)),
+    }
     return varying | derivatives(thing, camera, places, points, faces) | fixed(thing, camera)
 
 
@@ -54,12 +64,19 @@ def fixed(thing, camera):
     (lx, ly, lz), (hx, hy, hz) = thing.shape.low, thing.shape.high
     right, up, forward = cameras.axes(camera)
     x, y, z = thing.scale * thing.turn.T
-    values = {"object_origin": np.multiply(100, thing.place) * FLIP,
-              "camera_position": np.multiply(100, camera.eye) * FLIP,
-              "object_axis:x": x * FLIP, "object_axis:y": -y * FLIP, "object_axis:z": z * FLIP,
-              "view_axis:x": right * FLIP, "view_axis:y": up * FLIP, "view_axis:z": forward * FLIP,
-              "local_bounds_min": np.multiply(100, (lx, -hy, lz)),
-              "local_bounds_max": np.multiply(100, (hx, -ly, hz)),
-              "tan_half_fov": (cameras.tan_half_fov(camera),) * 2, "view_size": (camera.pixels, camera.pixels),
-              "temporal_index": (0,)}
+    values = {
+        "object_origin": np.multiply(100, thing.place) * FLIP,
+        "camera_position": np.multiply(100, camera.eye) * FLIP,
+        "object_axis:x": x * FLIP,
+        "object_axis:y": -y * FLIP,
+        "object_axis:z": z * FLIP,
+        "view_axis:x": right * FLIP,
+        "view_axis:y": up * FLIP,
+        "view_axis:z": forward * FLIP,
+        "local_bounds_min": np.multiply(100, (lx, -hy, lz)),
+        "local_bounds_max": np.multiply(100, (hx, -ly, hz)),
+        "tan_half_fov": (cameras.tan_half_fov(camera),) * 2,
+        "view_size": (camera.pixels, camera.pixels),
+        "temporal_index": (0,),
+    }
     return {kind: np.float64([value]) for kind, value in values.items()}
