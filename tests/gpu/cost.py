@@ -3,6 +3,7 @@
 Every input comes from a typed buffer and every output goes to one, at the thread's own place, so that no
 address arithmetic joins what is counted.
 """
+
 import re
 
 from device import COUNTS
@@ -11,8 +12,10 @@ from dxc import compile_hlsl, instructions
 VERSIONS = ("2018", "2021")
 CELLS = {"float": "float4", "int": "int4", "uint": "uint4", "bool": "uint4"}
 # What fetches the inputs and stores the outputs, and not the work in between.
-PLUMBING = re.compile(r"@dx\.op\.(createHandle|annotateHandle|bufferLoad|bufferStore|threadId)"
-                      r"|extractvalue %dx\.types\.ResRet|^ret ")
+PLUMBING = re.compile(
+    r"@dx\.op\.(createHandle|annotateHandle|bufferLoad|bufferStore|threadId)"
+    r"|extractvalue %dx\.types\.ResRet|^ret "
+)
 
 
 def shader(body, inputs, outputs, textures=(), helpers=""):
@@ -24,7 +27,7 @@ def shader(body, inputs, outputs, textures=(), helpers=""):
         lines.append(f"RWBuffer<uint4> qh_out_{name};")
     lines += [helpers, "[numthreads(64, 1, 1)]", "void main(uint3 qh_thread : SV_DispatchThreadID) {"]
     for name, kind in inputs.items():
-        fetched = f"qh_in_{name}[qh_thread.x].{'xyzw'[:COUNTS[kind]]}"
+        fetched = f"qh_in_{name}[qh_thread.x].{'xyzw'[: COUNTS[kind]]}"
         lines.append(f"  {kind} {name} = {f'{fetched} != 0' if kind.startswith('bool') else fetched};")
     lines += [f"  {kind} {name} = ({kind})0;" for name, kind in outputs.items()] + [body]
     for name, kind in outputs.items():

@@ -3,6 +3,7 @@
 A result is what quillgen.compile gives, or its `displacement`, or any dict with `code`, `inputs` and, where
 there are any, `outputs`.
 """
+
 import numpy as np
 
 import cost
@@ -77,8 +78,10 @@ def _call(result):
     for name, record in inputs_of(result):
         arguments += [name, "qh_sampler"] if record["kind"] == "texture" else [name]
     arguments += [name for name in outputs_of(result) if name != RETURNED]
-    return ("  FMaterialPixelParameters qh_parameters = (FMaterialPixelParameters)0;\n"
-            f"  {RETURNED} = CustomExpression0({', '.join(arguments)});")
+    return (
+        "  FMaterialPixelParameters qh_parameters = (FMaterialPixelParameters)0;\n"
+        f"  {RETURNED} = CustomExpression0({', '.join(arguments)});"
+    )
 
 
 def shader(result):

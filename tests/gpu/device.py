@@ -4,6 +4,7 @@
 
 Denormal numbers are zero there, and its own asin and acos are good to 4e-4 only.
 """
+
 import atexit
 import glob
 import multiprocessing
@@ -22,8 +23,13 @@ MOST_POINTS = 65535 * THREADS
 SHADERS_PER_WORKER = 200
 TIMEOUT = 300
 
-COUNTS = {"float": 1, "int": 1, "uint": 1, "bool": 1,
-          **{f"{base}{n}": n for base in ("float", "int", "uint", "bool") for n in (2, 3, 4)}}
+COUNTS = {
+    "float": 1,
+    "int": 1,
+    "uint": 1,
+    "bool": 1,
+    **{f"{base}{n}": n for base in ("float", "int", "uint", "bool") for n in (2, 3, 4)},
+}
 RESULT_DTYPES = {"float": np.float32, "int": np.int32, "uint": np.uint32, "bool": np.uint32}
 
 
@@ -57,9 +63,13 @@ class Worker:
         self.stop()
         self.pipe, theirs = multiprocessing.Pipe()
         script = pathlib.Path(__file__).with_name("device_worker.py")
-        self.process = subprocess.Popen([sys.executable, str(script), str(theirs.fileno())],
-                                        stdin=subprocess.DEVNULL, stdout=sys.__stderr__.fileno(),
-                                        pass_fds=[theirs.fileno()], env=_environment())
+        self.process = subprocess.Popen(
+            [sys.executable, str(script), str(theirs.fileno())],
+            stdin=subprocess.DEVNULL,
+            stdout=sys.__stderr__.fileno(),
+            pass_fds=[theirs.fileno()],
+            env=_environment(),
+        )
         theirs.close()
         self.name = self.answer("starting the device")
         self.seen = set()
@@ -138,7 +148,7 @@ def _floats(array):
     if array.dtype.kind == "f":
         return array.astype(np.float32)
     bits = array.astype(np.int64)
-    both = np.stack([bits >> 16, bits & 0xffff], axis=-1)
+    both = np.stack([bits >> 16, bits & 0xFFFF], axis=-1)
     return both.reshape(len(array), -1).astype(np.float32)
 
 
@@ -148,6 +158,7 @@ def _slots(kind):
 
 def _read(kind, at):
     """The HLSL expression that reads a value of this type from the buffer."""
+
     def cell(offset):
         return f"qh_in[{at} + {offset}]"
 
@@ -180,11 +191,19 @@ def shader(body, inputs, outputs, textures=(), helpers=""):
     head = 1 + sum(_slots(kind) for kind, uniform in inputs.values() if uniform)
     row = sum(_slots(kind) for kind, uniform in inputs.values() if not uniform)
     stride = sum(COUNTS[kind] for kind in outputs.values())
-    lines = ["Buffer<float> qh_in : register(t0);", "RWStructuredBuffer<uint> qh_out : register(u0);",
-             "SamplerState qh_sampler : register(s0);"]
+    lines = [
+        "Buffer<float> qh_in : register(t0);",
+        "RWStructuredBuffer<uint> qh_out : register(u0);",
+        "SamplerState qh_sampler : register(s0);",
+    ]
     lines += [f"Texture2D<float4> {name} : register(t{i + 1});" for i, name in enumerate(textures)]
-    lines += [helpers, f"[numthreads({THREADS}, 1, 1)]", "void main(uint3 qh_thread : SV_DispatchThreadID) {",
-              "  int qh_i = int(qh_thread.x);", "  if (qh_i >= int(qh_in[0])) return;"]
+    lines += [
+        helpers,
+        f"[numthreads({THREADS}, 1, 1)]",
+        "void main(uint3 qh_thread : SV_DispatchThreadID) {",
+        "  int qh_i = int(qh_thread.x);",
+        "  if (qh_i >= int(qh_in[0])) return;",
+    ]
     uniform_at, row_at = 1, 0
     for name, (kind, uniform) in inputs.items():
         at = uniform_at if uniform else f"{head + row_at} + qh_i * {row}"
@@ -209,8 +228,9 @@ def _pack(classified):
     if lengths - {1, n}:
         raise ValueError(f"inputs of different lengths: {sorted(lengths)}")
     head = [_floats(array).ravel() for _, uniform, array in classified.values() if uniform]
-    rows = [_floats(np.broadcast_to(array, (n, array.shape[1])))
-            for _, uniform, array in classified.values() if not uniform]
+    rows = [
+        _floats(np.broadcast_to(array, (n, array.shape[1]))) for _, uniform, array in classified.values() if not uniform
+    ]
     body = np.concatenate(rows, axis=1).ravel() if rows else np.zeros(0, np.float32)
     return n, np.concatenate([np.float32([n]), *head, body]).astype(np.float32)
 
@@ -243,11 +263,11 @@ def evaluate(body, inputs, outputs, textures=None, helpers="", hv="2021"):
     stride = sum(COUNTS[kind] for kind in kinds.values())
     spirv = compile_hlsl(source, spirv=True, hv=hv)
     answer = _worker.run(spirv, data.tobytes(), n * stride * 4, list(textures.values()), -(-n // THREADS))
-    table = np.frombuffer(answer, np.uint32)[:n * stride].reshape(n, stride)
+    table = np.frombuffer(answer, np.uint32)[: n * stride].reshape(n, stride)
     results, at = {}, 0
     for name, kind in kinds.items():
         width = COUNTS[kind]
-        columns = np.ascontiguousarray(table[:, at:at + width]).view(RESULT_DTYPES[kind.rstrip("234")])
+        columns = np.ascontiguousarray(table[:, at : at + width]).view(RESULT_DTYPES[kind.rstrip("234")])
         columns = columns != 0 if kind.startswith("bool") else columns
         results[name] = columns[:, 0] if width == 1 else columns
         at += width

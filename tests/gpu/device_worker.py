@@ -4,6 +4,7 @@
 ("error", text). It is a process of its own because tearing the device down after very many shaders can hang,
 and a crash of the driver should cost one shader and not the tests: it always ends with os._exit.
 """
+
 import collections
 import multiprocessing.connection
 import os
@@ -18,6 +19,7 @@ class Pipeline:
 
     def __init__(self, gpu, spirv, data_size, result_size, sizes):
         from compushady.formats import R32_FLOAT, R32G32B32A32_FLOAT
+
         # A structured buffer as a read-only resource reads zeros on llvmpipe; a typed one works.
         self.data = gpu.Buffer(data_size, format=R32_FLOAT)
         self.result = gpu.Buffer(result_size, stride=4)
@@ -25,8 +27,7 @@ class Pipeline:
         self.readback = gpu.Buffer(result_size, gpu.HEAP_READBACK)
         self.textures = [gpu.Texture2D(width, height, R32G32B32A32_FLOAT) for height, width in sizes]
         self.staging = [gpu.Buffer(t.row_pitch * t.height, gpu.HEAP_UPLOAD) for t in self.textures]
-        self.compute = gpu.Compute(spirv, srv=[self.data, *self.textures], uav=[self.result],
-                                   samplers=[gpu.Sampler()])
+        self.compute = gpu.Compute(spirv, srv=[self.data, *self.textures], uav=[self.result], samplers=[gpu.Sampler()])
 
     def run(self, data, textures, groups):
         self.upload.upload(data)
@@ -42,6 +43,7 @@ class Pipeline:
 
 def serve(pipe):
     import compushady as gpu
+
     pipe.send(gpu.get_current_device().name)
     pipelines = collections.OrderedDict()
     while True:

@@ -2,6 +2,7 @@
 
 The compiler comes as a shared library inside the package compushady, whose own way in has fixed options.
 """
+
 import ctypes
 import functools
 import importlib.util
@@ -22,8 +23,19 @@ BLOB_POINTER, BLOB_SIZE = 5, 6
 UTF8 = 65001
 
 # Where compushady's Vulkan backend expects the registers t, u and s.
-VULKAN_BINDINGS = ("-fvk-t-shift", "1024", "0", "-fvk-u-shift", "2048", "0", "-fvk-s-shift", "3072", "0",
-                   "-fvk-use-scalar-layout", "-fspv-target-env=vulkan1.1")
+VULKAN_BINDINGS = (
+    "-fvk-t-shift",
+    "1024",
+    "0",
+    "-fvk-u-shift",
+    "2048",
+    "0",
+    "-fvk-s-shift",
+    "3072",
+    "0",
+    "-fvk-use-scalar-layout",
+    "-fspv-target-env=vulkan1.1",
+)
 
 
 class DxcError(Exception):
@@ -61,7 +73,7 @@ def _compiler():
     made = ctypes.c_void_p()
     status = library.DxcCreateInstance(_guid(CLSID_COMPILER), _guid(IID_COMPILER3), ctypes.byref(made))
     if status != 0:
-        raise RuntimeError(f"DXC gives no compiler: {status & 0xffffffff:#x}")
+        raise RuntimeError(f"DXC gives no compiler: {status & 0xFFFFFFFF:#x}")
     return made
 
 
@@ -80,14 +92,14 @@ def _blob(result, getter):
 def _finish(called, result):
     """The bytes that an operation gave, which returned `called`; raises DxcError where it failed."""
     if called != 0 or not result:
-        raise DxcError(f"DXC failed with {called & 0xffffffff:#x}")
+        raise DxcError(f"DXC failed with {called & 0xFFFFFFFF:#x}")
     status = ctypes.c_int32(-1)
     _call(result, GET_STATUS, _pointer(status))
     messages = _blob(result, GET_ERRORS).rstrip(b"\0").decode("utf-8", "replace").strip()
     data = _blob(result, GET_RESULT) if status.value == 0 else b""
     _call(result, RELEASE, result=ctypes.c_uint32)
     if status.value != 0:
-        raise DxcError(messages or f"DXC failed with {status.value & 0xffffffff:#x}")
+        raise DxcError(messages or f"DXC failed with {status.value & 0xFFFFFFFF:#x}")
     return data
 
 
@@ -103,17 +115,29 @@ def compile_hlsl(source, entry="main", target="cs_6_6", spirv=False, hv="2021", 
     words = (ctypes.c_wchar_p * len(options))(*options)
     data = source.encode()
     text, result = Source(data, len(data), UTF8), ctypes.c_void_p()
-    called = _call(_compiler(), COMPILE, _pointer(text), ctypes.cast(words, ctypes.c_void_p),
-                   ctypes.c_uint32(len(options)), ctypes.c_void_p(),
-                   ctypes.cast(_guid(IID_OPERATION_RESULT), ctypes.c_void_p), _pointer(result))
+    called = _call(
+        _compiler(),
+        COMPILE,
+        _pointer(text),
+        ctypes.cast(words, ctypes.c_void_p),
+        ctypes.c_uint32(len(options)),
+        ctypes.c_void_p(),
+        ctypes.cast(_guid(IID_OPERATION_RESULT), ctypes.c_void_p),
+        _pointer(result),
+    )
     return _finish(called, result)
 
 
 def disassemble(dxil):
     """The text of a compiled DXIL object."""
     box, result = Source(dxil, len(dxil), 0), ctypes.c_void_p()
-    called = _call(_compiler(), DISASSEMBLE, _pointer(box),
-                   ctypes.cast(_guid(IID_OPERATION_RESULT), ctypes.c_void_p), _pointer(result))
+    called = _call(
+        _compiler(),
+        DISASSEMBLE,
+        _pointer(box),
+        ctypes.cast(_guid(IID_OPERATION_RESULT), ctypes.c_void_p),
+        _pointer(result),
+    )
     return _finish(called, result).rstrip(b"\0").decode()
 
 

@@ -4,6 +4,7 @@
 
 The functions stand where a generated text has them: as members of a struct inside a function's body.
 """
+
 import functools
 import pathlib
 import re
@@ -19,6 +20,7 @@ MEMBER = re.compile(r"\b(float[234]?|u?int[234]?|bool)\s+(\w+(?:\s*,\s*\w+)*)\s*
 
 class Out(NamedTuple):
     """Stands in the place of an `out` (or `inout`) argument of this type."""
+
     kind: str
 
 
@@ -28,6 +30,7 @@ def library():
     sources = pathlib.Path(__file__).parents[2] / "lib"
     try:
         import quillgen_lib
+
         built = pathlib.Path(quillgen_lib.__file__).stat().st_mtime
         if built > max((p.stat().st_mtime for p in sources.glob("*.hlsl")), default=0):
             return quillgen_lib
@@ -35,6 +38,7 @@ def library():
         pass
     sys.path.append(str(sources))
     import embed
+
     try:
         return embed.load()
     except SystemExit as e:
@@ -50,8 +54,7 @@ def fields(struct):
 def declarations(need, extra=""):
     """Local text: the library structs that the functions (or `extra`) name, then the struct of functions."""
     functions = "\n".join(library().resolve(set(need)))
-    structs = [text for name, text in sorted(library().STRUCTS.items())
-               if re.search(rf"\b{name}\b", functions + extra)]
+    structs = [text for name, text in sorted(library().STRUCTS.items()) if re.search(rf"\b{name}\b", functions + extra)]
     return "\n".join([*structs, "struct QWK {", functions, "};", "QWK L;"])
 
 

@@ -1,4 +1,5 @@
 """A process that has used the compiler ends, with its own exit status."""
+
 import os
 import pathlib
 import subprocess
@@ -13,8 +14,14 @@ sys.exit(7)
 
 
 def test_the_compiler_is_not_asked_to_clean_up():
-    run = subprocess.run([sys.executable, "-c", SCRIPT], cwd=pathlib.Path(__file__).parent, capture_output=True,
-                         text=True, timeout=100, env={**os.environ, "LD_DEBUG": "files"})
+    run = subprocess.run(
+        [sys.executable, "-c", SCRIPT],
+        cwd=pathlib.Path(__file__).parent,
+        capture_output=True,
+        text=True,
+        timeout=100,
+        env={**os.environ, "LD_DEBUG": "files"},
+    )
     assert (run.returncode, run.stdout) == (7, "last words\n")
     assert "calling init" in run.stderr and "libdxcompiler" in run.stderr
     assert not [line for line in run.stderr.splitlines() if "calling fini" in line and "libdxcompiler" in line]

@@ -1,4 +1,5 @@
 """The harness itself: what it says of known functions, and that it sees what is wrong."""
+
 import pathlib
 
 import numpy as np
@@ -55,6 +56,7 @@ def small_library(tmp_path, monkeypatch):
     (tmp_path / "small.hlsl").write_text(SMALL_LIBRARY)
     monkeypatch.syspath_prepend(pathlib.Path(__file__).parents[2] / "lib")
     import embed
+
     loaded = embed.load(tmp_path.glob("*.hlsl"))
     monkeypatch.setattr(library, "library", lambda: loaded)
 
@@ -109,8 +111,9 @@ def test_llvmpipe_runs():
 
 def test_elementwise_and_uniform_inputs():
     x, v = np.linspace(-3, 3, 1000), np.random.default_rng(1).random((1000, 3))
-    got = device.evaluate("y = sin(x) * k; z = v + w;", {"x": x, "v": v, "k": 2.0, "w": (1.0, 2.0, 4.0)},
-                          {"y": 1, "z": 3})
+    got = device.evaluate(
+        "y = sin(x) * k; z = v + w;", {"x": x, "v": v, "k": 2.0, "w": (1.0, 2.0, 4.0)}, {"y": 1, "z": 3}
+    )
     assert got["y"].shape == (1000,) and got["z"].shape == (1000, 3) and got["z"].dtype == np.float32
     np.testing.assert_allclose(got["y"], 2 * np.sin(x), atol=4e-6)
     np.testing.assert_array_equal(got["z"], np.float32(v) + np.float32([1, 2, 4]))
@@ -124,10 +127,13 @@ def test_a_wrong_value_is_seen():
 
 
 def test_integers_and_bools_keep_every_bit():
-    i = np.array([0, -1, 1, -2**31, 2**31 - 1, 65536, -65537], np.int32)
-    u = np.uint32([0xdeadbeef, 0xffffffff, 0, 1, 0x80000000, 0xffff, 0x10000])
-    got = device.evaluate("j = i; w = uint2(u, ~u); c = b; d = all(b);", {"i": i, "u": u, "b": i > 0},
-                          {"j": "int", "w": "uint2", "c": "bool", "d": "bool"})
+    i = np.array([0, -1, 1, -(2**31), 2**31 - 1, 65536, -65537], np.int32)
+    u = np.uint32([0xDEADBEEF, 0xFFFFFFFF, 0, 1, 0x80000000, 0xFFFF, 0x10000])
+    got = device.evaluate(
+        "j = i; w = uint2(u, ~u); c = b; d = all(b);",
+        {"i": i, "u": u, "b": i > 0},
+        {"j": "int", "w": "uint2", "c": "bool", "d": "bool"},
+    )
     np.testing.assert_array_equal(got["j"], i)
     np.testing.assert_array_equal(got["w"], np.stack([u, ~u], axis=1))
     np.testing.assert_array_equal(got["c"], i > 0)
@@ -149,8 +155,12 @@ def test_one_point_and_lengths():
 def test_texels(height, width):
     texels = np.random.default_rng(2).random((height, width, 4)).astype(np.float32)
     y, x = (a.ravel().astype(np.int32) for a in np.mgrid[:height, :width])
-    got = device.evaluate("uint w, h; T.GetDimensions(w, h); size = float2(w, h); c = T.Load(int3(x, y, 0));",
-                          {"x": x, "y": y}, {"c": 4, "size": 2}, {"T": texels})
+    got = device.evaluate(
+        "uint w, h; T.GetDimensions(w, h); size = float2(w, h); c = T.Load(int3(x, y, 0));",
+        {"x": x, "y": y},
+        {"c": 4, "size": 2},
+        {"T": texels},
+    )
     np.testing.assert_array_equal(got["c"].reshape(texels.shape), texels)
     assert got["size"][0].tolist() == [width, height]
 
@@ -195,8 +205,9 @@ def test_out_arguments(small_library):
 
 
 def test_structs(small_library):
-    got = library.call("scaled", {"scale": 2.0, "feature": np.int32([1, 3])}, (1.0, 2.0, 3.0),
-                       result="QWKVoronoiOutput")
+    got = library.call(
+        "scaled", {"scale": 2.0, "feature": np.int32([1, 3])}, (1.0, 2.0, 3.0), result="QWKVoronoiOutput"
+    )
     assert got["distance"].tolist() == [2.0, 6.0] and got["color"].tolist() == [[2, 4, 6], [2, 4, 6]]
 
 
@@ -226,19 +237,24 @@ def test_a_warning_in_the_library_is_seen(small_library):
 def expression():
     return {
         "code": "struct QWK { float twice(float x) { return x + x; } };\nQWK L;\n"
-                "  float3 t1 = p_Color.xyz * L.twice(p_Scale);\n"
-                "  t1 += T.Load(int3(int2(uv0), 0)).rgb + vcol.rgb * uv0_dx.x + wpos;\n"
-                "  OutMetallic = tsign;\n  OutNormal = float3(0.0, 0.0, 1.0);\n  return t1;",
-        "inputs": [{"name": "T", "kind": "texture", "image": "T.png"},
-                   {"name": "p_Color", "kind": "vector", "default": [1.0, 2.0, 3.0, 1.0]},
-                   {"name": "p_Scale", "kind": "scalar", "default": 0.5},
-                   {"name": "tsign", "kind": "two_sided_sign"},
-                   {"name": "uv0", "kind": "texcoord", "index": 0},
-                   {"name": "uv0_dx", "kind": "ddx", "of": {"kind": "texcoord", "index": 0}},
-                   {"name": "vcol", "kind": "vertex_color"},
-                   {"name": "wpos", "kind": "world_position"}],
-        "outputs": [{"name": "OutMetallic", "type": "float", "property": "metallic", "expr": "tsign"},
-                    {"name": "OutNormal", "type": "float3", "property": "normal", "expr": "0"}]}
+        "  float3 t1 = p_Color.xyz * L.twice(p_Scale);\n"
+        "  t1 += T.Load(int3(int2(uv0), 0)).rgb + vcol.rgb * uv0_dx.x + wpos;\n"
+        "  OutMetallic = tsign;\n  OutNormal = float3(0.0, 0.0, 1.0);\n  return t1;",
+        "inputs": [
+            {"name": "T", "kind": "texture", "image": "T.png"},
+            {"name": "p_Color", "kind": "vector", "default": [1.0, 2.0, 3.0, 1.0]},
+            {"name": "p_Scale", "kind": "scalar", "default": 0.5},
+            {"name": "tsign", "kind": "two_sided_sign"},
+            {"name": "uv0", "kind": "texcoord", "index": 0},
+            {"name": "uv0_dx", "kind": "ddx", "of": {"kind": "texcoord", "index": 0}},
+            {"name": "vcol", "kind": "vertex_color"},
+            {"name": "wpos", "kind": "world_position"},
+        ],
+        "outputs": [
+            {"name": "OutMetallic", "type": "float", "property": "metallic", "expr": "tsign"},
+            {"name": "OutNormal", "type": "float3", "property": "normal", "expr": "0"},
+        ],
+    }
 
 
 def test_the_signature():
@@ -248,12 +264,17 @@ def test_the_signature():
         "Texture2D T, SamplerState TSampler, MaterialFloat4 p_Color, MaterialFloat p_Scale, "
         "MaterialFloat tsign, MaterialFloat2 uv0, "
         "MaterialFloat2 uv0_dx, MaterialFloat4 vcol, MaterialFloat3 wpos, "
-        "inout MaterialFloat OutMetallic, inout MaterialFloat3 OutNormal)")
+        "inout MaterialFloat OutMetallic, inout MaterialFloat3 OutNormal)"
+    )
 
 
 def test_the_view_has_two_angles():
     """Unreal gives the tangents of half the horizontal and of half the vertical field of view."""
-    result = {"code": "return float3(thfov, 0.0);", "inputs": [{"name": "thfov", "kind": "tan_half_fov"}], "outputs": []}
+    result = {
+        "code": "return float3(thfov, 0.0);",
+        "inputs": [{"name": "thfov", "kind": "tan_half_fov"}],
+        "outputs": [],
+    }
     assert "MaterialFloat2 thfov" in custom_expression.function(result)
     assert custom_expression.evaluate(result, {"thfov": (0.5, 0.25)})["result"].tolist() == [[0.5, 0.25, 0.0]]
 
@@ -269,8 +290,13 @@ def test_an_expression_compiles_and_its_warnings_count():
 def test_an_expression_is_evaluated():
     texels = np.random.default_rng(4).random((4, 4, 4)).astype(np.float32)
     uv = np.float32([[0, 0], [3, 1], [2, 3]])
-    values = {"uv0": uv, "uv0_dx": (2.0, 0.0), "vcol": (0.25, 0.5, 0.75, 1.0), "wpos": np.zeros((3, 3)),
-              "tsign": np.float32([1, -1, 1])}
+    values = {
+        "uv0": uv,
+        "uv0_dx": (2.0, 0.0),
+        "vcol": (0.25, 0.5, 0.75, 1.0),
+        "wpos": np.zeros((3, 3)),
+        "tsign": np.float32([1, -1, 1]),
+    }
     got = custom_expression.evaluate(expression(), values, {"T": texels})
     want = np.float32([1, 2, 3]) + texels[[0, 1, 3], [0, 3, 2], :3] + np.float32([0.5, 1, 1.5])
     np.testing.assert_allclose(got["result"], want, rtol=1e-6)
@@ -280,8 +306,7 @@ def test_an_expression_is_evaluated():
 
 
 def test_a_displacement_text_returns_a_float():
-    result = {"code": "  return 0.5 + lpos.x / 128.0;",
-              "inputs": [{"name": "lpos", "kind": "local_position"}]}
+    result = {"code": "  return 0.5 + lpos.x / 128.0;", "inputs": [{"name": "lpos", "kind": "local_position"}]}
     assert custom_expression.evaluate(result, {"lpos": (64.0, 0.0, 0.0)})["result"].tolist() == [1.0]
 
 

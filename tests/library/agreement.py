@@ -2,6 +2,7 @@
 
 A table (values/*.json) maps a function's name to rows: its arguments, then the result. Vectors are lists.
 """
+
 import functools
 import json
 import pathlib
@@ -72,4 +73,5 @@ def same(got, want, tolerance, rows=None):
     worst = int(np.argmax(apart))
     assert apart[worst] <= tolerance, (
         f"{rows[worst][:-1] if rows is not None else worst}: got {got[worst]}, want {want[worst]}, "
-        f"{apart[worst]:.2e} of its size apart")
+        f"{apart[worst]:.2e} of its size apart"
+    )

@@ -1,4 +1,5 @@
 """Every function of the library, called by itself with varying arguments."""
+
 import pathlib
 import sys
 
@@ -6,7 +7,7 @@ import library
 from agreement import signature
 
 sys.path.append(str(pathlib.Path(__file__).parents[2] / "lib"))
-import embed  # noqa: E402
+import embed
 
 try:
     SOURCES = embed.load()

@@ -3,6 +3,7 @@
 Points that are exact in float32, and stay so when they are multiplied by the lacunarity, have here what the
 library should give up to the rounding of its own sums.
 """
+
 import itertools
 
 import numpy as np
@@ -33,14 +34,17 @@ def word_hash(*words):
 
 def float_hash(*values):
     words = [np.asarray(v, np.float32).view(np.uint32) for v in np.broadcast_arrays(*values)]
-    return word_hash(*words).astype(np.float32) * np.float32(2.0 ** -32)
+    return word_hash(*words).astype(np.float32) * np.float32(2.0**-32)
 
 
 def cell_hash(cells):
     """The integer hash of cells [n, 2..4]: words [n, 2..4] of 31 bits."""
     v = [column.astype(np.uint32) * np.uint32(1664525) + np.uint32(1013904223) for column in cells.T]
-    factors = {2: [(0, 1, None), (1, 0, None)], 3: [(0, 1, 2), (1, 2, 0), (2, 0, 1)],
-               4: [(0, 1, 3), (1, 2, 0), (2, 0, 1), (3, 1, 2)]}[len(v)]
+    factors = {
+        2: [(0, 1, None), (1, 0, None)],
+        3: [(0, 1, 2), (1, 2, 0), (2, 0, 1)],
+        4: [(0, 1, 3), (1, 2, 0), (2, 0, 1), (3, 1, 2)],
+    }[len(v)]
     for turn in range(2):
         for to, first, second in factors:
             v[to] = v[to] + v[first] * (np.uint32(1664525) if second is None else v[second])
@@ -51,6 +55,7 @@ def cell_hash(cells):
 
 def gradient(h, f):
     """The corners' gradients times the offsets f (a list of arrays)."""
+
     def signed(value, bit):
         return np.where(h >> bit & 1, -value, value)
 
@@ -62,10 +67,14 @@ def gradient(h, f):
     if len(f) == 3:
         s = h & 15
         return signed(np.where(s < 8, f[0], f[1]), 0) + signed(
-            np.where(s < 4, f[1], np.where((s == 12) | (s == 14), f[0], f[2])), 1)
+            np.where(s < 4, f[1], np.where((s == 12) | (s == 14), f[0], f[2])), 1
+        )
     s = h & 31
-    return (signed(np.where(s < 24, f[0], f[1]), 0) + signed(np.where(s < 16, f[1], f[2]), 1)
-            + signed(np.where(s < 8, f[2], f[3]), 2))
+    return (
+        signed(np.where(s < 24, f[0], f[1]), 0)
+        + signed(np.where(s < 16, f[1], f[2]), 1)
+        + signed(np.where(s < 8, f[2], f[3]), 2)
+    )
 
 
 def signed_noise(p):
@@ -87,8 +96,8 @@ def fbm(p, detail, rough, lac, _offset, _gain, normalize):
     octaves, share = int(detail), detail - int(detail)
     total, weights, results = 0.0, 0.0, []
     for i in range(octaves + 2):
-        total = total + signed_noise(p * lac ** i) * rough ** i
-        weights += rough ** i
+        total = total + signed_noise(p * lac**i) * rough**i
+        weights += rough**i
         results.append(0.5 * total / weights + 0.5 if normalize else total)
     return results[octaves] + share * (results[octaves + 1] - results[octaves])
 
@@ -96,9 +105,9 @@ def fbm(p, detail, rough, lac, _offset, _gain, normalize):
 def multifractal(p, detail, rough, lac, _offset, _gain, _normalize):
     value = 1.0
     for i in range(int(detail) + 1):
-        value = value * (rough ** i * signed_noise(p * lac ** i) + 1.0)
+        value = value * (rough**i * signed_noise(p * lac**i) + 1.0)
     i = int(detail) + 1
-    return value * ((detail - int(detail)) * rough ** i * signed_noise(p * lac ** i) + 1.0)
+    return value * ((detail - int(detail)) * rough**i * signed_noise(p * lac**i) + 1.0)
 
 
 def hybrid_multifractal(p, detail, rough, lac, offset, gain, _normalize):
@@ -107,7 +116,7 @@ def hybrid_multifractal(p, detail, rough, lac, offset, gain, _normalize):
         share = 1.0 if i <= int(detail) else detail - int(detail)
         runs = carry > 0.001
         carry = np.minimum(carry, 1.0)
-        octave = (signed_noise(p * lac ** i) + offset) * rough ** i
+        octave = (signed_noise(p * lac**i) + offset) * rough**i
         value = np.where(runs, value + share * carry * octave, value)
         carry = np.where(runs, carry * (gain * octave), 0.0)
     return value
@@ -117,21 +126,26 @@ def ridged_multifractal(p, detail, rough, lac, offset, gain, _normalize):
     ridge = (offset - np.abs(signed_noise(p))) ** 2
     value = ridge
     for i in range(1, int(detail) + 1):
-        ridge = (offset - np.abs(signed_noise(p * lac ** i))) ** 2 * np.clip(ridge * gain, 0.0, 1.0)
-        value = value + ridge * rough ** i
+        ridge = (offset - np.abs(signed_noise(p * lac**i))) ** 2 * np.clip(ridge * gain, 0.0, 1.0)
+        value = value + ridge * rough**i
     return value
 
 
 def hetero_terrain(p, detail, rough, lac, offset, _gain, _normalize):
     value = offset + signed_noise(p)
     for i in range(1, int(detail) + 1):
-        value = value + (signed_noise(p * lac ** i) + offset) * rough ** i * value
+        value = value + (signed_noise(p * lac**i) + offset) * rough**i * value
     i = int(detail) + 1
-    return value + (detail - int(detail)) * (signed_noise(p * lac ** i) + offset) * rough ** i * value
+    return value + (detail - int(detail)) * (signed_noise(p * lac**i) + offset) * rough**i * value
 
 
-FRACTALS = {"FBM": fbm, "MULTIFRACTAL": multifractal, "HYBRID_MULTIFRACTAL": hybrid_multifractal,
-            "RIDGED_MULTIFRACTAL": ridged_multifractal, "HETERO_TERRAIN": hetero_terrain}
+FRACTALS = {
+    "FBM": fbm,
+    "MULTIFRACTAL": multifractal,
+    "HYBRID_MULTIFRACTAL": hybrid_multifractal,
+    "RIDGED_MULTIFRACTAL": ridged_multifractal,
+    "HETERO_TERRAIN": hetero_terrain,
+}
 
 
 def shift(seed, d):

@@ -1,4 +1,5 @@
 """Blender's radial tiling once more: one point at a time, in double precision, case by case."""
+
 from math import atan, atan2, cos, floor, hypot, pi, sin, sqrt, tan
 
 
@@ -50,7 +51,7 @@ class Tiling:
     def corner(self):
         psi = self.phi - (self.sigma if self.phi > self.alpha else 0)
         c = (1 - self.rho) / cos(self.alpha)
-        h = self.length / (cos(psi) * c + sqrt((cos(psi) * c) ** 2 + self.rho ** 2 - c * c))
+        h = self.length / (cos(psi) * c + sqrt((cos(psi) * c) ** 2 + self.rho**2 - c * c))
         d, e = self.beta - abs(psi), self.rho * self.beta
         t = along(self.length, self.gamma, self.q, d)
         edge = self.gamma, self.q, e

@@ -1,4 +1,5 @@
 """Scalar and vector arithmetic against Blender's values, and at the edges."""
+
 import math
 
 import numpy as np
@@ -7,7 +8,7 @@ import pytest
 from agreement import check, evaluate, same, signature, table
 
 VALUES = table("arithmetic")
-ULP = 2.0 ** -23
+ULP = 2.0**-23
 INF, NAN = math.inf, math.nan
 
 # What the device's own functions allow; everything else agrees to a few units in the last place.
@@ -19,79 +20,82 @@ def test_agrees_with_blender(name):
     check(name, VALUES[name], LOOSER.get(name, 4 * ULP))
 
 
-@pytest.mark.parametrize("name, row", [
-    ("safe_divide", [1.0, -0.0, 0.0]),
-    ("safe_divide", [1.0, NAN, NAN]),
-    ("safe_divide", [0.0, INF, 0.0]),
-    ("safe_divide", [-1e30, 1e-30, -INF]),
-    ("safe_sqrtf", [1e30, 1e15]),
-    ("safe_sqrtf", [-1e30, 0.0]),
-    ("inversesqrtf", [1e30, 1e-15]),
-    ("safe_logf", [1e30, 10.0, 30.0]),
-    ("safe_floored_modulo", [-0.75, 1e30, 1e30]),
-    ("pingpongf", [1.0, 1e30, 0.0]),
-    ("compatible_atan2", [-1e30, 1.0, -math.pi / 2]),
-    ("compatible_atan2", [1.0, -1e30, math.pi]),
-    ("smoothminf", [-1e30, 1e30, 1.0, -1e30]),
-    ("smoothstepc", [0.0, 1e30, 1.0, 0.0]),
-    ("smootherstep", [-1e30, 1e30, 0.0, 0.5]),
-    ("safe_divide3", [[INF, 1e-30, -1e30], [0.0, 1e-30, 1e30], [0.0, 1.0, -1.0]]),
-    ("safe_powf", [-0.0, -3.0, 0.0]),
-    ("safe_powf", [0.0, 2.5, 0.0]),
-    ("safe_powf", [-2.0, -3.0, -0.125]),
-    ("safe_powf", [-2.0, 0.0, 1.0]),
-    ("safe_powf", [-10.0, 100.5, 0.0]),
-    ("safe_powf", [-1.0, 2147483520.0, 1.0]),
-    ("safe_powf", [-1.0, 2147483648.0, 0.0]),
-    ("safe_powf", [-2.0, 1e30, 0.0]),
-    ("safe_powf", [-2.0, NAN, 0.0]),
-    ("safe_powf", [1.0, NAN, 1.0]),
-    ("safe_powf", [1.0, -INF, 1.0]),
-    ("safe_powf", [INF, 0.0, 1.0]),
-    ("safe_powf", [10.0, 60.0, INF]),
-    ("safe_powf", [10.0, -60.0, 0.0]),
-    ("safe_logf", [-1.0, 10.0, 0.0]),
-    ("safe_logf", [1.0, 10.0, 0.0]),
-    ("safe_logf", [8.0, 0.5, -3.0]),
-    ("safe_logf", [0.5, 0.25, 0.5]),
-    ("safe_logf", [10.0, 0.0, 0.0]),
-    ("safe_logf", [1.0, 1.0, 0.0]),
-    ("safe_sqrtf", [NAN, 0.0]),
-    ("safe_sqrtf", [INF, INF]),
-    ("inversesqrtf", [NAN, 0.0]),
-    ("inversesqrtf", [-0.0, 0.0]),
-    ("inversesqrtf", [INF, 0.0]),
-    ("safe_modulo", [1.0, -0.0, 0.0]),
-    ("safe_modulo", [1e-20, 3.0, 1e-20]),
-    ("safe_modulo", [-0.75, 1e30, -0.75]),
-    ("safe_modulo", [-0.75, INF, -0.75]),
-    ("safe_modulo", [1e30, 1e-30, 0.0]),
-    ("safe_modulo", [0.0, 0.0, 0.0]),
-    ("safe_floored_modulo", [-1e-3, 1024.0, 1023.999]),
-    ("wrapf", [1e30, 0.0, 0.0, 0.0]),
-    ("wrapf", [-7.0, 2.0, 2.0, 2.0]),
-    ("pingpongf", [3.0, -0.0, 0.0]),
-    ("pingpongf", [0.0, 2.0, 0.0]),
-    ("pingpongf", [2.0, 2.0, 2.0]),
-    ("compatible_atan2", [-0.0, -0.0, 0.0]),
-    ("compatible_atan2", [1.0, 0.0, math.pi / 2]),
-    ("compatible_signf", [-INF, -1.0]),
-    ("smoothminf", [-1.0, -1.0, 0.0, -1.0]),
-    ("smoothminf", [2.0, 1.0, -0.5, 1.0]),
-    ("smoothstepc", [2.0, 2.0, 2.0, 1.0]),
-    ("smoothstepc", [2.0, 2.0, 1.9999999, 0.0]),
-    ("smoothstepc", [0.0, 1.0, INF, 1.0]),
-    ("smoothstepc", [0.0, 1.0, -INF, 0.0]),
-    ("smootherstep", [2.0, 2.0, 3.0, 0.0]),
-    ("smootherstep", [0.0, 1.0, INF, 1.0]),
-    ("safe_normalize", [[-0.0, 0.0, 0.0], [0.0, 0.0, 0.0]]),
-    ("safe_normalize", [[0.0, 3e-15, 4e-15], [0.0, 0.6, 0.8]]),
-    ("project3", [[1.0, 2.0, 3.0], [1e-25, 0.0, 0.0], [0.0, 0.0, 0.0]]),
-    ("refract3", [[0.0, 0.0, 0.0], [0.0, 0.0, 0.0], 0.5, [0.0, 0.0, 0.0]]),
-    ("safe_pow3", [[0.0, -8.0, -8.0], [-1.0, 1.0 / 3.0, 3.0], [0.0, 0.0, -512.0]]),
-    ("compatible_sign3", [[NAN, INF, -INF], [1.0, 1.0, -1.0]]),
-    ("wrap3", [[1e30, -7.0, 0.5], [0.0, 2.0, 1.0], [0.0, 2.0, 0.0], [0.0, 2.0, 0.5]]),
-])
+@pytest.mark.parametrize(
+    "name, row",
+    [
+        ("safe_divide", [1.0, -0.0, 0.0]),
+        ("safe_divide", [1.0, NAN, NAN]),
+        ("safe_divide", [0.0, INF, 0.0]),
+        ("safe_divide", [-1e30, 1e-30, -INF]),
+        ("safe_sqrtf", [1e30, 1e15]),
+        ("safe_sqrtf", [-1e30, 0.0]),
+        ("inversesqrtf", [1e30, 1e-15]),
+        ("safe_logf", [1e30, 10.0, 30.0]),
+        ("safe_floored_modulo", [-0.75, 1e30, 1e30]),
+        ("pingpongf", [1.0, 1e30, 0.0]),
+        ("compatible_atan2", [-1e30, 1.0, -math.pi / 2]),
+        ("compatible_atan2", [1.0, -1e30, math.pi]),
+        ("smoothminf", [-1e30, 1e30, 1.0, -1e30]),
+        ("smoothstepc", [0.0, 1e30, 1.0, 0.0]),
+        ("smootherstep", [-1e30, 1e30, 0.0, 0.5]),
+        ("safe_divide3", [[INF, 1e-30, -1e30], [0.0, 1e-30, 1e30], [0.0, 1.0, -1.0]]),
+        ("safe_powf", [-0.0, -3.0, 0.0]),
+        ("safe_powf", [0.0, 2.5, 0.0]),
+        ("safe_powf", [-2.0, -3.0, -0.125]),
+        ("safe_powf", [-2.0, 0.0, 1.0]),
+        ("safe_powf", [-10.0, 100.5, 0.0]),
+        ("safe_powf", [-1.0, 2147483520.0, 1.0]),
+        ("safe_powf", [-1.0, 2147483648.0, 0.0]),
+        ("safe_powf", [-2.0, 1e30, 0.0]),
+        ("safe_powf", [-2.0, NAN, 0.0]),
+        ("safe_powf", [1.0, NAN, 1.0]),
+        ("safe_powf", [1.0, -INF, 1.0]),
+        ("safe_powf", [INF, 0.0, 1.0]),
+        ("safe_powf", [10.0, 60.0, INF]),
+        ("safe_powf", [10.0, -60.0, 0.0]),
+        ("safe_logf", [-1.0, 10.0, 0.0]),
+        ("safe_logf", [1.0, 10.0, 0.0]),
+        ("safe_logf", [8.0, 0.5, -3.0]),
+        ("safe_logf", [0.5, 0.25, 0.5]),
+        ("safe_logf", [10.0, 0.0, 0.0]),
+        ("safe_logf", [1.0, 1.0, 0.0]),
+        ("safe_sqrtf", [NAN, 0.0]),
+        ("safe_sqrtf", [INF, INF]),
+        ("inversesqrtf", [NAN, 0.0]),
+        ("inversesqrtf", [-0.0, 0.0]),
+        ("inversesqrtf", [INF, 0.0]),
+        ("safe_modulo", [1.0, -0.0, 0.0]),
+        ("safe_modulo", [1e-20, 3.0, 1e-20]),
+        ("safe_modulo", [-0.75, 1e30, -0.75]),
+        ("safe_modulo", [-0.75, INF, -0.75]),
+        ("safe_modulo", [1e30, 1e-30, 0.0]),
+        ("safe_modulo", [0.0, 0.0, 0.0]),
+        ("safe_floored_modulo", [-1e-3, 1024.0, 1023.999]),
+        ("wrapf", [1e30, 0.0, 0.0, 0.0]),
+        ("wrapf", [-7.0, 2.0, 2.0, 2.0]),
+        ("pingpongf", [3.0, -0.0, 0.0]),
+        ("pingpongf", [0.0, 2.0, 0.0]),
+        ("pingpongf", [2.0, 2.0, 2.0]),
+        ("compatible_atan2", [-0.0, -0.0, 0.0]),
+        ("compatible_atan2", [1.0, 0.0, math.pi / 2]),
+        ("compatible_signf", [-INF, -1.0]),
+        ("smoothminf", [-1.0, -1.0, 0.0, -1.0]),
+        ("smoothminf", [2.0, 1.0, -0.5, 1.0]),
+        ("smoothstepc", [2.0, 2.0, 2.0, 1.0]),
+        ("smoothstepc", [2.0, 2.0, 1.9999999, 0.0]),
+        ("smoothstepc", [0.0, 1.0, INF, 1.0]),
+        ("smoothstepc", [0.0, 1.0, -INF, 0.0]),
+        ("smootherstep", [2.0, 2.0, 3.0, 0.0]),
+        ("smootherstep", [0.0, 1.0, INF, 1.0]),
+        ("safe_normalize", [[-0.0, 0.0, 0.0], [0.0, 0.0, 0.0]]),
+        ("safe_normalize", [[0.0, 3e-15, 4e-15], [0.0, 0.6, 0.8]]),
+        ("project3", [[1.0, 2.0, 3.0], [1e-25, 0.0, 0.0], [0.0, 0.0, 0.0]]),
+        ("refract3", [[0.0, 0.0, 0.0], [0.0, 0.0, 0.0], 0.5, [0.0, 0.0, 0.0]]),
+        ("safe_pow3", [[0.0, -8.0, -8.0], [-1.0, 1.0 / 3.0, 3.0], [0.0, 0.0, -512.0]]),
+        ("compatible_sign3", [[NAN, INF, -INF], [1.0, 1.0, -1.0]]),
+        ("wrap3", [[1e30, -7.0, 0.5], [0.0, 2.0, 1.0], [0.0, 2.0, 0.0], [0.0, 2.0, 0.5]]),
+    ],
+)
 def test_edges(name, row):
     check(name, [row], LOOSER.get(name, 4 * ULP))
 
@@ -112,7 +116,7 @@ def near_whole_quotients():
     rng = np.random.default_rng(16)
     divisors = np.float32([0.1, 0.2, 0.3, 2 / 3, 1 / 3, 0.7, 1.1, 3.0, 1e-3, 1e-20, 7e-30, 1e20, 3e30])
     divisors = np.concatenate([divisors, rng.uniform(0.5, 2.0, 40).astype(np.float32)])
-    wholes = np.concatenate([np.arange(1, 100), 2 ** np.arange(7, 24) - 1, rng.integers(100, 2 ** 24, 60)])
+    wholes = np.concatenate([np.arange(1, 100), 2 ** np.arange(7, 24) - 1, rng.integers(100, 2**24, 60)])
     a, b = (x.ravel() for x in np.meshgrid(wholes.astype(np.float32), divisors))
     a = np.concatenate([np.nextafter(p, np.float32(to)) if to else p for p in [a * b] for to in (0, -np.inf, np.inf)])
     b = np.tile(b, 3)

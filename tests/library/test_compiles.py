@@ -1,4 +1,5 @@
 """Every name of the shader library compiles by itself, in HLSL 2018 and 2021, with warnings as errors."""
+
 import re
 
 import pytest
@@ -19,19 +20,26 @@ ASKED_FOR = """
     texel_fetch_a box_weights map_to_sphere map_to_tube mirrorball_uv equirect_uv
     fresnel_dielectric_cos dither_coverage
 """.split()
-ASKED_FOR += [f"mix_{blend}" for blend in """
+ASKED_FOR += [
+    f"mix_{blend}"
+    for blend in """
     mix darken multiply burn lighten screen dodge add overlay soft_light linear_light difference exclusion
-    subtract divide hue saturation color value""".split()]
-ASKED_FOR += [f"noise_texture{d}_{kind}" for d in (1, 2, 3, 4) for kind in (
-    "FBM", "MULTIFRACTAL", "HYBRID_MULTIFRACTAL", "RIDGED_MULTIFRACTAL", "HETERO_TERRAIN")]
-ASKED_FOR += [f"hash_{t}_to_{u}" for t in ("float", "float2", "float3", "float4")
-              for u in ("float", "float3")]
-ASKED_FOR += [f"{name}{d}" for d in (1, 2, 3, 4) for name in (
-    "fractal_voronoi_x_fx", "fractal_voronoi_distance_to_edge", "voronoi_n_sphere_radius")]
+    subtract divide hue saturation color value""".split()
+]
+ASKED_FOR += [
+    f"noise_texture{d}_{kind}"
+    for d in (1, 2, 3, 4)
+    for kind in ("FBM", "MULTIFRACTAL", "HYBRID_MULTIFRACTAL", "RIDGED_MULTIFRACTAL", "HETERO_TERRAIN")
+]
+ASKED_FOR += [f"hash_{t}_to_{u}" for t in ("float", "float2", "float3", "float4") for u in ("float", "float3")]
+ASKED_FOR += [
+    f"{name}{d}"
+    for d in (1, 2, 3, 4)
+    for name in ("fractal_voronoi_x_fx", "fractal_voronoi_distance_to_edge", "voronoi_n_sphere_radius")
+]
 ASKED_FOR += [f"voronoi_distance{d}" for d in (2, 3, 4)]
 
-RESERVED = {"sample", "point", "line", "triangle", "half", "min16float", "precise", "packed", "linear",
-            "vector"}
+RESERVED = {"sample", "point", "line", "triangle", "half", "min16float", "precise", "packed", "linear", "vector"}
 
 
 def caller(unit):

@@ -1,4 +1,5 @@
 """Gabor noise against Blender's values, against the same noise in double precision, and at the edges."""
+
 import itertools
 
 import numpy as np
@@ -106,7 +107,7 @@ def test_an_orientation_without_length_gives_noise(anisotropy):
 
 @pytest.mark.parametrize("dimensions", [2, 3])
 def test_coordinates_without_sense_come_to_an_end(dimensions):
-    wild = np.float32([np.nan, np.inf, -np.inf, 1e30, -3e38, 2.0 ** 31, 0.5])
+    wild = np.float32([np.nan, np.inf, -np.inf, 1e30, -3e38, 2.0**31, 0.5])
     co = np.stack([wild, np.full(7, 0.25), np.full(7, 0.5)], axis=1)
     got = gabor(co, 1.0, 2.0, 0.5, 0.0, (1.0, 0.0, 0.0), dimensions)
     assert got.shape == (7, 3) and np.isfinite(got[-1]).all()

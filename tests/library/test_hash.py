@@ -1,4 +1,5 @@
 """The hashes: every bit of every result has to be Blender's."""
+
 import math
 
 import numpy as np
@@ -18,7 +19,7 @@ def column(rows, dtype):
 
 
 def random_words(n, width, seed):
-    return np.random.default_rng(seed).integers(0, 2 ** 32, (n, width), np.uint32)
+    return np.random.default_rng(seed).integers(0, 2**32, (n, width), np.uint32)
 
 
 @pytest.mark.parametrize("name", VALUES["words"])
@@ -68,11 +69,11 @@ def test_the_sign_of_zero_and_every_bit_of_infinity_count():
 def test_a_hash_reaches_one_where_the_word_rounds_up():
     words = np.uint32([0, 1, 0x80000000, 0xFFFFFF7F, 0xFFFFFF80, 0xFFFFFFFF])
     got = library.call("hash_unit", words, result="float")
-    assert got.tolist() == [0.0, 2.0 ** -32, 0.5, 1.0 - 2.0 ** -24, 1.0, 1.0]
+    assert got.tolist() == [0.0, 2.0**-32, 0.5, 1.0 - 2.0**-24, 1.0, 1.0]
 
 
 def as_floats(words):
-    return np.asarray(words).astype(np.float32) * np.float32(2.0 ** -31)
+    return np.asarray(words).astype(np.float32) * np.float32(2.0**-31)
 
 
 @pytest.mark.parametrize("name", VALUES["integers"])
@@ -93,12 +94,22 @@ def test_cell_hashes_of_random_cells(d):
 
 
 # In DXIL instructions, a little above what they take: sharing between the components was lost if one grows.
-@pytest.mark.parametrize("name, most", [
-    ("hash_float_to_float", 36), ("hash_float_to_float3", 100), ("hash_float2_to_float", 46),
-    ("hash_float2_to_float3", 126), ("hash_float3_to_float", 48), ("hash_float3_to_float3", 165),
-    ("hash_float4_to_float", 90), ("hash_float4_to_float3", 250), ("hash_int2_to_float2", 25),
-    ("hash_int3_to_float3", 39), ("hash_int4_to_float4", 52),
-])
+@pytest.mark.parametrize(
+    "name, most",
+    [
+        ("hash_float_to_float", 36),
+        ("hash_float_to_float3", 100),
+        ("hash_float2_to_float", 46),
+        ("hash_float2_to_float3", 126),
+        ("hash_float3_to_float", 48),
+        ("hash_float3_to_float3", 165),
+        ("hash_float4_to_float", 90),
+        ("hash_float4_to_float3", 250),
+        ("hash_int2_to_float2", 25),
+        ("hash_int3_to_float3", 39),
+        ("hash_int4_to_float4", 52),
+    ],
+)
 def test_cost(name, most):
     result, (kind,) = signature(name)
     assert library.cost(name, kind, result=result) <= most

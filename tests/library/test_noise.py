@@ -1,4 +1,5 @@
 """Noise textures against Blender's values, against the same noise in double precision, and at the edges."""
+
 import math
 
 import numpy as np
@@ -88,14 +89,17 @@ def test_colours_of_the_table(name):
 
 @pytest.mark.parametrize("kind", KINDS)
 @pytest.mark.parametrize("d", [1, 2, 3, 4])
-@pytest.mark.parametrize("settings", [
-    PLAIN,
-    (0.0, 0.5, 2.0, 1.0, 2.0, 0.0, 0.0),
-    (0.625, 1.5, 2.0, -0.5, 1.0, 0.0, 0.0),
-    (3.25, 0.75, 4.0, 0.5, -2.0, 0.0, 1.0),
-    (4.0, 0.0, 0.5, 1.0, 3.0, 0.0, 1.0),
-    (2.9375, 0.5, -2.0, 0.0, 1.0, 0.0, 0.0),
-])
+@pytest.mark.parametrize(
+    "settings",
+    [
+        PLAIN,
+        (0.0, 0.5, 2.0, 1.0, 2.0, 0.0, 0.0),
+        (0.625, 1.5, 2.0, -0.5, 1.0, 0.0, 0.0),
+        (3.25, 0.75, 4.0, 0.5, -2.0, 0.0, 1.0),
+        (4.0, 0.0, 0.5, 1.0, 3.0, 0.0, 1.0),
+        (2.9375, 0.5, -2.0, 0.0, 1.0, 0.0, 0.0),
+    ],
+)
 def test_value_in_double_precision(kind, d, settings):
     co = points(d, 300, d)
     value, _ = texture(f"noise_texture{d}_{kind}", flat(co), settings, 0.0)
@@ -126,8 +130,13 @@ def test_fifteen_octaves(d):
 @pytest.mark.parametrize("kind", KINDS)
 def test_the_settings_that_a_fractal_does_not_use(kind):
     co = points(3, 50, 5)
-    unused = {"FBM": {3, 4}, "MULTIFRACTAL": {3, 4, 6}, "HYBRID_MULTIFRACTAL": {6},
-              "RIDGED_MULTIFRACTAL": {6}, "HETERO_TERRAIN": {4, 6}}[kind]
+    unused = {
+        "FBM": {3, 4},
+        "MULTIFRACTAL": {3, 4, 6},
+        "HYBRID_MULTIFRACTAL": {6},
+        "RIDGED_MULTIFRACTAL": {6},
+        "HETERO_TERRAIN": {4, 6},
+    }[kind]
     before, _ = texture(f"noise_texture3_{kind}", co, PLAIN)
     for place, other in ((3, 0.75), (4, 0.375), (6, 0.0)):
         settings = [other if i == place else s for i, s in enumerate(PLAIN)]
@@ -160,8 +169,16 @@ def test_cost(kind, d, most):
 
 def test_the_flags_of_a_generated_text_cut_what_is_not_asked_for():
     def cost(distortion, normalize, want):
-        return library.cost("noise_texture3_FBM", "float3", *FLOATS[:5], distortion, normalize, want,
-                            result="float", out_args=("float3",))
+        return library.cost(
+            "noise_texture3_FBM",
+            "float3",
+            *FLOATS[:5],
+            distortion,
+            normalize,
+            want,
+            result="float",
+            out_args=("float3",),
+        )
 
     flags = [("0.0", "0.0", "0.0"), ("0.0", "1.0", "0.0"), ("0.0", "1.0", "1.0")]
     bare, normalized, coloured = (cost(*f) for f in flags)

@@ -1,4 +1,5 @@
 """Radial tiling against Blender's values, against the same in double precision, and at the edges."""
+
 import numpy as np
 import pytest
 
@@ -13,8 +14,7 @@ NEED = {"radial_tiling"}
 def variables(normalize, sides, roundness, p, flags=(True, True)):
     p = np.float32(p).reshape(-1, 2)
     sides, roundness = (np.float32(np.broadcast_to(v, len(p))) for v in (sides, roundness))
-    return library.call("calculate_out_variables", *flags, normalize, sides, roundness, p, result="float4",
-                        need=NEED)
+    return library.call("calculate_out_variables", *flags, normalize, sides, roundness, p, result="float4", need=NEED)
 
 
 def segment_id(sides, p):
@@ -49,8 +49,12 @@ def inner_points(n, sides, seed):
 
 SIDES = [2.0, 2.125, 2.5, 2.96875, 3.0, 3.5, 4.0, 4.25, 5.0, 6.75, 7.0, 12.5, 31.0, 100.0625]
 # Two sides that are rounded a little have no numbers in Blender: see below.
-CASES = [(sides, roundness) for sides in SIDES for roundness in (0.0, 0.015625, 0.25, 0.5, 0.875, 1.0)
-         if sides > 2.0 or roundness in (0.0, 1.0)]
+CASES = [
+    (sides, roundness)
+    for sides in SIDES
+    for roundness in (0.0, 0.015625, 0.25, 0.5, 0.875, 1.0)
+    if sides > 2.0 or roundness in (0.0, 1.0)
+]
 
 
 @pytest.mark.parametrize("normalize", [False, True])
@@ -117,8 +121,10 @@ def test_points_without_sense_come_to_an_end():
     assert np.isfinite(variables(True, 4.5, 0.5, [(1e-30, 1e-30), (1e10, -1e10)])).all()
 
 
-@pytest.mark.parametrize("sides, roundness, limit", [
-    ("float", "float", 220), ("4.5", "0.5", 150), ("5.0", "0.5", 96), ("5.0", "1.0", 70), ("5.0", "0.0", 56)])
+@pytest.mark.parametrize(
+    "sides, roundness, limit",
+    [("float", "float", 220), ("4.5", "0.5", 150), ("5.0", "0.5", 96), ("5.0", "1.0", 70), ("5.0", "0.0", 56)],
+)
 def test_cost(sides, roundness, limit):
     """Of cases that constants exclude nothing stays."""
     kinds = ["true", "true", "bool" if sides == "float" else "true", sides, roundness, "float2"]

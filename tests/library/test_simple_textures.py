@@ -1,4 +1,5 @@
 """Gradient, checker, brick, magic and wave against Blender's values and at their edges."""
+
 import math
 
 import numpy as np
@@ -11,8 +12,7 @@ import noise_reference
 from agreement import evaluate, table
 
 VALUES = table("simple_textures")
-TOLERANCES = {"tex_gradient": 3e-7, "tex_checker": 0.0, "tex_brick": 2e-6, "tex_magic": 2e-5,
-              "tex_wave": 1e-5}
+TOLERANCES = {"tex_gradient": 3e-7, "tex_checker": 0.0, "tex_brick": 2e-6, "tex_magic": 2e-5, "tex_wave": 1e-5}
 
 
 def rows(name, tolerance):
@@ -105,17 +105,20 @@ def bricks(p, size, smooth, bias, width, height, offset, every, squash, squash_e
     with np.errstate(divide="ignore", invalid="ignore"):
         f = np.clip((1.0 - d / size) / smooth, 0.0, 1.0)
     mortar = np.where(d >= size, 0.0, np.where(smooth == 0.0, 1.0, 3.0 * f * f - 2.0 * f * f * f))
-    return np.stack([np.clip(np.array(h) / 2.0 ** 31 + bias, 0.0, 1.0), mortar], axis=1)
+    return np.stack([np.clip(np.array(h) / 2.0**31 + bias, 0.0, 1.0), mortar], axis=1)
 
 
-@pytest.mark.parametrize("settings", [
-    (0.0625, 0.5, 0.0, 0.5, 0.25, 0.5, 2, 1.0, 2),
-    (0.0625, 0.0, -0.25, 0.5, 0.25, 0.25, 3, 2.0, 2),
-    (0.03125, 1.0, 0.25, 1.0, 0.5, -0.75, 1, 0.5, 1),
-    (0.25, 0.25, 0.0, 0.5, 0.25, 0.5, 0, 2.0, 3),
-    (0.25, 0.25, 0.0, 0.5, 0.25, 0.5, 3, 2.0, 0),
-    (0.0, 0.5, 0.0, 2.0, 4.0, 0.5, 7, 0.25, 5),
-])
+@pytest.mark.parametrize(
+    "settings",
+    [
+        (0.0625, 0.5, 0.0, 0.5, 0.25, 0.5, 2, 1.0, 2),
+        (0.0625, 0.0, -0.25, 0.5, 0.25, 0.25, 3, 2.0, 2),
+        (0.03125, 1.0, 0.25, 1.0, 0.5, -0.75, 1, 0.5, 1),
+        (0.25, 0.25, 0.0, 0.5, 0.25, 0.5, 0, 2.0, 3),
+        (0.25, 0.25, 0.0, 0.5, 0.25, 0.5, 3, 2.0, 0),
+        (0.0, 0.5, 0.0, 2.0, 4.0, 0.5, 7, 0.25, 5),
+    ],
+)
 def test_brick_in_double_precision(settings):
     # Multiples of 1/256 and sizes that are powers of two: no coordinate rounds.
     p = np.round(np.random.default_rng(3).uniform(-20, 20, (3000, 3)) * 256.0) / 256.0
@@ -221,14 +224,17 @@ def test_they_end_whatever_they_are_given(bad):
 FLOAT5 = ["float"] * 5
 
 
-@pytest.mark.parametrize("name, kinds, result, most", [
-    ("tex_gradient", ["float3", "int"], "float", 66),
-    ("tex_checker", ["float3"], "float", 18),
-    ("tex_brick", ["float3", *FLOAT5, "float", "int", "float", "int"], "float2", 73),
-    ("tex_brick", ["float3", *FLOAT5, "0.5", "2", "1.0", "2"], "float2", 62),
-    ("tex_magic", ["float3", "float", "int", "float"], "float3", 128),
-    ("tex_wave", ["int", "int", "int", "int", "float3", *FLOAT5], "float", 380),
-    ("tex_wave", ["0", "0", "0", "0", "float3", "0.0", *FLOAT5[1:]], "float", 12),
-])
+@pytest.mark.parametrize(
+    "name, kinds, result, most",
+    [
+        ("tex_gradient", ["float3", "int"], "float", 66),
+        ("tex_checker", ["float3"], "float", 18),
+        ("tex_brick", ["float3", *FLOAT5, "float", "int", "float", "int"], "float2", 73),
+        ("tex_brick", ["float3", *FLOAT5, "0.5", "2", "1.0", "2"], "float2", 62),
+        ("tex_magic", ["float3", "float", "int", "float"], "float3", 128),
+        ("tex_wave", ["int", "int", "int", "int", "float3", *FLOAT5], "float", 380),
+        ("tex_wave", ["0", "0", "0", "0", "float3", "0.0", *FLOAT5[1:]], "float", 12),
+    ],
+)
 def test_cost(name, kinds, result, most):
     assert library.cost(name, *kinds, result=result) <= most

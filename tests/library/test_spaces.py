@@ -1,4 +1,5 @@
 """Mapping, rotations, object frames and bump steps against Blender's values and linear algebra in double."""
+
 import math
 
 import numpy as np
@@ -50,9 +51,12 @@ def test_mapping_over_many_vectors():
     e = euler(rotation)
     inverse = np.swapaxes(e, 1, 2)
     normal = turn(e, v / scale)
-    for kind, want in {POINT: turn(e, v * scale) + location, VECTOR: turn(e, v * scale),
-                       TEXTURE: turn(inverse, v - location) / scale,
-                       NORMAL: normal / np.linalg.norm(normal, axis=1, keepdims=True)}.items():
+    for kind, want in {
+        POINT: turn(e, v * scale) + location,
+        VECTOR: turn(e, v * scale),
+        TEXTURE: turn(inverse, v - location) / scale,
+        NORMAL: normal / np.linalg.norm(normal, axis=1, keepdims=True),
+    }.items():
         same(evaluate("mapping", kind, v, location, rotation, scale), want, 4e-6)
 
 
@@ -77,14 +81,17 @@ def test_no_rotation_changes_nothing():
     assert (evaluate("mapping", TEXTURE, v, np.zeros(3), np.zeros(3), np.ones(3)) == v).all()
 
 
-@pytest.mark.parametrize("kind, scale, want", [
-    (TEXTURE, [2, 0, 1], [0.5, 0, 3]),
-    (TEXTURE, [0, 0, 0], [0, 0, 0]),
-    (NORMAL, [0, 0, 0], [0, 0, 0]),
-    (NORMAL, [0, 1, 0], [0, 1, 0]),
-    (NORMAL, [0, -0.25, 0], [0, -1, 0]),
-    (VECTOR, [0, 1, -1], [0, 2, -3]),
-])
+@pytest.mark.parametrize(
+    "kind, scale, want",
+    [
+        (TEXTURE, [2, 0, 1], [0.5, 0, 3]),
+        (TEXTURE, [0, 0, 0], [0, 0, 0]),
+        (NORMAL, [0, 0, 0], [0, 0, 0]),
+        (NORMAL, [0, 1, 0], [0, 1, 0]),
+        (NORMAL, [0, -0.25, 0], [0, -1, 0]),
+        (VECTOR, [0, 1, -1], [0, 2, -3]),
+    ],
+)
 def test_a_scale_of_zero(kind, scale, want):
     got = evaluate("mapping", kind, [[1, 2, 3]], [[0, 0, 0]], [[0, 0, 0]], [scale])
     assert (got == want).all()
@@ -125,7 +132,7 @@ def axes(m):
 
 def test_normals_go_by_the_inverse_transpose():
     m = matrices(FRAMES)
-    n = points(9)[:len(m)]
+    n = points(9)[: len(m)]
     want = turn(np.linalg.inv(m).swapaxes(1, 2), n)
     want /= np.linalg.norm(want, axis=1, keepdims=True)
     assert {-1.0, 1.0} == set(np.sign(np.linalg.det(m)))
@@ -134,7 +141,7 @@ def test_normals_go_by_the_inverse_transpose():
 
 def test_directions_go_by_the_inverse():
     m = matrices(FRAMES)
-    d = points(10)[:len(m)]
+    d = points(10)[: len(m)]
     same(evaluate("dir_world_to_obj", d, *axes(m)), turn(np.linalg.inv(m), d), 1e-5)
 
 
@@ -148,16 +155,19 @@ def test_the_rotation_alone_undoes_what_unreal_applied():
     same(evaluate("rot_to_obj", world, *axes(r)), unit, 2e-6)
 
 
-@pytest.mark.parametrize("name, first, axes, want", [
-    ("n_obj_to_world", [0, 0, 0], [[1, 0, 0], [0, 1, 0], [0, 0, 1]], [0, 0, 0]),
-    ("n_obj_to_world", [1, 2, 3], [[0, 0, 0], [0, 0, 0], [0, 0, 1]], [0, 0, 0]),
-    ("n_obj_to_world", [0.6, 0, 0.8], [[2, 0, 0], [0, 3, 0], [0, 0, 0]], [0, 0, 1]),
-    ("n_obj_to_world", [0, 0, 1], [[1, 0, 0], [0, 1, 0], [0, 0, -1]], [0, 0, -1]),
-    ("n_obj_to_world", [1, 0, 0], [[1, 0, 0], [0, 1, 0], [0, 0, -1]], [1, 0, 0]),
-    ("dir_world_to_obj", [1, 2, 3], [[1, 0, 0], [0, 0, 0], [0, 0, 1]], [0, 0, 0]),
-    ("dir_world_to_obj", [1, 2, 3], [[1, 2, 3], [2, 4, 6], [0, 0, 1]], [0, 0, 0]),
-    ("rot_to_obj", [1, 2, 3], [[5, 0, 0], [0, 0, 0], [0, 0, -2]], [1, 0, -3]),
-])
+@pytest.mark.parametrize(
+    "name, first, axes, want",
+    [
+        ("n_obj_to_world", [0, 0, 0], [[1, 0, 0], [0, 1, 0], [0, 0, 1]], [0, 0, 0]),
+        ("n_obj_to_world", [1, 2, 3], [[0, 0, 0], [0, 0, 0], [0, 0, 1]], [0, 0, 0]),
+        ("n_obj_to_world", [0.6, 0, 0.8], [[2, 0, 0], [0, 3, 0], [0, 0, 0]], [0, 0, 1]),
+        ("n_obj_to_world", [0, 0, 1], [[1, 0, 0], [0, 1, 0], [0, 0, -1]], [0, 0, -1]),
+        ("n_obj_to_world", [1, 0, 0], [[1, 0, 0], [0, 1, 0], [0, 0, -1]], [1, 0, 0]),
+        ("dir_world_to_obj", [1, 2, 3], [[1, 0, 0], [0, 0, 0], [0, 0, 1]], [0, 0, 0]),
+        ("dir_world_to_obj", [1, 2, 3], [[1, 2, 3], [2, 4, 6], [0, 0, 1]], [0, 0, 0]),
+        ("rot_to_obj", [1, 2, 3], [[5, 0, 0], [0, 0, 0], [0, 0, -2]], [1, 0, -3]),
+    ],
+)
 def test_degenerate_and_mirrored_frames(name, first, axes, want):
     got = evaluate(name, [first], *([axis] for axis in axes))
     assert np.abs(got - want).max() < 1e-6
@@ -180,13 +190,16 @@ def test_the_tangent_is_a_unit_vector_in_the_plane():
 
 def pixel_spread(view, tanfov, vsize):
     """Length of the step to the next pixel, as the chord between the rays' directions, in double."""
+
     def unit(v):
         return v / np.linalg.norm(v, axis=1, keepdims=True)
 
     steps = 2 * tanfov * view[:, 2:] / vsize
-    chords = [np.linalg.norm(unit(view + step) - unit(view), axis=1)
-              for step in (steps * [1, 0], steps * [0, 1])
-              for step in [np.concatenate([step, np.zeros((len(view), 1))], axis=1)]]
+    chords = [
+        np.linalg.norm(unit(view + step) - unit(view), axis=1)
+        for step in (steps * [1, 0], steps * [0, 1])
+        for step in [np.concatenate([step, np.zeros((len(view), 1))], axis=1)]
+    ]
     return np.linalg.norm(view, axis=1) * 0.5 * (chords[0] + chords[1])
 
 
@@ -198,13 +211,16 @@ def test_the_bump_step_is_the_distance_between_pixels(vsize, tolerance):
     same(evaluate("bump_dp", view, tanfov, vsize), want, tolerance)
 
 
-@pytest.mark.parametrize("view, tanfov, vsize, want", [
-    ([0, 0, 0], [1, 1], [512, 512], 0.0),
-    ([1e-30, 0, 0], [1, 1], [512, 512], 0.0),
-    ([NAN, 0, 1], [1, 1], [512, 512], 0.0),
-    ([3, 2, 0], [1, 1], [512, 512], 0.0),
-    ([0, 0, 8], [1, 1], [0, 0], 16 / math.sqrt(5)),
-    ([0, 0, -10], [1, 1], [512, 512], 0.0390622765),
-])
+@pytest.mark.parametrize(
+    "view, tanfov, vsize, want",
+    [
+        ([0, 0, 0], [1, 1], [512, 512], 0.0),
+        ([1e-30, 0, 0], [1, 1], [512, 512], 0.0),
+        ([NAN, 0, 1], [1, 1], [512, 512], 0.0),
+        ([3, 2, 0], [1, 1], [512, 512], 0.0),
+        ([0, 0, 8], [1, 1], [0, 0], 16 / math.sqrt(5)),
+        ([0, 0, -10], [1, 1], [512, 512], 0.0390622765),
+    ],
+)
 def test_bump_step_at_the_edges(view, tanfov, vsize, want):
     same(evaluate("bump_dp", [view], [tanfov], [vsize]), [want], 2e-6)

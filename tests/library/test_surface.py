@@ -1,4 +1,5 @@
 """Reflectance and dithered coverage."""
+
 import math
 
 import numpy as np
@@ -17,11 +18,11 @@ def test_agrees_with_reference_values(name, tolerance):
 def test_fresnel_follows_snell():
     rng = np.random.default_rng(1)
     cosine, eta = rng.uniform(0.02, 1, 3000), rng.uniform(0.4, 3, 3000)
-    sine = np.sqrt(1 - cosine ** 2) / eta
-    inside = np.sqrt(np.maximum(0, 1 - sine ** 2))
+    sine = np.sqrt(1 - cosine**2) / eta
+    inside = np.sqrt(np.maximum(0, 1 - sine**2))
     across = (cosine - eta * inside) / (cosine + eta * inside)
     along = (inside - eta * cosine) / (inside + eta * cosine)
-    want = np.where(sine < 1, (across ** 2 + along ** 2) / 2, 1)
+    want = np.where(sine < 1, (across**2 + along**2) / 2, 1)
     safe = np.abs(sine - 1) > 1e-3
     assert 100 < (want[safe] == 1).sum() < 2900
     assert np.abs(evaluate("fresnel_dielectric_cos", cosine, eta) - want)[safe].max() < 2e-5
@@ -29,10 +30,19 @@ def test_fresnel_follows_snell():
     assert (front == back).all()
 
 
-@pytest.mark.parametrize("cosine, eta, want", [
-    (0.0, 1.0, 1.0), (-0.0, 1.5, 1.0), (1.0, 1.0, 0.0), (1.0, 0.0, 1.0), (0.5, 1e-5, 1.0),
-    (0.5, math.nan, 1.0), (math.nan, 1.5, 1.0), (1.0, 1e-5, 1.0),
-])
+@pytest.mark.parametrize(
+    "cosine, eta, want",
+    [
+        (0.0, 1.0, 1.0),
+        (-0.0, 1.5, 1.0),
+        (1.0, 1.0, 0.0),
+        (1.0, 0.0, 1.0),
+        (0.5, 1e-5, 1.0),
+        (0.5, math.nan, 1.0),
+        (math.nan, 1.5, 1.0),
+        (1.0, 1e-5, 1.0),
+    ],
+)
 def test_fresnel_at_the_edges(cosine, eta, want):
     same(evaluate("fresnel_dielectric_cos", [cosine], [eta]), [want], 5e-5)
 

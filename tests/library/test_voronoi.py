@@ -1,4 +1,5 @@
 """Voronoi textures against Blender's values, against themselves in double precision, and at the edges."""
+
 import numpy as np
 import pytest
 
@@ -9,8 +10,19 @@ from agreement import table
 
 VALUES = table("voronoi")
 DIMS = [1, 2, 3, 4]
-PLAIN = {"feature": 0, "metric": 0, "scale": 1.0, "detail": 0.0, "roughness": 0.5, "lacunarity": 2.0,
-         "smoothness": 0.5, "exponent": 0.5, "randomness": 1.0, "max_distance": 1.0, "normalize": 0.0}
+PLAIN = {
+    "feature": 0,
+    "metric": 0,
+    "scale": 1.0,
+    "detail": 0.0,
+    "roughness": 0.5,
+    "lacunarity": 2.0,
+    "smoothness": 0.5,
+    "exponent": 0.5,
+    "randomness": 1.0,
+    "max_distance": 1.0,
+    "normalize": 0.0,
+}
 FIELDS = ["distance", "color", "position"]
 
 
@@ -20,8 +32,10 @@ def params(**changes):
 
 def columns(rows):
     """(params with an array for each field, coordinates) of a table's rows."""
-    fields = {k: np.array([row[0][k] for row in rows], np.int32 if k in ("feature", "metric") else np.float32)
-              for k in rows[0][0]}
+    fields = {
+        k: np.array([row[0][k] for row in rows], np.int32 if k in ("feature", "metric") else np.float32)
+        for k in rows[0][0]
+    }
     return fields, np.float32([row[1] for row in rows])
 
 
@@ -96,9 +110,18 @@ def agrees(got, want, tolerance, few=0.001):
 @pytest.mark.parametrize("feature", [0, 1, 2])
 @pytest.mark.parametrize("metric, exponent", [(0, 0.0), (1, 0.0), (2, 0.0), (3, 0.5), (3, 3.0)])
 def test_textures_everywhere(d, feature, metric, exponent):
-    p = params(feature=feature, metric=0 if d == 1 else metric, exponent=exponent, smoothness=0.375,
-               scale=4.0, randomness=0.75, detail=1.25, roughness=0.625, max_distance=1.5,
-               normalize=float(metric % 2))
+    p = params(
+        feature=feature,
+        metric=0 if d == 1 else metric,
+        exponent=exponent,
+        smoothness=0.375,
+        scale=4.0,
+        randomness=0.75,
+        detail=1.25,
+        roughness=0.625,
+        max_distance=1.5,
+        normalize=float(metric % 2),
+    )
     co = points(d, 1500 if d < 4 else 300, 10 * d + feature)
     got, want = fx(d, p, co), reference.fractal(np.float64(co), p)
     agrees(got["distance"], want[0], 2e-5 if metric == 3 else 4e-6)
@@ -109,8 +132,7 @@ def test_textures_everywhere(d, feature, metric, exponent):
 @pytest.mark.parametrize("d", DIMS)
 @pytest.mark.parametrize("detail, roughness", [(0.0, 0.5), (3.0, 0.0), (2.75, 0.5), (2.0, 1.0)])
 def test_edges_everywhere(d, detail, roughness):
-    p = params(feature=3, detail=detail, roughness=roughness, randomness=0.875, normalize=1.0,
-               max_distance=0.9375)
+    p = params(feature=3, detail=detail, roughness=roughness, randomness=0.875, normalize=1.0, max_distance=0.9375)
     co = points(d, 2000, d)
     got = library.call(f"fractal_voronoi_distance_to_edge{d}", p, flat(co), result="float")
     agrees(got, reference.edge(np.float64(co), p), 4e-6)
@@ -175,7 +197,7 @@ def test_scale_zero_has_no_position(d):
 def test_cells_beyond_the_whole_floats(d):
     """From 2^24 on the floats skip numbers, but the cells are still hashed one by one."""
     sign = np.random.default_rng(d).choice([-1, 1], (100, d))
-    co = np.float32(sign * (2.0 ** 26 + 8.0 * np.arange(100)[:, None]))
+    co = np.float32(sign * (2.0**26 + 8.0 * np.arange(100)[:, None]))
     got = fx(d, params(), co)
     distance, color, _ = reference.octave(np.float64(co), params())
     np.testing.assert_allclose(got["distance"], distance, atol=1e-6)
@@ -185,7 +207,7 @@ def test_cells_beyond_the_whole_floats(d):
 @pytest.mark.parametrize("d", DIMS)
 @pytest.mark.parametrize("feature", [0, 1, 2])
 def test_coordinates_without_sense_come_to_an_end(d, feature):
-    wild = np.float32([np.nan, np.inf, -np.inf, 1e30, -3e38, 2.0 ** 31, 0.5])
+    wild = np.float32([np.nan, np.inf, -np.inf, 1e30, -3e38, 2.0**31, 0.5])
     co = np.stack([wild] + [np.full_like(wild, 0.25)] * (d - 1), axis=1)
     got = fx(d, params(feature=feature, detail=2.5, normalize=1.0), co)
     assert np.isfinite(got["distance"][-1]) and np.isfinite(got["color"][-1]).all()
@@ -202,9 +224,12 @@ def test_cost_in_four_dimensions(feature, limit):
     """
     fixed = {"feature": feature, "metric": 0}
     kinds = library.fields("QWKVoronoiParams")
-    lines = ["QWKVoronoiParams vp;", *(f"vp.{f} = {fixed.get(f, f)};" for f in kinds),
-             "QWKVoronoiOutput o = L.fractal_voronoi_x_fx4(vp, co);",
-             "out_distance = o.distance; out_color = o.color; out_position = o.position;"]
+    lines = [
+        "QWKVoronoiParams vp;",
+        *(f"vp.{f} = {fixed.get(f, f)};" for f in kinds),
+        "QWKVoronoiOutput o = L.fractal_voronoi_x_fx4(vp, co);",
+        "out_distance = o.distance; out_color = o.color; out_position = o.position;",
+    ]
     inputs = {"co": "float4", **{f: kind for f, kind in kinds.items() if f not in fixed}}
     outputs = {"out_distance": "float", "out_color": "float3", "out_position": "float4"}
     body = "\n".join([library.declarations({"fractal_voronoi_x_fx4"}, " ".join(lines)), *lines])

@@ -4,6 +4,7 @@ Everything works on arrays of points [n, d] at once; the settings are one dict o
 are exact in float32 have here what the library should give up to rounding, but for points about as far from
 two cells.
 """
+
 import itertools
 import math
 
@@ -23,7 +24,7 @@ def hashed(cells):
     """The numbers, [n, d], that place the feature points of cells (whole floats [n, d])."""
     if cells.shape[1] == 1:
         return np.float64(float_hash(cells))
-    return np.float64(np.float32(cell_hash(cells.astype(np.int64))) * np.float32(2.0 ** -31))
+    return np.float64(np.float32(cell_hash(cells.astype(np.int64))) * np.float32(2.0**-31))
 
 
 def color(cells):
@@ -110,12 +111,12 @@ def edge_octave(co, p):
         borders = [np.abs((at[1] + at[k]) / 2 - co)[:, 0] for k in (0, 2)]
         return np.minimum(*borders)
     points = np.stack([at for _, at, _ in neighbours(co, {**p, "metric": 0}, 1)]) - co
-    nearest = points[np.argmin((points ** 2).sum(axis=2), axis=0), np.arange(len(co))]
+    nearest = points[np.argmin((points**2).sum(axis=2), axis=0), np.arange(len(co))]
     apart = points - nearest
-    length = np.sqrt((apart ** 2).sum(axis=2))
+    length = np.sqrt((apart**2).sum(axis=2))
     with np.errstate(invalid="ignore", divide="ignore"):
         border = ((nearest + points) / 2 * apart).sum(axis=2) / length
-    return np.where(length ** 2 > 0.0001, border, LARGEST).min(axis=0)
+    return np.where(length**2 > 0.0001, border, LARGEST).min(axis=0)
 
 
 def edge(co, p):
