@@ -17,15 +17,15 @@ from pathlib import Path
 import bpy
 
 HERE = Path(__file__).resolve().parent
-sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
+sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender"), str(HERE.parents[1] / "tools")]
 
-import materials  # noqa: E402
-from recording import Layout, context_of, drawn, operator_type  # noqa: E402
+import materials
+from recording import Layout, context_of, drawn, operator_type
 
-import quillgen_blender  # noqa: E402
-from quillgen_blender import command, exporting, read  # noqa: E402
-from quillgen_blender.read import labels  # noqa: E402
-from quillgen_blender.ui import live, panels, state  # noqa: E402
+import quillgen_blender
+from quillgen_blender import command, exporting, read
+from quillgen_blender.read import labels
+from quillgen_blender.ui import live, panels, state
 
 NUMBERS = {}  # what was measured, for the report
 
@@ -326,6 +326,13 @@ def check_panels_draw_in_a_real_layout_only_what_exists():
                 assert set(item.properties) <= set(known), item
             if item.kind == "prop":
                 assert item.name in item.data.bl_rna.properties, item.name
+
+
+def check_the_drawing_in_the_docs_is_that_of_the_panels():
+    """Another drawing: tools/draw_panels.py makes it."""
+    import draw_panels
+
+    assert draw_panels.DRAWING.read_text(encoding="utf-8") == draw_panels.drawing()
 
 
 # Live update

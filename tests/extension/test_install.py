@@ -16,7 +16,7 @@ HERE = Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
 sys.path.insert(0, str(HERE.parent / "host"))
 
-import blenders  # noqa: E402
+import blenders
 
 loader = SourceFileLoader("extension_tool", str(ROOT / "tools" / "extension"))
 tool = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))

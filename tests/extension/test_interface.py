@@ -14,7 +14,7 @@ import quillgen
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "host"))
 
-import blenders  # noqa: E402
+import blenders
 
 NAMES = [
     node.name

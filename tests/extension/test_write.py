@@ -12,6 +12,7 @@ import pytest
 import quillgen
 from quillgen_blender import pipeline, write
 from quillgen_blender.notes import Note
+from quillgen_blender.passes import support
 from quillgen_blender.write import files, names
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -266,13 +267,19 @@ def test_without_pictures_those_of_the_last_export_stay(tmp_path):
     assert valid(folder)["textures"][0]["file"].startswith("../_textures/Bark-")
 
 
-def test_remarks_name_the_node(tmp_path):
-    unknown = {"id": "Script", "type": "ShaderNodeScript", "in": {}, "outs": {"BSDF": "SHADER"}, "props": {}}
-    made = document(nodes=[unknown])
-    made["out"]["surface"] = ["Script", "BSDF"]
-    translated = pipeline.translate("Oak", made, [Note("", "a driver", "info"), Note("", "a driver", "info")])
-    folder = write.write_material(write.look(tmp_path), translated).folder
-    remarks = valid(folder)["remarks"]
-    assert remarks[0] == {"node": "", "text": "a driver", "loss": "info"}
-    assert [r["node"] for r in remarks if r["loss"] == "warning"] == ["Script"]
-    assert sum(r["text"] == "a driver" for r in remarks) == 1
+def test_remarks_name_the_node_in_the_artists_words(tmp_path):
+    lost = {"id": "Script", "type": "ShaderNodeScript", "in": {}, "outs": {"BSDF": "SHADER"}, "props": {}}
+    unknown = lost | {"id": "New (one)", "type": "ShaderNodeOfTomorrow"}
+    for node, text, loss in (
+        (lost, support.support("ShaderNodeScript").text, "lost"),
+        (unknown, "(ShaderNodeOfTomorrow) has no Unreal equivalent - its outputs are 0", "warning"),
+    ):
+        made = document(nodes=[node])
+        made["out"]["surface"] = [node["id"], "BSDF"]
+        notes = [Note("", "a driver", "info"), Note("", "a driver", "info")]
+        folder = write.write_material(write.look(tmp_path), pipeline.translate(node["id"], made, notes)).folder
+        remarks = valid(folder)["remarks"]
+        assert remarks == [
+            {"node": "", "text": "a driver", "loss": "info"},
+            {"node": node["id"], "text": text, "loss": loss},
+        ]

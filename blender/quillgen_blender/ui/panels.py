@@ -2,7 +2,6 @@
 
 import json
 import textwrap
-import time
 from typing import Any
 
 import bpy
@@ -111,9 +110,8 @@ def draw_outcome(layout: Any, outcome: Outcome) -> None:
         for line in textwrap.wrap(f"{outcome.where}: {outcome.error}", 48):
             box.label(text=line)
         return
-    clock = time.strftime("%H:%M:%S", time.localtime(outcome.at))
     done = {"text": "Checked", "nothing": "Unchanged", "parameters": "Values exported"}.get(outcome.changed, "Exported")
-    box.label(text=f"{done} at {clock} in {1000 * outcome.seconds:.0f} ms", icon="CHECKMARK")
+    box.label(text=f"{done} at {state.clock(outcome.at)} in {1000 * outcome.seconds:.0f} ms", icon="CHECKMARK")
     box.label(text=f"{counted(outcome.inputs, 'input')}, {counted(outcome.parameters, 'parameter')}")
     box.label(text=counted(outcome.textures, "texture"))
     if not outcome.remarks:

@@ -1,5 +1,6 @@
 """What the interface knows of this session's exports. Nothing of it is saved with a file."""
 
+import time
 from collections.abc import Iterable
 from typing import Any
 
@@ -8,6 +9,12 @@ import bpy
 from ..exporting import Outcome
 from . import log
 
+
+def local_clock(when: float) -> str:
+    return time.strftime("%H:%M:%S", time.localtime(when))
+
+
+clock = local_clock
 _outcomes: dict[int, Outcome] = {}  # by the material's session_uid
 
 

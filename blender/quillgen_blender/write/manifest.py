@@ -7,6 +7,7 @@ from typing import Any
 
 from ..labels import Label
 from ..notes import Note
+from ..passes import support
 from . import files, parameters
 from .textures import Picture
 
@@ -128,13 +129,19 @@ def same_but_values(one: Any, other: Any) -> bool:
 
 
 def remarks(warnings: Sequence[str], notes: Sequence[Note], document: Mapping[str, Any]) -> list[dict[str, str]]:
-    """What differs from Blender, each once: what the host brings near or loses, and what the translator warns of."""
-    ids = sorted((node["id"] for node in document["nodes"]), key=len, reverse=True)
+    """What differs from Blender, each once: what the host brings near or loses, and what the translator warns of. Of a
+    node that is lost as a whole, the artist reads what the table of nodes says."""
+    types = {node["id"]: node["type"] for node in document["nodes"]}
+    lost = {row.type: row.text for row in support.rows() if not row.feature and row.loss == "lost"}
+    ids = sorted(types, key=len, reverse=True)
     found = [{"node": note.node, "text": note.text, "loss": note.loss} for note in notes]
     for warning in warnings:
         node = next((name for name in ids if warning.startswith((f"{name}: ", f"{name} ("))), "")
         text = warning[len(node) :].removeprefix(": ").strip() if node else warning
-        found.append({"node": node, "text": text, "loss": "warning"})
+        if types.get(node) in lost:
+            found.append({"node": node, "text": lost[types[node]], "loss": "lost"})
+        else:
+            found.append({"node": node, "text": text, "loss": "warning"})
     return [remark for place, remark in enumerate(found) if remark not in found[:place]]
 
 
