@@ -14,7 +14,7 @@ HERE = Path(__file__).resolve().parent
 ROOT = HERE.parents[1]
 sys.path.insert(0, str(HERE.parent / "host"))
 
-import blenders  # noqa: E402
+import blenders
 
 BUILD = """
 import sys, bpy
