@@ -167,7 +167,7 @@ class Record:
 
         self.done.append([material.name, library])
         content = json.dumps({"about": self.about, "done": self.done}, ensure_ascii=False)
-        files.replace(self.path.parent, {self.path.name: content.encode("utf-8", "replace")})
+        files.replace(self.path.parent, {self.path.name: content.encode("utf-8", "replace")}, {})
 
     def end(self) -> None:
         self.path.unlink(missing_ok=True)

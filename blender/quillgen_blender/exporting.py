@@ -193,6 +193,8 @@ def writing(made: Material, target: Target, textures: bool | Collection[str]) ->
     wanted = {entry["image"] for entry in write.inputs(made.result) if entry["kind"] == "texture"}
     if textures is not True:
         wanted &= set(textures or ())
+    yield "naming"
+    made = write.named(target, made)
     if not wanted:
         yield "comparing"
         prepared = write.prepare(target, made)

@@ -13,7 +13,7 @@ import bpy
 from .. import exporting, write
 from . import preferences, settings, state
 
-SLICE = 0.004  # seconds of work at a time
+SLICE = 0.001  # seconds of work after which no further step begins; one may take three times as long
 SOON = 0.01  # seconds until the next slice
 
 

@@ -8,7 +8,7 @@ The format is told in docs/exchange.md.
 
 from .manifest import Material, remarks
 from .parameters import inputs, origins
-from .target import Target, Written, commit, look, prepare, stamp, write_material
+from .target import Target, Written, commit, look, named, prepare, stamp, write_material
 from .textures import Picture
 
 __all__ = [
@@ -19,6 +19,7 @@ __all__ = [
     "commit",
     "inputs",
     "look",
+    "named",
     "origins",
     "prepare",
     "remarks",

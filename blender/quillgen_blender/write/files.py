@@ -57,39 +57,35 @@ def make_folder(place: Path, files: Mapping[str, bytes]) -> None:
         os.rename(whole, place)
 
 
-def put(place: Path, content: bytes) -> None:
-    """Puts one file into its place."""
-    handle, name = tempfile.mkstemp(prefix=TEMPORARY, dir=place.parent)
+def content_of(path: Path) -> bytes | None:
+    """What a file holds, None where there is none."""
     try:
-        with os.fdopen(handle, "wb") as file:
-            file.write(content)
-        os.chmod(name, 0o644)  # mkstemp lets nobody else read it
-        move(Path(name), place)
-    except OSError:
-        Path(name).unlink(missing_ok=True)
-        raise
+        return path.read_bytes()
+    except FileNotFoundError:
+        return None
 
 
-def replace(folder: Path, files: Mapping[str, bytes]) -> None:
-    """Puts the files into a folder in the order given, each whole. Where one can't be put, those before it become
-    again what they were."""
-    with beside(folder) as made:
+def replace(folder: Path, files: Mapping[str, bytes], before: Mapping[str, bytes | None]) -> None:
+    """Puts files into a folder in the order given, each whole. `before`: what stands there. Where one can't be put,
+    those ahead of it become again what they were."""
+    waiting = {name: folder / f"{TEMPORARY}{os.getpid()}-{name}" for name in files}
+    done = []
+    try:
         for name, content in files.items():
-            (made / name).write_bytes(content)
-        before: dict[str, bytes | None] = {}
-        try:
-            for name in files:
-                place = folder / name
-                old = place.read_bytes() if place.exists() else None
-                move(made / name, place)
-                before[name] = old
-        except OSError:
-            for name, old in before.items():
-                if old is None:
-                    (folder / name).unlink()
-                else:
-                    (folder / name).write_bytes(old)
-            raise
+            waiting[name].write_bytes(content)
+        for name in files:
+            move(waiting[name], folder / name)
+            done.append(name)
+    except OSError:
+        for name in waiting.keys() - done:
+            waiting[name].unlink(missing_ok=True)
+        for name in done:
+            old = before.get(name)
+            if old is None:
+                (folder / name).unlink()
+            else:
+                (folder / name).write_bytes(old)
+        raise
 
 
 def copy(source: Path, place: Path) -> None:

@@ -47,6 +47,7 @@ class Material:
     labels: Mapping[tuple[str, str], Label] | None = field(default_factory=dict)
     pictures: Mapping[str, Picture] = field(default_factory=dict)
     made_by: Mapping[str, str] = field(default_factory=dict)
+    records: list[dict[str, Any]] | None = None  # of the parameters, where `target.named` has made them ahead
 
 
 def texts(result: Mapping[str, Any]) -> dict[str, bytes]:
@@ -64,7 +65,6 @@ def manifest(
     before: Mapping[str, Any] | None,
 ) -> dict[str, Any]:
     result = material.result
-    last = before["parameters"]["records"] if before else []
     displacement = result["displacement"]
     return {
         "format": FORMAT,
@@ -89,15 +89,16 @@ def manifest(
         },
         "parameters": {
             "file": VALUES,
-            "records": records(material, last),
+            "records": records(material, before) if material.records is None else material.records,
         },
         "textures": textures,
         "remarks": remarks(result["warnings"], material.notes, material.document),
     }
 
 
-def records(material: Material, last: list[dict[str, Any]]) -> list[dict[str, Any]]:
+def records(material: Material, before: Mapping[str, Any] | None) -> list[dict[str, Any]]:
     """One record for each parameter. Where labels and names are those of the last export, so are the records."""
+    last = before["parameters"]["records"] if before else []
     if material.labels is None and {row["name"] for row in last} == material.result["params"].keys():
         return last
     return parameters.records(material.result, material.document, material.labels or {}, last)
@@ -150,4 +151,5 @@ def encoded(text: str) -> bytes:
 
 
 def dumped(content: Mapping[str, Any]) -> bytes:
-    return encoded(json.dumps(content, indent=1, ensure_ascii=False, allow_nan=False) + "\n")
+    """JSON with one value to a line. An indent would take json's slow way, ten times as long."""
+    return encoded(json.dumps(content, ensure_ascii=False, allow_nan=False, separators=(",\n", ": ")) + "\n")

@@ -2,7 +2,7 @@
 
 import contextlib
 import json
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 from pathlib import Path
 from typing import Any, Literal, NamedTuple
 
@@ -99,8 +99,14 @@ def write_material(target: Target, material: Material) -> Written:
     return commit(target, prepare(target, material))
 
 
+def named(target: Target, material: Material) -> Material:
+    """The first step of it, for those who have something to do in between: the records of the parameters."""
+    name = target.materials.get((material.name, material.library), "")
+    return replace(material, records=manifest.records(material, target.manifest(name) if name else None))
+
+
 def prepare(target: Target, material: Material) -> Prepared:
-    """The first half of it, for those who have something to do in between. Pictures are in their place then."""
+    """The second step. Pictures are in their place then."""
     identity = (material.name, material.library)
     name = target.materials.get(identity, "")
     before = target.manifest(name) if name else None
@@ -114,7 +120,7 @@ def prepare(target: Target, material: Material) -> Prepared:
 
 
 def commit(target: Target, prepared: Prepared) -> Written:
-    """The second half: the files."""
+    """The last step: the files."""
     identity, name, before, made, contents, values = prepared
     changed: Changed = "all"
     if before:
@@ -137,24 +143,18 @@ def update(
     folder: Path, before: dict[str, Any], made: dict[str, Any], contents: dict[str, bytes], values: bytes
 ) -> Changed:
     """Brings the files of a folder up to date. Where only values have changed, their file alone is written."""
-    same = manifest.same_but_values(before, made)
-    if (
-        same
-        and (folder / manifest.MANIFEST).is_file()
-        and all(holds(folder / name, contents[name]) for name in contents)
-    ):
-        if holds(folder / manifest.VALUES, values):
+    now = {name: files.content_of(folder / name) for name in (*contents, manifest.VALUES, manifest.MANIFEST)}
+    wanted = contents | {manifest.VALUES: values}
+    new = {name: content for name, content in wanted.items() if now[name] != content}
+    if now[manifest.MANIFEST] and not new.keys() - {manifest.VALUES} and manifest.same_but_values(before, made):
+        if not new:
             return "nothing"
-        files.put(folder / manifest.VALUES, values)
+        files.replace(folder, new, now)
         return "parameters"
     files.sweep(folder)
-    files.replace(folder, contents | {manifest.VALUES: values, manifest.MANIFEST: manifest.dumped(made)})
+    files.replace(folder, new | {manifest.MANIFEST: manifest.dumped(made)}, now)
     remove_displacement(folder, before, made)
     return "all"
-
-
-def holds(path: Path, content: bytes) -> bool:
-    return path.is_file() and path.read_bytes() == content
 
 
 def remove_displacement(folder: Path, before: dict[str, Any], made: dict[str, Any]) -> None:
