@@ -43,7 +43,7 @@ def run(document: dict[str, Any], options: Options) -> tuple[dict[str, Any], lis
 
 def weighs(entry: dict[str, Any]) -> bool:
     """Whether an input makes a number of a colour."""
-    return "link" in entry and entry["link"][2] == "RGBA" and entry["t"] in NUMBERS
+    return "link" in entry and entry["link"][2] == "RGBA" and entry.get("t") in NUMBERS
 
 
 class Products:
