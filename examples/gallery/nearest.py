@@ -39,7 +39,7 @@ def main(python):
                 pictures.append(render.picture(path.stem, subdivision=2, samples=8, pixels=PIXELS, ir=prepared))
             print(path.stem, *(f"{found.node}: {found.text}" for found in notes), flush=True)
             rows.append(joined(pictures, axis=1))
-    tone.save(joined(rows, axis=0), TARGET, colours=192)
+    tone.save(joined(rows, axis=0), TARGET)
 
 
 def joined(pictures, axis):

@@ -111,6 +111,13 @@ def test_names_are_the_translators():
         assert parameters.parameter_name(identity, socket) == quillgen.param_name(identity, socket)
 
 
+def test_only_whole_identifiers_are_parameters():
+    result = {"code": "aP_V + P_V.xyz + P_V + P_Vx + P_V_", "inputs": [], "displacement": None}
+    result["params"] = {"P_V": ["vector", [1.0, 2.0, 3.0, 4.0]]}
+    changed = parameters.with_literals(result, {"P_V"})["code"]
+    assert changed == "aP_V + float3(1.0, 2.0, 3.0) + float4(1.0, 2.0, 3.0, 4.0) + P_Vx + P_V_"
+
+
 def test_half_a_megabyte_takes_a_blink():
     """One pass over the text: the time grows with the text, not with text times parameters."""
     line = "  float v{0} = (P_Math_{0}__Value * P_Mix_{0}__Color.xyz).x + L.noise(P_Math_{0}__Value_001, v{1});"

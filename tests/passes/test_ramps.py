@@ -134,3 +134,43 @@ def test_a_ramp_that_comes_again_costs_next_to_nothing():
     for _ in range(100):
         ramps.prepared(record)
     assert time.process_time() - start < 0.05
+
+
+# ColorRamp.evaluate of Blender 5.2: the interpolation, stops, and colours at factors.
+MEASURED = (
+    (
+        "B_SPLINE",
+        [
+            [0.132643, [0.603629, 0.066287, 0.924, 0.069079]],
+            [0.476845, [0.046885, 0.397907, 0.581799, 0.620671]],
+            [0.713036, [0.538496, 0.018527, 0.245386, 0.751308]],
+        ],
+        {
+            0.0625: [0.593921, 0.072069, 0.918034, 0.078696],
+            0.390625: [0.258454, 0.265814, 0.667028, 0.454406],
+            0.5: [0.223214, 0.273821, 0.54958, 0.581976],
+            0.78125: [0.502202, 0.046535, 0.270222, 0.741664],
+        },
+    ),
+    (
+        "CARDINAL",
+        [
+            [0.2, [0.754348, 0.74473, 0.384659, 0.631229]],
+            [0.4, [0.762703, 0.984395, 0.753818, 0.855072]],
+            [0.8, [0.778653, 0.982695, 0.118239, 0.098147]],
+        ],
+        {
+            0.0625: [0.75395, 0.733305, 0.367061, 0.620559],
+            0.390625: [0.761927, 0.976026, 0.760064, 0.870093],
+            0.5: [0.76709, 1.0, 0.649061, 0.708769],
+            0.78125: [0.778105, 0.983111, 0.141118, 0.125073],
+        },
+    ),
+)
+
+
+@pytest.mark.parametrize(("interp", "stops", "colours"), MEASURED)
+def test_splines_are_blenders(interp, stops, colours):
+    found = ramp_values.evaluated(stops, interp, list(colours))
+    for ours, colour in zip(found, colours.values(), strict=True):
+        assert ours == pytest.approx(colour, abs=3e-6)

@@ -61,6 +61,12 @@ class Nearest(made.Builder):
         held = entry.get("v") or [0.0, 0.0, 0.0]
         return sum(part * weight for part, weight in zip(held, self.weights, strict=False))
 
+    def clearness(self, entry: dict[str, Any]) -> Operand:
+        """What a body of glass of this colour takes off the opacity: light goes in and comes out, and is coloured
+        twice."""
+        bright = self.brightness(entry)
+        return self.product("Clearness", bright, bright, -CLEAREST)
+
 
 def replaced(node: dict[str, Any], kind: str, inputs: dict[str, Any]) -> dict[str, Any]:
     """The record as another shader, with the same id and the same normal."""
@@ -120,7 +126,7 @@ def glass(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
     nearest.tell(node)
     nearest.clear.add(node["id"])
     sockets = node["in"]
-    alpha = nearest.math(node["id"], "MULTIPLY_ADD", nearest.brightness(sockets["Color"]), -CLEAREST, 1.0)
+    alpha = nearest.math(node["id"], "ADD", nearest.clearness(sockets["Color"]), 1.0)
     inputs = {"Base_Color": sockets["Color"], "Roughness": sockets["Roughness"], "IOR": sockets["IOR"]}
     if node["type"] == "ShaderNodeBsdfRefraction":
         inputs["Specular_IOR_Level"] = made.value(0.0)
@@ -206,10 +212,9 @@ def change_principled(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
         metal = number(sockets.get("Metallic"))
         through = nearest.product(
             node["id"],
-            nearest.brightness(sockets["Base Color"]),
+            nearest.clearness(sockets["Base Color"]),
             weight,
             nearest.math(f"{node['id']} Dielectric", "MULTIPLY_ADD", metal, -1.0, 1.0),
-            -CLEAREST,
         )
         alpha = nearest.product(
             f"{node['id']} Alpha", number(sockets.get("Alpha"), 1.0), nearest.math(node["id"], "ADD", through, 1.0)
