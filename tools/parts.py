@@ -70,8 +70,15 @@ PARTS = (
     pytest(
         "fidelity",
         "generated texts against Cycles, pixel by pixel",
-        "tests/fidelity --ignore tests/fidelity/test_sample.py",
+        "tests/fidelity --ignore tests/fidelity/test_sample.py --ignore tests/fidelity/test_other_blenders.py",
         ALL,
+    ),
+    pytest(
+        "fidelity-in-blender",
+        "a sample of the texts against Cycles, captured in each Blender",
+        "tests/fidelity/test_other_blenders.py",
+        ALL,
+        setup=("build", "tests", "blender"),
     ),
     pytest(
         "robustness",

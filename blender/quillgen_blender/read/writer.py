@@ -132,7 +132,7 @@ class Writer:
 
     def white_noise(self, node: Any, identity: str, entry: Any) -> None:
         """The one texture that has no coordinate of its own: it reads the value of its socket."""
-        if "v" in entry and node.inputs["Vector"].enabled:
+        if "v" in entry and sources.named(node.inputs, "Vector").enabled:
             entry["link"] = self.constant(entry.pop("v"), "Vector", identity)
 
     def linked(
