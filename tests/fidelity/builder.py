@@ -103,6 +103,5 @@ def words(kind, prop):
     """All values of an enumeration of a node type, as Blender has them."""
     import bpy
 
-    return [
-        item.identifier for item in getattr(bpy.types, "ShaderNode" + kind).bl_rna.properties[prop].enum_items
-    ]
+    node = getattr(bpy.types, "ShaderNode" + kind, None)  # older Blenders lack some
+    return [item.identifier for item in node.bl_rna.properties[prop].enum_items] if node else []

@@ -23,9 +23,10 @@ REASONS = {
     "Magic Texture": "up to 5.1 the remainder by a whole turn is taken of the coordinate, not of it times Scale",
     "Blackbody": "a linked temperature goes through a matrix that is nearly one since 5.1",
     "Image Texture": "up to 5.0 bytes are multiplied by alpha under Premultiplied too, floats never",
+    "Normal Map": "up to 5.0 it stands on the interpolated normal at its own length, since 5.1 at unit length",
     "Environment Texture": "up to 5.0 floats are never multiplied by alpha",
     **dict.fromkeys(
-        ("Normal Map", "Bump", "Displacement", "Vector Displacement", "Fresnel", "Layer Weight", "Texture Coordinate"),
+        ("Bump", "Displacement", "Vector Displacement", "Fresnel", "Layer Weight", "Texture Coordinate"),
         "interpolated normals are rounded otherwise since 5.1, which shows where the surface is seen from its edge",
     ),
     **dict.fromkeys(("Ambient Occlusion", "Bevel"), "other random rays"),

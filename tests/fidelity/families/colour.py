@@ -3,7 +3,6 @@
 from builder import Case, Draw, words
 
 COLOURS = {"plain": (1 / 16, 0.0), "bright": (0.25, -0.53125), "grey": None}
-LUMINANCE = "the weights of red, green and blue have four digits, Cycles takes them from the working space"
 
 MATRIX = "the matrix from XYZ to red, green and blue differs from Cycles' in the fourth digit"
 
@@ -63,7 +62,7 @@ def adjustments():
             yield simple("Gamma", "Gamma", f"{name} {gamma}", name, {"Gamma": gamma})
         for factor in (0.0, 0.375, 1.0, 2.0, -1.0):
             yield simple("Invert Color", "Invert", f"{name} {factor}", name, {"Fac": factor})
-        yield simple("RGB to BW", "RGBToBW", name, name, {}, "" if name != "bright" else LUMINANCE)
+        yield simple("RGB to BW", "RGBToBW", name, name, {})
 
 
 def simple(label, kind, name, source, inputs, reason=""):

@@ -2,7 +2,7 @@
 
 from builder import Case, Draw
 
-SPLINES = "ramps of this kind are linear in the translation"
+SPLINES = "splines are linear stops that stay within a thousandth"
 TABLE = "Cycles looks a ramp up in a table of 257 entries, so it bends and steps at other places in between"
 
 

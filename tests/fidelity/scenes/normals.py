@@ -7,7 +7,6 @@ import bpy
 from builder import Case, words
 from families.pictures import picture
 
-LENGTH = "the translation takes the normal at unit length, Cycles the interpolated one"
 BACK = "on back faces Cycles moves what is attached to the mesh backwards"
 CORNERS = "Cycles moves the coordinate of the normal along with the surface"
 RADIAL = "Cycles leaves a radial tangent where it is"
@@ -21,20 +20,19 @@ def cases(scene):
     yield from normal_maps(scene)
     for case in [*bumps(scene), *displacements(scene)]:
         far = scene.name == "grid far away" and not any(word in case.name for word in FINE_FAR)
+        far = far and case.node != "Vector Displacement"
         yield case._replace(reason=case.reason or (FAR if far else ""))
 
 
 def normal_maps(scene):
     for space in words("NormalMap", "space"):
         for strength in (1.0, 0.4, 0.0, 2.5, -1.0):
-            reason = LENGTH if space == "TANGENT" and scene.smooth and strength != 0 else ""
             yield Case(
                 "Normal Map",
                 f"{space} {strength}",
                 lambda c, space=space, strength=strength: c.node(
                     "NormalMap", {"Color": directions(c), "Strength": strength}, space=space
                 ).outputs[0],
-                reason,
             )
         yield Case(
             "Normal Map",
@@ -49,7 +47,6 @@ def normal_maps(scene):
             lambda c, space=space: c.node("NormalMap", {"Color": (0.7, 0.4, 0.9, 1.0)}, space=space).outputs[
                 0
             ],
-            LENGTH if space == "TANGENT" and scene.smooth else "",
         )
         for settings in conventions():
             yield Case(
@@ -58,7 +55,6 @@ def normal_maps(scene):
                 lambda c, space=space, settings=settings: c.node(
                     "NormalMap", {"Color": directions(c)}, space=space, **settings
                 ).outputs[0],
-                LENGTH if space == "TANGENT" and scene.smooth else "",
             )
 
 
