@@ -12,8 +12,8 @@ SCRIPTS = ROOT / "unreal" / "Quillgen" / "Content" / "Python"
 for folder in (ROOT, ROOT / "blender", SCRIPTS, HERE, HERE.parent / "gpu"):
     sys.path.insert(0, str(folder))
 
-import double  # noqa: E402
-from double import tables  # noqa: E402
+import double
+from double import tables
 
 NEWEST = tables.VERSIONS[-1]
 

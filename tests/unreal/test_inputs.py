@@ -113,6 +113,26 @@ def _around(where):
     return thing, test_picture.CAMERA, places, points
 
 
+@pytest.mark.parametrize("blend, space", [("masked", "CAMERA"), ("opaque", "VIEW")])
+def test_the_opacity_does_not_follow_the_light(start, tmp_path, blend, space):
+    """In shadow passes the view is the light's; the camera's axes stay."""
+    ue = start()
+    ue.plugin.import_material(export(tmp_path / "out", [r for r in KINDS if r["kind"] == "view_axis"], blend=blend))
+    spaces = {source.transform_source_type.name for _, source, _ in wires(custom_of(ue))}
+    assert spaces == {f"TRANSFORMSOURCE_{space}"}
+
+
+@pytest.mark.parametrize("instanced, space", [(True, "INSTANCE"), (False, "LOCAL")])
+def test_the_space_of_an_instance(start, tmp_path, instanced, space):
+    ue = start((5, 4))
+    kinds = ("object_axis", "object_origin", "local_position")
+    folder = export(tmp_path / "out", [r for r in KINDS if r["kind"] in kinds])
+    ue.plugin.import_material(folder, instanced=instanced)
+    named = [(e.transform_source_type.name, e.transform_type.name)
+             for e in ue.editor.assets["/Game/Blender/M_Every_Kind"]._expressions if kind_of(e).startswith("Transform")]
+    assert len(named) == 5 and all(sum(name.endswith(f"_{space}") for name in pair) == 1 for pair in named)
+
+
 def test_one_expression_for_each_distinct_input(start, tmp_path):
     """Two inputs of one kind share their expression, and so do chains that begin alike."""
     ue = start((5, 3))

@@ -4,8 +4,10 @@ import json
 import pytest
 
 import test_inputs
+from double.libraries import width_of
 from examples.gallery import materials
 from quillgen_blender import pipeline, write
+from shader import kind_of, wires
 from test_refused import edit, put, retext
 
 M, MI = "/Game/Blender/M_Car_Paint", "/Game/Blender/MI_Car_Paint"
@@ -65,6 +67,10 @@ def test_parameters_as_an_artist_reads_them(paint):
     made = {e.parameter_name: e for e in paint.editor.assets[M]._expressions
             if type(e).__name__.endswith(("ScalarParameter", "VectorParameter"))}
     assert set(made) == {r["label"] for r in records["records"]}
+    custom = next(e for e in paint.editor.assets[M]._expressions if kind_of(e) == "Custom" and len(e.outputs()) > 1)
+    for name, source, index in wires(custom):
+        if kind_of(source) == "VectorParameter":
+            assert width_of(source, index) == 4, name  # three more are cut off otherwise
     for record in records["records"]:
         e = made[record["label"]]
         assert (e.group, e.sort_priority) == (record["group"], record["order"])
@@ -80,6 +86,30 @@ def test_a_slider_touches_the_instance_alone(paint):
     assert outcome.status == "values"
     assert paint.editor.unsaved == {MI} and not paint.editor.compiled
     assert 0.625 in held(paint.editor).values()
+
+
+def test_values_that_32_bits_round_are_set_once(paint):
+    export(paint.folder, slide(0.1))
+    assert paint.plugin.import_all(paint.folder)[0].status == "values"
+    paint.editor.save_all()
+    assert paint.plugin.import_all(paint.folder)[0].status == "unchanged"
+    assert not paint.editor.unsaved
+
+
+def test_other_defaults_alone_compile_nothing(paint):
+    """As after an export of everything: the text is the same, the instance has the values."""
+    folder = paint.folder / "Car Paint"
+
+    def change(manifest):
+        for record in (*manifest["parameters"]["records"], *manifest["surface"]["inputs"]):
+            if record["kind"] == "scalar":
+                record["default"] = 0.5
+
+    edit(folder, change)
+    assert paint.plugin.import_all(paint.folder)[0].status == "unchanged"
+    (folder / "parameters.json").write_text('{"format": "quillgen-parameters", "version": 1, "values": {}}')
+    assert paint.plugin.import_all(paint.folder)[0].status == "values"
+    assert not paint.editor.compiled and paint.editor.unsaved == {MI}
 
 
 def test_another_text_rebuilds_the_material_in_place(paint):

@@ -5,6 +5,9 @@ import types
 from . import levels, libraries, menus, objects, tables
 
 
+SPECIAL = {"Custom": objects.Custom, "TextureObjectParameter": objects.TextureObject}
+
+
 class CompileError(Exception):
     """What the editor writes into the material's window and its log."""
 
@@ -96,6 +99,6 @@ def _types(module, editor):
     for name, (fields, pins_in, pins_out) in tables.EXPRESSIONS.items():
         full = f"MaterialExpression{name}"
         if _there(full, version):
-            base = objects.Custom if name == "Custom" else objects.Expression
+            base = SPECIAL.get(name, objects.Expression)
             members = {"_types": {"desc": "str", **fields}, "_pins_in": pins_in, "_pins_out": pins_out}
             setattr(module, full, type(full, (base,), {**members, "_module": module}))

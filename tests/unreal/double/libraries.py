@@ -196,6 +196,7 @@ def _materials(module, editor):
         @staticmethod
         def recompile_material(material):
             editor.compiled.append(editor.path_of(material))
+            editor.log += [("log_error", error) for error in compile_errors(material)]
             material._touch()
 
         @staticmethod
@@ -215,6 +216,29 @@ def _materials(module, editor):
             instance._touch()
 
     return MaterialEditingLibrary
+
+
+def compile_errors(material):
+    """What the editor says of a material that can't be compiled, as far as that can be told without its HLSL."""
+    for e in material._expressions:
+        kind = type(e).__name__
+        if kind == "MaterialExpressionCustom":
+            missing = [(k, name) for k, name in enumerate(e.inputs()) if k not in e._wires]
+            yield from (f"Custom material {e.description} missing input {k + 1} ({name})" for k, name in missing)
+        if kind == "MaterialExpressionTextureObjectParameter":
+            wanted = sampler_type(e.texture)
+            if e.sampler_type is not wanted:
+                yield f"Sampler type is {e.sampler_type.name}, should be {wanted.name} for {e.texture.get_name()}"
+
+
+def sampler_type(texture):
+    """The one that belongs to a texture's settings."""
+    kinds, compression = texture._module.MaterialSamplerType, texture.compression_settings.name
+    if compression == "TC_NORMALMAP":
+        return kinds.SAMPLERTYPE_NORMAL
+    if compression == "TC_GRAYSCALE":
+        return kinds.SAMPLERTYPE_GRAYSCALE if texture.srgb else kinds.SAMPLERTYPE_LINEAR_GRAYSCALE
+    return kinds.SAMPLERTYPE_COLOR if texture.srgb else kinds.SAMPLERTYPE_LINEAR_COLOR
 
 
 def _override(module, instance, kind, name, value):

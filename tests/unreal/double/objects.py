@@ -176,3 +176,14 @@ class Custom(Expression):
         super()._changed(name, before)
         if name == "inputs":
             self._wires.clear()
+
+
+class TextureObject(Expression):
+    """A new texture chooses the sampler type by itself."""
+
+    def _changed(self, name, before):
+        super()._changed(name, before)
+        if name == "texture" and self._values["texture"] is not None:
+            from .libraries import sampler_type
+
+            self._values["sampler_type"] = sampler_type(self._values["texture"])
