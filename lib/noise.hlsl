@@ -5,45 +5,16 @@
 // noise at one place: what differs between octaves, colour channels and components is data of a loop. The corners of a
 // cell aren't: they are side by side.
 
-// A coordinate brought to where float32 resolves cells: the remainder by 100000 with its sign, and half a cell more
-// from a million on, where most coordinates are integers and the noise would be zero.
+// A point brought to where float32 resolves cells, where one of its coordinates is 100000 or more: the remainder by
+// 100000 with its sign, and half a cell more from a million on, where most coordinates are integers and the noise would
+// be zero. The squared length is one test for all; a smaller coordinate that comes along stays as it is.
 // Exact up to 2e12 also where a compiler makes the remainder of a rounded quotient: the first step leaves what the
 // second can take without rounding (409600000 = 4096 * 100000). What is infinite or no number ends up somewhere, too.
-float noise_wrap(float x) {
-  return max(x % 409600000.0 % 100000.0, -100000.0) + 0.5 * step(1000000.0, abs(x));
-}
-
-// All coordinates of a point brought there, where one of them is 100000 or more. The squared length is one test for
-// all; a smaller coordinate that comes along stays as it is. Each turn wraps one coordinate and moves the others up.
-float noise_wrap1(float p) {
-  [branch]
-  if (!(abs(p) < 100000.0)) p = noise_wrap(p);
-  return p;
-}
-
-float2 noise_wrap2(float2 p) {
+// @each DIM 1 2 3 4
+floatDIM noise_wrapDIM(floatDIM p) {
   [branch]
   if (!(dot(p, p) < 1e10)) {
-    [loop]
-    for (int i = 0; i < 2; i++) p = float2(p.y, noise_wrap(p.x));
-  }
-  return p;
-}
-
-float3 noise_wrap3(float3 p) {
-  [branch]
-  if (!(dot(p, p) < 1e10)) {
-    [loop]
-    for (int i = 0; i < 3; i++) p = float3(p.yz, noise_wrap(p.x));
-  }
-  return p;
-}
-
-float4 noise_wrap4(float4 p) {
-  [branch]
-  if (!(dot(p, p) < 1e10)) {
-    [loop]
-    for (int i = 0; i < 4; i++) p = float4(p.yzw, noise_wrap(p.x));
+    p = max(p % 409600000.0 % 100000.0, -100000.0) + 0.5 * step(1000000.0, abs(p));
   }
   return p;
 }
