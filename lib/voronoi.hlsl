@@ -3,7 +3,8 @@
 // bits, so coordinates beyond +-2^31 give arbitrary values. Cells and colours are Blender's exactly, distances up
 // to rounding.
 // Hashes are the cost, and most cells around a point are too far away to matter: a cell is left out where even the
-// nearest corner that its point can have is farther than what has been found.
+// nearest corner that its point can have is farther than what has been found. The loops in one another have constant
+// numbers of turns, which FXC plays through one by one unless fastopt keeps it from that: 0.3 s in place of 3.4 s.
 
 // Comparing distances takes no root of them: the bound of a vector is the sum of its components' terms, or the largest.
 float voronoi_term(float d, QWKVoronoiParams params)
@@ -181,7 +182,7 @@ float voronoi_walkDIM(QWKVoronoiParams params, floatDIM c, floatDIM around, floa
     int next_key = 0;
     floatDIM best_h = 0.0;
     floatDIM next_h = 0.0;
-    [loop]
+    [loop] [fastopt]
     for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
     {
         intDIM at = cell_rowDIM(row);
@@ -191,7 +192,7 @@ float voronoi_walkDIM(QWKVoronoiParams params, floatDIM c, floatDIM around, floa
         {
             intDIM v = base + at * 1664525;
             int2 growth = hash_rowDIM(v);
-            [loop]
+            [loop] [fastopt]
             for (uint i = 0u; i < 3u; i++)
             {
                 at.x = cell_offset(i);
@@ -292,7 +293,7 @@ QWKVoronoiOutput voronoi_smoothDIM(QWKVoronoiParams params, floatDIM co)
     float limit = best;
     float3 color = 0.0;
     floatDIM place = 0.0;
-    [loop]
+    [loop] [fastopt]
     do
     {
         at.x = 0;
@@ -303,7 +304,7 @@ QWKVoronoiOutput voronoi_smoothDIM(QWKVoronoiParams params, floatDIM co)
             intDIM v = base + at * 1664525;
             int2 growth = hash_rowDIM(v);
             v.xy -= growth * reach;
-            [loop]
+            [loop] [fastopt]
             for (at.x = -reach; at.x <= reach; at.x++)
             {
                 float least = voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params);

@@ -30,7 +30,7 @@ float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
     intDIM base = hash_intDIM(intDIM(c));
     float edge = 3.402823466e+38;
     float limit = edge;
-    [loop]
+    [loop] [fastopt]
     for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
     {
         intDIM at = cell_rowDIM(row);
@@ -40,7 +40,7 @@ float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
         {
             intDIM v = base + at * 1664525;
             int2 growth = hash_rowDIM(v);
-            [loop]
+            [loop] [fastopt]
             for (uint i = 0u; i < 3u; i++)
             {
                 at.x = cell_offset(i);
