@@ -66,6 +66,14 @@ PARTS = (
     pytest("materials", "the example materials and the gallery", "tests/test_materials.py tests/test_gallery.py", ALL),
     pytest("texts", "DXC takes every golden text", "tests/golden/test_compiles.py", DEFAULT),
     pytest("library", "the HLSL library on DXC and a Vulkan device", "tests/gpu tests/library", DEFAULT),
+    pytest(
+        "fxc",
+        "Microsoft's FXC (under Wine) and spirv-cross take the example materials",
+        "tests/fxc -s",
+        (),
+        setup=("build", "tests", "fxc"),
+        option="fxc",
+    ),
     pytest("fidelity-sample", "a sample of the texts against Cycles", "tests/fidelity/test_sample.py", SHORT),
     pytest(
         "fidelity",

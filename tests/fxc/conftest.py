@@ -1,0 +1,45 @@
+"""The example materials as pixel shaders of Direct3D 11."""
+
+import pytest
+
+import custom_expression
+import quillgen
+from golden.documents import EXAMPLES, example
+
+WORDS = {1: "float", 2: "float2", 3: "float3", 4: "float4"}
+
+
+def pixel_shader(result):
+    """The text in a pixel shader; its inputs come from a constant buffer and vary with a coordinate."""
+    head, call = [], []
+    for name, record in custom_expression.inputs_of(result):
+        if record["kind"] == "texture":
+            head.append(f"Texture2D qh_{name};")
+            call += [f"qh_{name}", "qh_sampler"]
+        else:
+            head.append(f"cbuffer qh_buffer_{name} {{ float4 qh_{name}; }}")
+            call.append(f"qh_{name}.{'xyzw'[: custom_expression.width(record)]} * at.x")
+    outputs = {k: v for k, v in custom_expression.outputs_of(result).items() if k != custom_expression.RETURNED}
+    lines = [f"  {kind} {name} = ({kind})0;" for name, kind in outputs.items()]
+    arguments = ", ".join(["parameters", *call, *outputs])
+    lines.append(f"  float4 shown = float4((float3)CustomExpression0({arguments}), 0.0);")
+    lines += [f"  shown.xyz += (float3){name};" for name in outputs]
+    return "\n".join(
+        [
+            custom_expression.HEAD,
+            "SamplerState qh_sampler;",
+            *head,
+            custom_expression.function(result),
+            "float4 main(float4 at : TEXCOORD0) : SV_Target {",
+            "  FMaterialPixelParameters parameters = (FMaterialPixelParameters)0;",
+            *lines,
+            "  return shown;",
+            "}",
+        ]
+    )
+
+
+@pytest.fixture(scope="session")
+def shaders():
+    """Name -> text of a pixel shader, for each example material."""
+    return {name: pixel_shader(quillgen.compile(example(name))) for name in sorted(p.stem for p in EXAMPLES.glob("*.json"))}
