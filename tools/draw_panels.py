@@ -45,8 +45,8 @@ def drawing() -> str:
     """The panels of a material that was just exported. The numbers are fixed, so that the same panels give the same
     drawing."""
     import bpy
-    import materials
-    from recording import context_of, drawn
+    import materials  # type: ignore[import-not-found]
+    from recording import context_of, drawn  # type: ignore[import-not-found]
 
     from quillgen_blender.ui import panels, state
 
@@ -63,11 +63,12 @@ def drawing() -> str:
     state.keep(material, outcome)
     state.clock = lambda when: "12:00:00"
     try:
-        layouts = [(panel.bl_label, drawn(panel, context_of(panel, material, WIDTH))) for panel in panels.CLASSES[:3]]
+        layouts = [drawn(panel, context_of(panel, material, WIDTH)) for panel in panels.CLASSES[:3]]
     finally:
         state.clock = state.local_clock
     bpy.context.scene.quillgen.folder = ""
-    return svg([(label, layout) for label, layout in layouts if layout])
+    labels = [getattr(panel, "bl_label", "") for panel in panels.CLASSES[:3]]
+    return svg([(label, layout) for label, layout in zip(labels, layouts) if layout])
 
 
 def svg(layouts: list[tuple[str, Any]]) -> str:

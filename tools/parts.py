@@ -126,13 +126,13 @@ PARTS = (
     pytest(
         "extension",
         "the files of an export, without Blender",
-        "tests/extension --ignore tests/extension/test_interface.py --ignore tests/extension/test_install.py",
+        "tests/extension/test_names.py tests/extension/test_parameters.py tests/extension/test_write.py",
         FAST,
     ),
     pytest(
         "extension-in-blender",
         "the interface, the command line and the installation, in Blender",
-        "tests/extension/test_interface.py tests/extension/test_install.py",
+        "tests/extension/test_interface.py tests/extension/test_command.py tests/extension/test_install.py",
         ALL,
         setup=("build", "tests", "blender"),
     ),
