@@ -55,6 +55,7 @@ def drawing() -> str:
     material = bpy.data.materials["Wire"]
     bpy.context.object.active_material_index = bpy.context.object.material_slots.find("Wire")
     bpy.context.scene.quillgen.folder = tempfile.gettempdir()
+    material.node_tree.nodes.active = material.node_tree.nodes["My Wire"]
     bpy.ops.quillgen.check()
     outcome = state.last(material)
     assert outcome

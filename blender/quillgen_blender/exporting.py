@@ -17,6 +17,8 @@ from .pipeline import Failed, Settings
 from .read import labels, pictures
 from .write import Material, Picture, Target
 
+MARK = "quillgen_named"  # the custom property of a node whose values stay live among "named" ones
+
 
 @dataclass(frozen=True)
 class Outcome:
@@ -149,6 +151,8 @@ def translation(
     yield "comparing"
     same = labels_are_as_before(material, reading, settings, memory, may_be_unchanged)
     yield "translating"
+    if settings.options.parameters in ("auto", "named"):
+        settings = replace(settings, named={*settings.named, *marked(material, reading)})
     try:
         made = pipeline.translate(material.name, reading.document, reading.notes, settings)
     except Failed as error:
@@ -168,6 +172,19 @@ def translation(
         made_by={**made.made_by, "blender": ".".join(map(str, bpy.app.version))},
     )
     return made, reading.paths
+
+
+def marked(material: Any, reading: read.Reading) -> set[str]:
+    """The parameters of the nodes that the artist marked, which stay live among "named" ones."""
+    trees = {node.id_data for node in labels.all_nodes(material.node_tree) if node.get(MARK)}
+    if not trees:
+        return set()
+    found = set()
+    for name, (identity, _) in write.origins(reading.document).items():
+        chain = labels.nodes_on(material.node_tree, reading.paths.get(identity, ()))
+        if chain and chain[-1].get(MARK):
+            found.add(name)
+    return found
 
 
 def labels_are_as_before(

@@ -150,6 +150,23 @@ def check_options_change_what_is_exported():
     assert [row["label"] for row in manifest(out / "Wall_ brick_")["parameters"]["records"]] == ["Worn / Amount"]
 
 
+def check_a_marked_node_stays_live():
+    out = setting()
+    material = active("Oak")
+    scene = bpy.context.scene.quillgen
+    scene.parameters = "named"
+    bpy.ops.quillgen.export()
+    assert manifest(out / "Oak")["parameters"]["records"] == []
+    material.node_tree.nodes.active = material.node_tree.nodes["Noise Texture"]
+    assert bpy.ops.quillgen.mark_node() == {"FINISHED"}
+    bpy.ops.quillgen.export()
+    found = {row["node"] for row in manifest(out / "Oak")["parameters"]["records"]}
+    assert found == {"Noise Texture"}
+    bpy.ops.quillgen.mark_node()
+    bpy.ops.quillgen.export()
+    assert manifest(out / "Oak")["parameters"]["records"] == []
+
+
 def check_nothing_in_the_file_changes():
     setting()
     names = sorted(each.name for kind in (bpy.data.images, bpy.data.node_groups, bpy.data.materials) for each in kind)

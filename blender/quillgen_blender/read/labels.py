@@ -240,3 +240,12 @@ def interface_range(tree: Any, identifier: str) -> tuple[float | None, float | N
                 return None, None, item.description
             return low, high, item.description
     return None, None, ""
+
+
+def all_nodes(tree: Any, depth: int = 0) -> Iterator[Any]:
+    """The nodes of a tree and of the groups in it."""
+    for node in tree.nodes:
+        yield node
+        inner = getattr(node, "node_tree", None)
+        if inner and depth < 50:
+            yield from all_nodes(inner, depth + 1)

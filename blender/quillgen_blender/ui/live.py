@@ -11,6 +11,7 @@ from typing import Any, NamedTuple
 import bpy
 
 from .. import exporting, write
+from ..read import labels
 from . import preferences, settings, state
 
 SLICE = 0.001  # seconds of work after which no further step begins; one may take three times as long
@@ -98,7 +99,7 @@ def users(edited: dict[int, float]) -> Iterator[str]:
         yield "looking"
         if exporting.exportable(material):
             continue
-        parts = {part.session_uid for node in all_nodes(material.node_tree) for part in parts_of(node)}
+        parts = {part.session_uid for node in labels.all_nodes(material.node_tree) for part in parts_of(node)}
         times = [when for uid, when in edited.items() if uid in parts]
         if times:
             _waiting.materials[material.session_uid] = max(times)
@@ -153,7 +154,7 @@ def begin(context: Any, rest: float) -> bool:
 def changed_images(material: Any, before: dict[str, Any]) -> set[str]:
     """The images of a material that the target hasn't got as they are."""
     kept = {record["image"] for record in before["textures"] if record["file"]}
-    used = {node.image.name for node in all_nodes(material.node_tree) if getattr(node, "image", None)}
+    used = {node.image.name for node in labels.all_nodes(material.node_tree) if getattr(node, "image", None)}
     return (used - kept) | (used & _waiting.images)
 
 
@@ -183,11 +184,3 @@ def current_target(context: Any) -> write.Target | None:
         _waiting.target = write.look(path)
         _waiting.memories.clear()
     return _waiting.target
-
-
-def all_nodes(tree: Any, depth: int = 0) -> Iterator[Any]:
-    for node in tree.nodes:
-        yield node
-        inner = getattr(node, "node_tree", None)
-        if inner and depth < 50:
-            yield from all_nodes(inner, depth + 1)

@@ -1,4 +1,5 @@
-"""What the buttons do. No operator but the one that selects a node changes anything in the file."""
+"""What the buttons do. Exports change nothing in the file; what selects or marks a node can be
+undone."""
 
 import json
 import time
@@ -199,6 +200,39 @@ class CopyText(MaterialOperator, bpy.types.Operator):
         return {"FINISHED"}
 
 
+class MarkNode(bpy.types.Operator):
+    """Keep the values of the active node live in Unreal where only named values are"""
+
+    bl_idname = "quillgen.mark_node"
+    bl_label = "Live in Unreal"
+    bl_options = {"REGISTER", "UNDO"}
+
+    @classmethod
+    def poll(cls, context: Any) -> bool:
+        if active_node(context) is None:
+            cls.poll_message_set("No node is active")
+            return False
+        return True
+
+    def execute(self, context: Any) -> set[str]:
+        node = active_node(context)
+        if node.get(exporting.MARK):
+            del node[exporting.MARK]
+        else:
+            node[exporting.MARK] = True
+        node.id_data.update_tag()
+        return {"FINISHED"}
+
+
+def active_node(context: Any) -> Any:
+    """The active node of the tree that the Shader Editor shows, or else of the material."""
+    tree = getattr(context.space_data, "edit_tree", None)
+    if tree is None:
+        material = shown_material(context)
+        tree = material.node_tree if material else None
+    return tree.nodes.active if tree else None
+
+
 class SelectNode(bpy.types.Operator):
     """Select this node and show it in the Shader Editor"""
 
@@ -247,4 +281,4 @@ def show_node(context: Any, material: Any, chain: tuple[Any, ...]) -> bool:
     return False
 
 
-CLASSES = (Export, Check, CopyText, SelectNode)
+CLASSES = (Export, Check, CopyText, MarkNode, SelectNode)

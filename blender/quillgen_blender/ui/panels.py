@@ -78,6 +78,10 @@ class OptionsPanel:
         row = layout.row()
         row.active = scene.parameters == "auto"
         row.prop(scene, "limit")
+        node = operators.active_node(context) if scene.parameters in ("auto", "named") else None
+        if node:
+            marked = bool(node.get(exporting.MARK))
+            layout.operator("quillgen.mark_node", text=f"{node.name}: Live in Unreal", depress=marked)
         layout.prop(scene, "displacement")
         layout.prop(scene, "textures")
 
