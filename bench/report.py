@@ -10,6 +10,7 @@ import platform
 import statistics
 import sys
 
+import executed
 import text_cost
 import translation
 
@@ -147,7 +148,7 @@ def main(python):
     lines = ["# What it costs", "",
              f"Made by `tools/bench` on {os.cpu_count()} processors ({platform.machine()}), "
              f"{platform.python_implementation()} {platform.python_version()}.", "",
-             *translation_part(translation.materialx(python)), *text_part()]
+             *translation_part(translation.materialx(python)), *executed.lines(), *text_part()]
     text = "\n".join(lines)
     TARGET.parent.mkdir(exist_ok=True)
     TARGET.write_text(text, encoding="utf-8")
