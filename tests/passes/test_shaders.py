@@ -154,7 +154,8 @@ def test_the_share_of_sheen_is_that_of_cycles():
 def test_a_white_transparent_is_left_and_a_coloured_one_filters():
     white = surface(bsdf("BsdfTransparent", Color=colour([1.0] * 4)))
     assert shaders.run(white, LITERALS)[0] is white
-    found, _ = shaders_of(surface(bsdf("BsdfTransparent")))
+    found, after = shaders_of(surface(bsdf("BsdfTransparent")))
+    assert after["settings"]["blend"] == "BLENDED"
     sockets = found["BsdfTransparent"]["in"]
     assert sockets["Alpha"]["v"] == pytest.approx(1 - grey(RED))
     assert sockets["Base Color"]["v"][:3] == pytest.approx([max(part - grey(RED), 0) for part in RED[:3]])

@@ -139,6 +139,7 @@ def transparent(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
     if not is_linked(color) and min((color.get("v") or [1.0])[:3]) >= 0.999:
         return node
     nearest.tell(node, "Color")
+    nearest.clear.add(node["id"])
     bright = nearest.brightness(color)
     alpha = nearest.math(node["id"], "MULTIPLY_ADD", bright, -1.0, 1.0)
     if isinstance(bright, dict):

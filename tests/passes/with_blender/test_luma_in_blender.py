@@ -9,8 +9,8 @@ import pytest
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parent), str(HERE.parents[1] / "host")]
 
-import blenders  # noqa: E402
-from quillgen_blender.passes import luma  # noqa: E402
+import blenders
+from quillgen_blender.passes import luma
 
 
 @pytest.mark.parametrize("version", blenders.VERSIONS)
