@@ -1,7 +1,7 @@
 """The part of docs/performance.md on what a GPU executes, from the figures kept in executed.json.
 
-The figures are exact counts, kept because what counts them is no part of the repository. A row: name -> [cycles, latency,
-static DXIL instructions, vector registers], before and now.
+The figures are exact counts, kept because what counts them is no part of the repository. A row: name -> [cycles,
+latency, static DXIL instructions, vector registers], before and now.
 """
 
 import json
@@ -34,7 +34,8 @@ def lines():
     found = TEXT.split("\n")
     for title, rows in kept.items():
         found += [f"### Executed: {title}", ""]
-        found += ["| | cycles before | now | ratio | latency before | now | ratio | static DXIL before | now | registers |"]
+        head = ("", "cycles before", "now", "ratio", "latency before", "now", "ratio", "static DXIL before", "now")
+        found += [f"| {' | '.join(head)} | registers |"]
         found += ["| --- |" + " ---: |" * 9]
         for name, (before, now) in rows.items():
             cells = [f"{before[0]:,.0f}", f"{now[0]:,.0f}", _ratio(now[0], before[0])]

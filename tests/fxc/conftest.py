@@ -42,4 +42,6 @@ def pixel_shader(result):
 @pytest.fixture(scope="session")
 def shaders():
     """Name -> text of a pixel shader, for each example material."""
-    return {name: pixel_shader(quillgen.compile(example(name))) for name in sorted(p.stem for p in EXAMPLES.glob("*.json"))}
+    return {
+        name: pixel_shader(quillgen.compile(example(name))) for name in sorted(p.stem for p in EXAMPLES.glob("*.json"))
+    }
