@@ -252,7 +252,7 @@ float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness,
 
 // Where the noise is read for the components of the distortion and for the second and third channel of the colour:
 // offsets in 100 to 200 that keep them apart from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s,
-// j), in one dimension 100 + 100 * hash_float_to_float(s). Choices, as an array costs memory at each use; and typed
+// j), rounded once as Blender does from 5.1 on, in one dimension 100 + 100 * hash_float_to_float(s). Choices, as an array costs memory at each use; and typed
 // values, as a choice of plain literals loses digits in one of the two targets of the compiler.
 float noise_offset1(int s) {
   float3 o = float3(158.24258, 114.83605, 188.4887);
@@ -260,10 +260,10 @@ float noise_offset1(int s) {
 }
 
 float4 noise_offset(int s) {
-  return s == 0 ? float4(186.03128, 114.955956, 154.44751, 142.50491) :
-    s == 1 ? float4(199.84, 162.2926, 154.04823, 142.26761) :
-    s == 2 ? float4(111.63384, 157.36938, 199.0881, 178.43613) :
-    s == 3 ? float4(165.44528, 162.76822, 193.40842, 145.25551) :
+  return s == 0 ? float4(186.03128, 114.955956, 154.447495, 142.50491) :
+    s == 1 ? float4(199.84, 162.292587, 154.04823, 142.267593) :
+    s == 2 ? float4(111.63384, 157.3694, 199.0881, 178.436142) :
+    s == 3 ? float4(165.44528, 162.76822, 193.408401, 145.25551) :
     s == 4 ? float4(155.58092, 177.15463, 138.14003, 180.18573) :
     float4(188.85379, 132.67769, 162.05215, 185.26816);
 }

@@ -56,14 +56,15 @@ float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, f
   return float2(saturate(float(h) * 4.656612873077393e-10 + bias), mortar);
 }
 
-// Magic: a colour from sines folded into one another `depth` times (0 to 10). co repeats every 2 pi before it is
-// scaled; what rounding leaves of a coordinate far out is kept in that range.
+// Magic: a colour from sines folded into one another `depth` times (0 to 10). What is scaled repeats every 2 pi, as in
+// Blender from 5.2 on; before, the coordinate did. What rounding leaves of one far out is kept in that range.
 // Tolerance: 1e-5, the GPU's sine at each fold.
 float3 tex_magic(float3 co, float scale, int depth, float distortion) {
+  co *= scale;
   co = clamp(mad(trunc(co / 6.2831855), -6.2831855, co), -6.2831855, 6.2831855);
-  float x = sin((co.x + co.y + co.z) * 5.0 * scale);
-  float y = cos((-co.x + co.y - co.z) * 5.0 * scale);
-  float z = -cos((-co.x - co.y + co.z) * 5.0 * scale);
+  float x = sin((co.x + co.y + co.z) * 5.0);
+  float y = cos((-co.x + co.y - co.z) * 5.0);
+  float z = -cos((-co.x - co.y + co.z) * 5.0);
   if (depth > 0) {
     x *= distortion;
     y *= distortion;

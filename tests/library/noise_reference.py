@@ -152,7 +152,7 @@ def shift(seed, d):
     """Where the noise is read for a component of the distortion or a channel of the colour."""
     seeds = np.full(d, seed, np.float32)
     h = float_hash(seeds) if d == 1 else float_hash(seeds, np.arange(d, dtype=np.float32))
-    return (np.float32(100.0) + np.float32(100.0) * h).astype(np.float64)
+    return np.float32(100.0 + 100.0 * h.astype(np.float64)).astype(np.float64)
 
 
 def texture(kind, co, detail, rough, lac, offset, gain, distortion, normalize):

@@ -147,7 +147,7 @@ def test_magic_repeats_every_turn():
     settings = (1.5, 4, 1.25)
     for turns in (1, -2, 30):
         # The sign of a remainder is the coordinate's, so a repetition is to be sought on one side of 0.
-        moved = co + np.sign(co) * np.float32(6.2831855) * abs(turns)
+        moved = co + np.sign(co) * np.float32(6.2831855 / settings[0]) * abs(turns)
         apart = np.abs(evaluate("tex_magic", moved, *settings) - evaluate("tex_magic", co, *settings))
         assert apart.max() <= 2e-4 * abs(turns)
 
@@ -231,7 +231,7 @@ FLOAT5 = ["float"] * 5
         ("tex_checker", ["float3"], "float", 18),
         ("tex_brick", ["float3", *FLOAT5, "float", "int", "float", "int"], "float2", 73),
         ("tex_brick", ["float3", *FLOAT5, "0.5", "2", "1.0", "2"], "float2", 62),
-        ("tex_magic", ["float3", "float", "int", "float"], "float3", 128),
+        ("tex_magic", ["float3", "float", "int", "float"], "float3", 130),
         ("tex_wave", ["int", "int", "int", "int", "float3", *FLOAT5], "float", 380),
         ("tex_wave", ["0", "0", "0", "0", "float3", "0.0", *FLOAT5[1:]], "float", 12),
     ],
