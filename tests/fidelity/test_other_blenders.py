@@ -28,5 +28,6 @@ def test_a_sample_agrees_with_cycles(version, tmp_path, monkeypatch):
     blenders.run(version, HERE / "make_cases.py", f"--every={EVERY}", *FAMILIES)
     monkeypatch.setattr(store, "DATA", tmp_path)
     outcomes = [one for one in compare.run() if one.node not in OTHER.get(version, ())]
-    assert len(outcomes) > 200
-    assert [(one.node, one.name, one.worst) for one in report.disagreeing(outcomes)] == []
+    assert len(outcomes) > 150  # older Blenders have fewer nodes and settings
+    off = [f"{one.node} {one.name}: {one.worst:.1e} {one.error}" for one in report.disagreeing(outcomes)]
+    assert not off, "\n".join(off)

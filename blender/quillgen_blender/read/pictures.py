@@ -85,10 +85,16 @@ def untouched(picture: Any) -> bool:
     return picture.source == "FILE" and not picture.is_dirty and not picture.packed_file
 
 
+def from_file(picture: Any) -> bool:
+    """Whether Cycles reads the file by itself and shows its numbers. Up to 5.0 it multiplies floats of other formats
+    than OpenEXR as Blender does."""
+    return untouched(picture) and (MODES_COUNT or not picture.is_float or picture.file_format in FLOATS)
+
+
 def as_read(picture: Any, found: dict[str, Any]) -> np.ndarray:
     """The numbers [height, width, 4] that the text expects of an image."""
     space = picture.colorspace_settings.name
-    values = colour.stored(picture) if MODES_COUNT and untouched(picture) else colour.pixels(picture)
+    values = colour.stored(picture) if from_file(picture) else colour.pixels(picture)
     if picture.is_float:  # in the working space already
         if untouched(picture):
             values[..., :3] *= colour.CYCLES_OWN.get(space, 1)
