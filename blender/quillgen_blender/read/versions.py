@@ -91,7 +91,7 @@ def magic(writer: Any, node: Any, record: dict[str, Any]) -> None:
         {
             "id": identity,
             "type": "ShaderNodeVectorMath",
-            "in": {"Vector": coordinate, "Vector_001": {"t": "VECTOR", "v": turn}},
+            "in": {"Vector": dict(coordinate), "Vector_001": {"t": "VECTOR", "v": turn}},
             "outs": {"Vector": "VECTOR"},
             "props": {"operation": "MODULO"},
         }
