@@ -257,6 +257,17 @@ def test_pictures_are_shared_and_go_when_nobody_needs_them(tmp_path):
     }
 
 
+def test_a_picture_that_someone_changed_stays(tmp_path):
+    out, picture = tmp_path / "out", tmp_path / "bark.png"
+    picture.write_bytes(b"first")
+    export(out, "Oak", pictured(), pictures={"Bark.png": picture})
+    (mine,) = (out / "_textures").iterdir()
+    mine.write_bytes(b"painted over")
+    picture.write_bytes(b"second")
+    export(out, "Oak", pictured(), pictures={"Bark.png": picture})
+    assert mine.read_bytes() == b"painted over"
+
+
 def test_without_pictures_those_of_the_last_export_stay(tmp_path):
     picture = tmp_path / "bark.png"
     picture.write_bytes(b"first")
