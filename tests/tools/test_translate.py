@@ -149,6 +149,26 @@ def environment():
     return {**os.environ, "PYTHONPATH": os.pathsep.join(folders)}
 
 
+def test_what_changes_while_the_first_translation_runs_is_translated_again(folder, monkeypatch):
+    place = folder(a=GOOD)
+    rounds = []
+
+    def translate_all(work, options):
+        rounds.append([job.name.as_posix() for job in work])
+        if len(rounds) == 1:
+            folder(b=GOOD)
+        return translate.Outcome()
+
+    def sleep(seconds):
+        if len(rounds) > 1:
+            raise KeyboardInterrupt
+
+    monkeypatch.setattr(translate, "translate_all", translate_all)
+    monkeypatch.setattr(translate.time, "sleep", sleep)
+    assert run(place, "--watch", "--quiet") == 0
+    assert rounds == [["a"], ["b"]]
+
+
 def test_watch_translates_what_changes(folder):
     place = folder(a=GOOD)
     command = [sys.executable, "-u", "-m", "quillgen_tools.translate", "--watch", str(place / "documents")]

@@ -46,10 +46,11 @@ def main(arguments: Sequence[str] | None = None) -> int:
     if not work and not options.watch:
         print("quillgen-translate: there is no document", file=sys.stderr)
         return 2
+    seen = stamps(work)  # ahead of the translation: what changes while it runs is translated again
     outcome = translate_all(work, options)
     if options.watch:
         try:
-            watch(options)
+            watch(options, seen)
         except KeyboardInterrupt:
             return 0
     return 1 if outcome.failed or (options.strict and outcome.warnings) else 0
@@ -122,11 +123,10 @@ def summary(outcome: Outcome, folder: Path, seconds: float) -> str:
     return ", ".join(parts)
 
 
-def watch(options: argparse.Namespace) -> None:
-    """Translates documents that are new or have changed, until it is interrupted."""
+def watch(options: argparse.Namespace, seen: dict[Job, tuple[int, int]]) -> None:
+    """Translates documents that are new or have changed since `seen`, until it is interrupted."""
     if not options.quiet:
         print("watching; Ctrl-C ends it", flush=True)
-    seen = stamps(list(files.jobs(options.documents)))
     while True:
         time.sleep(POLL)
         now = stamps(list(files.jobs(path for path in options.documents if path.exists())))
