@@ -166,6 +166,21 @@ PARTS = (
         DEFAULT,
         setup=("build", "tests"),
     ),
+    Part(
+        "wheel",
+        "the wheel for Linux, made with Zig and checked; its tests in each CPython that is here",
+        "tools/wheels linux-x86_64 && {pytest} tests/wheels/test_linux.py",
+        DEFAULT,
+        setup=("build", "tests", "wheels"),
+    ),
+    Part(
+        "wheels",
+        "the wheels for the other machines",
+        "tools/wheels linux-aarch64 windows-x86_64 macos-arm64 macos-universal2 && {pytest} tests/wheels "
+        "--ignore tests/wheels/test_linux.py",
+        ALL,
+        setup=("build", "tests", "wheels"),
+    ),
     Part("tidy", "clang-tidy", "tools/tidy", ALL, after=("clang",), setup=("build", "tests")),
     Part("sanitizers", "AddressSanitizer, UndefinedBehaviorSanitizer, leaks", "tools/sanitize", ALL,
          setup=("build", "tests")),

@@ -1,0 +1,12 @@
+"""What python3.dll of Windows exports since 3.11, as a module definition file: the stable ABI."""
+
+from abi3info import DATAS, FUNCTIONS
+from abi3info.models import PyVersion
+
+OLDEST = PyVersion(3, 11)
+
+
+def text() -> str:
+    functions = (symbol.name for symbol, function in FUNCTIONS.items() if function.added <= OLDEST)
+    data = (f"{symbol.name} DATA" for symbol, datum in DATAS.items() if datum.added <= OLDEST)
+    return "\n    ".join(["LIBRARY python3.dll\nEXPORTS", *sorted(functions), *sorted(data)]) + "\n"
