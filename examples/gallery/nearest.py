@@ -18,7 +18,7 @@ from . import page, render, tone
 
 sys.path.insert(0, str(page.FOLDER.parents[1] / "blender"))
 
-from quillgen_blender import passes  # noqa: E402
+from quillgen_blender import passes
 
 PIXELS, SAMPLES = 160, 48
 GAP = 4

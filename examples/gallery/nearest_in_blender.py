@@ -15,7 +15,7 @@ from mathutils import Vector
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "blender"))
 
-from quillgen_blender import read  # noqa: E402
+from quillgen_blender import read
 
 # As in scenes.py: where each light stands, its side in metres and its radiance.
 LIGHTS = (
@@ -117,7 +117,10 @@ def studio(pixels, samples):
     floor = bpy.data.materials.new("Floor")
     floor.use_nodes = True
     floor.node_tree.nodes.clear()
-    paint, end = floor.node_tree.nodes.new("ShaderNodeBsdfDiffuse"), floor.node_tree.nodes.new("ShaderNodeOutputMaterial")
+    paint, end = (
+        floor.node_tree.nodes.new("ShaderNodeBsdfDiffuse"),
+        floor.node_tree.nodes.new("ShaderNodeOutputMaterial"),
+    )
     paint.inputs["Color"].default_value = (0.338, 0.338, 0.338, 1.0)
     floor.node_tree.links.new(paint.outputs[0], end.inputs["Surface"])
     bpy.context.object.data.materials.append(floor)

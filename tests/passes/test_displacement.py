@@ -4,11 +4,11 @@ import math
 import random
 
 import pytest
+from records import document, link, node, principled, value
 
 import quillgen
 from quillgen_blender.passes import Options, displacement, finish, scalar_intervals
 from quillgen_blender.passes.intervals import Intervals
-from records import document, link, node, principled, value
 
 
 def displaced(*nodes, source, method="DISPLACEMENT"):

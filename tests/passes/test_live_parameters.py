@@ -5,10 +5,10 @@ import time
 from pathlib import Path
 
 import pytest
+from records import document, link, node, principled, value
 
 import quillgen
 from quillgen_blender.passes import Options, finish, parameters, prepare
-from records import document, link, node, principled, value
 
 MATERIALS = sorted((Path(__file__).resolve().parents[2] / "examples" / "materials").glob("*.json"))
 NASTY = (0.0, -0.0, 1.0, -1.0, 1e-5, 1e16, 123456789.125, float("inf"), float("-inf"), float("nan"), 0.800000011920929)

@@ -1,8 +1,9 @@
 """What is lost without a word becomes a note with the node's name."""
 
+from records import document, link, node, principled, value
+
 import quillgen
 from quillgen_blender.passes import Options, losses
-from records import document, link, node, principled, value
 
 
 def notes_of(*nodes, **keys):

@@ -2,9 +2,10 @@
 
 import copy
 
+from records import document, link, node, principled, value
+
 import quillgen
 from quillgen_blender.passes import Options, finish, luma, prepare
-from records import document, link, node, principled, value
 
 
 def noise_of_colour():

@@ -4,10 +4,10 @@ import copy
 import time
 
 import pytest
-
-from quillgen_blender.passes import Options, hues, polyline, ramp_values, ramps
 from records import document, link, node, value
 from shown import difference, shown
+
+from quillgen_blender.passes import Options, hues, polyline, ramp_values, ramps
 
 A, B, C = [1.0, 0.0, 0.0, 1.0], [0.0, 1.0, 0.0, 1.0], [0.0, 0.0, 1.0, 0.5]
 

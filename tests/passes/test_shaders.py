@@ -5,10 +5,10 @@ import math
 import re
 
 import pytest
+from records import document, link, node, principled, value
 
 import quillgen
 from quillgen_blender.passes import Options, finish, luma, prepare, shaders, support
-from records import document, link, node, principled, value
 
 RED = [0.8, 0.1, 0.2, 1.0]
 LITERALS = Options(parameters="none")

@@ -10,9 +10,10 @@ import pytest
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE.parent), str(HERE.parents[1] / "host")]
 
+from shown import difference, shown
+
 import blenders
 from quillgen_blender.passes import ramps
-from shown import difference, shown
 
 EXACT = 1e-4  # hues keep a hair away from the seam at red
 TABLE = 257  # the first factors are those of Cycles' table
