@@ -4,7 +4,6 @@ import types
 
 from . import levels, libraries, menus, objects, tables
 
-
 SPECIAL = {"Custom": objects.Custom, "TextureObjectParameter": objects.TextureObject}
 
 
