@@ -1,7 +1,9 @@
 """The least that a call can cost, as a function to be timed beside it.
 
-A first call on a document whose maps and lists keep a log tells what is read. The floor reads each of these
-keys once and makes the call's result from finished strings, in C.
+A first call on a document whose maps and lists keep a log tells what is read. The floor reads each of these keys once,
+of a document that it has not met before, and makes the call's result anew from finished texts, in C++: each dict, each
+list and each string but those that are the same in every result. The digits of a curve's samples, which are another
+text in each document, are found anew, too.
 """
 import sys
 
@@ -57,58 +59,78 @@ def _logging(thing, log):
     return copy
 
 
-def reads(call, document):
-    """What the call reads of the document: container, key, container, key ... Each key once, in order."""
-    log = []
-    call(_logging(document, log))
-    once = {(id(container), key): (container, key) for container, key in log}
-    flat = []
-    for container, key in once.values():
-        flat += [container, sys.intern(key) if isinstance(key, str) else key]
-    return tuple(flat)
-
-
-def _pieces(code, need):
-    """A text as it is joined: the library's texts, what stands between them, and each statement."""
-    head, mark, body = code.partition("QWK L;\n")
-    if not mark:
-        return code.split("\n")
-    pieces = []
-    for text in [*quillgen_lib.STRUCTS.values(), *quillgen_lib.resolve(need)]:
-        before, found, after = head.partition(f"{text}\n")
-        if found:
-            pieces += [before[:-1]] if before else []
-            pieces.append(text)
-            head = after
-    return [*pieces, head + "QWK L;", *body.split("\n")]
-
-
-def _form(thing, need, shared):
-    """A result as floor.c makes it again. What the call did not make itself is left as it is."""
-    if isinstance(thing, (dict, list)) and id(thing) in shared:
-        return (thing,)
-    shared.add(id(thing))
-    if isinstance(thing, dict):
-        return {key: ("\n", _pieces(value, need)) if key == "code" else _form(value, need, shared)
-                for key, value in thing.items()}
-    if isinstance(thing, list):
-        return [_form(value, need, shared) for value in thing]
-    return thing
-
-
 def _containers(thing, found):
+    """All dicts and lists in a value, in the order of the value."""
     if isinstance(thing, (dict, list)):
-        found.add(id(thing))
+        found.append(thing)
         for value in thing.values() if isinstance(thing, dict) else thing:
             _containers(value, found)
     return found
 
 
-def floor(call, document, need):
-    """A function that does what `call(document)` cannot do without. `need`: the library names of its text."""
-    result = call(document)
-    plan = reads(call, document)
-    form = _form(result, need, _containers(document, set()))
-    if bench_floor.replay(plan, form) != result:
-        raise AssertionError("the floor makes another result")
-    return lambda: bench_floor.replay(plan, form)
+def _reads(call, document):
+    """What the call reads of the document: (index among its containers, key). Each key once, in order."""
+    log = []
+    call(_logging(document, log))
+    indices = {id(container): i for i, container in enumerate(_containers(document, []))}
+    once = dict.fromkeys((indices[id(container)], key) for container, key in log)
+    return [(index, sys.intern(key) if isinstance(key, str) else key) for index, key in once]
+
+
+def _pieces(code, need):
+    """A text as it is joined: the library's texts as they are, and what stands between and behind them."""
+    head, mark, body = code.partition("QWK L;\n")
+    if not mark:
+        return [code.encode("utf-8", "surrogatepass")]
+    pieces = []
+    for text in [*quillgen_lib.STRUCTS.values(), *quillgen_lib.resolve(need)]:
+        before, found, after = head.partition(f"{text}\n")
+        if found:
+            pieces += [before[:-1].encode()] if before else []
+            pieces.append(text)
+            head = after
+    return [*pieces, f"{head}QWK L;\n{body}".encode("utf-8", "surrogatepass")]
+
+
+def _form(thing, need, words):
+    """A result as floor.cpp makes it again. `words`: the strings that every result shares."""
+    if isinstance(thing, dict):
+        return {_form(key, need, words): ("\n", _pieces(value, need)) if key == "code" else _form(value, need, words)
+                for key, value in thing.items()}
+    if isinstance(thing, list):
+        return [_form(value, need, words) for value in thing]
+    return thing.encode("utf-8", "surrogatepass") if isinstance(thing, str) and id(thing) not in words else thing
+
+
+def _strings(thing, found):
+    if isinstance(thing, str):
+        found.add(id(thing))
+    elif isinstance(thing, (dict, list, set)):
+        for value in thing:
+            _strings(value, found)
+        for value in thing.values() if isinstance(thing, dict) else ():
+            _strings(value, found)
+    return found
+
+
+class Floor:
+    """Does what `call(document)` cannot do without, for documents that are alike. `need`: the library names of its
+    text."""
+
+    def __init__(self, call, document, need):
+        first, second = call(document), call(document)
+        self._reads = _reads(call, document)
+        self._form = _form(first, need, _strings(first, set()) & _strings(second, set()))
+        if bench_floor.replay(*self.prepared(document)) != first:
+            raise AssertionError("the floor makes another result")
+
+    def prepared(self, document):
+        """The arguments of the floor's function for one document."""
+        containers = _containers(document, [])
+        reads = tuple(item for index, key in self._reads for item in (containers[index], key))
+        curves = (node["curve"] for node in document["nodes"] if "curve" in node)
+        return reads, self._form, tuple(table for curve in curves for table in curve["tables"])
+
+    @staticmethod
+    def run(prepared):
+        return bench_floor.replay(*prepared)

@@ -1,4 +1,4 @@
-"""Builds the measurements' own C files."""
+"""Builds the measurements' own C++ files."""
 import importlib.util
 import os
 import pathlib
@@ -11,18 +11,18 @@ BUILT = HERE.parent / "build" / "bench"
 
 
 def built(name, *options):
-    """The shared object of a C file here, built where it is older than its source."""
-    source, target = HERE / f"{name}.c", BUILT / f"bench_{name}.so"
+    """The shared object of a C++ file here, built where it is older than its source."""
+    source, target = HERE / f"{name}.cpp", BUILT / f"bench_{name}.so"
     if not target.exists() or target.stat().st_mtime < source.stat().st_mtime:
         BUILT.mkdir(parents=True, exist_ok=True)
-        compiler = shlex.split(os.environ.get("CC", "cc"))
-        flags = ["-O3", "-Wall", "-Wextra", "-Werror", "-fPIC", "-shared", *options]
+        compiler = shlex.split(os.environ.get("CXX", "c++"))
+        flags = ["-O3", "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fPIC", "-shared", *options]
         subprocess.run([*compiler, *flags, str(source), "-o", str(target)], check=True)
     return target
 
 
 def extension(name):
-    """The Python module of a C file here."""
+    """The Python module of a C++ file here."""
     path = built(name, f"-I{sysconfig.get_path('include')}")
     spec = importlib.util.spec_from_file_location(f"bench_{name}", path)
     module = importlib.util.module_from_spec(spec)

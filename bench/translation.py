@@ -1,15 +1,10 @@
-"""What a translation costs: time beside the floor, allocations, growth with the size, import.
+"""What a translation costs: time beside the floor, growth with the size, import.
 
-A document comes again and again while its material is edited. Two edits are measured: a slider is dragged, which
-changes the value of one parameter from call to call, and the graph changes from call to call, so that all of it is
-translated each time.
+Each call is given a document that has not been translated before, in two forms: as an add-on makes it, from new dicts,
+lists, numbers and texts, with the keys that stand in its own code; and as json.loads makes it.
 """
-import copy
-import ctypes
 import gc
-import itertools
 import json
-import os
 import pathlib
 import statistics
 import subprocess
@@ -17,45 +12,65 @@ import sys
 import time
 
 import documents
-import native
 import quillgen
-from floor import floor
+from floor import Floor
 
 SIZES = (10, 30, 60, 300)
 GROWTH = (10, 30, 100, 300, 1000, 3000)
 REPEATS = 15
-BATCH = 0.003  # seconds of processor time that one reading of the clock covers at least
+BATCH = 0.003  # seconds of processor time that one reading of the clock covers, about
+# What the code of an add-on writes out: the same object in each document.
+KEYS = {"nodes", "out", "settings", "images", "uv_maps", "surface", "displacement", "id", "type", "in", "outs", "props",
+        "ramp", "curve", "t", "v", "link", "stops", "interp", "mode", "tables", "min", "max", "extend"}
 
 
-def _surface_parts(document):
+def surface_parts(document):
     return quillgen.parts(document, "surface", True)
 
 
-def _batch(call):
-    """How many calls fill a batch."""
-    count = 1
-    while True:
-        start = time.process_time()
-        for _ in range(count):
-            call()
-        took = time.process_time() - start
-        if took >= BATCH:
-            return count
-        count *= 4 if took < BATCH / 8 else 2
+CALLS = {"compile": quillgen.compile, "parts": surface_parts}
 
 
-def times(*calls):
-    """For each call its processor times in microseconds, one of each round in which the calls take turns."""
-    counts = [_batch(call) for call in calls]
-    readings = [[] for _ in calls]
+def as_an_addon_makes_it(thing):
+    """A copy of a document of new objects throughout, but for keys."""
+    if isinstance(thing, dict):
+        return {sys.intern(key) if key in KEYS else "".join(list(key)): as_an_addon_makes_it(value)
+                for key, value in thing.items()}
+    if isinstance(thing, list):
+        return [as_an_addon_makes_it(value) for value in thing]
+    if isinstance(thing, str):
+        return "".join(list(thing))
+    return float(repr(thing)) if isinstance(thing, float) else thing
+
+
+def from_json(thing):
+    return json.loads(json.dumps(thing))
+
+
+FORMS = {"add-on": as_an_addon_makes_it, "JSON": from_json}
+
+
+def _time(call, arguments):
+    """Microseconds of processor time a call. The results are given up behind the clock, like the arguments."""
+    results = []
+    start = time.process_time()
+    for argument in arguments:
+        results.append(call(argument))
+    return (time.process_time() - start) / len(arguments) * 1e6
+
+
+def beside_floor(name, document, repeats=REPEATS):
+    """form -> the times of a call, and those of the floor, of rounds in which they take turns."""
+    call = CALLS[name]
+    floor = Floor(call, document, surface_parts(document)["need"])
+    count = max(1, int(BATCH / (_time(call, [from_json(document) for _ in range(5)]) * 1e-6)))
+    readings = {form: ([], []) for form in FORMS}
     gc.collect()
     gc.disable()
-    for _ in range(REPEATS):
-        for call, count, found in zip(calls, counts, readings):
-            start = time.process_time()
-            for _ in range(count):
-                call()
-            found.append((time.process_time() - start) / count * 1e6)
+    for _ in range(repeats):
+        for form, copied in FORMS.items():
+            readings[form][0].append(_time(call, [copied(document) for _ in range(count)]))
+            readings[form][1].append(_time(Floor.run, [floor.prepared(copied(document)) for _ in range(count)]))
     gc.enable()
     return readings
 
@@ -67,93 +82,13 @@ def cases():
     return found | documents.examples()
 
 
-def _slider(document):
-    """The entry of a socket whose value is a parameter's and nothing else."""
-    code = quillgen.compile(document)["code"]
-    for entry in (entry for node in document["nodes"] for entry in node["in"].values()):
-        before = entry.get("v")
-        if isinstance(before, float):
-            entry["v"] = before + 0.25
-            result = quillgen.compile(document)
-            entry["v"] = before
-            if result["code"] == code and ["scalar", before + 0.25] in result["params"].values():
-                return entry
-    raise LookupError("no slider")
-
-
-def _dragged(call, document):
-    """The call, with a slider of the document at another value each time."""
-    document = copy.deepcopy(document)
-    entry, values = _slider(document), itertools.cycle((0.125, 0.375, 0.625, 0.875))
-
-    def dragged():
-        entry["v"] = next(values)
-        return call(document)
-
-    return dragged
-
-
-def _rebuilt(call, document):
-    """The call, with a property of a node in the middle of the document another one each time."""
-    document = copy.deepcopy(document)
-    document["nodes"].reverse()  # so that it is another material than the one whose slider is dragged
-    properties, numbers = document["nodes"][len(document["nodes"]) // 2]["props"], itertools.count()
-
-    def rebuilt():
-        properties["edited"] = next(numbers)
-        return call(document)
-
-    return rebuilt
-
-
-def calls(document):
-    """The calls that are compared, three of compile and three of parts: with a slider dragged, with the graph changed,
-    and the floor."""
-    need = _surface_parts(document)["need"]
-    return [timed for call in (quillgen.compile, _surface_parts)
-            for timed in (_dragged(call, document), _rebuilt(call, document), floor(call, document, need))]
-
-
-def _kilobytes(result):
-    texts = result["code"] + (result["displacement"] or {"code": ""})["code"]
-    return len(texts.encode()) / 1000
-
-
-def table():
-    """A row for each document, with the times and allocations of the six calls."""
-    counted = _allocations()
-    rows = []
-    for name, document in cases().items():
-        rows.append({"name": name, "nodes": len(document["nodes"]), "allocations": counted[name],
-                     "kilobytes": _kilobytes(quillgen.compile(document)), "times": times(*calls(document))})
-    return rows
-
-
 def growth():
-    """Rows of (nodes, microseconds of the three calls of compile) for trees of Math nodes. One call after the other, as
-    the largest documents do not fit the processor's caches side by side."""
-    return [(size, *(min(times(call)[0]) for call in calls(documents.tree(size))[:3])) for size in GROWTH]
-
-
-def _allocations():
-    """Name -> allocations of the six calls, counted where Python takes all memory from malloc."""
-    env = os.environ | {"LD_PRELOAD": str(native.built("allocations")), "PYTHONMALLOC": "malloc"}
-    return json.loads(subprocess.check_output([sys.executable, __file__, "allocations"], env=env))
-
-
-def _count_allocations():
-    counter = ctypes.c_ulong.in_dll(ctypes.CDLL(None), "allocations")
-
-    def count(call):
-        for _ in range(5):  # what comes again is kept by then
-            call()
-        before = counter.value
-        call()
-        return counter.value - before
-
-    own = count(lambda: None)  # of reading the counter
-    found = {name: [count(call) - own for call in calls(document)] for name, document in cases().items()}
-    print(json.dumps(found))
+    """Rows of (nodes, microseconds of compile and of its floor) for trees of Math nodes, made as an add-on makes them."""
+    rows = []
+    for size in GROWTH:
+        times, floor_times = beside_floor("compile", documents.tree(size), 5)["add-on"]
+        rows.append((size, min(times), min(floor_times)))
+    return rows
 
 
 def imports():
@@ -168,13 +103,3 @@ def imports():
         file = pathlib.Path(__import__(name).__file__)
         found[name] = (min(readings), statistics.median(readings), file.stat().st_size)
     return found
-
-
-def materialx(python):
-    """What MaterialX needs for a material of ten nodes, by the interpreter that has it."""
-    script = pathlib.Path(__file__).with_name("materialx_shader.py")
-    return json.loads(subprocess.check_output([python, str(script), "3"]))
-
-
-if __name__ == "__main__" and sys.argv[1:] == ["allocations"]:
-    _count_allocations()

@@ -6,29 +6,32 @@
 #include <span>
 
 #include "binding/arguments.h"
+#include "closures/closure.h"
 #include "closures/compile.h"
-#include "core/gen/module.h"
-#include "nodes/register.h"
 #include "nodes/texture/image.h"
 
 namespace quillgen {
 
 namespace {
 
-// What an interpreter's copy of the module holds.
-struct Instance {
-    Module module;
-    Recall recall;
-};
-
 struct State {
-    Instance* instance;
+    Module* module;  // null before the module is executed, and once it has been cleared
 };
 
 State& state_of(PyObject* self) { return *static_cast<State*>(PyModule_GetState(self)); }
 
+// RuntimeError where the interpreter has cleared the module already, as it does with what is garbage or at its end.
+const Module& module_of(PyObject* self) {
+    if (state_of(self).module == nullptr) {
+        raise_runtime_error("quillgen has been cleared");
+    }
+    return *state_of(self).module;
+}
+
+// It is not noexcept: the interpreter ends a daemon thread that asks for its lock while it finalizes, and before 3.14
+// it does so by unwinding the thread's stack through this frame.
 template <class Body>
-PyObject* guarded(Body body) noexcept {
+PyObject* guarded(Body body) {
     // The C++ runtime makes its record of a thread's exceptions at its first use, and ends the process where there is
     // no memory for it: so it is asked for here, and not when memory has run out.
     [[maybe_unused]] const volatile int uncaught = std::uncaught_exceptions();
@@ -61,11 +64,11 @@ PyObject* py_compile(PyObject* self, PyObject* const* args, Py_ssize_t count, Py
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 3> kNames = {"ir", "mode", "use_params"};
         const Arguments<3> given("compile", kNames, 1, args, count, names);
-        const Module& module = state_of(self).instance->module;
+        const Module& module = module_of(self);
         const Runtime& runtime = module.runtime;
-        const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "surface");
+        const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "surface"_w);
         const bool use_params = given[2] == nullptr || borrowed(runtime, given[2]).truthy();
-        return compile(module, state_of(self).instance->recall, borrowed(runtime, given[0]), mode, use_params).take();
+        return compile(module, borrowed(runtime, given[0]), mode, use_params).take();
     });
 }
 
@@ -80,13 +83,12 @@ PyObject* py_parts(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 4> kNames = {"ir", "mode", "use_params", "uv_bias"};
         const Arguments<4> given("parts", kNames, 1, args, count, names);
-        const Module& module = state_of(self).instance->module;
+        const Module& module = module_of(self);
         const Runtime& runtime = module.runtime;
-        const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "emission");
+        const Value mode = given[1] != nullptr ? borrowed(runtime, given[1]) : Value::word(runtime, "emission"_w);
         const bool use_params = given[2] != nullptr && borrowed(runtime, given[2]).truthy();
         const Value uv_bias = given[3] != nullptr ? borrowed(runtime, given[3]) : Value();
-        return parts(module, state_of(self).instance->recall, borrowed(runtime, given[0]), mode, use_params, uv_bias)
-            .take();
+        return parts(module, borrowed(runtime, given[0]), mode, use_params, uv_bias).take();
     });
 }
 
@@ -105,7 +107,7 @@ PyObject* py_assemble(PyObject* self, PyObject* const* args, Py_ssize_t count, P
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 6> kNames = {"bodies", "structs", "need", "selector", "wrap", "extra_lib"};
         const Arguments<6> given("assemble", kNames, 3, args, count, names);
-        const Module& module = state_of(self).instance->module;
+        const Module& module = module_of(self);
         const Runtime& runtime = module.runtime;
         const auto argument = [&](std::size_t i) { return borrowed(runtime, given[i]); };
         const Value selector = given[3] != nullptr ? argument(3) : Value();
@@ -120,15 +122,17 @@ PyDoc_STRVAR(param_name_doc,
              "The name of the input that stands for an unlinked socket: P_{node_id}__{socket}, with every character\n"
              "other than an ASCII letter, digit or underscore replaced by an underscore.");
 
-PyObject* py_param_name(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
+PyObject* py_param_name(PyObject* /*self*/, PyObject* const* args, Py_ssize_t count, PyObject* names) {
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 2> kNames = {"node_id", "socket"};
         const Arguments<2> given("param_name", kNames, 2, args, count, names);
-        std::string name;
-        append_formatted(name, given[0]);
-        name += "__";
-        append_formatted(name, given[1]);
-        return to_python("P_" + state_of(self).instance->module.runtime.identifier(name));
+        std::string text;
+        append_formatted(text, given[0]);
+        text += "__";
+        append_formatted(text, given[1]);
+        std::string name = "P_";
+        append_identifier(name, text);
+        return to_python(name);
     });
 }
 
@@ -141,18 +145,15 @@ PyObject* py_tex_input(PyObject* self, PyObject* const* args, Py_ssize_t count, 
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 1> kNames = {"image_name"};
         const Arguments<1> given("tex_input", kNames, 1, args, count, names);
-        const Runtime& runtime = state_of(self).instance->module.runtime;
+        const Runtime& runtime = module_of(self).runtime;
         return to_python(tex_input(runtime, borrowed(runtime, given[0])));
     });
 }
 
 int exec(PyObject* self) {
     const Ref result = Ref::steal(guarded([&]() -> Ref {
-        auto* instance = new Instance();
-        state_of(self).instance = instance;
-        Module& module = instance->module;
-        register_all(module.registry);
-        checked(PyModule_AddObjectRef(self, "Unsupported", module.runtime.unsupported()));
+        const Module& module = *(state_of(self).module = new Module(kClosureText));
+        checked(PyModule_AddObjectRef(self, "Unsupported", module.runtime.Unsupported()));
         const Ref types = Ref::checked(PySequence_Tuple(module.registry.types().object()));
         checked(PyModule_AddObjectRef(self, "NODES", types.get()));
         checked(PyModule_AddStringConstant(self, "__version__", QUILLGEN_VERSION));
@@ -162,12 +163,12 @@ int exec(PyObject* self) {
 }
 
 int traverse(PyObject* self, visitproc visit, void* arg) {
-    const Instance* instance = state_of(self).instance;
-    return instance == nullptr ? 0 : instance->module.runtime.traverse(visit, arg);
+    const Module* module = state_of(self).module;
+    return module == nullptr ? 0 : module->runtime.traverse(visit, arg);
 }
 
 int clear(PyObject* self) {
-    delete std::exchange(state_of(self).instance, nullptr);
+    delete std::exchange(state_of(self).module, nullptr);
     return 0;
 }
 
@@ -196,12 +197,31 @@ PyMethodDef methods[] = {
     {nullptr, nullptr, 0, nullptr},
 };
 
+#ifndef Py_mod_multiple_interpreters
+// Of CPython 3.12, whose headers of the limited API of 3.11 do not have it.
+#define Py_mod_multiple_interpreters 3
+#define Py_MOD_PER_INTERPRETER_GIL_SUPPORTED (reinterpret_cast<void*>(2))
+#endif
+
+// All that the module holds is an interpreter's own, so that it loads in one with a lock of its own. CPython 3.11
+// refuses a slot that it does not know.
 PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)}, {0, nullptr}};
-PyModuleDef definition = {
-    PyModuleDef_HEAD_INIT, "quillgen", module_doc, sizeof(State), methods, slots, traverse, clear, release};
+PyModuleDef_Slot slots_of_312[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)},
+                                   {Py_mod_multiple_interpreters, Py_MOD_PER_INTERPRETER_GIL_SUPPORTED},
+                                   {0, nullptr}};
+
+PyModuleDef define(PyModuleDef_Slot* of_version) {
+    return {
+        PyModuleDef_HEAD_INIT, "quillgen", module_doc, sizeof(State), methods, of_version, traverse, clear, release};
+}
+PyModuleDef definition = define(slots);
+PyModuleDef definition_of_312 = define(slots_of_312);
 
 }  // namespace
 
 }  // namespace quillgen
 
-PyMODINIT_FUNC PyInit_quillgen() { return PyModuleDef_Init(&quillgen::definition); }
+PyMODINIT_FUNC PyInit_quillgen() {
+    constexpr unsigned long k312 = 0x030C0000;
+    return PyModuleDef_Init(Py_Version >= k312 ? &quillgen::definition_of_312 : &quillgen::definition);
+}

@@ -1,28 +1,37 @@
-// The translations that the module offers. All raise Unsupported for a graph that cannot be translated and
-// Python's own errors for a document that is not what it should be; no partial result is returned.
+// The translations that the module offers. All raise Unsupported for a graph that cannot be translated and Python's own
+// errors for a document that is not what it should be; no partial result is returned.
 #pragma once
 
-#include "closures/recall.h"
+#include "core/gen/gen.h"
 
 namespace quillgen {
 
-// One material: a map with `code` (str), `inputs` (list of maps, by name), `outputs` (list of maps),
-// `material` (map), `warnings` (list of str), `params` (map of [kind, value]) and `displacement` (map or
-// none).
-Value compile(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params);
+// One material: a map with `code` (str), `inputs` (list of maps, by name), `outputs` (list of maps), `material` (map),
+// `warnings` (list of str), `params` (map of [kind, value]) and `displacement` (map or none).
+Value compile(const Module& module, const Value& ir, const Value& mode, bool use_params);
 
-// The scalar of real displacement, centred on 0.5.
-Displacement _displacement(Gen& g);
+// The text of real displacement: a scalar, centred on 0.5, that a magnitude in centimetres scales.
+struct Displacement {
+    Value code;
+    Value inputs;  // list of maps, by name
+    double magnitude;
+    Value params;
+    Value warnings;
+};
+Displacement _displacement(const Module& module, const Value& ir, bool use_params);
 
-// One graph without a header: a map with `body` (list of statements), `ret` (expression of the
-// colour), `need` and `structs` (sets), `inputs` (map of records), `warnings`.
-Value parts(const Module& module, Recall& recall, const Value& ir, const Value& mode, bool use_params,
-            const Value& uv_bias);
+// One graph without a header: a map with `body` (list of statements), `ret` (expression of the colour), `need` and
+// `structs` (sets), `inputs` (map of records), `warnings`.
+Value parts(const Module& module, const Value& ir, const Value& mode, bool use_params, const Value& uv_bias);
 
-// One text from several graphs. `bodies` are pairs of statements and colour expression; `selector` the HLSL of
-// a float that chooses among them at run time, or none for the first alone; `wrap` a format text with one
-// "%s" around each colour; `extra_lib` further text for the struct.
+// One text from several graphs. `bodies` are pairs of statements and colour expression; `selector` the HLSL of a float
+// that chooses among them at run time, or none for the first alone; `wrap` a format text with one "%s" around each
+// colour; `extra_lib` further text for the struct.
 Value assemble(const Module& module, const Value& bodies, const Value& structs, const Value& need,
                const Value& selector, const Value& wrap, const Value& extra_lib);
+
+// The records of a result: the inputs, sorted by name, and the values of the tweakable ones.
+Value input_list(const Gen& g);
+Value parameter_map(const Gen& g);
 
 }  // namespace quillgen

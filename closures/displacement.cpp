@@ -3,18 +3,15 @@
 #include <cmath>
 
 #include "closures/compile.h"
-#include "closures/records.h"
-#include "closures/text_layout.h"
-#include "core/gen/gen.h"
+#include "closures/layout.h"
 
 namespace quillgen {
 
 namespace {
 
-// The stored number of a socket, 0.0 where it is false; `missing` where the socket or its value is not there.
-double stored(Gen& g, const Node& n, Word ident, double missing) {
-    const Value entry = g.entry(n, ident);
-    const Value v = entry.present() ? entry.get("v") : entry;
+// The number that is stored for a socket, 0.0 where it is false; `missing` where there is none.
+double stored_number(Node& n, Word ident, double missing) {
+    const Value v = Gen::stored(n, ident);
     if (!v.present()) {
         return missing;
     }
@@ -24,12 +21,13 @@ double stored(Gen& g, const Node& n, Word ident, double missing) {
 // The span that the displacement can reach, in centimetres, for heights of 0 to 1 and with a quarter of
 // headroom; 0.0 where nothing tells it.
 double estimated_range(Gen& g, const Value& nid) {
-    const Node* n = g.find_node(nid);
-    if (n == nullptr || !n->type().is("ShaderNodeDisplacement") || g.linked(*n, "Midlevel") || g.linked(*n, "Scale")) {
+    Node* const n = g.find_node(nid);
+    if (n == nullptr || !n->type().is("ShaderNodeDisplacement") || Gen::linked(*n, "Midlevel"_w) ||
+        Gen::linked(*n, "Scale"_w)) {
         return 0.0;
     }
-    const double mid = stored(g, *n, "Midlevel", 0.5);
-    const double scale = stored(g, *n, "Scale", 1.0);
+    const double mid = stored_number(*n, "Midlevel"_w, 0.5);
+    const double scale = stored_number(*n, "Scale"_w, 1.0);
     // Written so that a not-a-number stays one.
     double farthest = mid;
     farthest = 1.0 - mid > farthest ? 1.0 - mid : farthest;
@@ -49,18 +47,19 @@ double power_of_two(long exponent) {
 
 }  // namespace
 
-Displacement _displacement(Gen& g) {
+Displacement _displacement(const Module& module, const Value& ir, bool use_params) {
+    Gen g(module, ir, use_params);
     g.disp_stage = true;
-    const Value src = g.ir.at("out").at("displacement");
-    const Bound source = g.output(src);
-    const Text d = g.var("float3", g.convert(source.text, source.type, VECTOR));
-    g.use("dir_world_to_obj");
+    const Value src = ir.at("out"_w).at("displacement"_w);
+    const auto [e, t] = g.output(src);
+    const Text d = g.var("float3", g.convert(e, t, VECTOR));
+    g.use("dir_world_to_obj"_w);
     const Text ox = g.geo("ox");
     const Text oy = g.geo("oy");
     const Text oz = g.geo("oz");
     const Text nl = g.geo("Nl");
-    const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)"_fmt, d, ox, oy, oz, nl);
-    double range = estimated_range(g, src.at(Py_ssize_t{0}));
+    const Text s_cm = g.var("float", "100.0 * dot(L.dir_world_to_obj($0, $1, $2, $3), $4)", d, ox, oy, oz, nl);
+    double range = estimated_range(g, src.item(0));
     if (range == 0.0) {
         g.warn(
             "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are "
@@ -68,10 +67,9 @@ Displacement _displacement(Gen& g) {
         range = 100.0;
     }
     const double magnitude = power_of_two(g.runtime().ceil_log2(range));
-    std::string literal;
-    append_literal(literal, magnitude);
-    g.emit("return 0.5 + $0 / $1;"_fmt, s_cm, literal);
-    return {material_draft(g, "displacement"), magnitude};
+    g.emit("return 0.5 + $0 / $1;", s_cm, g._f(magnitude));
+    const Value code = lay_out(g.runtime(), kDisplacementHeader, g.structs, g.need, g.body());
+    return {code, input_list(g), magnitude, parameter_map(g), g.warnings};
 }
 
 }  // namespace quillgen

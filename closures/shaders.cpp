@@ -1,159 +1,143 @@
 // The shader nodes. A closure is one flat record in the generated text: a node starts it from
 // `closure_none` and states what differs.
 #include "core/gen/gen.h"
-#include "nodes/register.h"
 
 namespace quillgen {
 
 namespace {
 
 // A linked normal goes into the record; an unlinked one leaves it alone.
-void write_normal(Gen& g, const Node& n, Text c) {
-    if (g.linked(n, "Normal")) {
+void write_normal(Gen& g, Node& n, Text c) {
+    if (g.linked(n, "Normal"_w)) {
         g.uses.normal = true;
-        const Text normal = g.inp(n, "Normal", VECTOR);
-        g.emit("$0.normal = $1; $0.has_normal = 1.0;"_fmt, c, normal);
+        const Text normal = g.inp(n, "Normal"_w, VECTOR);
+        g.emit("$0.normal = $1; $0.has_normal = 1.0;", c, normal);
     }
 }
 
 // Whether a weight takes part: its socket is linked, or its value is above 0.
-bool has_weight(Gen& g, const Node& n, Word ident) {
-    const Value entry = g.entry(n, ident);
-    if (!entry.present()) {
-        return false;
-    }
-    if (entry.contains("link")) {
-        return true;
-    }
-    const Value v = entry.get("v");
-    return v.truthy() && v.greater_than(0.0);
+bool has_weight(Node& n, Word ident) {
+    const Value v = Gen::stored(n, ident);
+    return Gen::linked(n, ident) || (v.truthy() && v.greater_than(0.0));
 }
 
-bool emits(Gen& g, const Node& n) {
-    if (g.linked(n, "Emission Color") || g.linked(n, "Emission Strength")) {
+bool emits(Gen& g, Node& n) {
+    if (g.linked(n, "Emission Color"_w) || g.linked(n, "Emission Strength"_w)) {
         return true;
     }
-    const Value entry = g.entry(n, "Emission Strength");
-    const Value v = entry.present() ? entry.get("v") : entry;
+    const Value v = Gen::stored(n, "Emission Strength"_w);
     return v.truthy() && !v.equals(Value::integer(g.runtime(), 0));
 }
 
-bool is_see_through(Gen& g, const Node& n) {
-    const Value entry = g.entry(n, "Alpha");
-    if (!entry.present()) {
-        return false;
-    }
-    if (entry.contains("link")) {
-        return true;
-    }
-    const Value v = entry.get("v");
-    return !v.is_none() && v.less_than(1.0);
+bool is_see_through(Node& n) {
+    const Value v = Gen::stored(n, "Alpha"_w);
+    return Gen::linked(n, "Alpha"_w) || (!v.is_none() && v.less_than(1.0));
 }
 
-void write_coat(Gen& g, const Node& n, Text c) {
-    if (has_weight(g, n, "Coat Weight")) {
+void write_coat(Gen& g, Node& n, Text c) {
+    if (has_weight(n, "Coat Weight"_w)) {
         g.uses.coat = true;
-        const Text weight = g.inp(n, "Coat Weight", VALUE);
-        const Text roughness = g.inp(n, "Coat Roughness", VALUE);
-        g.emit("$0.coat = saturate($1); $0.coat_roughness = saturate($2);"_fmt, c, weight, roughness);
+        const Text weight = g.inp(n, "Coat Weight"_w, VALUE);
+        const Text roughness = g.inp(n, "Coat Roughness"_w, VALUE);
+        g.emit("$0.coat = saturate($1); $0.coat_roughness = saturate($2);", c, weight, roughness);
     }
 }
 
-void warn_of_lost_lobes(Gen& g, const Node& n) {
+void warn_of_lost_lobes(Gen& g, Node& n) {
     const auto warn = [&](Word ident, Text what) {
-        if (has_weight(g, n, ident)) {
-            g.warn("$0: Principled $1 is not reproduced in Unreal (Default Lit)"_fmt, g.formatted(n.id), what);
+        if (has_weight(n, ident)) {
+            g.warn("$0: Principled $1 is not reproduced in Unreal (Default Lit)", g.formatted(n.id), what);
         }
     };
-    warn("Subsurface Weight", "subsurface");
-    warn("Transmission Weight", "transmission");
-    warn("Sheen Weight", "sheen");
+    warn("Subsurface Weight"_w, "subsurface");
+    warn("Transmission Weight"_w, "transmission");
+    warn("Sheen Weight"_w, "sheen");
 }
 
-void _principled(Gen& g, const Node& n) {
+void _principled(Gen& g, Node& n) {
     const Text c = g.tmp("bsdf");
-    g.emit("QWKClosure $0 = L.closure_none();"_fmt, c);
-    g.emit("$0.base = $1;"_fmt, c, g.inp(n, "Base Color", RGBA));
-    g.emit("$0.metallic = saturate($1);"_fmt, c, g.inp(n, "Metallic", VALUE));
-    g.emit("$0.roughness = saturate($1);"_fmt, c, g.inp(n, "Roughness", VALUE));
-    const Text i = g.var("float", "max($0, 1.0)"_fmt, g.inp(n, "IOR", VALUE));
-    const Text level = g.inp(n, "Specular IOR Level", VALUE, "0.5");
+    g.emit("QWKClosure $0 = L.closure_none();", c);
+    g.emit("$0.base = $1;", c, g.inp(n, "Base Color"_w, RGBA));
+    g.emit("$0.metallic = saturate($1);", c, g.inp(n, "Metallic"_w, VALUE));
+    g.emit("$0.roughness = saturate($1);", c, g.inp(n, "Roughness"_w, VALUE));
+    const Text i = g.var("float", "max($0, 1.0)", g.inp(n, "IOR"_w, VALUE));
+    const Text level = g.inp(n, "Specular IOR Level"_w, VALUE, "0.5");
     // The reflectance at normal incidence over that of Unreal's specular 1.0, which is 0.08.
-    g.emit("$0.specular = saturate((($1 - 1.0) / ($1 + 1.0)) * (($1 - 1.0) / ($1 + 1.0)) * 2.0 * ($2) / 0.08);"_fmt, c,
-           i, level);
-    const Text color = g.inp(n, "Emission Color", RGBA);
-    const Text strength = g.inp(n, "Emission Strength", VALUE);
-    g.emit("$0.emission = $1 * $2;"_fmt, c, color, strength);
+    g.emit("$0.specular = saturate((($1 - 1.0) / ($1 + 1.0)) * (($1 - 1.0) / ($1 + 1.0)) * 2.0 * ($2) / 0.08);", c, i,
+           level);
+    const Text color = g.inp(n, "Emission Color"_w, RGBA);
+    const Text strength = g.inp(n, "Emission Strength"_w, VALUE);
+    g.emit("$0.emission = $1 * $2;", c, color, strength);
     // The test comes first: whether a value fails it must not hang on what other nodes have turned on.
     g.uses.emission = emits(g, n) || g.uses.emission;
-    g.uses.alpha = is_see_through(g, n) || g.uses.alpha;
-    g.emit("$0.alpha = saturate($1);"_fmt, c, g.inp(n, "Alpha", VALUE));
+    g.uses.alpha = is_see_through(n) || g.uses.alpha;
+    g.emit("$0.alpha = saturate($1);", c, g.inp(n, "Alpha"_w, VALUE));
     write_coat(g, n, c);
     write_normal(g, n, c);
     warn_of_lost_lobes(g, n);
-    g.bind(n, "BSDF", SHADER, c);
+    g.bind(n, "BSDF"_w, SHADER, c);
 }
 
-void _diffuse(Gen& g, const Node& n) {
+void _diffuse(Gen& g, Node& n) {
     const Text c = g.tmp("bsdf");
-    const Text color = g.inp(n, "Color", RGBA);
-    g.emit("QWKClosure $0 = L.closure_none(); $0.base = $1; $0.specular = 0.0; $0.roughness = 1.0;"_fmt, c, color);
+    const Text color = g.inp(n, "Color"_w, RGBA);
+    g.emit("QWKClosure $0 = L.closure_none(); $0.base = $1; $0.specular = 0.0; $0.roughness = 1.0;", c, color);
     write_normal(g, n, c);
-    g.bind(n, "BSDF", SHADER, c);
+    g.bind(n, "BSDF"_w, SHADER, c);
 }
 
-void _glossy(Gen& g, const Node& n) {
+void _glossy(Gen& g, Node& n) {
     const Text c = g.tmp("bsdf");
-    const Text color = n.in.contains("Color") ? g.inp(n, "Color", RGBA) : g.inp(n, "Base Color", RGBA);
-    const Text roughness = g.inp(n, "Roughness", VALUE);
-    g.emit("QWKClosure $0 = L.closure_none(); $0.base = $1; $0.metallic = 1.0; $0.roughness = saturate($2);"_fmt, c,
-           color, roughness);
+    const Text color = g.has_input(n, "Color"_w) ? g.inp(n, "Color"_w, RGBA) : g.inp(n, "Base Color"_w, RGBA);
+    const Text roughness = g.inp(n, "Roughness"_w, VALUE);
+    g.emit("QWKClosure $0 = L.closure_none(); $0.base = $1; $0.metallic = 1.0; $0.roughness = saturate($2);", c, color,
+           roughness);
     write_normal(g, n, c);
-    g.bind(n, "BSDF", SHADER, c);
+    g.bind(n, "BSDF"_w, SHADER, c);
 }
 
-void emitter(Gen& g, const Node& n, Word out) {
+void emitter(Gen& g, Node& n, Word out) {
     g.uses.emission = true;
-    const Text color = g.inp(n, "Color", RGBA);
-    const Text strength = g.inp(n, "Strength", VALUE);
-    g.bind(n, out, SHADER, "L.closure_emission($0 * $1)"_fmt, color, strength);
+    const Text color = g.inp(n, "Color"_w, RGBA);
+    const Text strength = g.inp(n, "Strength"_w, VALUE);
+    g.bind(n, out, SHADER, "L.closure_emission($0 * $1)", color, strength);
 }
 
-void _emission(Gen& g, const Node& n) { emitter(g, n, "Emission"); }
+void _emission(Gen& g, Node& n) { emitter(g, n, "Emission"_w); }
 
-void _background(Gen& g, const Node& n) { emitter(g, n, "Background"); }
+void _background(Gen& g, Node& n) { emitter(g, n, "Background"_w); }
 
-void _transparent(Gen& g, const Node& n) {
+void _transparent(Gen& g, Node& n) {
     g.uses.alpha = true;
     const Text c = g.tmp("bsdf");
-    g.emit("QWKClosure $0 = L.closure_none(); $0.alpha = 0.0; $0.specular = 0.0;"_fmt, c);
-    g.bind(n, n.type().is("ShaderNodeBsdfTransparent") ? Word("BSDF") : Word("Holdout"), SHADER, c);
+    g.emit("QWKClosure $0 = L.closure_none(); $0.alpha = 0.0; $0.specular = 0.0;", c);
+    g.bind(n, n.type().is("ShaderNodeBsdfTransparent") ? "BSDF"_w : "Holdout"_w, SHADER, c);
 }
 
-void _mix_shader(Gen& g, const Node& n) {
-    const Text f = g.var("float", "saturate($0)"_fmt, g.inp(n, "Fac", VALUE));
-    const Text a = g.inp(n, "Shader", SHADER);
-    const Text b = g.inp(n, "Shader_001", SHADER);
-    g.bind(n, "Shader", SHADER, g.var("closure", "L.closure_mix($0, $1, $2)"_fmt, a, b, f));
+void _mix_shader(Gen& g, Node& n) {
+    const Text f = g.var("float", "saturate($0)", g.inp(n, "Fac"_w, VALUE));
+    const Text a = g.inp(n, "Shader"_w, SHADER);
+    const Text b = g.inp(n, "Shader_001"_w, SHADER);
+    g.bind(n, "Shader"_w, SHADER, g.var("closure", "L.closure_mix($0, $1, $2)", a, b, f));
 }
 
-void _add_shader(Gen& g, const Node& n) {
-    const Text a = g.inp(n, "Shader", SHADER);
-    const Text b = g.inp(n, "Shader_001", SHADER);
-    g.bind(n, "Shader", SHADER, g.var("closure", "L.closure_add($0, $1)"_fmt, a, b));
+void _add_shader(Gen& g, Node& n) {
+    const Text a = g.inp(n, "Shader"_w, SHADER);
+    const Text b = g.inp(n, "Shader_001"_w, SHADER);
+    g.bind(n, "Shader"_w, SHADER, g.var("closure", "L.closure_add($0, $1)", a, b));
 }
+
+const node nodes[] = {
+    {{"ShaderNodeBsdfPrincipled"}, _principled},
+    {{"ShaderNodeBsdfDiffuse"}, _diffuse},
+    {{"ShaderNodeBsdfAnisotropic", "ShaderNodeBsdfMetallic"}, _glossy},
+    {{"ShaderNodeEmission"}, _emission},
+    {{"ShaderNodeBackground"}, _background},
+    {{"ShaderNodeBsdfTransparent", "ShaderNodeHoldout"}, _transparent},
+    {{"ShaderNodeMixShader"}, _mix_shader},
+    {{"ShaderNodeAddShader"}, _add_shader},
+};
 
 }  // namespace
-
-void register_shaders(Registry& registry) {
-    registry.node({"ShaderNodeBsdfPrincipled"}, _principled);
-    registry.node({"ShaderNodeBsdfDiffuse"}, _diffuse);
-    registry.node({"ShaderNodeBsdfAnisotropic", "ShaderNodeBsdfMetallic"}, _glossy);
-    registry.node({"ShaderNodeEmission"}, _emission);
-    registry.node({"ShaderNodeBackground"}, _background);
-    registry.node({"ShaderNodeBsdfTransparent", "ShaderNodeHoldout"}, _transparent);
-    registry.node({"ShaderNodeMixShader"}, _mix_shader);
-    registry.node({"ShaderNodeAddShader"}, _add_shader);
-}
 
 }  // namespace quillgen

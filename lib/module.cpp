@@ -1,5 +1,7 @@
 // quillgen_lib: the HLSL functions that generated text calls, by name.
+#ifndef Py_LIMITED_API
 #define Py_LIMITED_API 0x030B0000
+#endif
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
 
@@ -166,10 +168,36 @@ PyDoc_STRVAR(module_doc,
              "NAMES          all names that resolve knows");
 
 PyMethodDef methods[] = {{"resolve", resolve, METH_O, resolve_doc}, {nullptr, nullptr, 0, nullptr}};
+
+#ifndef Py_mod_multiple_interpreters
+// Of CPython 3.12, whose headers of the limited API of 3.11 do not have it.
+#define Py_mod_multiple_interpreters 3
+#define Py_MOD_PER_INTERPRETER_GIL_SUPPORTED (reinterpret_cast<void*>(2))
+#endif
+
+// CPython 3.11 refuses a slot that it does not know.
 PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)}, {0, nullptr}};
-PyModuleDef definition = {
-    PyModuleDef_HEAD_INIT, "quillgen_lib", module_doc, sizeof(State), methods, slots, traverse, clear, release};
+PyModuleDef_Slot slots_of_312[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)},
+                                   {Py_mod_multiple_interpreters, Py_MOD_PER_INTERPRETER_GIL_SUPPORTED},
+                                   {0, nullptr}};
+
+PyModuleDef define(PyModuleDef_Slot* of_version) {
+    return {PyModuleDef_HEAD_INIT,
+            "quillgen_lib",
+            module_doc,
+            sizeof(State),
+            methods,
+            of_version,
+            traverse,
+            clear,
+            release};
+}
+PyModuleDef definition = define(slots);
+PyModuleDef definition_of_312 = define(slots_of_312);
 
 }  // namespace
 
-PyMODINIT_FUNC PyInit_quillgen_lib() { return PyModuleDef_Init(&definition); }
+PyMODINIT_FUNC PyInit_quillgen_lib() {
+    constexpr unsigned long k312 = 0x030C0000;
+    return PyModuleDef_Init(Py_Version >= k312 ? &definition_of_312 : &definition);
+}

@@ -1,5 +1,4 @@
-// The reference handle: one owned reference to a Python object, and the one exception that carries
-// a Python error through C++.
+// The reference handle, and the one exception that carries a Python error through C++.
 #pragma once
 
 #ifndef Py_LIMITED_API
@@ -12,10 +11,10 @@
 
 namespace quillgen {
 
-// A Python error is set in the interpreter; whoever throws this has set it. It becomes a Python
-// error again in one place, at the entries of the module.
+// Thrown where an error is set in the interpreter. The entries of the module let Python go on with that error.
 struct PythonError {};
 
+// One owned reference to a Python object, or none.
 class Ref {
 public:
     Ref() = default;
@@ -24,7 +23,7 @@ public:
         Py_XINCREF(object);
         return Ref(object);
     }
-    // Takes a new reference that a call of the C API returned; null means that the call failed.
+    // Owns the new reference that a call of the C API has returned. PythonError where it has returned null.
     static Ref checked(PyObject* object) {
         if (object == nullptr) {
             throw PythonError{};
@@ -55,19 +54,19 @@ private:
     PyObject* object_ = nullptr;
 };
 
-// For the calls that answer with a negative number when they have set an error.
-inline Py_ssize_t checked(Py_ssize_t answer) {
-    if (answer < 0) {
-        throw PythonError{};
-    }
-    return answer;
-}
-
+// The answer of a call of the C API that is negative where it has set an error; PythonError in that case.
 inline bool checked(int answer) {
     if (answer < 0) {
         throw PythonError{};
     }
     return answer != 0;
+}
+
+inline Py_ssize_t checked_size(Py_ssize_t size) {
+    if (size < 0) {
+        throw PythonError{};
+    }
+    return size;
 }
 
 }  // namespace quillgen

@@ -1,13 +1,12 @@
 #include "core/document/value.h"
 
 #include <unordered_map>
-#include <vector>
 
 namespace quillgen {
 
 namespace {
 
-// PyDict_GetItemWithError, with the error thrown; null where the key is not there.
+// The item of a plain map, borrowed; null where the key is not there.
 PyObject* looked_up(PyObject* map, PyObject* key) {
     PyObject* item = PyDict_GetItemWithError(map, key);
     if (item == nullptr && PyErr_Occurred() != nullptr) {
@@ -41,7 +40,7 @@ bool Value::is(Text word) const {
     }
     if (PyUnicode_CheckExact(object_.get())) {
         std::string storage;
-        return text(storage) == word;
+        return to_text(object_.get(), storage) == word;
     }
     return compare(object_.get(), to_python(word).get(), Py_EQ);
 }
@@ -49,25 +48,24 @@ bool Value::is(Text word) const {
 bool Value::equals(const Value& other) const { return compare(object_.get(), other.object_.get(), Py_EQ); }
 
 bool Value::less_than(double number) const {
-    if (is_float()) {
-        return PyFloat_AsDouble(object_.get()) < number;
-    }
     return compare(object_.get(), Ref::checked(PyFloat_FromDouble(number)).get(), Py_LT);
 }
 
 bool Value::greater_than(double number) const {
-    if (is_float()) {
-        return PyFloat_AsDouble(object_.get()) > number;
-    }
     return compare(object_.get(), Ref::checked(PyFloat_FromDouble(number)).get(), Py_GT);
 }
 
 bool Value::is_list_or_tuple() const {
-    // Most of what is asked are numbers, which are told without a call.
-    return present() && !is_float() && (PyList_Check(object_.get()) || PyTuple_Check(object_.get()));
+    return present() && (PyList_Check(object_.get()) != 0 || PyTuple_Check(object_.get()) != 0);
 }
 
-void Value::check_hashable() const { checked(static_cast<Py_ssize_t>(PyObject_Hash(object_.get()) == -1 ? -1 : 0)); }
+void Value::check_hashable() const {
+    if (PyObject_Hash(object_.get()) == -1) {
+        throw PythonError{};
+    }
+}
+
+// ---- items ----------------------------------------------------------------------------------
 
 Value Value::at(Word key) const {
     PyObject* name = runtime_->word(key);
@@ -80,18 +78,15 @@ Value Value::at(Word key) const {
     return own(PyObject_GetItem(object_.get(), name));
 }
 
-Value Value::at(Py_ssize_t index) const {
+Value Value::at(const Value& key) const { return own(PyObject_GetItem(object_.get(), key.object())); }
+
+Value Value::item(Py_ssize_t index) const {
     PyObject* object = object_.get();
     if (PyList_CheckExact(object) && index < PyList_Size(object)) {
         return share(PyList_GetItem(object, index));
     }
-    if (PyTuple_CheckExact(object) && index < PyTuple_Size(object)) {
-        return share(PyTuple_GetItem(object, index));
-    }
     return own(PyObject_GetItem(object, Ref::checked(PyLong_FromSsize_t(index)).get()));
 }
-
-Value Value::at(const Value& key) const { return own(PyObject_GetItem(object_.get(), key.object())); }
 
 Value Value::get(Word key) const {
     PyObject* name = runtime_->word(key);
@@ -101,19 +96,9 @@ Value Value::get(Word key) const {
     }
     // What tells "not there" from "there and none" is a default that nothing else holds.
     const Ref missing = Ref::checked(PyList_New(0));
-    const Ref item =
-        Ref::checked(PyObject_CallMethodObjArgs(object_.get(), runtime_->word("get"), name, missing.get(), nullptr));
-    return item.get() == missing.get() ? Value() : share(item.get());
+    const Ref item = Ref::checked(PyObject_CallMethod(object_.get(), "get", "OO", name, missing.get()));
+    return item.get() == missing.get() ? Value() : Value(item, *runtime_);
 }
-
-bool Value::contains(Word key) const {
-    if (PyDict_CheckExact(object_.get())) {
-        return looked_up(object_.get(), runtime_->word(key)) != nullptr;
-    }
-    return checked(PySequence_Contains(object_.get(), runtime_->word(key)));
-}
-
-bool Value::contains(const Value& item) const { return checked(PySequence_Contains(object_.get(), item.object())); }
 
 Value Value::find(Word key) const {
     if (PyDict_CheckExact(object_.get())) {
@@ -126,6 +111,26 @@ Value Value::find(Word key) const {
 Value Value::find(const Value& key) const {
     PyObject* item = looked_up(object_.get(), key.object());
     return item != nullptr ? share(item) : Value();
+}
+
+bool Value::contains(Word key) const { return checked(PySequence_Contains(object_.get(), runtime_->word(key))); }
+
+bool Value::contains(const Value& item) const { return checked(PySequence_Contains(object_.get(), item.object())); }
+
+Py_ssize_t Value::index_of(const Value& item) const {
+    const Ref place = Ref::checked(PyObject_CallMethod(object_.get(), "index", "(O)", item.object()));
+    const Py_ssize_t index = PyLong_AsSsize_t(place.get());
+    if (index == -1 && PyErr_Occurred() != nullptr) {
+        throw PythonError{};
+    }
+    return index;
+}
+
+Py_ssize_t Value::size() const { return checked_size(PyObject_Size(object_.get())); }
+
+std::size_t Value::expected_size() const {
+    const bool is_plain = PyList_CheckExact(object_.get()) || PyDict_CheckExact(object_.get());
+    return is_plain ? static_cast<std::size_t>(size()) : 0;
 }
 
 template <std::size_t Count>
@@ -158,14 +163,15 @@ std::array<Value, 2> Value::unpack2() const { return unpack<2>(); }
 
 std::array<Value, 3> Value::unpack3() const { return unpack<3>(); }
 
-std::array<Ref, 3> Value::plain_triple() const {
-    PyObject* const list = object_.get();
-    if (!PyList_CheckExact(list) || PyList_Size(list) != 3) {
-        return {};
-    }
-    return {Ref::borrow(PyList_GetItem(list, 0)), Ref::borrow(PyList_GetItem(list, 1)),
-            Ref::borrow(PyList_GetItem(list, 2))};
-}
+// ---- conversions ----------------------------------------------------------------------------
+
+double Value::as_float() const { return PyFloat_AsDouble(to_float().object()); }
+
+Value Value::to_float() const { return is_float() ? *this : own(PyNumber_Float(object_.get())); }
+
+Value Value::to_int() const { return own(PyNumber_Long(object_.get())); }
+
+Value Value::lower() const { return called("lower"); }
 
 Value Value::call(const Value& argument) const {
     return own(PyObject_CallFunctionObjArgs(object_.get(), argument.object(), nullptr));
@@ -173,69 +179,13 @@ Value Value::call(const Value& argument) const {
 
 Value Value::remainder(const Value& operand) const { return own(PyNumber_Remainder(object_.get(), operand.object())); }
 
-Value Value::sorted_list() const {
-    Value list = copied_list();
+Value Value::sorted() const {
+    Value list = own(PySequence_List(object_.get()));
     checked(PyList_Sort(list.object()));
     return list;
 }
 
 Value Value::joined() const { return own(PyUnicode_Join(to_python("\n").get(), object_.get())); }
-
-Value Value::cut_out(std::size_t start, std::size_t end) const {
-    return own(PyUnicode_Substring(object_.get(), static_cast<Py_ssize_t>(start), static_cast<Py_ssize_t>(end)));
-}
-
-Text Value::checked_text(std::string& storage) const {
-    if (!is_str()) {
-        raise_type_error("can only concatenate str to str");
-    }
-    return text(storage);
-}
-
-Py_ssize_t Value::index_of(const Value& item) const {
-    const Ref place = Ref::checked(PyObject_CallMethod(object_.get(), "index", "(O)", item.object()));
-    const Py_ssize_t index = PyLong_AsSsize_t(place.get());
-    if (index == -1 && PyErr_Occurred() != nullptr) {
-        throw PythonError{};
-    }
-    return index;
-}
-
-Py_ssize_t Value::size() const { return checked(PyObject_Size(object_.get())); }
-
-double Value::as_float() const {
-    if (is_float()) {
-        return PyFloat_AsDouble(object_.get());
-    }
-    return PyFloat_AsDouble(Ref::checked(PyNumber_Float(object_.get())).get());
-}
-
-std::vector<double> Value::floats() const {
-    const std::size_t size = expected_size();
-    std::vector<double> numbers;
-    numbers.reserve(size);
-    // Nothing runs while plain floats are read, so the list stays what it is: that takes half as long.
-    for (std::size_t i = 0; i < size; ++i) {
-        PyObject* const item = PyList_GetItem(object_.get(), static_cast<Py_ssize_t>(i));
-        if (!PyFloat_CheckExact(item)) {
-            numbers.clear();
-            break;
-        }
-        numbers.push_back(PyFloat_AsDouble(item));
-    }
-    if (numbers.empty()) {
-        for_each([&](const Value& item) { numbers.push_back(item.as_float()); });
-    }
-    return numbers;
-}
-
-int Value::as_int() const { return static_cast<int>(PyLong_AsLong(object_.get())); }
-
-Value Value::to_float() const { return is_float() ? *this : own(PyNumber_Float(object_.get())); }
-
-Value Value::to_int() const { return own(PyNumber_Long(object_.get())); }
-
-Value Value::lower() const { return called("lower"); }
 
 Value Value::copied_list() const {
     Value list = own(PySequence_List(object_.get()));
@@ -253,12 +203,12 @@ Value Value::unshared() const {
         return *this;
     }
     std::vector<Ref> copies;
-    std::unordered_map<PyObject*, std::size_t> places;  // of the copy of each container met so far
+    std::unordered_map<PyObject*, std::size_t> indices;  // of the copy of each container met so far
     const auto copy_of = [&](PyObject* item) {
         if (!is_container(item)) {
             return Ref::borrow(item);
         }
-        const auto [known, is_new] = places.try_emplace(item, copies.size());
+        const auto [known, is_new] = indices.try_emplace(item, copies.size());
         if (is_new) {
             copies.push_back(Ref::checked(PyList_CheckExact(item)   ? PySequence_List(item)
                                           : PyDict_CheckExact(item) ? PyDict_Copy(item)
@@ -271,13 +221,13 @@ Value Value::unshared() const {
     for (std::size_t i = 0; i < copies.size(); ++i) {
         const Ref copy = copies[i];
         if (PyList_CheckExact(copy.get())) {
-            for (Py_ssize_t place = 0; place < PyList_Size(copy.get()); ++place) {
-                checked(PyList_SetItem(copy.get(), place, copy_of(PyList_GetItem(copy.get(), place)).release()));
+            for (Py_ssize_t j = 0; j < PyList_Size(copy.get()); ++j) {
+                checked(PyList_SetItem(copy.get(), j, copy_of(PyList_GetItem(copy.get(), j)).release()));
             }
         } else if (PyDict_CheckExact(copy.get())) {
             const Ref keys = Ref::checked(PyDict_Keys(copy.get()));
-            for (Py_ssize_t place = 0; place < PyList_Size(keys.get()); ++place) {
-                PyObject* const key = PyList_GetItem(keys.get(), place);
+            for (Py_ssize_t j = 0; j < PyList_Size(keys.get()); ++j) {
+                PyObject* const key = PyList_GetItem(keys.get(), j);
                 const Ref item = Ref::checked(PyObject_GetItem(copy.get(), key));
                 checked(PyDict_SetItem(copy.get(), key, copy_of(item.get()).get()));
             }
@@ -286,32 +236,24 @@ Value Value::unshared() const {
     return result;
 }
 
+Text Value::text(std::string& storage) const {
+    if (!is_str()) {
+        raise_type_error("expected a string");
+    }
+    return to_text(object_.get(), storage);
+}
+
 Text Value::formatted(std::string& storage) const {
     if (PyUnicode_CheckExact(object_.get())) {
-        return text(storage);
+        return to_text(object_.get(), storage);
     }
-    append_to(storage);
+    append_formatted(storage, object_.get());
     return storage;
 }
 
-void Value::append_to(std::string& out) const { append_formatted(out, object_.get()); }
+Value Value::called(const char* method) const { return own(PyObject_CallMethod(object_.get(), method, nullptr)); }
 
-Value Value::called(Word method) const {
-    return own(PyObject_CallMethodObjArgs(object_.get(), runtime_->word(method), nullptr));
-}
-
-void Value::check_unchanged(Py_ssize_t before, PyObject* map) {
-    if (PyDict_Size(map) != before) {
-        PyErr_SetString(PyExc_RuntimeError, "dictionary changed size during iteration");
-        throw PythonError{};
-    }
-}
-
-Value Value::none(const Runtime& runtime) { return {Ref::borrow(Py_None), runtime}; }
-
-Value Value::word(const Runtime& runtime, Word word) { return {Ref::borrow(runtime.word(word)), runtime}; }
-
-Value Value::text(const Runtime& runtime, Text text) { return {to_python(text), runtime}; }
+// ---- new values -----------------------------------------------------------------------------
 
 Value Value::number(const Runtime& runtime, double number) {
     return {Ref::checked(PyFloat_FromDouble(number)), runtime};
@@ -321,35 +263,39 @@ Value Value::integer(const Runtime& runtime, long number) { return {Ref::checked
 
 Value Value::boolean(const Runtime& runtime, bool truth) { return {Ref::borrow(truth ? Py_True : Py_False), runtime}; }
 
-Value Value::list(const Runtime& runtime) { return {Ref::checked(PyList_New(0)), runtime}; }
-
-Value Value::pair(const Value& first, const Value& second) {
-    const Ref list = Ref::checked(PyList_New(2));
-    checked(PyList_SetItem(list.get(), 0, Ref(first.object_).release()));
-    checked(PyList_SetItem(list.get(), 1, Ref(second.object_).release()));
-    return {list, *first.runtime_};
+Value Value::list(const Runtime& runtime, std::initializer_list<Value> items) {
+    const Ref list = Ref::checked(PyList_New(static_cast<Py_ssize_t>(items.size())));
+    Py_ssize_t i = 0;
+    for (const Value& item : items) {
+        checked(PyList_SetItem(list.get(), i++, Ref(item.object_).release()));
+    }
+    return {list, runtime};
 }
 
-Value Value::map(const Runtime& runtime) { return {Ref::checked(PyDict_New()), runtime}; }
-
-Value Value::set(const Runtime& runtime) { return {Ref::checked(PySet_New(nullptr)), runtime}; }
+Value Value::map(const Runtime& runtime, std::initializer_list<Item> items) {
+    Value map = {Ref::checked(PyDict_New()), runtime};
+    for (const Item& item : items) {
+        map.set_item(item.key, item.value);
+    }
+    return map;
+}
 
 void Value::append(const Value& item) const { checked(PyList_Append(object_.get(), item.object())); }
 
+void Value::truncate(Py_ssize_t size) const {
+    checked(PyList_SetSlice(object_.get(), size, PyList_Size(object_.get()), nullptr));
+}
+
 void Value::add(const Value& item) const { checked(PySet_Add(object_.get(), item.object())); }
 
-void Value::put(Word key, const Value& item) const {
+void Value::set_item(Word key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), runtime_->word(key), item.object()));
 }
 
-void Value::put(const Value& key, const Value& item) const {
+void Value::set_item(const Value& key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), key.object(), item.object()));
 }
 
 void Value::update(const Value& other) const { checked(PyDict_Update(object_.get(), other.object())); }
-
-void Value::cut(Py_ssize_t size) const {
-    checked(PyList_SetSlice(object_.get(), size, PyList_Size(object_.get()), nullptr));
-}
 
 }  // namespace quillgen

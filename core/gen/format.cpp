@@ -4,13 +4,18 @@
 
 namespace quillgen {
 
-static_assert(Format<"$0 = $(10) + $1;">::kHoles == 3);
-static_assert(Format<"$0 = $0 * $1;">::takes(2));
-static_assert(!Format<"$0 = $1;">::takes(1), "a placeholder without an argument");
-static_assert(!Format<"$0 = $1;">::takes(3), "an argument without a placeholder");
-
 Argument::Argument(int number) : text_(digits_, std::to_chars(digits_, digits_ + sizeof digits_, number).ptr) {}
 
-char* Argument::put(char* to) const { return quillgen::put(to, text_); }
+void fill_format(std::string& out, std::string_view format, const Argument* arguments) {
+    const auto append = [&out](std::string_view piece) { out.append(piece.data(), piece.size()); };
+    std::size_t start = 0;
+    for (std::size_t mark = format.find('$'); mark != std::string_view::npos; mark = format.find('$', start)) {
+        const Placeholder placeholder = read_placeholder(format, mark);
+        append({format.data() + start, mark - start});
+        append(arguments[placeholder.index].text());
+        start = placeholder.end;
+    }
+    append({format.data() + start, format.size() - start});
+}
 
 }  // namespace quillgen

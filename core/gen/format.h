@@ -1,19 +1,12 @@
-// Format texts: HLSL with `$0` to `$9` and `$(10)` up standing for the arguments, as in `"$0 = $1;"_fmt`. HLSL has no
-// dollar sign, and its braces stay plain. A format is cut into its pieces while compiling, so that filling it is one
-// move after the other: a third of the instructions that reading it each time takes. One that does not fit its
-// arguments does not compile.
+// Formats: HLSL with `$0` to `$9` and `$(10)` up standing for the arguments. HLSL has no dollar sign, and its braces
+// stay plain. A format that does not fit its arguments does not compile.
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
-#include <utility>
 
-#include "core/gen/put.h"
-
-// A handler's frame stays on the stack while the graph above it is evaluated, so what a function only needs
-// for a moment stands in a frame of its own: the arguments below, and the words of a failure.
+// A handler's frame stays on the stack while the graph above it is evaluated, so the arguments of a format stand in a
+// frame of their own.
 #if defined(_MSC_VER)
 #define QUILLGEN_OWN_FRAME __declspec(noinline)
 #else
@@ -21,6 +14,29 @@
 #endif
 
 namespace quillgen {
+
+// A format of that many arguments, each of which stands in it at least once.
+template <std::size_t Count>
+class Format;
+
+// What a format takes: a text, or an integer in decimal digits. It is made where it is used, and stays there.
+class Argument {
+public:
+    // NOLINTBEGIN(google-explicit-constructor): arguments are written as what they are
+    Argument(std::string_view text) : text_(text) {}
+    Argument(const std::string& text) : text_(text) {}
+    Argument(const char* text) : text_(text) {}
+    Argument(int number);
+    // NOLINTEND(google-explicit-constructor)
+    Argument(const Argument&) = delete;
+    Argument& operator=(const Argument&) = delete;
+
+    [[nodiscard]] std::string_view text() const { return text_; }
+
+private:
+    char digits_[12];
+    std::string_view text_;
+};
 
 struct Placeholder {
     std::size_t index;  // of the argument
@@ -40,94 +56,34 @@ constexpr Placeholder read_placeholder(std::string_view format, std::size_t star
     return {index, at + 1};
 }
 
-template <std::size_t Size>
-struct FormatText {
-    char characters[Size] = {};
-
-    // NOLINTNEXTLINE(google-explicit-constructor): a format is written as a plain text
-    consteval FormatText(const char (&text)[Size]) { std::copy_n(text, Size, characters); }
-    [[nodiscard]] constexpr std::string_view view() const { return {characters, Size - 1}; }
-};
-
-template <FormatText F>
-struct Format {
-    // Plain text, and the argument behind it.
-    struct Piece {
-        std::size_t start = 0;
-        std::size_t size = 0;
-        std::size_t argument = 0;
-    };
-
-    static constexpr std::size_t kHoles =
-        static_cast<std::size_t>(std::count(F.characters, F.characters + F.view().size(), '$'));
-    // One for each placeholder, and the plain text behind the last.
-    static constexpr std::array<Piece, kHoles + 1> kPieces = [] {
-        std::array<Piece, kHoles + 1> pieces;
-        std::size_t start = 0;
-        for (std::size_t i = 0; i < kHoles; ++i) {
-            std::size_t hole = start;  // by hand: with sanitizers on, GCC 12 takes no search of a view for a constant
-            while (F.characters[hole] != '$') {
-                ++hole;
-            }
-            const Placeholder placeholder = read_placeholder(F.view(), hole);
-            pieces[i] = {start, hole - start, placeholder.index};
-            start = placeholder.end;
-        }
-        pieces[kHoles] = {start, F.view().size() - start};
-        return pieces;
-    }();
-    template <std::size_t I>
-    static constexpr std::string_view kPlain = {F.characters + kPieces[I].start, kPieces[I].size};
-
-    // Whether there is a placeholder for each of that many arguments, and none for another.
-    static constexpr bool takes(std::size_t arguments) {
-        unsigned long seen = 0;
-        for (std::size_t i = 0; i < kHoles; ++i) {
-            seen |= 1UL << kPieces[i].argument;
-        }
-        return seen == (1UL << arguments) - 1;
-    }
-};
-
-template <FormatText F>
-consteval Format<F> operator""_fmt() {
-    return {};
-}
-
-// What a format takes: a text, or an integer in decimal digits. It is made where it is used, and stays there.
-class Argument {
+template <std::size_t Count>
+class Format {
 public:
-    // NOLINTBEGIN(google-explicit-constructor): arguments are written as what they are
-    Argument(std::string_view text) : text_(text) {}
-    Argument(const std::string& text) : text_(text) {}
-    Argument(const char* text) : text_(text) {}
-    Argument(int number);
-    // NOLINTEND(google-explicit-constructor)
-    Argument(const Argument&) = delete;
-    Argument& operator=(const Argument&) = delete;
-
-    [[nodiscard]] std::size_t size() const { return text_.size(); }
-    char* put(char* to) const;  // the place behind it
+    // NOLINTNEXTLINE(google-explicit-constructor): a format is written as a plain text
+    consteval Format(const char* text) : text_(text) {
+        unsigned long seen = 0;
+        for (std::size_t at = 0; at < text_.size(); ++at) {
+            if (text_[at] == '$') {
+                seen |= 1UL << read_placeholder(text_, at).index;
+            }
+        }
+        if (seen != (1UL << Count) - 1) {
+            throw "a placeholder without an argument, or the other way round";
+        }
+    }
+    [[nodiscard]] std::string_view text() const { return text_; }
 
 private:
-    char digits_[12];
     std::string_view text_;
 };
 
-template <class Out, FormatText F, std::size_t... Hole>
-void fill_holes(Out& out, Format<F> /*format*/, const Argument* arguments, std::index_sequence<Hole...> /*holes*/) {
-    using Pieces = Format<F>;
-    char* to = out.room((arguments[Pieces::kPieces[Hole].argument].size() + ... + F.view().size()));
-    ((to = put(to, Pieces::template kPlain<Hole>), to = arguments[Pieces::kPieces[Hole].argument].put(to)), ...);
-    out.end_at(put(to, Pieces::template kPlain<Pieces::kHoles>));
-}
+void fill_format(std::string& out, std::string_view format, const Argument* arguments);
 
 // Appends the format with its placeholders filled.
-template <class Out, FormatText F, class... Args>
-void fill(Out& out, Format<F> format, const Args&... args) {
-    static_assert(Format<F>::takes(sizeof...(Args)), "a placeholder without an argument, or the other way round");
+template <class... Args>
+void fill(std::string& out, Format<sizeof...(Args)> format, const Args&... args) {
     const Argument arguments[] = {Argument(args)...};
-    fill_holes(out, format, arguments, std::make_index_sequence<Format<F>::kHoles>{});
+    fill_format(out, format.text(), arguments);
 }
 
 }  // namespace quillgen

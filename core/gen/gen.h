@@ -1,28 +1,25 @@
-// The generator: one instance translates one graph of one document into HLSL statements, and
-// everything that a node handler does, it does through the operations here.
+// The generator: one instance translates one graph of one document into HLSL statements, and everything that a node's
+// handler does, it does through the operations here.
 //
-// Evaluation is pull-based. Nothing walks the list of nodes: one output is read, its node's handler
-// reads the inputs that it needs, and so on up the graph, each node once. Statements are appended as
-// evaluation goes, so the order of reading in a handler is the order of lines and of the numbers in
-// names.
+// Evaluation is pull-based. Nothing walks the list of nodes: one output is read, its node's handler reads the inputs
+// that it needs, and so on up the graph, each node once. Statements are appended as evaluation goes, so the order of
+// reading in a handler is the order of lines and of the numbers in names.
 #pragma once
 
-#include <array>
-#include <list>
-#include <span>
 #include <string>
 #include <vector>
 
-#include "core/gen/counter.h"
+#include "core/document/recursion.h"
+#include "core/gen/arena.h"
 #include "core/gen/format.h"
+#include "core/gen/graph.h"
 #include "core/gen/module.h"
-#include "core/gen/number.h"
 #include "core/gen/signal.h"
 
 namespace quillgen {
 
-// How far the signals are moved while a graph is evaluated again beside the shaded point. Each member
-// names a variable: `w` a world-space offset, `a` and `b` the same offset in screen steps in x and y.
+// How far the signals are moved while a graph is evaluated again beside the shaded point. Each member names a variable:
+// `w` a world-space offset, `a` and `b` the same offset in screen steps in x and y.
 struct Offset {
     Text w;
     Text a;
@@ -37,249 +34,184 @@ struct Uses {
     bool coat = false;
 };
 
-// The library's word for the type of a coordinate of `d` dimensions. KeyError where it has none.
-std::string library_type(const Runtime& runtime, int d);
-
 class Gen {
 public:
-    // KeyError where the document, or a node record of it, lacks a mandatory key.
-    Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias);
-    // Another translation of the same document. What the one that is done has read of it is taken from it, so that one
-    // is good for its results only from then on.
-    struct After {
-        Gen& done;
-    };
-    explicit Gen(After other);
+    // `uv_bias` is absent, none, or a pair of numbers that is added to every UV coordinate. KeyError where the
+    // document, or a node record of it, lacks a mandatory key.
+    Gen(const Module& module, const Value& document, bool with_params, const Value& uv_bias = {});
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
-    // ---- statements -------------------------------------------------------------------------
+    // ---- statements (statements.cpp) --------------------------------------------------------
     // A fresh name: the prefix and the next number of the one counter.
-    Text tmp(Prefix prefix = "t") {
-        arena_.end_at(k_.put_name(arena_.room(Counter::kMostCharacters), prefix));
-        return arena_.finished();
-    }
-
+    Text tmp(Text prefix = "t");
     void emit(Text line);
-    template <FormatText F, class... Args>
-    QUILLGEN_OWN_FRAME void emit(Format<F> line, const Args&... args) {
-        body_.append("  ");
+    template <class... Args>
+    QUILLGEN_OWN_FRAME void emit(Format<sizeof...(Args)> line, const Args&... args) {
+        begin_line();
         fill(body_, line, args...);
-        body_.append("\n");
         end_line();
     }
-
     // Declares a variable and gives its name. The type "closure" stands for the closure record.
-    Text var(Text type, Text expr) { return declare(type, "v", expr); }
-    template <FormatText F, class... Args>
-    QUILLGEN_OWN_FRAME Text var(Text type, Format<F> expr, const Args&... args) {
+    Text var(Text type, Text expr) { return var_with_prefix("v", type, expr); }
+    Text var_with_prefix(Text prefix, Text type, Text expr);
+    template <class... Args>
+    QUILLGEN_OWN_FRAME Text var(Text type, Format<sizeof...(Args)> expr, const Args&... args) {
         const Text name = begin_declaration(type, "v");
         fill(body_, expr, args...);
-        body_.append(";\n");
-        end_line();
+        end_declaration();
         return name;
     }
 
     // A text that lives as long as the generator.
     Text keep(Text text) { return arena_.keep(text); }
-    template <FormatText F, class... Args>
-    QUILLGEN_OWN_FRAME Text text(Format<F> format, const Args&... args) {
-        fill(arena_, format, args...);
-        return arena_.finished();
+    template <class... Args>
+    QUILLGEN_OWN_FRAME Text text(Format<sizeof...(Args)> format, const Args&... args) {
+        buffer_.clear();
+        fill(buffer_, format, args...);
+        return keep(buffer_);
     }
+    Text formatted(const Value& value);  // format(value)
     // A float literal, and a float3 of the first three of a sequence's items, padded with zeros. TypeError or
     // ValueError where a value does not convert to a float.
-    Text _f(const Value& value);
+    Text _f(double number);
+    Text _f(const Value& value) { return _f(value.as_float()); }
     Text _v3(const Value& value);
-    // The literals of the numbers with ", " between them. The text holds until the next call.
-    [[nodiscard]] Text literals(std::span<const double> numbers) const;
-    Text formatted(const Value& value);  // as a format of Python's writes it
+    // The float literals of a sequence's items, with ", " between them.
+    Text literals(const Value& items);
 
-    void warn(Text warning) { warnings.push_back(keep(warning)); }
-    template <FormatText F, class... Args>
-    void warn(Format<F> warning, const Args&... args) {
-        warnings.push_back(text(warning, args...));
+    void warn(Text warning) { warnings.append(Value::text(runtime(), warning)); }
+    template <class... Args>
+    QUILLGEN_OWN_FRAME void warn(Format<sizeof...(Args)> warning, const Args&... args) {
+        warn(text(warning, args...));
     }
-    [[noreturn]] void unsupported(Text message) const { module_.runtime.raise_unsupported(message); }
+    [[noreturn]] void unsupported(Text message) const { runtime().raise_unsupported(message); }
 
-    // The row of an operation, or of `fallback` where the word is absent; null for one without a row.
-    [[nodiscard]] const TemplateTable::Row* row(Text table, const Value& operation, Text fallback) const;
-    // The row's HLSL with the operands in it; asks for the library names that it calls.
-    Text fill_row(const TemplateTable::Row& row, std::initializer_list<Text> operands);
+    // Asks for library functions; one whose name is composed from the document is given as a text.
+    template <class... Words>
+    void use(Word name, Words... names) {
+        need.add(Value::word(runtime(), name));
+        (need.add(Value::word(runtime(), names)), ...);
+    }
+    void use(Text name) { need.add(Value::text(runtime(), name)); }
+    void use_struct(Word name) { structs.add(Value::word(runtime(), name)); }
+    // The library's word for the type of a coordinate of `d` dimensions. KeyError where it has none.
+    Text types(int d);
+    // The template of an operation, or of `fallback` where the operation is absent; null for one without a template.
+    [[nodiscard]] const Template* find_template(const TemplateTable& table, const Value& operation,
+                                                Text fallback) const;
+    // Its HLSL with the operands in it; asks for the library functions that it calls.
+    Text fill_template(const Template& row, std::initializer_list<Text> operands);
 
-    // ---- library names ----------------------------------------------------------------------
-    void use(std::span<const Word> names);
-    void use(std::initializer_list<Word> names) { use(std::span<const Word>(names.begin(), names.size())); }
-    void use(Word name) { use({name}); }
-    void use_composed(Text name);  // a name made of words of the document
-    void use_struct(Word name);
-    Text types(int d);  // library_type
-
-    // ---- output sockets ---------------------------------------------------------------------
+    // ---- output sockets (outputs.cpp) -------------------------------------------------------
     // Whether anything in the document reads the output.
-    [[nodiscard]] bool is_used(const Node& n, Word out) const { return find_output(n, out) != nullptr; }
-    // Binds an output. `set` makes a variable of it; `bind` leaves the text as it is, to be pasted by each
-    // reader. An output that nothing reads costs nothing.
-    void set(const Node& n, Word out, SocketType type, Text expr);
-    void bind(const Node& n, Word out, SocketType type, Text expr);
-    template <FormatText F, class... Args>
-    void set(const Node& n, Word out, SocketType type, Format<F> expr, const Args&... args) {
+    static bool is_used(Node& n, Word out) { return n.find_output(static_cast<int>(out.index())) != nullptr; }
+    // Binds an output. `set` makes a variable of it; `bind` leaves the text as it is, to be pasted by each reader. An
+    // output that nothing reads costs nothing.
+    void set(Node& n, Word out, const SocketType& type, Text expr);
+    static void bind(Node& n, Word out, const SocketType& type, Text expr);
+    template <class... Args>
+    void set(Node& n, Word out, const SocketType& type, Format<sizeof...(Args)> expr, const Args&... args) {
         if (is_used(n, out)) {
             bind(n, out, type, var(hlsl(type), expr, args...));
         }
     }
-    template <FormatText F, class... Args>
-    void bind(const Node& n, Word out, SocketType type, Format<F> expr, const Args&... args) {
+    template <class... Args>
+    void bind(Node& n, Word out, const SocketType& type, Format<sizeof...(Args)> expr, const Args&... args) {
         if (is_used(n, out)) {
             bind(n, out, type, text(expr, args...));
         }
     }
     // The same for an output whose name the document gives.
-    void bind(const Node& n, const Value& out, SocketType type, Text expr);
+    void bind(Node& n, const Value& out, const SocketType& type, Text expr);
+    // Reads the output that a source names (its first items are a node's id and an output), evaluating its node if that
+    // has not happened yet. Unsupported "{type} has no output {out}"; KeyError for a node that the document lacks.
+    Bound output(const Value& source) { return output(find_source(graph_, source), source); }
 
-    // Reads the output that a source names (its first items are a node's id and an output), evaluating its node
-    // if that has not happened yet. Unsupported "{type} has no output {out}"; KeyError for a node that the
-    // document lacks.
-    Bound output(const Value& source);
-
-    // ---- input sockets ----------------------------------------------------------------------
-    // The socket as text of the type `want`: the output that it is linked to, a parameter or literal, or
-    // `fallback` where the record lacks the socket. Unsupported "{type}: no input {ident}".
-    Text inp(const Node& n, Word ident, SocketType want, Text fallback = {});
-    bool linked(const Node& n, Word ident);
-    // The entry of a socket, absent where the record lacks it. Whoever decides by a socket's stored value, or writes it
-    // as a literal, reads it here: the text depends on the value then, even where it has become a parameter.
-    Value entry(const Node& n, Word ident);
+    // ---- input sockets (sockets.cpp) --------------------------------------------------------
+    // The socket as text of the type `want`: the output that it is linked to, a parameter or literal, or `fallback`
+    // where the record lacks the socket. Unsupported "{type}: no input {ident}".
+    Text inp(Node& n, Word ident, const SocketType& want, Text fallback = {});
+    static bool has_input(Node& n, Word ident) { return n.find_socket(ident) != nullptr; }
+    static bool linked(Node& n, Word ident);
+    // The value that is stored for a socket, also for a linked one; absent where there is none.
+    static Value stored(Node& n, Word ident);
     // Unsupported where a shader meets a value.
-    Text convert(Text expr, SocketType from, SocketType to);
-    // The value of a socket, or of a property, as a tweakable input or, without use_params, a literal.
-    // A socket that is no word is a text in the form that identifiers have.
-    template <class Ident>
-    Text param(const Node& n, Ident socket, SocketType type, const Value& value, Origin origin = {}) {
-        return param(use_params ? &param_name(n, socket) : nullptr, type, value, origin);
-    }
-    const Name& param_name(const Node& n, Word socket);
-    const Name& param_name(const Node& n, Text socket);
-    const Name& input_name(Text name) { return names_->get(name); }
+    QUILLGEN_OWN_FRAME Text convert(Text expr, const SocketType& from, const SocketType& to);
+    // A tweakable input of that name or, without use_params, a literal. The value is a document's number or sequence;
+    // nothing and none count as 0.0. TypeError or ValueError where it does not convert to a float.
+    // `socket` is an identifier. Where a parameter is declared, `declared` gets it.
+    Text param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared = nullptr);
+    Text param_name(Node& n, Text socket);
+    // A tweakable input of the kind "scalar" or "vector".
+    Parameter parameter(Text name, Word kind, const Value& value);
+    void declare(const Parameter& parameter);
 
-    // ---- geometry signals -------------------------------------------------------------------
+    // ---- geometry signals (signals.cpp) -----------------------------------------------------
     Text geo(Signal what);
     // The screen-space derivative along 'x' or 'y'. Unsupported "no derivative for {what}".
     Text deriv(Signal what, char axis);
     // A linked vector socket, else the signal.
-    Text vector_or(const Node& n, Word ident, Signal coord);
-    void declare_input(Text name, Word kind);
+    Text vector_or(Node& n, Word ident, Signal coord);
+    void declare_input(Word name, Word kind);
 
-    // ---- evaluation at moved positions ------------------------------------------------------
-    // Evaluates what feeds a linked input once more with the signals moved, and gives the name of a new
-    // variable that holds the input's value there. All else is as before. KeyError without a link.
-    Text inp_offset(const Node& n, Word ident, SocketType want, const Offset& offset);
-
-    // ---- the whole graph --------------------------------------------------------------------
-    struct Run {
-        Text base;     // in emission mode the colour
-        Text closure;  // in every other mode the variable of the closure
-    };
-    Run run();
-    // Bumps the shading normal by the displacement output, where the document asks for it.
-    void displacement_normal();
+    // ---- evaluation at moved positions (offset.cpp) -----------------------------------------
+    // Evaluates what feeds a linked input once more with the signals moved, and gives the name of a new variable that
+    // holds the input's value there. All else is as before.
+    Text inp_offset(Node& n, Word ident, const SocketType& want, const Offset& offset);
+    // A node that is none of the document's, with one socket that is linked to the source.
+    Node reader(Word ident, const Value& source);
 
     [[nodiscard]] const Module& module() const { return module_; }
     [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
-    // The statements, each ended by a line feed; `line_ends` are the places behind those.
-    [[nodiscard]] Text body() const { return body_.view(); }
+    [[nodiscard]] Node* find_node(const Value& id);  // null where there is none
+    // The statements, each ended by a line feed, and where each ends.
+    [[nodiscard]] Text body() const { return body_; }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
-    [[nodiscard]] Value need() const { return need_; }              // a set of library names
-    [[nodiscard]] Value structs() const { return structs_; }        // a set of struct names
-    [[nodiscard]] std::vector<const Input*> sorted_inputs() const;  // by name
-    [[nodiscard]] const Node* find_node(const Value& nid) const;    // null where there is none
-    // All entries that `entry` has given.
-    [[nodiscard]] const std::vector<const void*>& decisive() const { return decisive_; }
-    // The library's words that `types` has given, by the number of dimensions; empty where it has not been asked.
-    using Types = std::array<std::string, 5>;
-    [[nodiscard]] const Types& asked_types() const { return types_; }
-    [[nodiscard]] const std::shared_ptr<Names>& names() const { return names_; }
 
-private:
-    const StorageLoan storage_;  // ahead of all that refers to it
-    const std::shared_ptr<Names> names_;
-
-public:
     const Value ir;
     const bool use_params;
     const Value uv_bias;
-    Inputs& inputs;
-    std::vector<Text> warnings;
-    std::list<Texture> textures;
+    const Value need;      // set of str: library functions
+    const Value structs;   // set of str: structs of the library
+    const Value inputs;    // dict: name of an input -> its record
+    const Value warnings;  // list of str
     Uses uses;
-    Text n_override;          // replaces the shading normal once a displacement bump has made it
+    Text n_override;          // replaces the shading normal, once a bump by displacement has made it
     bool disp_stage = false;  // normals come from vertex data while displacement is compiled
 
 private:
     class MovedEvaluation;
 
-    Gen(const Module& module, Value document, bool emission_mode, bool with_params, Value bias,
-        std::shared_ptr<Names> names);
-    void read_nodes();
-    void read_links();
-    void read_link(const void* key, const Value& entry);
-    Source find_source(const Value& source);
-    Source find_source(const Value& nid, const Value& out);
-    void mark_used(const Source& source);
-    Bound output(const Source& found, const Value& source);
-    [[noreturn]] void no_input(const Node& n, Word ident);
-    int name_of(const Value& out);
-    [[nodiscard]] int find_place(const Value& nid) const;
-    [[nodiscard]] const Output* find_output(const Node& n, Word out) const;
-    Output* find_output(const NodeState& state, int name);
-    void node(const Node& n, const Value& source);
-    void fall_back(const Value& nid, const Node& n, const Value& type);
-
+    void begin_line() { body_ += "  "; }
     void end_line();
-    Text begin_declaration(Text type, Prefix prefix);
-    Text declare(Text type, Prefix prefix, Text expr);
+    Text begin_declaration(Text type, Text prefix);
+    void end_declaration();
 
-    [[nodiscard]] Value shared(const Ref& object) const { return {object, runtime()}; }
+    Bound output(const Source& source, const Value& names);
+    void node(Node& n, const Value& names);
+    QUILLGEN_OWN_FRAME void fall_back(Node& n, const Value& id);
+    [[noreturn]] QUILLGEN_OWN_FRAME void no_output(const Node& n, const Value& name);
+
     SocketType socket_type(const Value& word);
-    Socket* find_socket(const Node& n, Word ident);
-    Socket* find_socket(const Node& n, Word ident, const Value& entry);
-    void read_socket(const Node& n, Word ident, Socket& socket);
-    Text inp_by_entry(const Node& n, Word ident, SocketType want, Text fallback);
-    Text read(const Node& n, Word ident, Socket& socket, SocketType want);
-    Text read_entry(const Node& n, Word ident, const Value& entry, SocketType want);
-    SocketType written_type(const Value& word);
-    Text param(const Name* name, SocketType type, const Value& value, Origin origin);  // null without use_params
-    NodeNames& names_of(const Node& n);
+    [[noreturn]] QUILLGEN_OWN_FRAME Text no_input(Node& n, Word ident);
+    Text read_link(const Socket& socket, const SocketType& want);
+    QUILLGEN_OWN_FRAME void read_value(Node& n, Word ident, Socket& socket);
 
     Text _geo(Signal what);
     Text frame_vector(Signal what);
     Text uv_signal(int index);
     Text axis_signal(Signal what);
-
-    std::vector<int> upstream(int place);
-    void displacement_bump(const Value& src, bool object_space);
+    void declare_input(Text name, std::initializer_list<Value::Item> record);
 
     const Module& module_;
-    const bool emission_mode_;
-    Arena& arena_;
-    TextBuffer& body_;
-    std::vector<std::size_t>& line_ends_;
-    Counter k_;
-
-    std::vector<Node>& nodes_;
-    std::vector<NodeState>& states_;
-    std::vector<Output>& outputs_;
-    std::vector<Socket>& sockets_;
-    SmallMapKeys<3> entry_keys_;
-    std::vector<Value> unknown_types_;
-    std::vector<const void*>& decisive_;
-
-    Value need_;
-    std::vector<bool>& needed_;
-    std::vector<const void*>& socket_keys_;
-    std::vector<std::size_t>& socket_places_;
-    Value structs_;
-    Types types_;
+    const std::uintptr_t stack_entry_ = stack_position();
+    Graph graph_;
+    Arena arena_;
+    std::string buffer_;  // for a text that is written before it is kept
+    std::string body_;
+    std::vector<std::size_t> line_ends_;
+    int k_ = 0;  // the counter of `tmp`
     const Offset* boff_ = nullptr;
 };
 

@@ -1,16 +1,17 @@
-// One interpreter's copy of the module.
+// One interpreter's copy of the module: what does not change from its load on.
 #pragma once
 
 #include "core/gen/registry.h"
-#include "core/gen/storage.h"
+#include "core/gen/socket_type.h"
 
 namespace quillgen {
 
 struct Module {
-    Runtime runtime;
-    Registry registry{runtime};
-    mutable IdleStorage idle_storage;
-    mutable SharedNames names{runtime};
+    explicit Module(ClosureText closure_text) : closure(closure_text) {}
+
+    const ClosureText closure;
+    const Runtime runtime;
+    const Registry registry{runtime};
 };
 
 }  // namespace quillgen

@@ -1,235 +1,158 @@
-// Input sockets: where the graph is walked, where a value becomes a parameter or a literal, and where
-// types meet.
-#include <algorithm>
-
+// Input sockets: where the graph is walked, where a value becomes a parameter or a literal, and where types meet.
 #include "core/gen/gen.h"
 
 namespace quillgen {
 
 namespace {
 
-constexpr std::size_t kFirstType = Word("VALUE").index();
-static_assert(Word("ROTATION").index() - kFirstType == SocketType::rotation);
+// The value of a scalar parameter: a float. IndexError for a sequence of no items.
+Value scalar_value(const Runtime& runtime, const Value& value) {
+    const Value item = value.is_list_or_tuple() ? value.item(0) : value;
+    return item.is_none() ? Value::number(runtime, 0.0) : item.to_float();
+}
+
+// The value of a vector parameter: a list of four.
+Value vector_value(const Runtime& runtime, const Value& value) {
+    Value items;
+    if (value.is_list_or_tuple()) {
+        items = value.copied_list();
+    } else {
+        const Value x = value.truthy() ? value.to_float() : Value::number(runtime, 0.0);
+        items = Value::list(runtime, {x, x, x});
+    }
+    // A list of three gets 0.0 for its fourth; only an empty one reaches the 1.0.
+    for (const double pad : {0.0, 0.0, 0.0, 1.0}) {
+        if (items.size() >= 4) {
+            break;
+        }
+        items.append(Value::number(runtime, pad));
+    }
+    items.truncate(4);
+    return items;
+}
+
+// The frames of Gen::inp and what it calls stay on the stack while the graph above is evaluated: what is needed for a
+// moment only has a frame of its own, here and in Gen::no_input.
+QUILLGEN_OWN_FRAME Value link_type(const Value& link) { return link.unpack3()[2]; }
 
 }  // namespace
 
-// The type that a word of the document stands for. Words that no table knows keep their text, which
-// messages quote. TypeError where the word has no hash, as for any look into a table.
-SocketType Gen::written_type(const Value& word) {
+// The type that a word of the document stands for. One that no table knows keeps its text, which messages quote.
+// TypeError where the word has no hash, as for any look into a table.
+SocketType Gen::socket_type(const Value& word) {
     if (word.is_str()) {
         std::string storage;
-        const Text text = word.text(storage);
-        for (std::size_t kind = 0; kind <= SocketType::rotation; ++kind) {
-            if (kWords[kFirstType + kind] == text) {
-                return {static_cast<SocketType::Kind>(kind)};
+        const Text name = word.text(storage);
+        for (const SocketType type : kSocketTypes) {
+            if (type.name == name) {
+                return type;
             }
         }
     }
     word.check_hashable();
-    unknown_types_.push_back(word);
-    return {SocketType::unknown, static_cast<std::uint32_t>(unknown_types_.size())};
+    return {SocketType::unknown, formatted(word)};
 }
 
-// The same for an unlinked entry's own type, which is only compared: anything may stand there.
-SocketType Gen::socket_type(const Value& word) { return word.is_str() ? written_type(word) : SocketType{}; }
-
-// The socket whose key is the word itself, or the object that has been the key of such a socket before; null where
-// there is none, which tells nothing about equal keys.
-Socket* Gen::find_socket(const Node& n, Word ident) {
-    if (n.state == nullptr) {
-        return nullptr;
-    }
-    const std::span<Socket> all = n.state->sockets;
-    const void* const word = runtime().word(ident);
-    const void* const known = socket_keys_[ident.index()] != nullptr ? socket_keys_[ident.index()] : word;
-    const auto is_wanted = [&](const Socket& socket) { return socket.key == word || socket.key == known; };
-    // Nodes of one type have their sockets in one order.
-    std::size_t& place = socket_places_[ident.index()];
-    if (place >= all.size() || !is_wanted(all[place])) {
-        const auto found = std::find_if(all.begin(), all.end(), is_wanted);
-        if (found == all.end()) {
-            return nullptr;
-        }
-        place = static_cast<std::size_t>(found - all.begin());
-    }
-    Socket& socket = all[place];
-    socket.key = word;
-    socket.is_named = true;
-    return &socket;
+bool Gen::linked(Node& n, Word ident) {
+    const Socket* const socket = n.find_socket(ident);
+    return socket != nullptr && socket->link.present();
 }
 
-// The socket of an entry that the document has under that word. It is named by the word from then on, and found by
-// it. Where one entry stands for several sockets, each gets one of them, which may be another's: then its key tells
-// nothing.
-Socket* Gen::find_socket(const Node& n, Word ident, const Value& entry) {
-    if (n.state == nullptr) {
-        return nullptr;
-    }
-    Socket* found = nullptr;
-    int sharing = 0;
-    for (Socket& socket : n.state->sockets) {
-        if (socket.entry.get() == entry.object()) {
-            ++sharing;
-            if (found == nullptr && !socket.is_named) {
-                found = &socket;
-            }
-        }
-    }
-    if (found != nullptr) {
-        if (sharing == 1) {
-            socket_keys_[ident.index()] = found->key;
-        }
-        found->key = runtime().word(ident);
-        found->is_named = true;
-    }
-    return found;
+Value Gen::stored(Node& n, Word ident) {
+    const Socket* const socket = n.find_socket(ident);
+    return socket != nullptr ? socket->entry.get("v"_w) : Value();
 }
 
-bool Gen::linked(const Node& n, Word ident) {
-    if (const Socket* socket = find_socket(n, ident)) {
-        return static_cast<bool>(socket->link);
+Text Gen::inp(Node& n, Word ident, const SocketType& want, Text fallback) {
+    Socket* const socket = n.find_socket(ident);
+    if (socket == nullptr) {
+        return fallback.data() != nullptr ? fallback : no_input(n, ident);
     }
-    const Value entry = n.in.get(ident);
-    return !entry.is_none() && entry.contains("link");
+    if (socket->link.present()) {
+        return read_link(*socket, want);
+    }
+    if (socket->text.empty()) {
+        read_value(n, ident, *socket);
+    } else if (socket->parameter.name.present()) {
+        declare(socket->parameter);  // a parameter of another node may have come to the same name meanwhile
+    }
+    if (is_value_type(socket->type)) {
+        return convert(socket->text, socket->type, want);
+    }
+    return is_closure(socket->type) && is_closure(want) ? module_.closure.none : "0.0";
 }
 
-Value Gen::entry(const Node& n, Word ident) {
-    const Socket* const socket = find_socket(n, ident);
-    Value found = socket != nullptr ? shared(socket->entry) : n.in.get(ident);
-    if (found.present()) {
-        decisive_.push_back(found.object());
-    }
-    return found;
+Text Gen::no_input(Node& n, Word ident) { unsupported(text("$0: no input $1", formatted(n.type()), ident.text())); }
+
+Text Gen::read_link(const Socket& socket, const SocketType& want) {
+    const Value type = link_type(socket.link);
+    const Bound bound = output(socket.source, socket.link);
+    // The document is believed over the handler.
+    return convert(bound.text, type.truthy() ? socket_type(type) : bound.type, want);
 }
 
-void Gen::no_input(const Node& n, Word ident) {
-    unsupported(text("$0: no input $1"_fmt, formatted(n.type()), ident.text()));
-}
-
-Text Gen::inp(const Node& n, Word ident, SocketType want, Text fallback) {
-    Socket* const socket = find_socket(n, ident);
-    return socket != nullptr ? read(n, ident, *socket, want) : inp_by_entry(n, ident, want, fallback);
-}
-
-// The same for a socket that no word has found yet, or none will.
-Text Gen::inp_by_entry(const Node& n, Word ident, SocketType want, Text fallback) {
-    const Value entry = n.in.get(ident);
-    if (entry.is_none()) {
-        if (fallback.data() != nullptr) {
-            return fallback;
-        }
-        no_input(n, ident);
-    }
-    Socket* const socket = find_socket(n, ident, entry);
-    return socket != nullptr ? read(n, ident, *socket, want) : read_entry(n, ident, entry, want);
-}
-
-void Gen::read_socket(const Node& n, Word ident, Socket& socket) {
-    if (socket.link) {
-        const Value type = socket.t ? shared(socket.t) : shared(socket.link).unpack3()[2];
-        if (type.is_str()) {
-            socket.type = written_type(type);
-            socket.is_typed = socket.type.kind != SocketType::unknown || type.truthy();
-        } else {
-            if (!type.is_none()) {
-                output(socket.source, shared(socket.link));  // it may fail, but not ahead of its source
-            }
-            socket.is_typed = type.truthy();
-            socket.type = socket.is_typed ? written_type(type) : SocketType{};
-        }
-    } else {
-        socket.type = socket_type(socket.t ? shared(socket.t) : shared(socket.entry).at("t"));
-        if (is_value_type(socket.type)) {
-            const Value v = socket.v ? shared(socket.v) : shared(socket.entry).get("v");
-            socket.text = param(n, ident, socket.type, v, {socket.entry.get(), "v"});
-        }
-    }
-    socket.is_read = true;
-}
-
-Text Gen::read(const Node& n, Word ident, Socket& socket, SocketType want) {
-    if (!socket.is_read || inputs.ambiguous()) {
-        read_socket(n, ident, socket);
-    }
-    if (socket.link) {
-        const Bound bound = output(socket.source, shared(socket.link));
-        // The document is believed over the handler.
-        return convert(bound.text, socket.is_typed ? socket.type : bound.type, want);
-    }
+void Gen::read_value(Node& n, Word ident, Socket& socket) {
+    const Value type = socket.entry.at("t"_w);
+    socket.type = type.is_str() ? socket_type(type) : SocketType{};
+    socket.text = "0.0";
     if (is_value_type(socket.type)) {
-        return convert(socket.text, socket.type, want);
+        socket.text = param(n, ident.identifier(), socket.type, socket.entry.get("v"_w), &socket.parameter);
     }
-    return is_closure(socket.type) && is_closure(want) ? "L.closure_none()" : "0.0";
 }
 
-// Reads an entry that may be any object, as if for the first time.
-Text Gen::read_entry(const Node& n, Word ident, const Value& entry, SocketType want) {
-    if (const Value link = entry.find("link"); link.present()) {
-        const auto [nid, out, type] = link.unpack3();
-        const Bound bound = output({find_place(nid), name_of(out)}, Value::pair(nid, out));
-        return convert(bound.text, type.truthy() ? written_type(type) : bound.type, want);
-    }
-    const SocketType type = socket_type(entry.at("t"));
-    if (is_value_type(type)) {
-        return convert(param(n, ident, type, entry.get("v"), {entry.object(), "v"}), type, want);
-    }
-    return is_closure(type) && is_closure(want) ? "L.closure_none()" : "0.0";
-}
-
-Text Gen::convert(Text expr, SocketType from, SocketType to) {
-    if (shape(from) == shape(to)) {
+Text Gen::convert(Text expr, const SocketType& from, const SocketType& to) {
+    if (hlsl(from) == hlsl(to)) {
         return expr;
     }
-    const auto word = [&](SocketType type) {
-        return type.word > 0 ? formatted(unknown_types_[type.word - 1]) : kWords[kFirstType + type.kind];
-    };
     if (is_closure(to)) {
-        unsupported(text("a $0 value plugged into a shader socket"_fmt, word(from)));
+        unsupported(text("a $0 value plugged into a shader socket", from.name));
     }
     if (is_closure(from)) {
-        unsupported(text("a shader plugged into a $0 socket"_fmt, word(to)));
+        unsupported(text("a shader plugged into a $0 socket", to.name));
     }
     if (is_float3(to)) {
-        return text("((float3)($0))"_fmt, expr);
+        return text("((float3)($0))", expr);
     }
     if (from == RGBA) {
-        return text("dot($0, float3(0.2126, 0.7152, 0.0722))"_fmt, expr);
+        return text("dot($0, float3(0.2126, 0.7152, 0.0722))", expr);
     }
-    return text("(($0).x + ($0).y + ($0).z) * (1.0 / 3.0)"_fmt, expr);
+    return text("(($0).x + ($0).y + ($0).z) * (1.0 / 3.0)", expr);
 }
 
 // ---- parameters -----------------------------------------------------------------------------
 
-NodeNames& Gen::names_of(const Node& n) {
-    if (n.state->names == nullptr) {
+Text Gen::param_name(Node& n, Text socket) {
+    if (n.parameter_prefix.empty()) {
         std::string storage;
-        n.state->names = &names_->of_node(n.id.formatted(storage));
+        std::string prefix = "P_";
+        append_identifier(prefix, n.id.formatted(storage));
+        n.parameter_prefix = keep(prefix + "__");
     }
-    return *n.state->names;
+    return arena_.keep(n.parameter_prefix, socket);
 }
 
-const Name& Gen::param_name(const Node& n, Word socket) {
-    NodeNames& names = names_of(n);
-    const Name* const known = names.find(socket);
-    return known != nullptr ? *known : names.add(socket, param_name(n, runtime().identifier(socket)));
+void Gen::declare(const Parameter& parameter) { inputs.set_item(parameter.name, parameter.record); }
+
+Parameter Gen::parameter(Text name, Word kind, const Value& value) {
+    return {Value::text(runtime(), name),
+            Value::map(runtime(), {{"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};
 }
 
-const Name& Gen::param_name(const Node& n, Text socket) {
-    return names_->get(arena_.keep({names_of(n).prefix(), socket}));
-}
-
-Text Gen::param(const Name* name, SocketType type, const Value& value, Origin origin) {
-    const bool is_scalar = shape(type) == Shape::scalar;
+Text Gen::param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared) {
+    const bool is_scalar = hlsl(type) == "float";
     const Value made = is_scalar ? scalar_value(runtime(), value) : vector_value(runtime(), value);
-    if (name == nullptr) {
+    if (!use_params) {
         return is_scalar ? _f(made) : _v3(made);
     }
-    inputs.put_parameter(*name, is_scalar ? Word("scalar") : Word("vector"), made, origin);
-    return is_scalar ? name->text : arena_.keep({name->text, ".xyz"});
+    const Text name = param_name(n, socket);
+    const Parameter made_parameter = parameter(name, is_scalar ? "scalar"_w : "vector"_w, made);
+    declare(made_parameter);
+    if (declared != nullptr) {
+        *declared = made_parameter;
+    }
+    return is_scalar ? name : arena_.keep(name, ".xyz");
 }
 
-Text Gen::vector_or(const Node& n, Word ident, Signal coord) {
-    return linked(n, ident) ? inp(n, ident, VECTOR) : geo(coord);
-}
+Text Gen::vector_or(Node& n, Word ident, Signal coord) { return linked(n, ident) ? inp(n, ident, VECTOR) : geo(coord); }
 
 }  // namespace quillgen

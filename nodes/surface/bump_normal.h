@@ -34,4 +34,8 @@ struct Bump {
 // The name of the new normal, in world space also where the bump is computed in object space.
 Text _bump_normal(Gen& g, Bump bump, bool object_space);
 
+// Bumps the shading normal of all that is evaluated from then on by the displacement output, where the document asks
+// for it.
+void displacement_normal(Gen& g);
+
 }  // namespace quillgen

@@ -1,6 +1,5 @@
 // Fresnel and Layer Weight: how far the surface turns away from the viewer.
 #include "core/gen/gen.h"
-#include "nodes/register.h"
 #include "nodes/surface/normals.h"
 
 namespace quillgen {
@@ -8,42 +7,42 @@ namespace quillgen {
 namespace {
 
 // Seen from the back the light leaves the medium, and the ratio of the indices is the inverse.
-void _fresnel(Gen& g, const Node& n) {
-    g.use("fresnel_dielectric_cos");
-    const Text ior = g.inp(n, "IOR", VALUE);
-    const Text eta = g.var("float", "max($0, 1e-5)"_fmt, ior);
+void _fresnel(Gen& g, Node& n) {
+    g.use("fresnel_dielectric_cos"_w);
+    const Text ior = g.inp(n, "IOR"_w, VALUE);
+    const Text eta = g.var("float", "max($0, 1e-5)", ior);
     const Text ts = g.geo("twosided");
-    g.emit("if ($0 < 0.0) $1 = 1.0 / $1;"_fmt, ts, eta);
+    g.emit("if ($0 < 0.0) $1 = 1.0 / $1;", ts, eta);
     const Text i = g.geo("I");
     const Text nor = _normal_or_shading(g, n);
-    g.set(n, "Fac", VALUE, "L.fresnel_dielectric_cos(dot($0, $1), $2)"_fmt, i, nor, eta);
+    g.set(n, "Fac"_w, VALUE, "L.fresnel_dielectric_cos(dot($0, $1), $2)", i, nor, eta);
 }
 
 // Here eta falls as the blend rises, so it is the front that takes the inverse.
-void _layer_weight(Gen& g, const Node& n) {
-    g.use("fresnel_dielectric_cos");
-    const Text blend = g.var("float", g.inp(n, "Blend", VALUE));
+void _layer_weight(Gen& g, Node& n) {
+    g.use("fresnel_dielectric_cos"_w);
+    const Text blend = g.var("float", g.inp(n, "Blend"_w, VALUE));
     const Text nor = g.var("float3", _normal_or_shading(g, n));
     const Text i = g.geo("I");
-    const Text eta = g.var("float", "max(1.0 - $0, 1e-5)"_fmt, blend);
+    const Text eta = g.var("float", "max(1.0 - $0, 1e-5)", blend);
     const Text ts = g.geo("twosided");
-    g.emit("$1 = ($0 < 0.0) ? $1 : 1.0 / $1;"_fmt, ts, eta);
-    g.set(n, "Fresnel", VALUE, "L.fresnel_dielectric_cos(dot($0, $1), $2)"_fmt, i, nor, eta);
-    const Text f = g.var("float", "abs(dot($0, $1))"_fmt, i, nor);
+    g.emit("$1 = ($0 < 0.0) ? $1 : 1.0 / $1;", ts, eta);
+    g.set(n, "Fresnel"_w, VALUE, "L.fresnel_dielectric_cos(dot($0, $1), $2)", i, nor, eta);
+    const Text f = g.var("float", "abs(dot($0, $1))", i, nor);
     // The blend as an exponent: 0.5 leaves f as it is, and the clamp keeps the division finite.
     const Text b = g.var("float", blend);
     g.emit(
         "if ($0 != 0.5) { $0 = clamp($0, 0.0, 1.0 - 1e-5); "
-        "$0 = ($0 < 0.5) ? 2.0 * $0 : 0.5 / (1.0 - $0); $1 = pow($1, $0); }"_fmt,
+        "$0 = ($0 < 0.5) ? 2.0 * $0 : 0.5 / (1.0 - $0); $1 = pow($1, $0); }",
         b, f);
-    g.set(n, "Facing", VALUE, "1.0 - $0"_fmt, f);
+    g.set(n, "Facing"_w, VALUE, "1.0 - $0", f);
 }
+
+const node nodes[] = {
+    {{"ShaderNodeFresnel"}, _fresnel},
+    {{"ShaderNodeLayerWeight"}, _layer_weight},
+};
 
 }  // namespace
-
-void register_facing(Registry& registry) {
-    registry.node({"ShaderNodeFresnel"}, _fresnel);
-    registry.node({"ShaderNodeLayerWeight"}, _layer_weight);
-}
 
 }  // namespace quillgen

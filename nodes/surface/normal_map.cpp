@@ -1,6 +1,5 @@
 // Normal Map: an encoded normal colour as a shading normal in world space.
 #include "core/gen/gen.h"
-#include "nodes/register.h"
 
 namespace quillgen {
 
@@ -19,7 +18,7 @@ struct NormalMap {
 
 void flip_on_the_back(Gen& g, Text nm) {
     const Text ts = g.geo("twosided");
-    g.emit("if ($0 < 0.0) $1 = -$1;"_fmt, ts, nm);
+    g.emit("if ($0 < 0.0) $1 = -$1;", ts, nm);
 }
 
 // The strength works on the components, before the frame: x and y without limit, z only down to 1.
@@ -28,10 +27,10 @@ void tangent_space(Gen& g, const NormalMap& m) {
     const Text t = g.var("float3", g.geo("Tl"));
     const Text bl = g.var("float3", g.geo("Bl"));
     // The bitangent is rebuilt; the mesh's own gives only its sign.
-    const Text b = g.var("float3", "cross($0, $1)"_fmt, nl, t);
-    g.emit("if (dot($0, $1) < 0.0) $0 = -$0;"_fmt, b, bl);
-    g.emit("$0.x *= $1; $0.y *= $1; $0.z = lerp(1.0, $0.z, saturate($1));"_fmt, m.col, m.strength);
-    g.emit("float3 $0 = L.n_obj_to_world(L.safe_normalize($1.x * $2 + $1.y * $3 + $1.z * $4), $5, $6, $7);"_fmt, m.nm,
+    const Text b = g.var("float3", "cross($0, $1)", nl, t);
+    g.emit("if (dot($0, $1) < 0.0) $0 = -$0;", b, bl);
+    g.emit("$0.x *= $1; $0.y *= $1; $0.z = lerp(1.0, $0.z, saturate($1));", m.col, m.strength);
+    g.emit("float3 $0 = L.n_obj_to_world(L.safe_normalize($1.x * $2 + $1.y * $3 + $1.z * $4), $5, $6, $7);", m.nm,
            m.col, t, b, nl, m.ox, m.oy, m.oz);
     flip_on_the_back(g, m.nm);
 }
@@ -40,31 +39,31 @@ void tangent_space(Gen& g, const NormalMap& m) {
 void other_space(Gen& g, const NormalMap& m, const Value& space) {
     const bool blender_object = space.is("BLENDER_OBJECT");
     if (blender_object || space.is("BLENDER_WORLD")) {
-        g.emit("$0.y = -$0.y; $0.z = -$0.z;"_fmt, m.col);
+        g.emit("$0.y = -$0.y; $0.z = -$0.z;", m.col);
     }
     if (blender_object || space.is("OBJECT")) {
-        g.emit("float3 $0 = L.n_obj_to_world($1, $2, $3, $4);"_fmt, m.nm, m.col, m.ox, m.oy, m.oz);
+        g.emit("float3 $0 = L.n_obj_to_world($1, $2, $3, $4);", m.nm, m.col, m.ox, m.oy, m.oz);
     } else {
-        g.emit("float3 $0 = L.safe_normalize($1);"_fmt, m.nm, m.col);
+        g.emit("float3 $0 = L.safe_normalize($1);", m.nm, m.col);
     }
     flip_on_the_back(g, m.nm);
-    g.emit("if ($2 != 1.0) $0 = L.safe_normalize($1 + ($0 - $1) * max($2, 0.0));"_fmt, m.nm, m.Nf, m.strength);
+    g.emit("if ($2 != 1.0) $0 = L.safe_normalize($1 + ($0 - $1) * max($2, 0.0));", m.nm, m.Nf, m.strength);
 }
 
-void _normal_map(Gen& g, const Node& n) {
+void _normal_map(Gen& g, Node& n) {
     const Value p = n.props();
-    const Value space = p.get("space");
+    const Value space = p.get("space"_w);
     NormalMap m;
-    m.col = g.var("float3", "2.0 * ($0 - float3(0.5, 0.5, 0.5))"_fmt, g.inp(n, "Color", RGBA));
-    if (p.get("convention").is("DIRECTX")) {
-        g.emit("$0.y = -$0.y;"_fmt, m.col);
+    m.col = g.var("float3", "2.0 * ($0 - float3(0.5, 0.5, 0.5))", g.inp(n, "Color"_w, RGBA));
+    if (p.get("convention"_w).is("DIRECTX")) {
+        g.emit("$0.y = -$0.y;", m.col);
     }
-    m.strength = g.var("float", g.inp(n, "Strength", VALUE));
+    m.strength = g.var("float", g.inp(n, "Strength"_w, VALUE));
     m.Nf = g.var("float3", g.geo("Nf"));
     m.ox = g.geo("ox");
     m.oy = g.geo("oy");
     m.oz = g.geo("oz");
-    g.use({"n_obj_to_world", "safe_normalize"});
+    g.use("n_obj_to_world"_w, "safe_normalize"_w);
     m.nm = g.tmp("nm");
     if (!space.present() || space.is("TANGENT")) {
         tangent_space(g, m);
@@ -72,12 +71,14 @@ void _normal_map(Gen& g, const Node& n) {
         other_space(g, m, space);
     }
     // A colour may decode to no direction at all.
-    g.emit("if (dot($0, $0) == 0.0 || any(isnan($0)) || any(isinf($0))) $0 = $1;"_fmt, m.nm, m.Nf);
-    g.bind(n, "Normal", VECTOR, m.nm);
+    g.emit("if (dot($0, $0) == 0.0 || any(isnan($0)) || any(isinf($0))) $0 = $1;", m.nm, m.Nf);
+    g.bind(n, "Normal"_w, VECTOR, m.nm);
 }
 
-}  // namespace
+const node nodes[] = {
+    {{"ShaderNodeNormalMap"}, _normal_map},
+};
 
-void register_normal_map(Registry& registry) { registry.node({"ShaderNodeNormalMap"}, _normal_map); }
+}  // namespace
 
 }  // namespace quillgen

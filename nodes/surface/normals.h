@@ -7,7 +7,7 @@ namespace quillgen {
 
 // The linked normal as it stands, else the shading normal. Either may be a long expression: a caller that
 // uses it more than once puts it into a variable.
-inline Text _normal_or_shading(Gen& g, const Node& n, Word ident = "Normal") {
+inline Text _normal_or_shading(Gen& g, Node& n, Word ident = "Normal"_w) {
     return g.linked(n, ident) ? g.inp(n, ident, VECTOR) : g.geo("Nf");
 }
 

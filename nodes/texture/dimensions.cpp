@@ -2,19 +2,19 @@
 
 namespace quillgen {
 
-Text _coord(Gen& g, const Node& n, int d, Text scale) {
+Text _coord(Gen& g, Node& n, int d, Text scale) {
     if (d == 1) {
-        return g.text("($0 * $1)"_fmt, g.inp(n, "W", VALUE, "0.0"), scale);
+        return g.text("($0 * $1)", g.inp(n, "W"_w, VALUE, "0.0"), scale);
     }
-    const Text v = g.vector_or(n, "Vector", "generated");
+    const Text v = g.vector_or(n, "Vector"_w, "generated");
     if (d == 2) {
-        return g.text("(($0).xy * $1)"_fmt, v, scale);
+        return g.text("(($0).xy * $1)", v, scale);
     }
     if (d == 3) {
-        return g.text("($0 * $1)"_fmt, v, scale);
+        return g.text("($0 * $1)", v, scale);
     }
-    const Text w = g.inp(n, "W", VALUE, "0.0");
-    return g.text("(float4($0, $1) * $2)"_fmt, v, w, scale);
+    const Text w = g.inp(n, "W"_w, VALUE, "0.0");
+    return g.text("(float4($0, $1) * $2)", v, w, scale);
 }
 
 }  // namespace quillgen

@@ -1,16 +1,16 @@
 // What the textures of one to four dimensions share.
 #pragma once
 
-#include "core/gen/choices.h"
 #include "core/gen/gen.h"
+#include "core/gen/properties.h"
 
 namespace quillgen {
 
 // The dimension words of a document. NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-inline constexpr Choice _DIMS[] = {{"1D", 1}, {"2D", 2}, {"3D", 3}, {"4D", 4}};
+inline constexpr EnumItem _DIMS[] = {{"1D", 1}, {"2D", 2}, {"3D", 3}, {"4D", 4}};
 
 // The node's coordinate of dimension d times `scale`, in parentheses; no statement. It reads no more than the
 // dimension needs: W in 1D, Vector in 2D and 3D, both in 4D.
-Text _coord(Gen& g, const Node& n, int d, Text scale);
+Text _coord(Gen& g, Node& n, int d, Text scale);
 
 }  // namespace quillgen

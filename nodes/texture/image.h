@@ -10,16 +10,15 @@ namespace quillgen {
 // The name of an image's texture input: readable, and told apart by the start of a hash of the whole name.
 // TypeError for anything but a str.
 std::string tex_input(const Runtime& runtime, const Value& image_name);
-Text tex_input(Gen& g, const Value& image_name);
 
 struct DeclaredImage {
-    Text t;                  // the texture input
-    const Texture* texture;  // how it is read, which an earlier node may have fixed
-    Value info;              // the image's record
+    Text t;      // the texture input
+    Value spec;  // its record, which an earlier node may have made
+    Value info;  // the image's record
 };
 
 // Declares an image that the document has. A node that wants it read in another way than the first gets a warning.
-DeclaredImage _image_spec(Gen& g, const Node& n, const Value& img);
+DeclaredImage _image_spec(Gen& g, Node& n, const Value& img);
 
 // How an image's colour stands to its alpha.
 struct AlphaUse {

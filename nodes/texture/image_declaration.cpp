@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "core/gen/choices.h"
+#include "core/gen/properties.h"
 #include "nodes/texture/image.h"
 
 namespace quillgen {
@@ -12,45 +12,43 @@ constexpr Text DATA_SPACES[] = {"Non-Color", "Raw", "Generic Data", "Data"};
 constexpr std::size_t kMostCharacters = 32;
 constexpr std::size_t kDigits = 6;
 
-Value word_or(const Gen& g, const Value& props, Word key, Word fallback) {
-    const Value word = props.get(key);
-    return word.present() ? word.unshared() : Value::word(g.runtime(), fallback);
+Value property_or(const Gen& g, const Value& props, Word key, Text fallback) {
+    const Value property = props.get(key);
+    return property.present() ? property.unshared() : Value::text(g.runtime(), fallback);
 }
 
 }  // namespace
 
 std::string tex_input(const Runtime& runtime, const Value& image_name) {
-    const std::string base = runtime.identifier(image_name.object()).substr(0, kMostCharacters);
-    return "T_" + base + "_" + runtime.sha1_digits(image_name.object(), kDigits);
-}
-
-Text tex_input(Gen& g, const Value& image_name) {
-    if (!image_name.is_str()) {
-        return g.keep(tex_input(g.runtime(), image_name));
-    }
     std::string storage;
-    const Text name = image_name.text(storage);
-    return g.keep(g.runtime().memory().textures.get(name, [&] { return tex_input(g.runtime(), image_name); }));
+    std::string base;
+    append_identifier(base, image_name.text(storage));
+    return "T_" + base.substr(0, kMostCharacters) + "_" + runtime.sha1_digits(image_name.object(), kDigits);
 }
 
-DeclaredImage _image_spec(Gen& g, const Node& n, const Value& img) {
+DeclaredImage _image_spec(Gen& g, Node& n, const Value& img) {
+    const Runtime& runtime = g.runtime();
     const Value p = n.props();
-    const Text t = tex_input(g, img);
-    const Value info = g.ir.at("images").at(img);
-    const Value extension = word_or(g, p, "extension", "REPEAT");
-    const Value interpolation = word_or(g, p, "interpolation", "Linear");
-    const Name& name = g.input_name(t);
-    const Input* input = g.inputs.find(name);
-    if (input == nullptr) {
-        g.textures.push_back({img, info.get("float").truthy(), extension, interpolation});
-        input = &g.inputs.put({.name = &name, .kind = "texture", .texture = &g.textures.back()});
+    const Text t = g.keep(tex_input(runtime, img));
+    const Value info = g.ir.at("images"_w).at(img);
+    const Value extension = property_or(g, p, "extension"_w, "REPEAT");
+    const Value interpolation = property_or(g, p, "interpolation"_w, "Linear");
+    const Value name = Value::text(runtime, t);
+    Value spec = g.inputs.find(name);
+    if (!spec.present()) {
+        spec = Value::map(runtime, {{"kind"_w, Value::word(runtime, "texture"_w)},
+                                    {"image"_w, img},
+                                    {"srgb"_w, Value::boolean(runtime, false)},
+                                    {"float"_w, Value::boolean(runtime, info.get("float"_w).truthy())},
+                                    {"extension"_w, extension},
+                                    {"interpolation"_w, interpolation}});
+        g.inputs.set_item(name, spec);
     }
-    const Texture* texture = input->texture;
-    if (!texture->extension.equals(extension) || !texture->interpolation.equals(interpolation)) {
-        g.warn("image $0 is used with different extension / interpolation settings - Unreal uses the first"_fmt,
+    if (!spec.at("extension"_w).equals(extension) || !spec.at("interpolation"_w).equals(interpolation)) {
+        g.warn("image $0 is used with different extension / interpolation settings - Unreal uses the first",
                g.formatted(img));
     }
-    return {t, texture, info};
+    return {t, spec, info};
 }
 
 bool is_data_space(const Value& colorspace) {
@@ -59,17 +57,17 @@ bool is_data_space(const Value& colorspace) {
 }
 
 AlphaUse _image_alpha(const Value& info) {
-    if (is_data_space(info.get("colorspace"))) {
+    if (is_data_space(info.get("colorspace"_w))) {
         return {0, false};
     }
-    const Value mode = info.get("alpha");
+    const Value mode = info.get("alpha"_w);
     if (mode.is("CHANNEL_PACKED") || mode.is("NONE")) {
         return {0, false};
     }
     if (mode.is("PREMUL")) {
         return {0, true};
     }
-    return {info.get("float").truthy() ? 2 : 1, true};
+    return {info.get("float"_w).truthy() ? 2 : 1, true};
 }
 
 }  // namespace quillgen

@@ -29,34 +29,34 @@ int extension_code(const Value& extension) {
 
 // B-spline over 4 by 4 texels.
 void emit_cubic(Gen& g, const Tap& tap) {
-    g.emit("float4 $0 = float4(0.0, 0.0, 0.0, 0.0);"_fmt, tap.s);
-    g.emit("{ float2 st = $0 * $1 - 0.5; float2 i0 = floor(st); float2 f = st - i0;"_fmt, tap.suv, tap.sz);
+    g.emit("float4 $0 = float4(0.0, 0.0, 0.0, 0.0);", tap.s);
+    g.emit("{ float2 st = $0 * $1 - 0.5; float2 i0 = floor(st); float2 f = st - i0;", tap.suv, tap.sz);
     for (const Text axis : {"x", "y"}) {
         g.emit(
             "  float4 w$0 = float4((1.0 - f.$0) * (1.0 - f.$0) * (1.0 - f.$0),"
             " 3.0 * f.$0 * f.$0 * f.$0 - 6.0 * f.$0 * f.$0 + 4.0,"
             " -3.0 * f.$0 * f.$0 * f.$0 + 3.0 * f.$0 * f.$0 + 3.0 * f.$0 + 1.0,"
-            " f.$0 * f.$0 * f.$0) / 6.0;"_fmt,
+            " f.$0 * f.$0 * f.$0) / 6.0;",
             axis);
     }
     g.emit("  [unroll] for (int j = 0; j < 4; j++) { [unroll] for (int i = 0; i < 4; i++) {");
-    g.emit("    float4 tx = L.texel_fetch_a($0, int2(i0) + int2(i - 1, j - 1), int2($1), $2, $3);"_fmt, tap.t, tap.sz,
+    g.emit("    float4 tx = L.texel_fetch_a($0, int2(i0) + int2(i - 1, j - 1), int2($1), $2, $3);", tap.t, tap.sz,
            tap.e, tap.assoc);
-    g.emit("    $0 += wx[i] * wy[j] * tx; } } }"_fmt, tap.s);
+    g.emit("    $0 += wx[i] * wy[j] * tx; } } }", tap.s);
 }
 
 void emit_closest(Gen& g, const Tap& tap) {
-    g.emit("float4 $0 = L.texel_fetch_a($1, int2(floor($2 * $3)), int2($3), $4, $5);"_fmt, tap.s, tap.t, tap.suv,
-           tap.sz, tap.e, tap.assoc);
+    g.emit("float4 $0 = L.texel_fetch_a($1, int2(floor($2 * $3)), int2($3), $4, $5);", tap.s, tap.t, tap.suv, tap.sz,
+           tap.e, tap.assoc);
 }
 
 void emit_linear(Gen& g, const Tap& tap) {
     const auto fetch = [&](Text off) {
-        return g.text("L.texel_fetch_a($0, i0$1, int2($2), $3, $4)"_fmt, tap.t, off, tap.sz, tap.e, tap.assoc);
+        return g.text("L.texel_fetch_a($0, i0$1, int2($2), $3, $4)", tap.t, off, tap.sz, tap.e, tap.assoc);
     };
-    g.emit("float4 $0;"_fmt, tap.s);
-    g.emit("{ float2 st = $0 * $1 - 0.5; int2 i0 = int2(floor(st)); float2 f = st - floor(st);"_fmt, tap.suv, tap.sz);
-    g.emit("  $0 = lerp(lerp($1, $2, f.x), lerp($3, $4, f.x), f.y); }"_fmt, tap.s, fetch(""), fetch(" + int2(1, 0)"),
+    g.emit("float4 $0;", tap.s);
+    g.emit("{ float2 st = $0 * $1 - 0.5; int2 i0 = int2(floor(st)); float2 f = st - floor(st);", tap.suv, tap.sz);
+    g.emit("  $0 = lerp(lerp($1, $2, f.x), lerp($3, $4, f.x), f.y); }", tap.s, fetch(""), fetch(" + int2(1, 0)"),
            fetch(" + int2(0, 1)"), fetch(" + int2(1, 1)"));
 }
 
@@ -68,7 +68,7 @@ void emit_filter(Gen& g, const Tap& tap, const Value& interpolation) {
     } else {
         emit_linear(g, tap);
     }
-    g.use("texel_fetch_a");
+    g.use("texel_fetch_a"_w);
 }
 
 bool is_srgb(const Value& colorspace) { return !colorspace.present() || colorspace.is("sRGB"); }
@@ -76,36 +76,36 @@ bool is_srgb(const Value& colorspace) { return !colorspace.present() || colorspa
 void warn_of_unknown_space(Gen& g, const Value& info, const Value& colorspace) {
     const bool known = is_srgb(colorspace) || is_data_space(colorspace) || colorspace.is("Linear Rec.709") ||
                        colorspace.is("Linear") || colorspace.is("Linear CIE-XYZ D65");
-    if (known || info.get("float").truthy()) {
+    if (known || info.get("float"_w).truthy()) {
         return;
     }
-    const Value name = info.get("name");
-    g.warn("image $0: colour space $1 is read as linear"_fmt, name.present() ? g.formatted(name) : "?",
+    const Value name = info.get("name"_w);
+    g.warn("image $0: colour space $1 is read as linear", name.present() ? g.formatted(name) : "?",
            g.formatted(colorspace));
 }
 
 }  // namespace
 
 Text _image_lookup(Gen& g, const DeclaredImage& image, Text tuv, bool unassociate) {
-    const auto& [t, texture, info] = image;
+    const auto& [t, spec, info] = image;
     const Text s = g.tmp("img");
     const AlphaUse alpha = _image_alpha(info);
-    const Value colorspace = info.get("colorspace");
+    const Value colorspace = info.get("colorspace"_w);
     warn_of_unknown_space(g, info, colorspace);
-    const Text suv = g.var("float2", "float2($0.x, 1.0 - $0.y)"_fmt, tuv);
+    const Text suv = g.var("float2", "float2($0.x, 1.0 - $0.y)", tuv);
     const Text sz = g.tmp("sz");
-    g.emit("uint $0_w, $0_h; $1.GetDimensions($0_w, $0_h); float2 $0 = float2($0_w, $0_h);"_fmt, sz, t);
-    emit_filter(g, {s, t, suv, sz, extension_code(texture->extension), alpha.assoc}, texture->interpolation);
+    g.emit("uint $0_w, $0_h; $1.GetDimensions($0_w, $0_h); float2 $0 = float2($0_w, $0_h);", sz, t);
+    emit_filter(g, {s, t, suv, sz, extension_code(spec.at("extension"_w)), alpha.assoc}, spec.at("interpolation"_w));
     if (unassociate && alpha.can_unassoc) {
-        g.emit("if ($0.a != 1.0 && $0.a != 0.0) $0.rgb /= $0.a;"_fmt, s);
+        g.emit("if ($0.a != 1.0 && $0.a != 0.0) $0.rgb /= $0.a;", s);
     }
     // After the filter, which works on the values as they are stored.
-    if (is_srgb(colorspace) && !info.get("float").truthy()) {
-        g.use("srgb_to_linear3");
-        g.emit("$0.rgb = L.srgb_to_linear3($0.rgb);"_fmt, s);
+    if (is_srgb(colorspace) && !info.get("float"_w).truthy()) {
+        g.use("srgb_to_linear3"_w);
+        g.emit("$0.rgb = L.srgb_to_linear3($0.rgb);", s);
     }
-    if (info.get("alpha").is("NONE")) {
-        g.emit("$0.a = 1.0;"_fmt, s);
+    if (info.get("alpha"_w).is("NONE")) {
+        g.emit("$0.a = 1.0;", s);
     }
     return s;
 }

@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "core/gen/gen.h"
-#include "nodes/register.h"
 
 namespace quillgen {
 
@@ -31,29 +30,29 @@ Text literal_colour(Gen& g, const Value& colour) {
         raise_type_error(c.size() < 4 ? "a colour of fewer than four components in a color ramp"
                                       : "a colour of more than four components in a color ramp");
     }
-    return g.text("float4($0, $1, $2, $3)"_fmt, c[0], c[1], c[2], c[3]);
+    return g.text("float4($0, $1, $2, $3)", c[0], c[1], c[2], c[3]);
 }
 
-Text stop_colour(Gen& g, const Node& n, int j, const Value& colour) {
+QUILLGEN_OWN_FRAME Text stop_colour(Gen& g, Node& n, int j, const Value& colour) {
     if (!g.use_params) {
         return literal_colour(g, colour);
     }
-    const Name& name = g.param_name(n, g.text("stop$0_col"_fmt, j));
-    g.inputs.put_parameter(name, "vector", colour.copied_list());
-    return name.text;
+    const Text name = g.param_name(n, g.text("stop$0_col", j));
+    g.declare(g.parameter(name, "vector"_w, colour.copied_list()));
+    return name;
 }
 
-Ramp _ramp_hlsl(Gen& g, const Node& n) {
+Ramp _ramp_hlsl(Gen& g, Node& n) {
     Ramp ramp;
-    ramp.r = n.record.at("ramp");
-    const Value stops = ramp.r.at("stops");
-    ramp.fac = g.var("float", g.inp(n, "Fac", VALUE));
+    ramp.r = n.record.at("ramp"_w);
+    const Value stops = ramp.r.at("stops"_w);
+    ramp.fac = g.var("float", g.inp(n, "Fac"_w, VALUE));
     stops.for_each([&](const Value& stop) {
-        const Text socket = g.text("stop$0_pos"_fmt, static_cast<int>(ramp.pos.size()));
-        ramp.pos.push_back(g.param(n, socket, VALUE, stop.at(Py_ssize_t{0})));
+        const Text socket = g.text("stop$0_pos", static_cast<int>(ramp.pos.size()));
+        ramp.pos.push_back(g.param(n, socket, VALUE, stop.item(0)));
     });
     stops.for_each([&](const Value& stop) {
-        ramp.col.push_back(stop_colour(g, n, static_cast<int>(ramp.col.size()), stop.at(Py_ssize_t{1})));
+        ramp.col.push_back(stop_colour(g, n, static_cast<int>(ramp.col.size()), stop.item(1)));
     });
     return ramp;
 }
@@ -78,50 +77,51 @@ Text segment_colour(Gen& g, const Ramp& ramp, std::size_t j, const Blending& ble
         return ca;
     }
     // The floor keeps the division finite where two stops share a position.
-    Text t = g.text("saturate(($0 - $1) / max($2 - $1, 1e-10))"_fmt, ramp.fac, ramp.pos[j], ramp.pos[j + 1]);
+    Text t = g.text("saturate(($0 - $1) / max($2 - $1, 1e-10))", ramp.fac, ramp.pos[j], ramp.pos[j + 1]);
     if (blending.eases) {
-        t = g.text("(3.0 - 2.0 * ($0)) * ($0) * ($0)"_fmt, t);
+        t = g.text("(3.0 - 2.0 * ($0)) * ($0) * ($0)", t);
     }
     if (blending.to.empty()) {
-        return g.text("lerp($0, $1, $2)"_fmt, ca, cb, t);
+        return g.text("lerp($0, $1, $2)", ca, cb, t);
     }
-    g.use_composed(blending.to);
-    g.use_composed(blending.from);
-    return g.text("float4(L.$0(lerp(L.$1($2.rgb), L.$1($3.rgb), $4)), lerp($2.a, $3.a, $4))"_fmt, blending.from,
+    g.use(blending.to);
+    g.use(blending.from);
+    return g.text("float4(L.$0(lerp(L.$1($2.rgb), L.$1($3.rgb), $4)), lerp($2.a, $3.a, $4))", blending.from,
                   blending.to, ca, cb, t);
 }
 
-void emit_segments(Gen& g, const Ramp& ramp, Text out, const Blending& blending) {
+QUILLGEN_OWN_FRAME void emit_segments(Gen& g, const Ramp& ramp, Text out, const Blending& blending) {
     // The tests of the segments are half-open and so leave the last stop to this one.
-    g.emit("if ($0 >= $1) $2 = $3;"_fmt, ramp.fac, ramp.pos.back(), out, ramp.col.back());
+    g.emit("if ($0 >= $1) $2 = $3;", ramp.fac, ramp.pos.back(), out, ramp.col.back());
     for (std::size_t j = 0; j + 1 < ramp.col.size(); ++j) {
         const Text blend = segment_colour(g, ramp, j, blending);
-        g.emit("if ($0 >= $1 && $0 < $2) $3 = $4;"_fmt, ramp.fac, ramp.pos[j], ramp.pos[j + 1], out, blend);
+        g.emit("if ($0 >= $1 && $0 < $2) $3 = $4;", ramp.fac, ramp.pos[j], ramp.pos[j + 1], out, blend);
     }
 }
 
-void _ramp(Gen& g, const Node& n) {
+void _ramp(Gen& g, Node& n) {
     const Ramp ramp = _ramp_hlsl(g, n);
-    const Value interp = ramp.r.at("interp");
-    const Value mode = ramp.r.at("mode");
+    const Value interp = ramp.r.at("interp"_w);
+    const Value mode = ramp.r.at("mode"_w);
     const Text out = g.tmp("rc");
     if (ramp.col.empty()) {
         raise_index_error("a color ramp without stops");
     }
-    g.emit("float4 $0 = $1;"_fmt, out, ramp.col.front());
+    g.emit("float4 $0 = $1;", out, ramp.col.front());
     if (ramp.col.size() > 1) {
         emit_segments(g, ramp, out, blending(interp, mode));
         if (interp.is("B_SPLINE") || interp.is("CARDINAL")) {
-            g.warn("$0: Color Ramp $1 interpolation is evaluated as linear"_fmt, g.formatted(n.id),
-                   g.formatted(interp));
+            g.warn("$0: Color Ramp $1 interpolation is evaluated as linear", g.formatted(n.id), g.formatted(interp));
         }
     }
-    g.bind(n, "Color", RGBA, "$0.rgb"_fmt, out);
-    g.bind(n, "Alpha", VALUE, "$0.a"_fmt, out);
+    g.bind(n, "Color"_w, RGBA, "$0.rgb", out);
+    g.bind(n, "Alpha"_w, VALUE, "$0.a", out);
 }
 
-}  // namespace
+const node nodes[] = {
+    {{"ShaderNodeValToRGB"}, _ramp},
+};
 
-void register_ramp(Registry& registry) { registry.node({"ShaderNodeValToRGB"}, _ramp); }
+}  // namespace
 
 }  // namespace quillgen

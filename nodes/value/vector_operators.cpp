@@ -1,37 +1,37 @@
 // Vectors moved, turned, and carried from one space to another.
-#include "core/gen/choices.h"
 #include "core/gen/gen.h"
-#include "nodes/register.h"
+#include "core/gen/properties.h"
 
 namespace quillgen {
 
 namespace {
 
-void _mapping(Gen& g, const Node& n) {
-    g.use("mapping");
-    const int m =
-        code_of(n.props(), "vector_type", "POINT", {{"POINT", 0}, {"TEXTURE", 1}, {"VECTOR", 2}, {"NORMAL", 3}});
+constexpr EnumItem kMappings[] = {{"POINT", 0}, {"TEXTURE", 1}, {"VECTOR", 2}, {"NORMAL", 3}};
+constexpr EnumItem kRotations[] = {{"AXIS_ANGLE", 0}, {"X_AXIS", 1}, {"Y_AXIS", 2}, {"Z_AXIS", 3}, {"EULER_XYZ", 4}};
+
+void _mapping(Gen& g, Node& n) {
+    g.use("mapping"_w);
+    const int m = enum_number(n.props(), "vector_type"_w, "POINT", kMappings);
     // Blender's node has no location for a direction or a normal.
-    const Text loc = g.inp(n, "Location", VECTOR, "float3(0.0, 0.0, 0.0)");
-    const Text v = g.inp(n, "Vector", VECTOR);
-    const Text r = g.inp(n, "Rotation", VECTOR);
-    const Text s = g.inp(n, "Scale", VECTOR);
-    g.set(n, "Vector", VECTOR, "L.mapping($0, $1, $2, $3, $4)"_fmt, m, v, loc, r, s);
+    const Text loc = g.inp(n, "Location"_w, VECTOR, "float3(0.0, 0.0, 0.0)");
+    const Text v = g.inp(n, "Vector"_w, VECTOR);
+    const Text r = g.inp(n, "Rotation"_w, VECTOR);
+    const Text s = g.inp(n, "Scale"_w, VECTOR);
+    g.set(n, "Vector"_w, VECTOR, "L.mapping($0, $1, $2, $3, $4)", m, v, loc, r, s);
 }
 
 // Every mode passes all the arguments, whichever of them it uses.
-void _vrot(Gen& g, const Node& n) {
-    g.use("vector_rotate");
+void _vrot(Gen& g, Node& n) {
+    g.use("vector_rotate"_w);
     const Value p = n.props();
-    const int m = code_of(p, "rotation_type", "AXIS_ANGLE",
-                          {{"AXIS_ANGLE", 0}, {"X_AXIS", 1}, {"Y_AXIS", 2}, {"Z_AXIS", 3}, {"EULER_XYZ", 4}});
-    const int inv = p.get("invert").truthy() ? 1 : 0;
-    const Text v = g.inp(n, "Vector", VECTOR);
-    const Text c = g.inp(n, "Center", VECTOR, "float3(0.0, 0.0, 0.0)");
-    const Text ax = g.inp(n, "Axis", VECTOR, "float3(0.0, 0.0, 1.0)");
-    const Text an = g.inp(n, "Angle", VALUE, "0.0");
-    const Text r = g.inp(n, "Rotation", VECTOR, "float3(0.0, 0.0, 0.0)");
-    g.set(n, "Vector", VECTOR, "L.vector_rotate($0, $1, $2, $3, $4, $5, $6)"_fmt, m, inv, v, c, ax, an, r);
+    const int m = enum_number(p, "rotation_type"_w, "AXIS_ANGLE", kRotations);
+    const int inv = p.get("invert"_w).truthy() ? 1 : 0;
+    const Text v = g.inp(n, "Vector"_w, VECTOR);
+    const Text c = g.inp(n, "Center"_w, VECTOR, "float3(0.0, 0.0, 0.0)");
+    const Text ax = g.inp(n, "Axis"_w, VECTOR, "float3(0.0, 0.0, 1.0)");
+    const Text an = g.inp(n, "Angle"_w, VALUE, "0.0");
+    const Text r = g.inp(n, "Rotation"_w, VECTOR, "float3(0.0, 0.0, 0.0)");
+    g.set(n, "Vector"_w, VECTOR, "L.vector_rotate($0, $1, $2, $3, $4, $5, $6)", m, inv, v, c, ax, an, r);
 }
 
 // ---- Vector Transform -----------------------------------------------------------------------
@@ -62,32 +62,32 @@ struct Transform {
 Text obj_to_world(const Transform& t, Text x) {
     Gen& g = t.g;
     if (t.is_normal) {
-        g.use("n_obj_to_world");
-        return g.text("L.n_obj_to_world($0, $1, $2, $3)"_fmt, x, t.ox, t.oy, t.oz);
+        g.use("n_obj_to_world"_w);
+        return g.text("L.n_obj_to_world($0, $1, $2, $3)", x, t.ox, t.oy, t.oz);
     }
-    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)"_fmt, x, t.ox, t.oy, t.oz);
-    return t.is_vector ? d : g.text("($0 + $1)"_fmt, d, g.geo("objpos"));
+    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)", x, t.ox, t.oy, t.oz);
+    return t.is_vector ? d : g.text("($0 + $1)", d, g.geo("objpos"));
 }
 
 Text world_to_obj(const Transform& t, Text x) {
     Gen& g = t.g;
     if (t.is_normal) {
-        g.use("safe_normalize");
-        return g.text("L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))"_fmt, x, t.ox, t.oy, t.oz);
+        g.use("safe_normalize"_w);
+        return g.text("L.safe_normalize(float3(dot($0, $1), dot($0, $2), dot($0, $3)))", x, t.ox, t.oy, t.oz);
     }
-    g.use("dir_world_to_obj");
-    const Text y = t.is_vector ? x : g.text("($0 - $1)"_fmt, x, g.geo("objpos"));
-    return g.text("L.dir_world_to_obj($0, $1, $2, $3)"_fmt, y, t.ox, t.oy, t.oz);
+    g.use("dir_world_to_obj"_w);
+    const Text y = t.is_vector ? x : g.text("($0 - $1)", x, g.geo("objpos"));
+    return g.text("L.dir_world_to_obj($0, $1, $2, $3)", y, t.ox, t.oy, t.oz);
 }
 
 Text world_to_cam(const Transform& t, Text x) {
     Gen& g = t.g;
-    const Text y = t.is_point ? g.text("($0 - $1)"_fmt, x, g.geo("campos")) : x;
+    const Text y = t.is_point ? g.text("($0 - $1)", x, g.geo("campos")) : x;
     const Text vx = g.geo("vx");
     const Text vy = g.geo("vy");
     const Text vz = g.geo("vz");
-    const Text d = g.text("float3(dot($0, $1), dot($0, $2), dot($0, $3))"_fmt, y, vx, vy, vz);
-    return t.is_normal ? g.text("normalize($0)"_fmt, d) : d;
+    const Text d = g.text("float3(dot($0, $1), dot($0, $2), dot($0, $3))", y, vx, vy, vz);
+    return t.is_normal ? g.text("normalize($0)", d) : d;
 }
 
 Text cam_to_world(const Transform& t, Text x) {
@@ -95,11 +95,11 @@ Text cam_to_world(const Transform& t, Text x) {
     const Text vx = g.geo("vx");
     const Text vy = g.geo("vy");
     const Text vz = g.geo("vz");
-    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)"_fmt, x, vx, vy, vz);
+    const Text d = g.text("($0.x * $1 + $0.y * $2 + $0.z * $3)", x, vx, vy, vz);
     if (t.is_normal) {
-        return g.text("normalize($0)"_fmt, d);
+        return g.text("normalize($0)", d);
     }
-    return t.is_vector ? d : g.text("($0 + $1)"_fmt, d, g.geo("campos"));
+    return t.is_vector ? d : g.text("($0 + $1)", d, g.geo("campos"));
 }
 
 // By way of world space, where the vector stops in a variable.
@@ -114,27 +114,27 @@ Text transformed(const Transform& t, Space from, Space to, Text v) {
     return to == Space::camera ? world_to_cam(t, w) : to == Space::object ? world_to_obj(t, w) : w;
 }
 
-void _vector_transform(Gen& g, const Node& n) {
+void _vector_transform(Gen& g, Node& n) {
     const Value p = n.props();
-    const bool is_vector = property_is(p, "vector_type", "VECTOR", "VECTOR");
-    const bool is_normal = property_is(p, "vector_type", "VECTOR", "NORMAL");
-    const bool is_point = property_is(p, "vector_type", "VECTOR", "POINT");
-    const Space from = space_of(p, "convert_from", "WORLD");
-    const Space to = space_of(p, "convert_to", "OBJECT");
-    const Text v = g.var("float3", g.inp(n, "Vector", VECTOR));
+    const bool is_vector = property_is(p, "vector_type"_w, "VECTOR", "VECTOR");
+    const bool is_normal = property_is(p, "vector_type"_w, "VECTOR", "NORMAL");
+    const bool is_point = property_is(p, "vector_type"_w, "VECTOR", "POINT");
+    const Space from = space_of(p, "convert_from"_w, "WORLD");
+    const Space to = space_of(p, "convert_to"_w, "OBJECT");
+    const Text v = g.var("float3", g.inp(n, "Vector"_w, VECTOR));
     const Text ox = g.geo("ox");
     const Text oy = g.geo("oy");
     const Text oz = g.geo("oz");
     const Transform t{g, is_vector, is_normal, is_point, ox, oy, oz};
-    g.set(n, "Vector", VECTOR, transformed(t, from, to, v));
+    g.set(n, "Vector"_w, VECTOR, transformed(t, from, to, v));
 }
+
+const node nodes[] = {
+    {{"ShaderNodeMapping"}, _mapping},
+    {{"ShaderNodeVectorRotate"}, _vrot},
+    {{"ShaderNodeVectorTransform"}, _vector_transform},
+};
 
 }  // namespace
-
-void register_vector_operators(Registry& registry) {
-    registry.node({"ShaderNodeMapping"}, _mapping);
-    registry.node({"ShaderNodeVectorRotate"}, _vrot);
-    registry.node({"ShaderNodeVectorTransform"}, _vector_transform);
-}
 
 }  // namespace quillgen

@@ -1,11 +1,13 @@
 """More than one interpreter in a process: side by side, and one after the other."""
 import pathlib
+import shutil
 import subprocess
 import sys
 import sysconfig
 
 import pytest
 
+import quillgen
 from robustness.isolated import TESTS, environment, run
 
 CODE = """
@@ -96,3 +98,70 @@ def test_embedded_finalised_and_initialised_again(program):
     assert done.returncode == 0, done.stderr[-2000:]
     said = done.stdout.split()
     assert len(said) == 18 and set(said) == {run(CODE)}
+
+
+CLEARED = """
+import ctypes, sys
+import quillgen
+
+class Definition(ctypes.Structure):
+    _fields_ = [("base", ctypes.c_void_p * 5), ("name", ctypes.c_char_p), ("doc", ctypes.c_char_p),
+                ("size", ctypes.c_ssize_t), ("methods", ctypes.c_void_p), ("slots", ctypes.c_void_p),
+                ("traverse", ctypes.c_void_p), ("clear", ctypes.PYFUNCTYPE(ctypes.c_int, ctypes.py_object))]
+
+get_definition = ctypes.pythonapi.PyModule_GetDef
+get_definition.argtypes, get_definition.restype = [ctypes.py_object], ctypes.POINTER(Definition)
+definition = get_definition(quillgen).contents
+assert definition.name == b"quillgen"
+assert quillgen.tex_input("a").startswith("T_a_")
+definition.clear(quillgen)
+for call in (lambda: quillgen.compile({"nodes": [], "out": {}}), lambda: quillgen.parts({"nodes": [], "out": {}}),
+             lambda: quillgen.assemble([], set(), set()), lambda: quillgen.tex_input("a")):
+    try:
+        call()
+        print("no error")
+    except RuntimeError as error:
+        print(error)
+"""
+
+
+def test_call_of_a_module_that_has_been_cleared():
+    assert run(CLEARED).splitlines() == ["quillgen has been cleared"] * 4
+
+
+OWN_LOCK = """
+import sys
+try:
+    import _interpreters as interpreters
+except ImportError:
+    import _xxsubinterpreters as interpreters
+code = '''CODE'''
+exec(code)
+for _ in range(2):
+    other = interpreters.create()  # with a lock of its own, from 3.12 on
+    interpreters.run_string(other, code)
+    interpreters.destroy(other)
+"""
+
+
+def runs(python):
+    return subprocess.run([python, "-c", ""], capture_output=True, check=False).returncode == 0
+
+
+def pythons():
+    """Interpreters of 3.12 and newer: this one, those on the path, and those that pyenv has."""
+    found = [sys.executable] if sys.version_info >= (3, 12) else []
+    found += filter(None, (shutil.which(f"python3.{minor}") for minor in range(12, 16)))
+    found += map(str, sorted(pathlib.Path.home().glob(".pyenv/versions/3.1[2-9].*/bin/python")))
+    return [python for python in found if runs(python)]
+
+
+@pytest.mark.parametrize("python", pythons() or [None])
+def test_interpreter_with_a_lock_of_its_own(python):
+    if python is None:
+        pytest.skip("no CPython of 3.12 or newer is here")
+    folder = str(pathlib.Path(quillgen.__file__).parent)
+    code = CODE.replace("import hashlib, sys", f"import hashlib, sys\nsys.path[:0] = [{folder!r}, {str(TESTS)!r}]")
+    done = subprocess.run([python, "-c", OWN_LOCK.replace("CODE", code)], capture_output=True, text=True, timeout=120)
+    assert done.returncode == 0, done.stderr[-2000:]
+    assert len(done.stdout.split()) == 3 and len(set(done.stdout.split())) == 1

@@ -10,8 +10,7 @@ from golden.documents import example
 from robustness.isolated import run
 from robustness.outcomes import CALLS, base_documents, outcome
 
-# Memory is looked at now and then once everything has been called a few times. Its peaks count, for what is
-# kept from call to call is filled and given up in turns.
+# Memory is looked at now and then once everything has been called a few times, and its peaks are compared.
 FLAT = """
 import copy, gc, os, resource, sys
 import quillgen
@@ -45,11 +44,8 @@ def named_anew(number):
     assert f"P_a_node_that_is_named_{number}__Color" in result["params"]
     quillgen.param_name(f"node {number}", "Value"), quillgen.tex_input(f"image {number}.png")
 
-def again(number):
-    quillgen.compile(material(node("Gamma", id=f"a node that comes again {number // 3}")))
-
-work = {"sound": sound, "mistaken": mistaken, "named anew": named_anew, "again": again}[sys.argv[1]]
-warm_up, calls_between, looked_at = int(sys.argv[2]), 100_000, 20_000
+work = {"sound": sound, "mistaken": mistaken, "named anew": named_anew}[sys.argv[1]]
+warm_up, calls_between, looked_at = 10_000, 100_000, 20_000
 last = warm_up + calls_between
 peaks = {warm_up: [0, 0], last: [0, 0]}
 for _ in range(3):
@@ -63,49 +59,17 @@ print(*(after - before for before, after in zip(peaks[warm_up], peaks[last])))
 """
 
 
-# Names are given up, and come to their full number again, some times in the longer warm-up. Of 33,333 documents that come
-# again a thousand are kept at a time, with some objects each: the looks do not meet their peak to the object.
-@pytest.mark.parametrize("work, warm_up, most_objects", [("sound", 10_000, 100), ("mistaken", 10_000, 100),
-                                                         ("named anew", 150_000, 100), ("again", 150_000, 3_000)])
-def test_memory_is_flat(work, warm_up, most_objects):
-    grown, objects = map(int, run(FLAT, work, warm_up, timeout=300).split())
-    assert grown < 300_000 and abs(objects) < most_objects
+@pytest.mark.parametrize("work", ["sound", "mistaken", "named anew"])
+def test_memory_is_flat(work):
+    grown, objects = map(int, run(FLAT, work, timeout=300).split())
+    assert grown < 300_000 and abs(objects) < 100
 
 
 def test_the_check_sees_a_leak():
     leaking = FLAT.replace("outcome(calls[number % 5], documents[number % len(documents)])",
                            "LEAK.append(str(number) * 10)").replace("import copy", "LEAK = []\nimport copy")
-    grown, _ = map(int, run(leaking, "sound", 10_000).split())
+    grown, _ = map(int, run(leaking, "sound").split())
     assert grown > 1_000_000
-
-
-# Four hundred documents that come again, each with something large of its own.
-LARGE = """
-import resource, sys
-import quillgen
-from golden.documents import material, node
-
-def resident():
-    return int(open("/proc/self/statm").read().split()[1]) * resource.getpagesize()
-
-def document(number):
-    large = {"key": lambda: {"k" * 200_000 + str(number): 1}, "text": lambda: {"further": "\U0001F600" * 100_000},
-             "integer": lambda: {"further": 1 << 1_600_000}}[sys.argv[1]]
-    return material(node("Gamma", id=f"number {number}")) | large()
-
-before = most = resident()
-for number in range(400):
-    one = document(number)
-    for _ in range(3):
-        quillgen.compile(one)
-    most = max(most, resident())
-print(most - before)
-"""
-
-
-@pytest.mark.parametrize("what", ["key", "text", "integer"])
-def test_what_is_kept_is_bounded(what):
-    assert int(run(LARGE, what)) < 48 * 2**20
 
 
 def test_eight_threads_give_the_same_bytes():
@@ -122,35 +86,6 @@ def test_eight_threads_give_the_same_bytes():
     for thread in threads:
         thread.join()
     assert all(result == wanted for number in range(8) for result in results[number])
-
-
-# Four hundred documents that come again, each with something large of its own.
-LARGE = """
-import resource, sys
-import quillgen
-from golden.documents import material, node
-
-def resident():
-    return int(open("/proc/self/statm").read().split()[1]) * resource.getpagesize()
-
-def document(number):
-    large = {"key": lambda: {"k" * 200_000 + str(number): 1}, "text": lambda: {"further": "\U0001F600" * 100_000},
-             "integer": lambda: {"further": 1 << 1_600_000}}[sys.argv[1]]
-    return material(node("Gamma", id=f"number {number}")) | large()
-
-before = most = resident()
-for number in range(400):
-    one = document(number)
-    for _ in range(3):
-        quillgen.compile(one)
-    most = max(most, resident())
-print(most - before)
-"""
-
-
-@pytest.mark.parametrize("what", ["key", "text", "integer"])
-def test_what_is_kept_is_bounded(what):
-    assert int(run(LARGE, what)) < 48 * 2**20
 
 
 def test_eight_threads_with_objects_that_let_others_run():

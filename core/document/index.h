@@ -1,0 +1,31 @@
+// Numbers by the objects of a document, as Python's equality tells those apart: a dict of integers.
+#pragma once
+
+#include "core/document/handle.h"
+
+namespace quillgen {
+
+class Index {
+public:
+    Index() : numbers_(Ref::checked(PyDict_New())) {}
+
+    // Gives the key a number, in the place of one that it has. TypeError where the key has no hash.
+    void set(PyObject* key, std::size_t number) {
+        const Ref object = Ref::checked(PyLong_FromSize_t(number));
+        checked(PyDict_SetItem(numbers_.get(), key, object.get()));
+    }
+    // The number of the key, or -1. TypeError where the key has no hash.
+    [[nodiscard]] int find(PyObject* key) const {
+        PyObject* const number = PyDict_GetItemWithError(numbers_.get(), key);
+        if (number == nullptr && PyErr_Occurred() != nullptr) {
+            throw PythonError{};
+        }
+        return number == nullptr ? -1 : static_cast<int>(PyLong_AsLong(number));
+    }
+    [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(PyDict_Size(numbers_.get())); }
+
+private:
+    Ref numbers_;
+};
+
+}  // namespace quillgen

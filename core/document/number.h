@@ -1,0 +1,12 @@
+// Numbers as HLSL literals.
+#pragma once
+
+#include <string>
+
+namespace quillgen {
+
+// Appends the shortest decimal text that reads back as the same 64-bit float, in the form of Python's repr.
+// Not-a-number becomes "0.0", and the infinities the largest finite 32-bit floats.
+void append_literal(std::string& out, double number);
+
+}  // namespace quillgen

@@ -1,0 +1,26 @@
+// Properties of nodes: the items of an enumeration as words, which a document has, and as the integers that the
+// library's functions take.
+#pragma once
+
+#include <span>
+
+#include "core/document/value.h"
+
+namespace quillgen {
+
+struct EnumItem {
+    Text identifier;
+    int number;
+};
+
+// The number of the property `key`, or of `fallback` where the properties lack it. KeyError for a word that is not
+// among the items.
+int enum_number(const Value& props, Word key, Text fallback, std::span<const EnumItem> items);
+
+// Whether the property `key`, or `fallback` where the properties lack it, equals `identifier`.
+inline bool property_is(const Value& props, Word key, Text fallback, Text identifier) {
+    const Value property = props.get(key);
+    return property.present() ? property.is(identifier) : fallback == identifier;
+}
+
+}  // namespace quillgen

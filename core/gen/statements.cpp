@@ -1,0 +1,113 @@
+// Writing: names, statements, texts and literals, and what they ask of the library.
+#include "core/document/number.h"
+#include "core/gen/gen.h"
+
+namespace quillgen {
+
+Gen::Gen(const Module& module, const Value& document, bool with_params, const Value& bias)
+    : ir(document),
+      use_params(with_params),
+      uv_bias(bias),
+      need(Value::set(module.runtime)),
+      structs(Value::set(module.runtime)),
+      inputs(Value::map(module.runtime)),
+      warnings(Value::list(module.runtime)),
+      module_(module),
+      graph_(read_graph(document)) {}
+
+Node* Gen::find_node(const Value& id) {
+    const int index = graph_.indices.find(id.object());
+    return index < 0 ? nullptr : &graph_.nodes[static_cast<std::size_t>(index)];
+}
+
+// ---- statements -----------------------------------------------------------------------------
+
+Text Gen::tmp(Text prefix) { return arena_.keep(prefix, Argument(++k_).text()); }
+
+void Gen::emit(Text line) {
+    begin_line();
+    body_ += line;
+    end_line();
+}
+
+void Gen::end_line() {
+    body_ += '\n';
+    line_ends_.push_back(body_.size());
+    check_signals_at(line_ends_.size());
+}
+
+Text Gen::begin_declaration(Text type, Text prefix) {
+    const Text name = tmp(prefix);
+    begin_line();
+    body_ += type == "closure" ? module_.closure.type : type;
+    body_ += ' ';
+    body_ += name;
+    body_ += " = ";
+    return name;
+}
+
+void Gen::end_declaration() {
+    body_ += ';';
+    end_line();
+}
+
+Text Gen::var_with_prefix(Text prefix, Text type, Text expr) {
+    const Text name = begin_declaration(type, prefix);
+    body_ += expr;
+    end_declaration();
+    return name;
+}
+
+// ---- texts ----------------------------------------------------------------------------------
+
+Text Gen::formatted(const Value& value) {
+    std::string storage;
+    return keep(value.formatted(storage));
+}
+
+Text Gen::_f(double number) {
+    buffer_.clear();
+    append_literal(buffer_, number);
+    return keep(buffer_);
+}
+
+Text Gen::_v3(const Value& value) {
+    const Value items = value.copied_list();
+    Text numbers[3];
+    for (Py_ssize_t i = 0; i < 3; ++i) {
+        numbers[i] = i < items.size() ? _f(items.item(i)) : "0.0";
+    }
+    return text("float3($0, $1, $2)", numbers[0], numbers[1], numbers[2]);
+}
+
+Text Gen::literals(const Value& items) {
+    std::string list;
+    items.for_each([&](const Value& item) {
+        list += list.empty() ? "" : ", ";
+        append_literal(list, item.as_float());
+    });
+    return keep(list);
+}
+
+// ---- the library ----------------------------------------------------------------------------
+
+Text Gen::types(int d) { return formatted(runtime().library_entry("TYPES"_w).at(Value::integer(runtime(), d))); }
+
+const Template* Gen::find_template(const TemplateTable& table, const Value& operation, Text fallback) const {
+    return module_.registry.find(table, operation.present() ? operation : Value::text(runtime(), fallback));
+}
+
+Text Gen::fill_template(const Template& row, std::initializer_list<Text> operands) {
+    for (const Word name : row.row->needs) {
+        use(name);
+    }
+    buffer_.clear();
+    for (const Template::Piece& piece : row.pieces) {
+        buffer_ += piece.plain;
+        buffer_ += operands.begin()[piece.operand];
+    }
+    buffer_ += row.rest;
+    return keep(buffer_);
+}
+
+}  // namespace quillgen
