@@ -7,7 +7,7 @@ import pytest
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
-from examples.gallery import materials, render, scenes, square, surfaces, tone, wiring  # noqa: E402
+from examples.gallery import materials, render, scenes, square, surfaces, tone, wiring
 
 
 def test_numbers_of_one_material():

@@ -43,7 +43,8 @@ PARTS = (
     Part(
         "ruff",
         "ruff over the Python sources",
-        ".venv-tools/bin/ruff check --quiet binding blender tools unreal tests/unreal",
+        ".venv-tools/bin/ruff check --quiet binding blender examples tools unreal "
+        "tests/{extension,gpu,library,passes,tools,unreal,wheels}",
         FAST,
         setup=("lint",),
     ),

@@ -19,7 +19,9 @@ sys.path.insert(0, str(HERE.parent / "host"))
 import blenders
 
 loader = SourceFileLoader("extension_tool", str(ROOT / "tools" / "extension"))
-tool = importlib.util.module_from_spec(importlib.util.spec_from_loader(loader.name, loader))
+spec = importlib.util.spec_from_loader(loader.name, loader)
+assert spec
+tool = importlib.util.module_from_spec(spec)
 loader.exec_module(tool)
 
 

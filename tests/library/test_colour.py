@@ -92,7 +92,7 @@ def test_edges(name, row):
     [
         ("rgb_to_hsv", colorsys.rgb_to_hsv),
         ("hsv_to_rgb", colorsys.hsv_to_rgb),
-        ("rgb_to_hsl", lambda r, g, b: (lambda h, l, s: (h, s, l))(*colorsys.rgb_to_hls(r, g, b))),
+        ("rgb_to_hsl", lambda r, g, b: tuple(colorsys.rgb_to_hls(r, g, b)[i] for i in (0, 2, 1))),
         ("hsl_to_rgb", lambda h, s, l: colorsys.hls_to_rgb(h, l, s)),
     ],
 )
