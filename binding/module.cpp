@@ -6,6 +6,7 @@
 #include <span>
 
 #include "binding/arguments.h"
+#include "binding/docstrings.h"
 #include "closures/closure.h"
 #include "closures/compile.h"
 #include "nodes/texture/image.h"
@@ -47,19 +48,6 @@ PyObject* guarded(Body body) {
     }
 }
 
-PyDoc_STRVAR(compile_doc,
-             "compile(ir, mode='surface', use_params=True)\n--\n\n"
-             "Translates one material document into the text of a Custom expression.\n\n"
-             "ir          the document: a dict with `nodes` and `out`, and optionally `settings`, `images`, `uv_maps`\n"
-             "mode        'surface' for a lit material, 'emission' for an unlit one whose result is one colour\n"
-             "use_params  whether unlinked sockets become inputs that can be tweaked, or literals\n\n"
-             "Returns a dict: code (str), inputs and outputs (lists of dicts), material (dict), warnings (list of\n"
-             "str), params (name -> [kind, value]), displacement (dict with code, inputs and magnitude in\n"
-             "centimetres, or None).\n\n"
-             "Raises Unsupported where the graph cannot be translated, KeyError where the document lacks a mandatory\n"
-             "key, RecursionError where the graph is too deep, and the errors of Python's own operations on values\n"
-             "that are not what they should be. The document is never changed.");
-
 PyObject* py_compile(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 3> kNames = {"ir", "mode", "use_params"};
@@ -71,13 +59,6 @@ PyObject* py_compile(PyObject* self, PyObject* const* args, Py_ssize_t count, Py
         return compile(module, borrowed(runtime, given[0]), mode, use_params).take();
     });
 }
-
-PyDoc_STRVAR(parts_doc,
-             "parts(ir, mode='emission', use_params=False, uv_bias=None)\n--\n\n"
-             "Translates one graph without the text around it, for assemble. uv_bias is a pair of numbers that is\n"
-             "added to every UV coordinate.\n\n"
-             "Returns a dict: body (list of statements), ret (expression of the colour), need and structs (sets of\n"
-             "library names), inputs (name -> record), warnings. Raises as compile does.");
 
 PyObject* py_parts(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
     return guarded([&]() -> Ref {
@@ -91,17 +72,6 @@ PyObject* py_parts(PyObject* self, PyObject* const* args, Py_ssize_t count, PyOb
         return parts(module, borrowed(runtime, given[0]), mode, use_params, uv_bias).take();
     });
 }
-
-PyDoc_STRVAR(assemble_doc,
-             "assemble(bodies, structs, need, selector=None, wrap='%s', extra_lib='')\n--\n\n"
-             "Writes one text around several graphs.\n\n"
-             "bodies         pairs of statements and colour expression: `body` and `ret` of parts\n"
-             "structs, need  the unions of those of the parts\n"
-             "selector       HLSL of a float: below 0.5 chooses the first graph, below 1.5 the second ...; None takes\n"
-             "               the first alone\n"
-             "wrap           a format with one %s, put around each colour\n"
-             "extra_lib      further HLSL for the struct of library functions\n\n"
-             "Returns the text.");
 
 PyObject* py_assemble(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
     return guarded([&]() -> Ref {
@@ -117,11 +87,6 @@ PyObject* py_assemble(PyObject* self, PyObject* const* args, Py_ssize_t count, P
     });
 }
 
-PyDoc_STRVAR(param_name_doc,
-             "param_name(node_id, socket)\n--\n\n"
-             "The name of the input that stands for an unlinked socket: P_{node_id}__{socket}, with every character\n"
-             "other than an ASCII letter, digit or underscore replaced by an underscore.");
-
 PyObject* py_param_name(PyObject* /*self*/, PyObject* const* args, Py_ssize_t count, PyObject* names) {
     return guarded([&]() -> Ref {
         constexpr std::array<const char*, 2> kNames = {"node_id", "socket"};
@@ -135,11 +100,6 @@ PyObject* py_param_name(PyObject* /*self*/, PyObject* const* args, Py_ssize_t co
         return to_python(name);
     });
 }
-
-PyDoc_STRVAR(tex_input_doc,
-             "tex_input(image_name)\n--\n\n"
-             "The name of the texture input of an image: T_, at most 32 characters of the name as an identifier, and\n"
-             "six digits of the SHA-1 of the name's UTF-8 bytes.");
 
 PyObject* py_tex_input(PyObject* self, PyObject* const* args, Py_ssize_t count, PyObject* names) {
     return guarded([&]() -> Ref {
@@ -174,14 +134,6 @@ int clear(PyObject* self) {
 
 void release(void* self) { clear(static_cast<PyObject*>(self)); }
 
-PyDoc_STRVAR(module_doc,
-             "Translates Blender shader node trees into HLSL for Custom expressions of Unreal materials.\n\n"
-             "compile(ir, ...)       a whole material\n"
-             "parts, assemble        several graphs in one text\n"
-             "param_name, tex_input  names of inputs\n"
-             "Unsupported            raised for a graph that cannot be translated\n"
-             "NODES                  the node types that have a handler");
-
 PyCFunction keyword_function(PyObject* (*function)(PyObject*, PyObject* const*, Py_ssize_t, PyObject*)) {
     return reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(function));
 }
@@ -189,11 +141,11 @@ PyCFunction keyword_function(PyObject* (*function)(PyObject*, PyObject* const*, 
 constexpr int kFlags = METH_FASTCALL | METH_KEYWORDS;
 
 PyMethodDef methods[] = {
-    {"compile", keyword_function(py_compile), kFlags, compile_doc},
-    {"parts", keyword_function(py_parts), kFlags, parts_doc},
-    {"assemble", keyword_function(py_assemble), kFlags, assemble_doc},
-    {"param_name", keyword_function(py_param_name), kFlags, param_name_doc},
-    {"tex_input", keyword_function(py_tex_input), kFlags, tex_input_doc},
+    {"compile", keyword_function(py_compile), kFlags, kCompileDoc},
+    {"parts", keyword_function(py_parts), kFlags, kPartsDoc},
+    {"assemble", keyword_function(py_assemble), kFlags, kAssembleDoc},
+    {"param_name", keyword_function(py_param_name), kFlags, kParamNameDoc},
+    {"tex_input", keyword_function(py_tex_input), kFlags, kTexInputDoc},
     {nullptr, nullptr, 0, nullptr},
 };
 
@@ -212,7 +164,7 @@ PyModuleDef_Slot slots_of_312[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)},
 
 PyModuleDef define(PyModuleDef_Slot* of_version) {
     return {
-        PyModuleDef_HEAD_INIT, "quillgen", module_doc, sizeof(State), methods, of_version, traverse, clear, release};
+        PyModuleDef_HEAD_INIT, "quillgen", kModuleDoc, sizeof(State), methods, of_version, traverse, clear, release};
 }
 PyModuleDef definition = define(slots);
 PyModuleDef definition_of_312 = define(slots_of_312);

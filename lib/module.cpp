@@ -9,6 +9,8 @@
 #include <iterator>
 #include <vector>
 
+#include "lib/docstrings.h"
+
 namespace {
 
 // A library name and the places of all the functions that it brings in, ascending.
@@ -59,11 +61,6 @@ PyObject* marked_texts(const State& state, const std::vector<bool>& wanted) {
     }
     return texts;
 }
-
-PyDoc_STRVAR(resolve_doc,
-             "resolve(need, /)\n--\n\n"
-             "The HLSL texts of the named functions and of all that they call, as a list of str: each once, each\n"
-             "after those that it calls. `need` is any iterable of names; KeyError for one that is not known.");
 
 PyObject* resolve(PyObject* module, PyObject* need) {
     const State& state = state_of(module);
@@ -160,14 +157,7 @@ int clear(PyObject* module) {
 
 void release(void* module) { clear(static_cast<PyObject*>(module)); }
 
-PyDoc_STRVAR(module_doc,
-             "The HLSL library of quillgen's texts.\n\n"
-             "resolve(need)  the function texts for a set of names\n"
-             "STRUCTS        name -> text of a struct for file level\n"
-             "TYPES          dimension 1 to 4 -> HLSL type word of a coordinate\n"
-             "NAMES          all names that resolve knows");
-
-PyMethodDef methods[] = {{"resolve", resolve, METH_O, resolve_doc}, {nullptr, nullptr, 0, nullptr}};
+PyMethodDef methods[] = {{"resolve", resolve, METH_O, kResolveDoc}, {nullptr, nullptr, 0, nullptr}};
 
 #ifndef Py_mod_multiple_interpreters
 // Of CPython 3.12, whose headers of the limited API of 3.11 do not have it.
@@ -184,7 +174,7 @@ PyModuleDef_Slot slots_of_312[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)},
 PyModuleDef define(PyModuleDef_Slot* of_version) {
     return {PyModuleDef_HEAD_INIT,
             "quillgen_lib",
-            module_doc,
+            kModuleDoc,
             sizeof(State),
             methods,
             of_version,

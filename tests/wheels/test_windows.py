@@ -49,7 +49,7 @@ def test_modules_load(tmp_path: Path) -> None:
     definition = run(PYTHON, "-c", "import python3_def; print(python3_def.text())",
                      env={**os.environ, "PYTHONPATH": str(ROOT / "tools" / "wheel_targets")})  # fmt: skip
     (tmp_path / "python3.c").write_text(stand_in(definition))
-    zig = [PYTHON, "-m", "ziglang", "cc", "-target", "x86_64-windows-gnu", "-O3", "-fno-builtin"]
+    zig: list[str | Path] = [PYTHON, "-m", "ziglang", "cc", "-target", "x86_64-windows-gnu", "-O3", "-fno-builtin"]
     run(*zig, "-shared", "-o", "python3.dll", "python3.c", cwd=tmp_path)
     run(*zig, "-o", "loader.exe", HERE / "windows_loader.c", cwd=tmp_path)
     prefix = ROOT / "build" / "wheels" / "wine"
