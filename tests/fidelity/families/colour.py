@@ -2,7 +2,7 @@
 
 from builder import Case, Draw, words
 
-MATRIX = "a linked temperature goes through a matrix that is nearly one since 5.1, a constant one does not"
+LINKED = "a linked temperature goes through a matrix that is nearly one since 5.1, a constant one does not"
 COLOURS = {"plain": (1 / 16, 0.0), "bright": (0.25, -0.53125), "grey": None}
 
 MATRIX = "the matrix from XYZ to red, green and blue differs from Cycles' in the fourth digit"
@@ -81,7 +81,7 @@ def light():
             "Blackbody",
             name,
             lambda c, s=scale, o=offset: c.node("Blackbody", {0: c.number("x", s, o)}).outputs[0],
-            MATRIX,
+            LINKED,
         )
     for name, (scale, offset) in {
         "visible": (26.0, 380.0),
