@@ -5,8 +5,8 @@
 
 #include <charconv>
 
-// Makes what a template stands for: dicts, lists and sets anew; a bytes object as a new str; a pair of a separator and a
-// list as the list's strings joined with it; a tuple of one element as that very object, and all else as it is.
+// Makes what a template stands for: dicts, lists and sets anew; a bytes object as a new str; a pair of a separator and
+// a list as the list's strings joined with it; a tuple of one element as that very object, and all else as it is.
 static PyObject* make(PyObject* form) {
     if (PyBytes_CheckExact(form)) {
         return PyUnicode_DecodeUTF8(PyBytes_AsString(form), PyBytes_Size(form), "surrogatepass");
@@ -81,8 +81,11 @@ static PyObject* replay(PyObject*, PyObject* const* args, Py_ssize_t count) {
     return PyErr_Occurred() != nullptr ? nullptr : make(args[1]);
 }
 
-static PyMethodDef methods[] = {{"replay", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(replay)), METH_FASTCALL, nullptr}, {nullptr, nullptr, 0, nullptr}};
+static PyMethodDef methods[] = {
+    {"replay", reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(replay)), METH_FASTCALL, nullptr},
+    {nullptr, nullptr, 0, nullptr}};
 static PyModuleDef_Slot slots[] = {{0, nullptr}};
-static PyModuleDef definition = {PyModuleDef_HEAD_INIT, "bench_floor", nullptr, 0, methods, slots, nullptr, nullptr, nullptr};
+static PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT, "bench_floor", nullptr, 0, methods, slots, nullptr, nullptr, nullptr};
 
 PyMODINIT_FUNC PyInit_bench_floor(void) { return PyModuleDef_Init(&definition); }
