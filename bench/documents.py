@@ -2,6 +2,7 @@
 
 Nodes have all sockets and properties of their type, as a host exports them.
 """
+
 import json
 import pathlib
 import sys
@@ -9,7 +10,7 @@ import sys
 ROOT = pathlib.Path(__file__).parents[1]
 sys.path.insert(0, str(ROOT / "tests"))
 
-from golden.documents import IMAGES, link, material, node  # noqa: E402
+from golden.documents import IMAGES, link, material, node
 
 OPERATIONS = ("ADD", "MULTIPLY", "SINE", "MAXIMUM", "WRAP", "SUBTRACT", "POWER", "MULTIPLY_ADD")
 BLENDS = ("MIX", "MULTIPLY", "OVERLAY", "SOFT_LIGHT")
@@ -19,8 +20,14 @@ def chain(size):
     """A chain of Math nodes that makes the roughness of a Principled BSDF, from a Value node."""
     nodes = [node("Value", id="Value")]
     for i in range(size - 2):
-        nodes.append(node("Math", {"Value": link(nodes[-1])}, id=f"Math.{i:03}",
-                          props={"operation": OPERATIONS[i % len(OPERATIONS)]}))
+        nodes.append(
+            node(
+                "Math",
+                {"Value": link(nodes[-1])},
+                id=f"Math.{i:03}",
+                props={"operation": OPERATIONS[i % len(OPERATIONS)]},
+            )
+        )
     return material(node("BsdfPrincipled", {"Roughness": link(nodes[-1])}, id="Principled BSDF"), *nodes)
 
 
@@ -28,15 +35,18 @@ def tree(size):
     """A balanced tree of Math nodes: as many nodes as wanted without the depth of a chain."""
     nodes = []
     for i in range(size - 1):
-        children = {socket: link(f"Math.{child:04}", "Value", "VALUE")
-                    for socket, child in (("Value", 2 * i + 1), ("Value_001", 2 * i + 2)) if child < size - 1}
-        nodes.append(node("Math", children, id=f"Math.{i:04}",
-                          props={"operation": OPERATIONS[i % len(OPERATIONS)]}))
+        children = {
+            socket: link(f"Math.{child:04}", "Value", "VALUE")
+            for socket, child in (("Value", 2 * i + 1), ("Value_001", 2 * i + 2))
+            if child < size - 1
+        }
+        nodes.append(node("Math", children, id=f"Math.{i:04}", props={"operation": OPERATIONS[i % len(OPERATIONS)]}))
     return material(node("BsdfPrincipled", {"Roughness": link("Math.0000", "Value", "VALUE")}), *nodes)
 
 
 def _layer(number, colour):
     """The eleven nodes of one layer of a material, on top of the colour that the layer below gave."""
+
     def named(kind, inputs=None, **more):
         return node(kind, inputs, id=f"{kind}.{number:03}", **more)
 
@@ -75,8 +85,13 @@ def mixed(size):
         last = link(nodes[-1])
     bump = node("Bump", {"Height": last})
     sockets = {"Normal": link(bump), "Roughness": last, **({"Base Color": colour} if colour else {})}
-    return material(node("BsdfPrincipled", sockets, id="Principled BSDF"), bump, *nodes, images=IMAGES,
-                    settings={"displacement": "BUMP"})
+    return material(
+        node("BsdfPrincipled", sockets, id="Principled BSDF"),
+        bump,
+        *nodes,
+        images=IMAGES,
+        settings={"displacement": "BUMP"},
+    )
 
 
 def examples():

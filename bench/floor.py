@@ -5,6 +5,7 @@ of a document that it has not met before, and makes the call's result anew from 
 list and each string but those that are the same in every result. The digits of a curve's samples, which are another
 text in each document, are found anew, too.
 """
+
 import sys
 
 import native
@@ -95,8 +96,10 @@ def _pieces(code, need):
 def _form(thing, need, words):
     """A result as floor.cpp makes it again. `words`: the strings that every result shares."""
     if isinstance(thing, dict):
-        return {_form(key, need, words): ("\n", _pieces(value, need)) if key == "code" else _form(value, need, words)
-                for key, value in thing.items()}
+        return {
+            _form(key, need, words): ("\n", _pieces(value, need)) if key == "code" else _form(value, need, words)
+            for key, value in thing.items()
+        }
     if isinstance(thing, list):
         return [_form(value, need, words) for value in thing]
     return thing.encode("utf-8", "surrogatepass") if isinstance(thing, str) and id(thing) not in words else thing

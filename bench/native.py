@@ -1,4 +1,5 @@
 """Builds the measurements' own C++ files."""
+
 import importlib.util
 import os
 import pathlib

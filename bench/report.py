@@ -1,4 +1,5 @@
 """All measurements, as the tables of docs/performance.md. tools/bench runs it."""
+
 import json
 import operator
 import os
@@ -82,18 +83,29 @@ def translation_part():
     growth = translation.growth()
     a_node = {size: us / size for size, us, _ in growth}
     grown = a_node[3000] / a_node[30]
-    imports = [(name, _flagged(_two(*readings), readings[0] > LONGEST_IMPORT), f"{size / 1000:.0f}")
-               for name, (*readings, size) in translation.imports().items()]
+    imports = [
+        (name, _flagged(_two(*readings), readings[0] > LONGEST_IMPORT), f"{size / 1000:.0f}")
+        for name, (*readings, size) in translation.imports().items()
+    ]
     return [
         *TRANSLATION.format(repeats=translation.REPEATS, **MOST_OVER_FLOOR).split("\n"),
         *(line for name in translation.CALLS for line in (f"### `{name}`", "", *_rows(head, _call_rows(name)))),
-        "### Growth", "",
+        "### Growth",
+        "",
         "A balanced tree of Math nodes, all reached, by `compile`. Of 3,000 nodes, one takes "
-        + _flagged(f"{grown:.2f}", grown > MOST_GROWTH) + " times as long as one of 30.", "",
-        *_rows(("nodes", "µs", "µs a node", "floor µs a node"),
-               [(size, f"{us:.0f}", f"{us / size:.2f}", f"{floor_us / size:.2f}") for size, us, floor_us in growth]),
-        "### Import", "", "With re, hashlib and math loaded before; `quillgen` after `quillgen_lib`.", "",
-        *_rows(("module", "ms, minimum / median", "binary kB"), imports)]
+        + _flagged(f"{grown:.2f}", grown > MOST_GROWTH)
+        + " times as long as one of 30.",
+        "",
+        *_rows(
+            ("nodes", "µs", "µs a node", "floor µs a node"),
+            [(size, f"{us:.0f}", f"{us / size:.2f}", f"{floor_us / size:.2f}") for size, us, floor_us in growth],
+        ),
+        "### Import",
+        "",
+        "With re, hashlib and math loaded before; `quillgen` after `quillgen_lib`.",
+        "",
+        *_rows(("module", "ms, minimum / median", "binary kB"), imports),
+    ]
 
 
 def _change(before, now):
@@ -102,9 +114,15 @@ def _change(before, now):
 
 def _texture_row(name, now, before):
     most = text_cost.limit(name)
-    return (name, before["instructions"], _flagged(now["instructions"], most and now["instructions"] >= most),
-            most or "", _flagged(now["compile_ms"], now["compile_ms"] > text_cost.SLOWEST_TEXTURE),
-            before["million_ms"], now["million_ms"])
+    return (
+        name,
+        before["instructions"],
+        _flagged(now["instructions"], most and now["instructions"] >= most),
+        most or "",
+        _flagged(now["compile_ms"], now["compile_ms"] > text_cost.SLOWEST_TEXTURE),
+        before["million_ms"],
+        now["million_ms"],
+    )
 
 
 def _material_row(name, now, before):
@@ -126,19 +144,30 @@ def text_part():
     earlier = {**before["materials"], "**all**": total(before["materials"])}
     return [
         *TEXTS.format(points=text_cost.POINTS, slowest=text_cost.SLOWEST_TEXTURE).split("\n"),
-        *_rows(("texture", "instructions before", "now", "limit", "DXC ms", "ms/million before", "now"),
-               [_texture_row(name, now, before["textures"][name]) for name, now in textures.items()]),
-        "### Example materials", "",
-        *_rows(("material", "instructions before", "now", "change", "DXC ms before", "now",
-                "ms/million before", "now"),
-               [_material_row(name, now, earlier[name]) for name, now in materials.items()])]
+        *_rows(
+            ("texture", "instructions before", "now", "limit", "DXC ms", "ms/million before", "now"),
+            [_texture_row(name, now, before["textures"][name]) for name, now in textures.items()],
+        ),
+        "### Example materials",
+        "",
+        *_rows(
+            ("material", "instructions before", "now", "change", "DXC ms before", "now", "ms/million before", "now"),
+            [_material_row(name, now, earlier[name]) for name, now in materials.items()],
+        ),
+    ]
 
 
 def main():
-    lines = ["# Performance", "",
-             f"Made by `tools/bench` on {os.cpu_count()} processors ({platform.machine()}), "
-             f"{platform.python_implementation()} {platform.python_version()}.", "",
-             *translation_part(), *executed.lines(), *text_part()]
+    lines = [
+        "# Performance",
+        "",
+        f"Made by `tools/bench` on {os.cpu_count()} processors ({platform.machine()}), "
+        f"{platform.python_implementation()} {platform.python_version()}.",
+        "",
+        *translation_part(),
+        *executed.lines(),
+        *text_part(),
+    ]
     text = "\n".join(lines)
     TARGET.parent.mkdir(exist_ok=True)
     TARGET.write_text(text, encoding="utf-8")

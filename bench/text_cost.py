@@ -1,7 +1,8 @@
 """What a generated text costs: DXC's time, its instructions, and the time on the CPU's Vulkan device.
 
-    text_cost.py before.json     keeps the figures of the module that is imported, to be compared with later
+text_cost.py before.json     keeps the figures of the module that is imported, to be compared with later
 """
+
 import json
 import pathlib
 import sys
@@ -15,10 +16,10 @@ from documents import link, material, node
 
 sys.path.insert(0, str(documents.ROOT / "tests" / "gpu"))
 
-import cost  # noqa: E402
-import custom_expression  # noqa: E402
-import device  # noqa: E402
-from dxc import compile_hlsl  # noqa: E402
+import cost
+import custom_expression
+import device
+from dxc import compile_hlsl
 
 POINTS = 1 << 15
 RUNS = 3
@@ -27,8 +28,7 @@ SLOWEST_TEXTURE = 300.0  # milliseconds that DXC may need for the text of one te
 NOISE_TYPES = ("FBM", "MULTIFRACTAL", "HYBRID_MULTIFRACTAL", "RIDGED_MULTIFRACTAL", "HETERO_TERRAIN")
 FEATURES = ("F1", "F2", "SMOOTH_F1", "DISTANCE_TO_EDGE", "N_SPHERE_RADIUS")
 # The instructions that a texture must stay below, by the beginning of its name.
-LIMITS = {"Noise 2D": 637, "Noise 3D": 1143, "Noise 4D": 1928, "Voronoi 4D F1": 845, "Wave": 650,
-          "Gabor": 829}
+LIMITS = {"Noise 2D": 637, "Noise 3D": 1143, "Noise 4D": 1928, "Voronoi 4D F1": 845, "Wave": 650, "Gabor": 829}
 
 
 def _emitting(record, *others, output=None):
@@ -51,9 +51,17 @@ def textures():
         found[f"White noise {dimension}"] = _emitting(white)
     for kind in ("2D", "3D"):
         found[f"Gabor {kind}"] = _emitting(node("TexGabor", props={"gabor_type": kind}))
-    for name, kind in {"Wave": "TexWave", "Brick": "TexBrick", "Checker": "TexChecker", "Magic": "TexMagic",
-                       "Gradient": "TexGradient", "Radial tiling": "RadialTiling", "Image": "TexImage",
-                       "Ramp": "ValToRGB", "Curves": "RGBCurve"}.items():
+    for name, kind in {
+        "Wave": "TexWave",
+        "Brick": "TexBrick",
+        "Checker": "TexChecker",
+        "Magic": "TexMagic",
+        "Gradient": "TexGradient",
+        "Radial tiling": "RadialTiling",
+        "Image": "TexImage",
+        "Ramp": "ValToRGB",
+        "Curves": "RGBCurve",
+    }.items():
         found[name] = _emitting(node(kind))
     return found
 
@@ -110,8 +118,11 @@ def measure(document):
         start = time.process_time()
         compile_hlsl(source)
         compiling.append((time.process_time() - start) * 1e3)
-    return {"instructions": cost.count(source), "compile_ms": round(min(compiling), 1),
-            "million_ms": round(_device_milliseconds(result))}
+    return {
+        "instructions": cost.count(source),
+        "compile_ms": round(min(compiling), 1),
+        "million_ms": round(_device_milliseconds(result)),
+    }
 
 
 def measure_all(documents_by_name):

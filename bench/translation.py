@@ -3,6 +3,7 @@
 Each call is given a document that has not been translated before, in two forms: as an add-on makes it, from new dicts,
 lists, numbers and texts, with the keys that stand in its own code; and as json.loads makes it.
 """
+
 import gc
 import json
 import pathlib
@@ -20,8 +21,32 @@ GROWTH = (10, 30, 100, 300, 1000, 3000)
 REPEATS = 15
 BATCH = 0.003  # seconds of processor time that one reading of the clock covers, about
 # What the code of an add-on writes out: the same object in each document.
-KEYS = {"nodes", "out", "settings", "images", "uv_maps", "surface", "displacement", "id", "type", "in", "outs", "props",
-        "ramp", "curve", "t", "v", "link", "stops", "interp", "mode", "tables", "min", "max", "extend"}
+KEYS = {
+    "nodes",
+    "out",
+    "settings",
+    "images",
+    "uv_maps",
+    "surface",
+    "displacement",
+    "id",
+    "type",
+    "in",
+    "outs",
+    "props",
+    "ramp",
+    "curve",
+    "t",
+    "v",
+    "link",
+    "stops",
+    "interp",
+    "mode",
+    "tables",
+    "min",
+    "max",
+    "extend",
+}
 
 
 def surface_parts(document):
@@ -34,8 +59,10 @@ CALLS = {"compile": quillgen.compile, "parts": surface_parts}
 def as_an_addon_makes_it(thing):
     """A copy of a document of new objects throughout, but for keys."""
     if isinstance(thing, dict):
-        return {sys.intern(key) if key in KEYS else "".join(list(key)): as_an_addon_makes_it(value)
-                for key, value in thing.items()}
+        return {
+            sys.intern(key) if key in KEYS else "".join(list(key)): as_an_addon_makes_it(value)
+            for key, value in thing.items()
+        }
     if isinstance(thing, list):
         return [as_an_addon_makes_it(value) for value in thing]
     if isinstance(thing, str):
@@ -83,7 +110,7 @@ def cases():
 
 
 def growth():
-    """Rows of (nodes, microseconds of compile and of its floor) for trees of Math nodes, made as an add-on makes them."""
+    """Rows of (nodes, microseconds of compile and of its floor) for trees of Math nodes, made as an add-on does."""
     rows = []
     for size in GROWTH:
         times, floor_times = beside_floor("compile", documents.tree(size), 5)["add-on"]

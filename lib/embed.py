@@ -14,6 +14,7 @@ The sources are plain HLSL. What this script reads from them:
 
 Comments and empty lines stay out of the embedded texts: an artist's material carries those texts.
 """
+
 import itertools
 import pathlib
 import re
@@ -160,7 +161,7 @@ def write(out, paths):
     for name, places in units(functions).items():
         table.append(f'    {{"{name}", {len(flat)}, {len(places)}}},')
         flat += places
-    numbers = ["    " + ", ".join(map(str, flat[i:i + 24])) + "," for i in range(0, len(flat), 24)]
+    numbers = ["    " + ", ".join(map(str, flat[i : i + 24])) + "," for i in range(0, len(flat), 24)]
     lines += ["constexpr unsigned short kPlaces[] = {"] + numbers + ["};"]
     lines += ["constexpr Unit kUnits[] = {"] + table + ["};"]
     lines += ["constexpr Struct kStructs[] = {"] + [f'    {{"{n}", {raw(t)}}},' for n, t in structs.items()] + ["};"]

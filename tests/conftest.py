@@ -1,4 +1,5 @@
 """Puts the harness (tests/gpu) where every test can import it; the switch that renews the golden results."""
+
 import os
 import pathlib
 import sys
@@ -17,4 +18,5 @@ def pytest_configure(config):
         if os.environ.get("CI"):
             raise pytest.UsageError("--update changes what the tests expect: it does nothing where CI is set")
         from golden import kept
+
         kept.write_all()

@@ -1,4 +1,5 @@
 """What the tests of edge cases share: one node or a few, translated to statements, or run on the device."""
+
 import re
 
 import pytest
@@ -46,7 +47,7 @@ def value_of(*nodes, output=None, values=None, textures=None, **top):
 def bumped_normal(lines):
     """The name of the first normal that a bump makes, and the statements behind it."""
     at = next(i for i, line in enumerate(lines) if line.startswith("if (dot(") and "else" in line)
-    return re.match(r"if \(dot\((v\d+), ", lines[at])[1], lines[at + 1:]
+    return re.match(r"if \(dot\((v\d+), ", lines[at])[1], lines[at + 1 :]
 
 
 def unsupported(message):

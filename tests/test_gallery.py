@@ -1,4 +1,5 @@
 """The gallery's comparison and its pictures run, and tell errors in the text."""
+
 import sys
 from pathlib import Path
 

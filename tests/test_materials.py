@@ -2,6 +2,7 @@
 
 The translated text runs on the Vulkan device with the inputs that the square has in Unreal's frame.
 """
+
 import functools
 
 import numpy as np
@@ -39,8 +40,10 @@ BEYOND = {
 
 # The extra output that holds an array; what is not written has this value.
 OUTPUTS = {
-    "emission": ("OutEmissive", 0.0), "metallic": ("OutMetallic", 0.0), "roughness": ("OutRoughness", 0.5),
-    "alpha": ("OutOpacity", 1.0)
+    "emission": ("OutEmissive", 0.0),
+    "metallic": ("OutMetallic", 0.0),
+    "roughness": ("OutRoughness", 0.5),
+    "alpha": ("OutOpacity", 1.0),
 }
 
 NAMES = sorted(path.stem for path in EXAMPLES.glob("*.json"))

@@ -43,8 +43,7 @@ PARTS = (
     Part(
         "ruff",
         "ruff over the Python sources",
-        ".venv-tools/bin/ruff check --quiet binding blender examples tools unreal "
-        "tests/{extension,gpu,library,passes,tools,unreal,wheels}",
+        ".venv-tools/bin/ruff check --quiet . && .venv-tools/bin/ruff format --check --quiet .",
         FAST,
         setup=("lint",),
     ),

@@ -1,4 +1,5 @@
 """The closure record: its text, and what mixing and adding do at run time."""
+
 import numpy as np
 import pytest
 
@@ -8,8 +9,7 @@ from edge_cases import surface
 from golden.documents import link, material, node
 
 STRUCT = [
-    "struct QWKClosure { float3 base; float metallic; float roughness; float specular; float3 normal; "
-    "float3 emission;",
+    "struct QWKClosure { float3 base; float metallic; float roughness; float specular; float3 normal; float3 emission;",
     "  float alpha; float coat; float coat_roughness; float has_normal; };",
 ]
 FUNCTIONS = [
@@ -37,8 +37,7 @@ FUNCTIONS = [
     "}",
     "QWKClosure closure_add(QWKClosure a, QWKClosure b) {",
     "  QWKClosure c = a;",
-    "  c.base = a.base + b.base; c.emission = a.emission + b.emission; "
-    "c.alpha = saturate(a.alpha + b.alpha);",
+    "  c.base = a.base + b.base; c.emission = a.emission + b.emission; c.alpha = saturate(a.alpha + b.alpha);",
     "  c.coat = max(a.coat, b.coat); c.has_normal = max(a.has_normal, b.has_normal);",
     "  if (a.has_normal == 0.0) c.normal = b.normal;",
     "  return c;",
@@ -59,18 +58,22 @@ def run(one, two, *others, kind="AddShader", **inputs):
     return {k: v[0] for k, v in custom_expression.evaluate(result, MESH).items()}
 
 
-@pytest.mark.parametrize("code", [
-    quillgen.compile(material(node("Emission")), "emission")["code"],
-    quillgen.compile(material(node("Math")), "surface")["code"],
-    quillgen.assemble([], set(), set(), "sel")
-])
+@pytest.mark.parametrize(
+    "code",
+    [
+        quillgen.compile(material(node("Emission")), "emission")["code"],
+        quillgen.compile(material(node("Math")), "surface")["code"],
+        quillgen.assemble([], set(), set(), "sel"),
+    ],
+)
 def test_text_is_there_also_where_nothing_uses_it(code):
     assert code.split("\n")[1:3] == STRUCT
     assert "struct QWK {\n\n" + "\n".join(FUNCTIONS) + "\n};\nQWK L;\n" in code
 
 
-@pytest.mark.parametrize("one, two, alpha", [(GLASS, PAINT, 1.0), (PAINT, GLASS, 1.0), (GLASS, GLASS, 0.0),
-                                             (PAINT, PAINT, 1.0)])
+@pytest.mark.parametrize(
+    "one, two, alpha", [(GLASS, PAINT, 1.0), (PAINT, GLASS, 1.0), (GLASS, GLASS, 0.0), (PAINT, PAINT, 1.0)]
+)
 def test_added_alpha(one, two, alpha):
     outputs = run(one, two)
     assert outputs.get("OutOpacity", np.float32(1.0)) == alpha
@@ -102,8 +105,7 @@ def test_normal_of_the_only_shader_that_has_one(kind):
     for one, two in ((PAINT, east), (east, PAINT)):
         for factor in (0.0, 1.0):
             inputs = {"Fac": factor} if kind == "MixShader" else {}
-            np.testing.assert_array_equal(
-                run(one, two, EAST, kind=kind, **inputs)["OutNormal"], (1.0, 0.0, 0.0))
+            np.testing.assert_array_equal(run(one, two, EAST, kind=kind, **inputs)["OutNormal"], (1.0, 0.0, 0.0))
 
 
 def test_normal_of_a_sum_is_the_first_one():

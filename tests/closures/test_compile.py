@@ -1,4 +1,5 @@
 """The whole result: keys, order, outputs, material record, layout of the text."""
+
 import pytest
 
 import quillgen
@@ -25,14 +26,18 @@ def test_keys_and_their_order():
     assert all(list(i)[:2] == ["name", "kind"] for i in result["inputs"])
 
 
-@pytest.mark.parametrize("settings",
-                         [{}, {"displacement": "BOTH"}, {"displacement": "DISPLACEMENT", "blend": "BLENDED"}])
+@pytest.mark.parametrize(
+    "settings", [{}, {"displacement": "BOTH"}, {"displacement": "DISPLACEMENT", "blend": "BLENDED"}]
+)
 def test_mode_emission(settings):
     bump = node("Displacement")
     result = quillgen.compile(material(HALF, bump, displacement=bump, settings=settings), "emission")
     assert result["outputs"] == [] and result["displacement"] is None
     assert result["material"] == {
-        "shading": "unlit", "blend": "opaque", "two_sided": True, "tangent_space_normal": True
+        "shading": "unlit",
+        "blend": "opaque",
+        "two_sided": True,
+        "tangent_space_normal": True,
     }
     assert result["code"].split("\n")[-1].startswith("  return (bsdf")
 
@@ -51,22 +56,25 @@ def test_alpha_is_masked_by_default():
 def test_alpha_blended():
     result = surface(HALF, settings={"blend": "BLENDED"})
     assert result["material"] == {
-        "shading": "default_lit", "blend": "translucent", "two_sided": True, "tangent_space_normal": False
+        "shading": "default_lit",
+        "blend": "translucent",
+        "two_sided": True,
+        "tangent_space_normal": False,
     }
     assert "OutOpacity = surf3.alpha;" in statements(result) and "dither" not in result["code"]
     assert [i["name"] for i in result["inputs"]] == ["cnorm", "tsign"]
 
 
-@pytest.mark.parametrize("culling, two_sided", [(True, False), (1, False), (False, True), (None, True),
-                                                (0, True)])
+@pytest.mark.parametrize("culling, two_sided", [(True, False), (1, False), (False, True), (None, True), (0, True)])
 def test_two_sided(culling, two_sided):
     for mode in ("surface", "emission"):
         result = quillgen.compile(material(HALF, settings={"backface_culling": culling}), mode)
         assert result["material"]["two_sided"] is two_sided
 
 
-@pytest.mark.parametrize("method, given", [("BUMP", False), (None, False), ("DISPLACEMENT", True),
-                                           ("BOTH", True), ("NO_SUCH_WORD", False)])
+@pytest.mark.parametrize(
+    "method, given", [("BUMP", False), (None, False), ("DISPLACEMENT", True), ("BOTH", True), ("NO_SUCH_WORD", False)]
+)
 def test_displacement_record_by_setting(method, given):
     result = quillgen.compile(displaced(method))
     assert (result["displacement"] is not None) == given
@@ -96,8 +104,7 @@ def test_warnings_of_the_displacement_come_last():
     result = quillgen.compile(displaced("BOTH", **{"Sheen Weight": 1.0}))
     assert result["warnings"] == [
         "BsdfPrincipled: Principled sheen is not reproduced in Unreal (Default Lit)",
-        "displacement range unknown - Nanite displacement magnitude set to 1 m "
-        "(offsets beyond +-50 cm are clipped)"
+        "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are clipped)",
     ]
 
 
@@ -118,10 +125,14 @@ def test_layout_of_the_text():
     voronoi = node("TexVoronoi")
     lines = surface(node("BsdfDiffuse", {"Color": link(voronoi, "Color")}), voronoi)["code"].split("\n")
     assert lines[0] == HEADER
-    assert [line.split()[1] for line in lines if line.startswith("struct ")
-            ] == ["QWKVoronoiOutput", "QWKVoronoiParams", "QWKClosure", "QWK"]
+    assert [line.split()[1] for line in lines if line.startswith("struct ")] == [
+        "QWKVoronoiOutput",
+        "QWKVoronoiParams",
+        "QWKClosure",
+        "QWK",
+    ]
     at = lines.index("QWK L;")
-    assert all(line.startswith("  ") for line in lines[at + 1:])
+    assert all(line.startswith("  ") for line in lines[at + 1 :])
     assert lines[-1] == "  return surf5.base;"
     names = [line.split()[0] for line in lines[at:] if line.startswith("  Out")]
     assert names == ["OutMetallic", "OutRoughness", "OutSpecular", "OutNormal"]
@@ -130,11 +141,16 @@ def test_layout_of_the_text():
 def test_all_outputs_in_their_order():
     glow = node("BsdfPrincipled", {"Alpha": 0.5, "Emission Strength": 1.0, "Coat Weight": 1.0})
     result = surface(glow)
-    assert [(o["name"], o["type"], o["property"]) for o in result["outputs"]
-            ] == [("OutMetallic", "float", "metallic"), ("OutRoughness", "float", "roughness"),
-                  ("OutSpecular", "float", "specular"), ("OutEmissive", "float3", "emissive"),
-                  ("OutNormal", "float3", "normal"), ("OutOpacity", "float", "opacity"),
-                  ("OutCoat", "float", "clear_coat"), ("OutCoatRoughness", "float", "clear_coat_roughness")]
+    assert [(o["name"], o["type"], o["property"]) for o in result["outputs"]] == [
+        ("OutMetallic", "float", "metallic"),
+        ("OutRoughness", "float", "roughness"),
+        ("OutSpecular", "float", "specular"),
+        ("OutEmissive", "float3", "emissive"),
+        ("OutNormal", "float3", "normal"),
+        ("OutOpacity", "float", "opacity"),
+        ("OutCoat", "float", "clear_coat"),
+        ("OutCoatRoughness", "float", "clear_coat_roughness"),
+    ]
     assert statements(result)[-9:-1] == [f"{o['name']} = {o['expr']};" for o in result["outputs"]]
     assert result["material"]["shading"] == "clear_coat" and result["material"]["blend"] == "masked"
 
@@ -143,11 +159,12 @@ def test_fallback_of_the_normal():
     lines = statements(surface(node("BsdfDiffuse")))
     assert lines[1:3] == [
         "QWKClosure surf2 = bsdf1;",
-        "float3 v3 = (normalize(float3(cnorm.x, -cnorm.y, cnorm.z)) * ((tsign < 0.0) ? -1.0 : 1.0));"
+        "float3 v3 = (normalize(float3(cnorm.x, -cnorm.y, cnorm.z)) * ((tsign < 0.0) ? -1.0 : 1.0));",
     ]
     assert (
         "OutNormal = ((surf2.has_normal > 0.0) ? float3(surf2.normal.x, -surf2.normal.y, surf2.normal.z) : "
-        "float3(v3.x, -v3.y, v3.z));") in lines
+        "float3(v3.x, -v3.y, v3.z));"
+    ) in lines
 
 
 def test_names_of_inputs_are_sorted_by_code_point():
@@ -160,8 +177,9 @@ def test_names_of_inputs_are_sorted_by_code_point():
 
 def test_calls_by_keyword_and_place():
     document = material(HALF)
-    assert quillgen.compile(ir=document, mode="emission",
-                            use_params=False) == quillgen.compile(document, "emission", False)
+    assert quillgen.compile(ir=document, mode="emission", use_params=False) == quillgen.compile(
+        document, "emission", False
+    )
     for wrong in ((), (document, "surface", True, 1)):
         with pytest.raises(TypeError):
             quillgen.compile(*wrong)

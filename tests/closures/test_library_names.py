@@ -1,4 +1,5 @@
 """What the translator asks of the library, and what it does with the answer."""
+
 import pytest
 
 import quillgen
@@ -21,8 +22,11 @@ def test_nothing_needed():
 
 @pytest.mark.parametrize(
     "kind, name, functions",
-    [("TexGabor", "gabor", ["tex_gabor"]),
-     ("RadialTiling", "radial_tiling", ["calculate_out_variables", "calculate_out_segment_id"])])
+    [
+        ("TexGabor", "gabor", ["tex_gabor"]),
+        ("RadialTiling", "radial_tiling", ["calculate_out_variables", "calculate_out_segment_id"]),
+    ],
+)
 def test_names_that_bring_functions_of_other_names(kind, name, functions):
     n = node(kind)
     reader = node("Math", {"Value": link(n, list(n["outs"])[1])})
@@ -35,8 +39,7 @@ def test_names_that_bring_functions_of_other_names(kind, name, functions):
     assert any(f"L.{functions[-1]}(" in line for line in result["body"])
 
 
-@pytest.mark.parametrize("name",
-                         ["safe_divide3", "mapping", "wrap3", "noise_texture3_FBM", "fractal_voronoi_x_fx2"])
+@pytest.mark.parametrize("name", ["safe_divide3", "mapping", "wrap3", "noise_texture3_FBM", "fractal_voronoi_x_fx2"])
 def test_what_a_name_calls_comes_once_and_ahead(name):
     texts = quillgen_lib.resolve({name})
     names = [function_name(text) for text in texts]
@@ -46,17 +49,14 @@ def test_what_a_name_calls_comes_once_and_ahead(name):
 
 
 def test_two_names_that_call_a_third():
-    both = [
-        function_name(text) for text in quillgen_lib.resolve({"project3", "safe_divide3", "mapping", "wrap3"})
-    ]
+    both = [function_name(text) for text in quillgen_lib.resolve({"project3", "safe_divide3", "mapping", "wrap3"})]
     assert len(set(both)) == len(both)
 
 
 def test_unknown_name():
     with pytest.raises(KeyError, match="no_such_name"):
         quillgen_lib.resolve({"no_such_name"})
-    for n in (node("MixRGB",
-                   props={"blend_type": "NO_SUCH"}), node("TexNoise", props={"noise_type": "NO_SUCH"})):
+    for n in (node("MixRGB", props={"blend_type": "NO_SUCH"}), node("TexNoise", props={"noise_type": "NO_SUCH"})):
         with pytest.raises(KeyError, match="mix_no_such|noise_texture3_NO_SUCH"):
             quillgen.compile(material(n))
         assert translated(n)["body"], "parts do not ask the library for texts"

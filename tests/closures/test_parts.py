@@ -1,4 +1,5 @@
 """Several graphs in one text."""
+
 import numpy as np
 import pytest
 
@@ -8,8 +9,7 @@ from edge_cases import statements, translated, unsupported
 from golden.documents import EXAMPLES, IMAGES, example, link, material, node
 
 NOISE, GLOW = node("TexNoise"), node("Emission", {"Color": (0.25, 0.5, 0.75, 1.0), "Strength": 1.0})
-CLOUDS = material(node("BsdfPrincipled", {"Emission Color": link(NOISE, "Color"), "Emission Strength": 1.0}),
-                  NOISE)
+CLOUDS = material(node("BsdfPrincipled", {"Emission Color": link(NOISE, "Color"), "Emission Strength": 1.0}), NOISE)
 LAMP = material(GLOW)
 
 
@@ -49,8 +49,7 @@ def test_graphs_after_the_first_are_dropped_without_a_selector():
     assert assembled(LAMP) == assembled(LAMP, LAMP, LAMP)
     part = quillgen.parts(LAMP)
     first = (part["body"], part["ret"])
-    assert quillgen.assemble([first, "not looked at"], set(), set()) == quillgen.assemble([first], set(),
-                                                                                          set())
+    assert quillgen.assemble([first, "not looked at"], set(), set()) == quillgen.assemble([first], set(), set())
 
 
 def test_wrap_is_around_every_colour_but_the_last():
@@ -72,14 +71,19 @@ def test_no_graphs():
         quillgen.assemble([], set(), set())
 
 
-@pytest.mark.parametrize("arguments, error", [(([([], "x")], set(), set(), None, "no place"), TypeError),
-                                              (([([], "x")], set(), set(), None, "%s %s"), TypeError),
-                                              (([([], "x")], set(), set(), None, "%q"), ValueError),
-                                              (([([],)], set(), set()), ValueError),
-                                              (([([], "x", "y")], set(), set()), ValueError),
-                                              (([([],)], set(), set(), "sel"), ValueError),
-                                              (([([], "x")], {"NoSuchStruct"}, set()), KeyError),
-                                              (([([], "x")], set(), {"no_such_name"}), KeyError)])
+@pytest.mark.parametrize(
+    "arguments, error",
+    [
+        (([([], "x")], set(), set(), None, "no place"), TypeError),
+        (([([], "x")], set(), set(), None, "%s %s"), TypeError),
+        (([([], "x")], set(), set(), None, "%q"), ValueError),
+        (([([],)], set(), set()), ValueError),
+        (([([], "x", "y")], set(), set()), ValueError),
+        (([([],)], set(), set(), "sel"), ValueError),
+        (([([], "x")], {"NoSuchStruct"}, set()), KeyError),
+        (([([], "x")], set(), {"no_such_name"}), KeyError),
+    ],
+)
 def test_wrong_arguments(arguments, error):
     with pytest.raises(error):
         quillgen.assemble(*arguments)
@@ -123,14 +127,16 @@ def test_selector_chooses_at_run_time(chosen):
     parts = [quillgen.parts(d) for d in documents]
     inputs = {name: record for p in parts for name, record in p["inputs"].items()}
     result = {
-        "code": assembled(*documents, selector="sel"), "returns": "float3",
-        "inputs": {**inputs, "sel": {"kind": "scalar", "default": 0.0}}
+        "code": assembled(*documents, selector="sel"),
+        "returns": "float3",
+        "inputs": {**inputs, "sel": {"kind": "scalar", "default": 0.0}},
     }
     rng = np.random.default_rng(1)
     values = {
-        "bmin": (0.0, 0.0, 0.0), "bmax": (100.0, 100.0, 100.0),
-        "lpos": rng.uniform(-100, 100,
-                            (64, 3)).astype(np.float32), "uv0": rng.uniform(-1, 1, (64, 2)).astype(np.float32)
+        "bmin": (0.0, 0.0, 0.0),
+        "bmax": (100.0, 100.0, 100.0),
+        "lpos": rng.uniform(-100, 100, (64, 3)).astype(np.float32),
+        "uv0": rng.uniform(-1, 1, (64, 2)).astype(np.float32),
     }
     pixels = {name: rng.uniform(0, 1, (5, 7, 4)) for name, r in inputs.items() if r["kind"] == "texture"}
     got = custom_expression.evaluate(result, {**values, "sel": chosen}, pixels)["result"]
@@ -139,9 +145,8 @@ def test_selector_chooses_at_run_time(chosen):
         return
     alone = quillgen.compile(documents[int(chosen)], "emission", False)
     needed = {i["name"] for i in alone["inputs"]}
-    expected = custom_expression.evaluate(alone, {k: v
-                                                  for k, v in values.items() if k in needed},
-                                          {k: v
-                                           for k, v in pixels.items() if k in needed})["result"]
+    expected = custom_expression.evaluate(
+        alone, {k: v for k, v in values.items() if k in needed}, {k: v for k, v in pixels.items() if k in needed}
+    )["result"]
     np.testing.assert_allclose(got, np.broadcast_to(expected, got.shape), rtol=1e-6, atol=1e-7)
     assert got.any()

@@ -1,4 +1,5 @@
 """Shader nodes: the flags, the statements that depend on them, the warnings."""
+
 import numpy as np
 import pytest
 
@@ -22,19 +23,34 @@ def has(result, output):
 ALPHA, EMISSION = "bsdf1.alpha = saturate({});", "bsdf1.emission = float3(0.0, 0.0, 0.0) * {};"
 
 
-@pytest.mark.parametrize("entry, flag, text", [(1.0, False, "1.0"), (1, False, "1.0"), (0.999, True, "0.999"),
-                                               ({"t": "VALUE"}, False, "0.0"),
-                                               ({"t": "VALUE", "v": None}, False, "0.0"), (2.0, False, "2.0"),
-                                               (link(NUMBER), True, "0.0")])
+@pytest.mark.parametrize(
+    "entry, flag, text",
+    [
+        (1.0, False, "1.0"),
+        (1, False, "1.0"),
+        (0.999, True, "0.999"),
+        ({"t": "VALUE"}, False, "0.0"),
+        ({"t": "VALUE", "v": None}, False, "0.0"),
+        (2.0, False, "2.0"),
+        (link(NUMBER), True, "0.0"),
+    ],
+)
 def test_alpha(entry, flag, text):
     result = principled(Alpha=entry)
     assert has(result, "OutOpacity") == flag and ("clip" in result["material"]) == flag
     assert ALPHA.format(text) in statements(result)
 
 
-@pytest.mark.parametrize("strength, flag, text", [(1.0, True, "1.0"), (0.0, False, "0.0"),
-                                                  (-1.0, True, "-1.0"), ({"t": "VALUE"}, False, "0.0"),
-                                                  (link(NUMBER), True, "0.0")])
+@pytest.mark.parametrize(
+    "strength, flag, text",
+    [
+        (1.0, True, "1.0"),
+        (0.0, False, "0.0"),
+        (-1.0, True, "-1.0"),
+        ({"t": "VALUE"}, False, "0.0"),
+        (link(NUMBER), True, "0.0"),
+    ],
+)
 def test_emission(strength, flag, text):
     black = (0.0, 0.0, 0.0, 1.0)
     result = principled(Emission_Color=black, Emission_Strength=strength, Alpha=1.0)
@@ -46,9 +62,17 @@ def test_linked_emission_colour_without_strength():
     assert has(principled(Emission_Color=link(NUMBER), Emission_Strength=0.0), "OutEmissive")
 
 
-@pytest.mark.parametrize("weight, flag", [(0.0, False), (0.5, True), (link(NUMBER), True),
-                                          ({"t": "VALUE"}, False), ({"t": "VALUE", "v": None}, False),
-                                          (-1.0, False)])
+@pytest.mark.parametrize(
+    "weight, flag",
+    [
+        (0.0, False),
+        (0.5, True),
+        (link(NUMBER), True),
+        ({"t": "VALUE"}, False),
+        ({"t": "VALUE", "v": None}, False),
+        (-1.0, False),
+    ],
+)
 def test_coat(weight, flag):
     result = principled(Coat_Weight=weight)
     assert has(result, "OutCoat") == has(result, "OutCoatRoughness") == flag
@@ -63,8 +87,10 @@ def test_sockets_of_an_unused_coat_may_be_absent():
         surface(node("BsdfPrincipled", {"Coat Weight": 1.0}, without=["Coat Roughness"]))
 
 
-@pytest.mark.parametrize("socket, word", [("Subsurface_Weight", "subsurface"),
-                                          ("Transmission_Weight", "transmission"), ("Sheen_Weight", "sheen")])
+@pytest.mark.parametrize(
+    "socket, word",
+    [("Subsurface_Weight", "subsurface"), ("Transmission_Weight", "transmission"), ("Sheen_Weight", "sheen")],
+)
 def test_warning_of_a_weight(socket, word):
     for value in (0.5, link(NUMBER)):
         assert principled(**{socket: value})["warnings"] == [NOT_REPRODUCED.format(word)]
@@ -82,8 +108,10 @@ def test_what_feeds_a_warned_weight_is_not_evaluated():
     assert result["warnings"] == [NOT_REPRODUCED.format("sheen")]
 
 
-@pytest.mark.parametrize("ior, level, specular", [(1.0, 1.0, 0.0), (0.5, 1.0, 0.0), (1.5, 0.5, 0.5),
-                                                  (1.5, 1.0, 1.0), (4.0, 0.5, 1.0), (1.5, 0.25, 0.25)])
+@pytest.mark.parametrize(
+    "ior, level, specular",
+    [(1.0, 1.0, 0.0), (0.5, 1.0, 0.0), (1.5, 0.5, 0.5), (1.5, 1.0, 1.0), (4.0, 0.5, 1.0), (1.5, 0.25, 0.25)],
+)
 def test_specular(ior, level, specular):
     result = principled(IOR=ior, Specular_IOR_Level=level)
     outputs = custom_expression.evaluate(result, {"cnorm": (0.0, 0.0, 1.0), "tsign": 1.0})
@@ -160,7 +188,8 @@ def test_emission_is_pasted_and_always_flagged(kind, output):
 
 
 @pytest.mark.parametrize(
-    "socket", ["Base Color", "Metallic", "Roughness", "IOR", "Emission Color", "Emission Strength", "Alpha"])
+    "socket", ["Base Color", "Metallic", "Roughness", "IOR", "Emission Color", "Emission Strength", "Alpha"]
+)
 def test_mandatory_sockets_of_the_principled_shader(socket):
     with unsupported(f"ShaderNodeBsdfPrincipled: no input {socket}"):
         surface(node("BsdfPrincipled", without=[socket]))

@@ -1,4 +1,5 @@
 """Translates with the module core_alone, for the build target check_core."""
+
 import core_alone
 
 one = {"id": "One", "type": "Twice", "in": {"Value": {"t": "VALUE", "v": 0.5}}}

@@ -1,4 +1,5 @@
 """The document: what may be absent, and what its defects raise."""
+
 import copy
 
 import pytest
@@ -11,8 +12,7 @@ from golden.render import literal
 
 def test_absent_keys_are_empty_ones():
     picture, attribute = node("TexImage"), node("Attribute", props={"attribute_name": "UVMap"})
-    bsdf = node("BsdfPrincipled",
-                {"Base Color": link(picture), "Roughness": link(attribute, "Fac"), "Alpha": 0.5})
+    bsdf = node("BsdfPrincipled", {"Base Color": link(picture), "Roughness": link(attribute, "Fac"), "Alpha": 0.5})
     plain = material(bsdf, picture, attribute, displacement=node("Displacement"))
     plain["nodes"].append(node("Displacement"))
     assert not {"settings", "images", "uv_maps"} & set(plain)
@@ -29,8 +29,9 @@ def test_link_without_a_type_is_one_with_the_right_type():
     for source, output in ((node("Value"), "Value"), (node("RGB"), "Color"), (node("TexCoord"), "UV")):
         for target in ("Math", "VectorMath"):
             socket = next(iter(node(target)["in"]))
-            with_type, without, empty = (node(target, {socket: link(source, output, kind)})
-                                         for kind in (source["outs"][output], None, ""))
+            with_type, without, empty = (
+                node(target, {socket: link(source, output, kind)}) for kind in (source["outs"][output], None, "")
+            )
             empty["in"][socket]["link"][2] = ""
             assert with_type["in"][socket]["link"][2]
             assert translated(without, source) == translated(empty, source) == translated(with_type, source)
@@ -80,9 +81,15 @@ def test_link_to_no_node():
     translated(node("Value"), node("Math", {"Value": link("Nobody", "Value")}))
 
 
-@pytest.mark.parametrize("items, error", [([], IndexError), (["Value"], IndexError),
-                                          (["Value", "Value"], ValueError),
-                                          (["Value", "Value", "VALUE", "more"], ValueError)])
+@pytest.mark.parametrize(
+    "items, error",
+    [
+        ([], IndexError),
+        (["Value"], IndexError),
+        (["Value", "Value"], ValueError),
+        (["Value", "Value", "VALUE", "more"], ValueError),
+    ],
+)
 def test_link_of_the_wrong_length(items, error):
     with pytest.raises(error):
         translated(node("Math", {"Value": {"t": "VALUE", "link": items}}), node("Value"))

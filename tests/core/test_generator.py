@@ -1,4 +1,5 @@
 """Evaluation on demand: order, numbers, what is written and what is not."""
+
 import pytest
 
 import quillgen
@@ -17,8 +18,7 @@ def test_the_later_of_two_records_with_one_id():
 
 def test_both_records_with_one_id_count_as_readers():
     coordinates = node("TexCoord")
-    first, later = node("Math", {"Value": link(coordinates, "Generated")},
-                        id="Twice"), node("Value", id="Twice")
+    first, later = node("Math", {"Value": link(coordinates, "Generated")}, id="Twice"), node("Value", id="Twice")
     assert len(body(coordinates, later, output="UV")) == 1
     assert len(body(coordinates, first, later, output="UV")) == 2, "Generated is read too: it is a variable"
 
@@ -35,16 +35,18 @@ def test_output_that_only_an_unreached_node_reads_is_materialised():
 def test_unread_results_cost_nothing_but_variables_of_the_handler_stand():
     lines = body(node("LayerWeight"), output="Facing")
     assert not any("fresnel" in line for line in lines)
-    assert any(line.endswith("= max(1.0 - v1, 1e-5);")
-               for line in lines), "eta serves the unread Fresnel alone"
+    assert any(line.endswith("= max(1.0 - v1, 1e-5);") for line in lines), "eta serves the unread Fresnel alone"
 
 
 def test_two_outputs_of_one_node_run_its_handler_once():
     parts = node("SeparateXYZ")
     both = node("Math", {"Value": link(parts, "X"), "Value_001": link(parts, "Y")})
     assert body(both, parts) == [
-        "float3 v1 = float3(0.5, -1.5, 2.5);", "float v2 = v1.x;", "float v3 = v1.y;", "float v4 = 0.125;",
-        "float v5 = v2 + v3;"
+        "float3 v1 = float3(0.5, -1.5, 2.5);",
+        "float v2 = v1.x;",
+        "float v3 = v1.y;",
+        "float v4 = 0.125;",
+        "float v5 = v2 + v3;",
     ]
 
 
@@ -55,14 +57,17 @@ def test_outputs_of_an_unknown_type():
     odd = node("Odd", outs=UNKNOWN, id="Odd one")
     warning = "Odd one (ShaderNodeOdd) has no Unreal equivalent - its outputs are 0"
     for output, text in {
-            "Color": ZERO, "Fac": "((float3)(0.0))", "BSDF": "(L.closure_none()).emission",
-            "Odd": "((float3)(0.0))"
+        "Color": ZERO,
+        "Fac": "((float3)(0.0))",
+        "BSDF": "(L.closure_none()).emission",
+        "Odd": "((float3)(0.0))",
     }.items():
         result = translated(odd, output=output)
         assert (result["ret"], result["body"], result["warnings"]) == (text, [], [warning])
     bsdf = node(
         "BsdfPrincipled",
-        {"Base Color": link(odd, "Color"), "Metallic": link(odd, "Fac"), "Roughness": link(odd, "Fac")})
+        {"Base Color": link(odd, "Color"), "Metallic": link(odd, "Fac"), "Roughness": link(odd, "Fac")},
+    )
     result = surface(node("MixShader", {"Shader": link(bsdf), "Shader_001": link(odd, "BSDF")}), bsdf, odd)
     assert result["warnings"] == [warning]
     assert "bsdf2.base = float3(0.0, 0.0, 0.0);" in statements(result)
@@ -93,8 +98,7 @@ def test_value_as_surface():
 
 def test_closure_as_surface_in_mode_emission():
     assert translated(node("BsdfPrincipled"))["ret"] == "(bsdf1).emission"
-    assert translated(
-        node("Emission"))["ret"] == "(L.closure_emission(float3(0.8, 0.5, 0.25) * 2.0)).emission"
+    assert translated(node("Emission"))["ret"] == "(L.closure_emission(float3(0.8, 0.5, 0.25) * 2.0)).emission"
 
 
 def test_colour_as_surface_in_mode_emission():

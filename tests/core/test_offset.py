@@ -1,4 +1,5 @@
 """Evaluating a graph again at moved positions."""
+
 import copy
 import re
 
@@ -85,7 +86,7 @@ def test_each_level_of_bumps_triples_the_copies():
     for level in (2, 3, 4):
         nodes.append(bump(nodes[-1], id=f"Bump {level}"))
     for level in (1, 2, 3, 4):
-        assert len(positions(body(*reversed(nodes[:level + 1])))) == 3**level
+        assert len(positions(body(*reversed(nodes[: level + 1])))) == 3**level
 
 
 @pytest.mark.parametrize("levels", [1, 2, 3])
@@ -123,17 +124,26 @@ def test_cycle_through_the_bump_itself():
     other = node("Math", {"Value": link("Bump", "Normal", "VECTOR")})
     with pytest.raises(RecursionError):
         body(bump(other), other)
-    assert quillgen.parts({"nodes": [node("Value")],
-                           "out": {"surface": ["Value", "Value"]}})["ret"] == "((float3)(0.625))"
+    assert (
+        quillgen.parts({"nodes": [node("Value")], "out": {"surface": ["Value", "Value"]}})["ret"] == "((float3)(0.625))"
+    )
 
 
 @pytest.mark.parametrize(
     "output, text",
-    [("UV", "(float3(uv0.x, 1.0 - uv0.y, 0.0) + {a} * float3(uv0_dx.x, -uv0_dx.y, 0.0) + {b} * "
-      "float3(uv0_dy.x, -uv0_dy.y, 0.0))"),
-     ("Object",
-      "((float3(lpos.x, -lpos.y, lpos.z) * 0.01) + L.dir_world_to_obj({w}, (float3(oax.x, -oax.y, oax.z)), "
-      "(-float3(oay.x, -oay.y, oay.z)), (float3(oaz.x, -oaz.y, oaz.z))))")])
+    [
+        (
+            "UV",
+            "(float3(uv0.x, 1.0 - uv0.y, 0.0) + {a} * float3(uv0_dx.x, -uv0_dx.y, 0.0) + {b} * "
+            "float3(uv0_dy.x, -uv0_dy.y, 0.0))",
+        ),
+        (
+            "Object",
+            "((float3(lpos.x, -lpos.y, lpos.z) * 0.01) + L.dir_world_to_obj({w}, (float3(oax.x, -oax.y, oax.z)), "
+            "(-float3(oay.x, -oay.y, oay.z)), (float3(oaz.x, -oaz.y, oaz.z))))",
+        ),
+    ],
+)
 def test_moved_signals(output, text):
     coordinates = node("TexCoord")
     result = translated(bump(coordinates, output), coordinates)
@@ -153,13 +163,18 @@ def test_vertex_colour_has_derivatives():
     assert inputs["vcol_dy"] == {"kind": "ddy", "of": {"kind": "vertex_color"}}
 
 
-@pytest.mark.parametrize("kind, output, unmoved", [("NewGeometry", "Incoming", "camvec"),
-                                                   ("NewGeometry", "True Normal", "facing_normal"),
-                                                   ("Bevel", "Normal", "cnorm"),
-                                                   ("CameraData", "View Distance", "dot(wpos - cpos, vaxx)"),
-                                                   ("ObjectInfo", "Location", "opos"),
-                                                   ("Tangent", "Tangent", "ttan"),
-                                                   ("TexCoord", "Normal", "oax")])
+@pytest.mark.parametrize(
+    "kind, output, unmoved",
+    [
+        ("NewGeometry", "Incoming", "camvec"),
+        ("NewGeometry", "True Normal", "facing_normal"),
+        ("Bevel", "Normal", "cnorm"),
+        ("CameraData", "View Distance", "dot(wpos - cpos, vaxx)"),
+        ("ObjectInfo", "Location", "opos"),
+        ("Tangent", "Tangent", "ttan"),
+        ("TexCoord", "Normal", "oax"),
+    ],
+)
 def test_signals_that_do_not_move(kind, output, unmoved):
     reads = node(kind, props={"direction_type": "UV_MAP"})
     lines = body(bump(reads, output), reads)

@@ -1,4 +1,5 @@
 """The node types that are translated and the functions that the texts call, written out."""
+
 import pytest
 
 import quillgen

@@ -1,4 +1,5 @@
 """Sockets: literals, parameters, defaults, and where types meet."""
+
 import itertools
 import math
 
@@ -15,8 +16,10 @@ CAST = "((float3)({e}))"
 
 # Nodes that read a socket as a type, and the line that holds it.
 READERS = {
-    "VALUE": ("Math", "Value", "float v1 = {e};"), "VECTOR": ("VectorMath", "Vector", "float3 v1 = {e};"),
-    "RGBA": ("Gamma", "Color", "float3 v1 = {e};"), "SHADER": ("AddShader", "Shader", None)
+    "VALUE": ("Math", "Value", "float v1 = {e};"),
+    "VECTOR": ("VectorMath", "Vector", "float3 v1 = {e};"),
+    "RGBA": ("Gamma", "Color", "float3 v1 = {e};"),
+    "SHADER": ("AddShader", "Shader", None),
 }
 
 
@@ -27,8 +30,7 @@ def converted(source, target):
     return "{e}" if target != "VALUE" else LUMA if source == "RGBA" else MEAN
 
 
-@pytest.mark.parametrize("source, target",
-                         itertools.product((*FLOATS, *VECTORS, "RGBA"), ("VALUE", "VECTOR", "RGBA")))
+@pytest.mark.parametrize("source, target", itertools.product((*FLOATS, *VECTORS, "RGBA"), ("VALUE", "VECTOR", "RGBA")))
 def test_linked_types_meet(source, target):
     kind, socket, line = READERS[target]
     odd = node("ObjectInfo")
@@ -40,8 +42,9 @@ def test_linked_types_meet(source, target):
 @pytest.mark.parametrize("source", (*FLOATS, *VECTORS, "RGBA"))
 def test_value_into_a_shader(source):
     with unsupported(f"a {source} value plugged into a shader socket"):
-        body(node("AddShader", {"Shader": {"t": "SHADER", "link": ["ObjectInfo", "Alpha", source]}}),
-             node("ObjectInfo"))
+        body(
+            node("AddShader", {"Shader": {"t": "SHADER", "link": ["ObjectInfo", "Alpha", source]}}), node("ObjectInfo")
+        )
 
 
 @pytest.mark.parametrize("target", ["VALUE", "VECTOR", "RGBA"])
@@ -71,10 +74,17 @@ def test_vector_socket_read_as_a_value():
     assert body(n, use_params=True)[0] == f"float v1 = (({e}).x + ({e}).y + ({e}).z) * (1.0 / 3.0);"
 
 
-@pytest.mark.parametrize("entry, text", [({"t": "ROTATION", "v": [1.0, 2.0, 3.0]}, "0.0"),
-                                         ({"t": "STRING", "v": "text"}, "0.0"), ({"t": "SHADER"}, "0.0"),
-                                         ({"t": "VALUE"}, "0.0"), ({"t": "VALUE", "v": None}, "0.0"),
-                                         ({"t": "VALUE", "link": ["Value", "Value", "VALUE"]}, "0.625")])
+@pytest.mark.parametrize(
+    "entry, text",
+    [
+        ({"t": "ROTATION", "v": [1.0, 2.0, 3.0]}, "0.0"),
+        ({"t": "STRING", "v": "text"}, "0.0"),
+        ({"t": "SHADER"}, "0.0"),
+        ({"t": "VALUE"}, "0.0"),
+        ({"t": "VALUE", "v": None}, "0.0"),
+        ({"t": "VALUE", "link": ["Value", "Value", "VALUE"]}, "0.625"),
+    ],
+)
 def test_default_serves_an_absent_entry_only(entry, text):
     scale = 3
     n = node("VectorMath", {"Scale": entry})
@@ -103,8 +113,7 @@ def test_missing_socket():
 def test_unlinked_entry_without_a_type():
     with pytest.raises(KeyError, match="^'t'$"):
         body(node("Math", {"Value": {"v": 1.0}}))
-    assert body(node("Math", {"Value": {"link": ["Value", "Value", None]}}),
-                node("Value"))[0] == "float v1 = 0.625;"
+    assert body(node("Math", {"Value": {"link": ["Value", "Value", None]}}), node("Value"))[0] == "float v1 = 0.625;"
 
 
 def test_type_of_the_source_serves_where_the_link_has_none():
@@ -116,12 +125,31 @@ def test_type_of_the_source_serves_where_the_link_has_none():
 
 # ---- numbers --------------------------------------------------------------------------------------
 
-NUMBERS = [(1, "1.0"), (True, "1.0"), (False, "0.0"), (1e20, "1e+20"), (1e-5, "1e-05"), (math.nan, "0.0"),
-           (-math.inf, "-3.402823466e+38"), (math.inf, "3.402823466e+38"), (0.5, "0.5"), (-3.25, "-3.25"),
-           (0.0001, "0.0001"), (1000000.0, "1000000.0"), (1e16, "1e+16"),
-           (9999999999999998.0, "9999999999999998.0"), (1.5e300, "1.5e+300"), (-0.0, "-0.0"),
-           (0.800000011920929, "0.800000011920929"), ("0.5", "0.5"), ([0.25, 9], "0.25"), ((0.25, 9), "0.25"),
-           (None, "0.0"), ([None, 2.0], "0.0"), (5e-324, "5e-324")]
+NUMBERS = [
+    (1, "1.0"),
+    (True, "1.0"),
+    (False, "0.0"),
+    (1e20, "1e+20"),
+    (1e-5, "1e-05"),
+    (math.nan, "0.0"),
+    (-math.inf, "-3.402823466e+38"),
+    (math.inf, "3.402823466e+38"),
+    (0.5, "0.5"),
+    (-3.25, "-3.25"),
+    (0.0001, "0.0001"),
+    (1000000.0, "1000000.0"),
+    (1e16, "1e+16"),
+    (9999999999999998.0, "9999999999999998.0"),
+    (1.5e300, "1.5e+300"),
+    (-0.0, "-0.0"),
+    (0.800000011920929, "0.800000011920929"),
+    ("0.5", "0.5"),
+    ([0.25, 9], "0.25"),
+    ((0.25, 9), "0.25"),
+    (None, "0.0"),
+    ([None, 2.0], "0.0"),
+    (5e-324, "5e-324"),
+]
 
 
 @pytest.mark.parametrize("value, text", NUMBERS, ids=repr)
@@ -129,16 +157,21 @@ def test_number_as_a_literal(value, text):
     assert body(node("Math", {"Value": {"t": "VALUE", "v": value}}))[0] == f"float v1 = {text};"
 
 
-@pytest.mark.parametrize("value, error", [("a", ValueError), ({}, TypeError), ([], IndexError),
-                                          ([[1]], TypeError), (10**400, OverflowError)])
+@pytest.mark.parametrize(
+    "value, error", [("a", ValueError), ({}, TypeError), ([], IndexError), ([[1]], TypeError), (10**400, OverflowError)]
+)
 @pytest.mark.parametrize("params", [False, True])
 def test_what_is_no_number(value, error, params):
     with pytest.raises(error):
         body(node("Math", {"Value": {"t": "VALUE", "v": value}}), use_params=params)
 
 
-VECTOR_LITERALS = [([1, 2], "float3(1.0, 2.0, 0.0)"), ([1, 2, 3, 4], "float3(1.0, 2.0, 3.0)"),
-                   ([], "float3(0.0, 0.0, 0.0)"), ((0.5, True, -0.0), "float3(0.5, 1.0, -0.0)")]
+VECTOR_LITERALS = [
+    ([1, 2], "float3(1.0, 2.0, 0.0)"),
+    ([1, 2, 3, 4], "float3(1.0, 2.0, 3.0)"),
+    ([], "float3(0.0, 0.0, 0.0)"),
+    ((0.5, True, -0.0), "float3(0.5, 1.0, -0.0)"),
+]
 
 
 @pytest.mark.parametrize("value, text", VECTOR_LITERALS, ids=repr)
@@ -149,26 +182,36 @@ def test_vector_as_a_literal(value, text):
 # ---- parameters -----------------------------------------------------------------------------------
 
 
-@pytest.mark.parametrize("node_id, socket, name", [("Mix.001", "Color 1", "P_Mix_001__Color_1"),
-                                                   ("N", "S", "P_N__S"), ("A   b", "ü", "P_A___b___"),
-                                                   ("", "", "P___"),
-                                                    ("节点\U0001f600", "x_y", "P______x_y")])
+@pytest.mark.parametrize(
+    "node_id, socket, name",
+    [
+        ("Mix.001", "Color 1", "P_Mix_001__Color_1"),
+        ("N", "S", "P_N__S"),
+        ("A   b", "ü", "P_A___b___"),
+        ("", "", "P___"),
+        ("节点\U0001f600", "x_y", "P______x_y"),
+    ],
+)
 def test_name_of_a_parameter(node_id, socket, name):
     assert quillgen.param_name(node_id, socket) == name
     n = node("Math", {"Value": 1.0}, id=node_id)
     assert body(n, use_params=True)[0] == f"float v1 = {quillgen.param_name(node_id, 'Value')};"
 
 
-@pytest.mark.parametrize("kind, value, text, recorded",
-                         [("VALUE", None, "P_N__{s}", ["scalar", 0.0]),
-                          ("VALUE", [0.25, 9], "P_N__{s}", ["scalar", 0.25]),
-                          ("INT", 3, "P_N__{s}", ["scalar", 3.0]),
-                          ("BOOLEAN", True, "P_N__{s}", ["scalar", 1.0]),
-                          ("RGBA", [1, 0.5, 0.25], "P_N__{s}.xyz", ["vector", [1, 0.5, 0.25, 0.0]]),
-                          ("RGBA", [], "P_N__{s}.xyz", ["vector", [0.0, 0.0, 0.0, 1.0]]),
-                          ("RGBA", [1, 2, 3, 4, 5], "P_N__{s}.xyz", ["vector", [1, 2, 3, 4]]),
-                          ("VECTOR", 2, "P_N__{s}.xyz", ["vector", [2.0, 2.0, 2.0, 0.0]]),
-                          ("VECTOR", None, "P_N__{s}.xyz", ["vector", [0.0, 0.0, 0.0, 0.0]])])
+@pytest.mark.parametrize(
+    "kind, value, text, recorded",
+    [
+        ("VALUE", None, "P_N__{s}", ["scalar", 0.0]),
+        ("VALUE", [0.25, 9], "P_N__{s}", ["scalar", 0.25]),
+        ("INT", 3, "P_N__{s}", ["scalar", 3.0]),
+        ("BOOLEAN", True, "P_N__{s}", ["scalar", 1.0]),
+        ("RGBA", [1, 0.5, 0.25], "P_N__{s}.xyz", ["vector", [1, 0.5, 0.25, 0.0]]),
+        ("RGBA", [], "P_N__{s}.xyz", ["vector", [0.0, 0.0, 0.0, 1.0]]),
+        ("RGBA", [1, 2, 3, 4, 5], "P_N__{s}.xyz", ["vector", [1, 2, 3, 4]]),
+        ("VECTOR", 2, "P_N__{s}.xyz", ["vector", [2.0, 2.0, 2.0, 0.0]]),
+        ("VECTOR", None, "P_N__{s}.xyz", ["vector", [0.0, 0.0, 0.0, 0.0]]),
+    ],
+)
 def test_parameter(kind, value, text, recorded):
     socket = "Value" if recorded[0] == "scalar" else "Vector"
     n = node("Math" if socket == "Value" else "VectorMath", {socket: {"t": kind, "v": value}}, id="N")
@@ -177,12 +220,12 @@ def test_parameter(kind, value, text, recorded):
     assert f" v1 = {text.format(s=socket)};" in result["code"]
     assert repr(result["params"][name]) == repr(recorded)
     assert repr(next(i for i in result["inputs"] if i["name"] == name)) == repr(
-        {"name": name, "kind": recorded[0], "default": recorded[1]})
+        {"name": name, "kind": recorded[0], "default": recorded[1]}
+    )
 
 
 def test_number_for_a_vector_as_a_literal():
-    assert body(node("VectorMath",
-                     {"Vector": {"t": "VECTOR", "v": 2.0}}))[0] == "float3 v1 = float3(2.0, 2.0, 2.0);"
+    assert body(node("VectorMath", {"Vector": {"t": "VECTOR", "v": 2.0}}))[0] == "float3 v1 = float3(2.0, 2.0, 2.0);"
 
 
 def test_without_parameters_there_are_none():

@@ -46,9 +46,7 @@ class Canvas:
         uv = self.node("UVMap").outputs[0]
         sides = self.node("VectorMath", {0: uv, 1: (SIDE, SIDE, SIDE)}, operation="MULTIPLY").outputs[0]
         whole = self.node("VectorMath", {0: sides}, operation="FLOOR").outputs[0]
-        mixed = self.node("VectorMath", {0: whole, 1: (5.0, 3.0, 0.0)}, operation="DOT_PRODUCT").outputs[
-            "Value"
-        ]
+        mixed = self.node("VectorMath", {0: whole, 1: (5.0, 3.0, 0.0)}, operation="DOT_PRODUCT").outputs["Value"]
         third = self.node("Math", {0: mixed, 1: float(SIDE)}, operation="MODULO").outputs[0]
         parts = self.node("SeparateXYZ", {0: whole})
         return self.node("CombineXYZ", {0: parts.outputs[0], 1: parts.outputs[1], 2: third}).outputs[0]
@@ -56,9 +54,7 @@ class Canvas:
     def vector(self, scale=0.25, offset=-2.0):
         """scale * (i, j, k) + offset; numbers or triples of few bits."""
         scale, offset = ((part,) * 3 if isinstance(part, (int, float)) else part for part in (scale, offset))
-        return self.node(
-            "VectorMath", {0: self.cells(), 1: scale, 2: offset}, operation="MULTIPLY_ADD"
-        ).outputs[0]
+        return self.node("VectorMath", {0: self.cells(), 1: scale, 2: offset}, operation="MULTIPLY_ADD").outputs[0]
 
     def colour(self, scale=1 / 16, offset=0.0):
         """The same as a colour socket."""
@@ -70,9 +66,9 @@ class Canvas:
     def number(self, axis, scale=0.25, offset=-2.0):
         """scale * i + offset, or of j or k, by the axis "x", "y" or "z"."""
         parts = self.once("parts", lambda: self.node("SeparateXYZ", {0: self.cells()}).outputs)
-        return self.node(
-            "Math", {0: parts["xyz".index(axis)], 1: scale, 2: offset}, operation="MULTIPLY_ADD"
-        ).outputs[0]
+        return self.node("Math", {0: parts["xyz".index(axis)], 1: scale, 2: offset}, operation="MULTIPLY_ADD").outputs[
+            0
+        ]
 
     def displace(self, socket, method="BUMP"):
         """Wires the material's displacement output."""

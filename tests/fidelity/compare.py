@@ -70,9 +70,7 @@ def run(parts=(), workers=None, every=1):
 
 
 def inputs_of(arrays):
-    found = {
-        name.removeprefix("input "): value for name, value in arrays.items() if name.startswith("input ")
-    }
+    found = {name.removeprefix("input "): value for name, value in arrays.items() if name.startswith("input ")}
     return found or tile_inputs()
 
 
@@ -103,21 +101,15 @@ def prepare(record, arrays, given, number, literal):
     wanted = arrays["values"][number]
     names = [entry["name"] for entry in result["inputs"] if entry["kind"] != "texture"]
     values = {
-        entry["name"]: value_of(entry, given, len(wanted))
-        for entry in result["inputs"]
-        if entry["name"] in names
+        entry["name"]: value_of(entry, given, len(wanted)) for entry in result["inputs"] if entry["name"] in names
     }
     textures = {
-        entry["name"]: arrays["texture " + entry["image"]]
-        for entry in result["inputs"]
-        if entry["kind"] == "texture"
+        entry["name"]: arrays["texture " + entry["image"]] for entry in result["inputs"] if entry["kind"] == "texture"
     }
     shared = {
         "code": ACCURATE + result["code"],
         "outputs": [],
-        "inputs": [
-            {key: value for key, value in entry.items() if key != "default"} for entry in result["inputs"]
-        ],
+        "inputs": [{key: value for key, value in entry.items() if key != "default"} for entry in result["inputs"]],
     }
     return json.dumps(shared, sort_keys=True), (record_head(record), values, textures, wanted)
 

@@ -60,13 +60,9 @@ def settings():
     found = {}
     for name in sorted(dir(bpy.types)):
         if name.startswith("ShaderNode") and name != "ShaderNode":
-            own = [
-                prop for prop in getattr(bpy.types, name).bl_rna.properties if prop.identifier not in common
-            ]
+            own = [prop for prop in getattr(bpy.types, name).bl_rna.properties if prop.identifier not in common]
             found[name] = {
-                prop.identifier: [item.identifier for item in prop.enum_items]
-                for prop in own
-                if prop.type == "ENUM"
+                prop.identifier: [item.identifier for item in prop.enum_items] for prop in own if prop.type == "ENUM"
             }
             found[name] |= {prop.identifier: [False, True] for prop in own if prop.type == "BOOLEAN"}
     return found
@@ -156,13 +152,9 @@ def wear(thing, material):
 
 def check_positions(thing, inputs, columns, rows):
     """A frame of its own: our rays meet the surface where Cycles' rays do."""
-    shown = wear(
-        thing, render.material("Position", lambda canvas: canvas.node("NewGeometry").outputs["Position"])
-    )
+    shown = wear(thing, render.material("Position", lambda canvas: canvas.node("NewGeometry").outputs["Position"]))
     ours = inputs["world_position"] * rays.FLIP / 100
-    assert np.abs(shown[rows, columns] - ours).max() < 5e-5 and (np.abs(shown).sum(axis=2) > 0).sum() == len(
-        rows
-    )
+    assert np.abs(shown[rows, columns] - ours).max() < 5e-5 and (np.abs(shown).sum(axis=2) > 0).sum() == len(rows)
 
 
 def shading_normals(thing, ours, columns, rows):

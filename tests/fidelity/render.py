@@ -65,9 +65,7 @@ def material(name, build):
 def squares(count, columns):
     """A mesh of unit squares, each with the UV map from 0 to 1."""
     corners = [
-        (n % columns + dx, n // columns + dy, 0.0)
-        for n in range(count)
-        for dx, dy in ((0, 0), (1, 0), (1, 1), (0, 1))
+        (n % columns + dx, n // columns + dy, 0.0) for n in range(count) for dx, dy in ((0, 0), (1, 0), (1, 1), (0, 1))
     ]
     mesh = bpy.data.meshes.new("Squares")
     mesh.from_pydata(corners, [], [range(4 * n, 4 * n + 4) for n in range(count)])

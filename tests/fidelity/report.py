@@ -72,8 +72,7 @@ def reasons(outcomes):
             groups[one.node, one.reason].append(one)
     lines = ["| Node | Cases | Within 1e-4 | Why it can't agree |", "| --- | --- | --- | --- |"]
     lines += [
-        f"| {node} | {len(group)} | {share(*count(group))} % | {reason} |"
-        for (node, reason), group in groups.items()
+        f"| {node} | {len(group)} | {share(*count(group))} % | {reason} |" for (node, reason), group in groups.items()
     ]
     return "\n".join(lines)
 

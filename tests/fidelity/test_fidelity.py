@@ -70,9 +70,7 @@ def test_there_are_cases_enough(outcomes):
 
 
 def test_every_node_type_with_a_handler_has_cases(nodes):
-    sources = [
-        path.read_text() for folder in ("nodes", "closures") for path in (ROOT / folder).rglob("*.cpp")
-    ]
+    sources = [path.read_text() for folder in ("nodes", "closures") for path in (ROOT / folder).rglob("*.cpp")]
     handled = set(re.findall(r'"(ShaderNode\w+)"', "".join(sources)))
     assert len(handled) > 60
     assert handled - set(nodes) <= {"ShaderNode" + name for name in SHADERS}
@@ -83,7 +81,5 @@ def test_every_setting_of_every_node_has_a_case(nodes):
     for kind, settings in store.load_settings().items():
         for prop, values in settings.items() if kind in nodes else ():
             seen = [node["props"].get(prop) for node in nodes[kind]]
-            missing += [
-                (kind, prop, value) for value in values if value not in seen and prop not in ELSEWHERE
-            ]
+            missing += [(kind, prop, value) for value in values if value not in seen and prop not in ELSEWHERE]
     assert set(missing) <= ELSEWHERE_VALUES

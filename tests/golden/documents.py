@@ -6,6 +6,7 @@
 
 A node has all sockets of its type with the values of node_types; `inputs` sets, `without` leaves out.
 """
+
 import copy
 import json
 import pathlib
@@ -39,8 +40,12 @@ def node(kind, inputs=None, *, id=None, props=None, without=(), outs=True, **fur
 
 def bare(kind, inputs=None, **further):
     """A node record with the given entries and properties only."""
-    return node(kind, inputs, without=set(TYPES["ShaderNode" + kind][0]) - set(inputs or {}),
-                **{"props": dict.fromkeys(TYPES["ShaderNode" + kind][2])} | further)
+    return node(
+        kind,
+        inputs,
+        without=set(TYPES["ShaderNode" + kind][0]) - set(inputs or {}),
+        **{"props": dict.fromkeys(TYPES["ShaderNode" + kind][2])} | further,
+    )
 
 
 def link(source, output=None, kind=""):

@@ -1,4 +1,5 @@
 """The kept results: a file for each node type, a section for each case."""
+
 import re
 
 from golden.cases import all_cases

@@ -4,6 +4,7 @@ Code stands as it is, but for the part that all texts share: the library's funct
 texts have tests of their own. Where that part is byte for byte what it has to be for the library names that
 are asked for, one line stands for it, with those names; where it isn't, it stands in full.
 """
+
 import functools
 import pathlib
 import re
@@ -17,7 +18,7 @@ PLAIN = (str, int, float, bool, type(None))
 
 HEADERS = {
     "material": "// Quillwork - generated from Blender's node tree. Edit the material in Blender, not here.",
-    "displacement": "// Quillwork - displacement of Blender's node tree (Nanite tessellation)."
+    "displacement": "// Quillwork - displacement of Blender's node tree (Nanite tessellation).",
 }
 
 
@@ -51,9 +52,7 @@ def asked_for(functions, body):
     names = [function_name(text) for text in functions]
     called = set(re.findall(r"\bL\.(\w+)", body))
     inner = {
-        other
-        for name in names
-        for other in names if other != name and re.search(rf"\b{other}\(", texts.get(name, ""))
+        other for name in names for other in names if other != name and re.search(rf"\b{other}\(", texts.get(name, ""))
     }
     return sorted({units[name] for name in names if name in called or name not in inner})
 
@@ -63,8 +62,7 @@ def head(header, structs, need):
     struct, functions = closure()
     structs = [quillgen_lib.STRUCTS[name] for name in structs]
     library_texts = "\n".join(quillgen_lib.resolve(set(need)))
-    return "\n".join(
-        [header, *structs, struct, f"struct QWK {{\n{library_texts}\n{functions}\n}};", "QWK L;\n"])
+    return "\n".join([header, *structs, struct, f"struct QWK {{\n{library_texts}\n{functions}\n}};", "QWK L;\n"])
 
 
 def split_head(code):
@@ -101,8 +99,7 @@ def literal(value):
 def lines_of(key, value, pad=""):
     if isinstance(value, str) and "\n" in value:
         line, rest = split_head(value)
-        return [f"{pad}{key}:", *[f"{pad}  {line}"] * \
-            bool(line), *(f"{pad}  |{text}" for text in rest.split("\n"))]
+        return [f"{pad}{key}:", *[f"{pad}  {line}"] * bool(line), *(f"{pad}  |{text}" for text in rest.split("\n"))]
     if type(value) is list and {type(item) for item in value} in ({dict}, {str}):
         return [f"{pad}{key}:", *(f"{pad}  {literal(item)}" for item in value)]
     if type(value) is dict and len(value) > 1 and key not in ("material",):

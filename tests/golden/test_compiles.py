@@ -2,6 +2,7 @@
 
 None is left out: a name that the library lacks is a KeyError of the translation, so there is no text of it.
 """
+
 import pytest
 
 import custom_expression
@@ -39,8 +40,8 @@ def test_compiles(result):
 def test_a_wrong_text_is_refused():
     result = all_cases()["ShaderNodeMath"]["operation SINE"].result()
     with pytest.raises(DxcError, match="sinus"):
-        custom_expression.compile_both(wrapped({**result, "code": result["code"].replace(" sin(",
-                                                                                         " sinus(")}))
+        custom_expression.compile_both(wrapped({**result, "code": result["code"].replace(" sin(", " sinus(")}))
     with pytest.raises(DxcError, match="implicit truncation"):
         custom_expression.compile_both(
-            wrapped({**result, "code": result["code"].replace("  float v1 = ", "  float v1 = (float3)")}))
+            wrapped({**result, "code": result["code"].replace("  float v1 = ", "  float v1 = (float3)")})
+        )

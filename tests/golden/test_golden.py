@@ -1,4 +1,5 @@
 """Every golden document translates to exactly what is kept of it."""
+
 import functools
 import os
 import pathlib
@@ -13,7 +14,8 @@ from golden.render import FOLDER, literal, render
 
 TESTS = pathlib.Path(__file__).parents[1]
 CASES = [
-    pytest.param(file, case, id=f"{file}: {title}") for file, cases in all_cases().items()
+    pytest.param(file, case, id=f"{file}: {title}")
+    for file, cases in all_cases().items()
     for title, case in cases.items()
 ]
 read = functools.cache(kept.read)
@@ -39,9 +41,20 @@ def test_document_is_left_as_it_was():
                 assert literal(case.document) == before, case.title
 
 
-@pytest.mark.parametrize("one, other", [(1, 1.0), (True, 1), (0.0, -0.0), ([1], (1,)),
-                                        ({"a": 1, "b": 2}, {"b": 2, "a": 1}), ("1", 1), (set(), {}),
-                                        (None, "None"), (0.1, 0.1 + 2**-56)])
+@pytest.mark.parametrize(
+    "one, other",
+    [
+        (1, 1.0),
+        (True, 1),
+        (0.0, -0.0),
+        ([1], (1,)),
+        ({"a": 1, "b": 2}, {"b": 2, "a": 1}),
+        ("1", 1),
+        (set(), {}),
+        (None, "None"),
+        (0.1, 0.1 + 2**-56),
+    ],
+)
 def test_rendering_shows_what_differs(one, other):
     assert render({"key": one}) != render({"key": other})
 
@@ -49,15 +62,23 @@ def test_rendering_shows_what_differs(one, other):
 def test_rendering_shows_a_changed_library_or_closure():
     code = all_cases()["ShaderNodeTexChecker"]["as Blender makes it"].result()["code"]
     assert "[material: tex_checker]" in "\n".join(render(code))
-    for old, new in (("tex_checker(", "tex_chequer("), ("c.alpha = 1.0", "c.alpha = 0.9"), ("struct QWK {",
-                                                                                            "struct QWK  {")):
+    for old, new in (
+        ("tex_checker(", "tex_chequer("),
+        ("c.alpha = 1.0", "c.alpha = 0.9"),
+        ("struct QWK {", "struct QWK  {"),
+    ):
         assert "[material" not in "\n".join(render(code.replace(old, new, 1)))
 
 
 def test_update_refuses_where_ci_is_set():
     before = {path: path.stat().st_mtime_ns for path in FOLDER.iterdir()}
-    run = subprocess.run([sys.executable, "-m", "pytest", "--update", "--collect-only", "-q", __file__],
-                         cwd=TESTS, env={**os.environ, "CI": "true"}, capture_output=True, text=True)
+    run = subprocess.run(
+        [sys.executable, "-m", "pytest", "--update", "--collect-only", "-q", __file__],
+        cwd=TESTS,
+        env={**os.environ, "CI": "true"},
+        capture_output=True,
+        text=True,
+    )
     assert run.returncode == pytest.ExitCode.USAGE_ERROR
     assert "--update changes what the tests expect" in run.stderr
     assert {path: path.stat().st_mtime_ns for path in FOLDER.iterdir()} == before
@@ -68,6 +89,4 @@ def test_update_writes_all_and_removes_the_rest(tmp_path, monkeypatch):
     (tmp_path / "Math.txt").write_text("changed")
     monkeypatch.setattr(kept, "FOLDER", tmp_path)
     kept.write_all()
-    assert {p.name: p.read_text()
-            for p in tmp_path.iterdir()} == {p.name: p.read_text()
-                                             for p in FOLDER.glob("*.txt")}
+    assert {p.name: p.read_text() for p in tmp_path.iterdir()} == {p.name: p.read_text() for p in FOLDER.glob("*.txt")}

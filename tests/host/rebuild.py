@@ -13,9 +13,7 @@ def rebuild(document, name="Rebuilt"):
         for socket, entry in record["in"].items():
             if "link" in entry:
                 source, out, seen = entry["link"]
-                connect(
-                    tree, named(nodes[source].outputs, out), seen, named(nodes[record["id"]].inputs, socket)
-                )
+                connect(tree, named(nodes[source].outputs, out), seen, named(nodes[record["id"]].inputs, socket))
     end = tree.nodes.new("ShaderNodeOutputMaterial")
     for socket, (source, out) in document["out"].items():
         tree.links.new(named(nodes[source].outputs, out), end.inputs[socket.title()])

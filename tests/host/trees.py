@@ -25,9 +25,9 @@ def named(sockets, identifier):
 def vector(tree):
     """Something with three different components everywhere."""
     uv = add(tree, "UVMap").outputs[0]
-    return add(
-        tree, "VectorMath", {0: uv, 1: (3.0, -2.0, 1.0), 2: (0.1, 0.2, 0.5)}, operation="MULTIPLY_ADD"
-    ).outputs[0]
+    return add(tree, "VectorMath", {0: uv, 1: (3.0, -2.0, 1.0), 2: (0.1, 0.2, 0.5)}, operation="MULTIPLY_ADD").outputs[
+        0
+    ]
 
 
 def colour(tree):
@@ -73,9 +73,7 @@ def nested_groups(tree):
 
     def inner(tree, begin, end):
         noise = add(tree, "TexNoise", {"Vector": begin[0], "Scale": begin[1]})
-        tree.links.new(
-            add(tree, "Math", {0: noise.outputs[0], 1: begin[1]}, operation="MULTIPLY").outputs[0], end[0]
-        )
+        tree.links.new(add(tree, "Math", {0: noise.outputs[0], 1: begin[1]}, operation="MULTIPLY").outputs[0], end[0])
 
     deep = group("Deep", [("Where", "Vector"), ("Size", "Float")], [("Out", "Float")], inner)
 
@@ -129,9 +127,7 @@ def constant_for_a_texture(tree):
         "Stripes",
         [("Where", "Vector")],
         [("Out", "Color")],
-        lambda tree, begin, end: tree.links.new(
-            add(tree, "TexGradient", {"Vector": begin[0]}).outputs[0], end[0]
-        ),
+        lambda tree, begin, end: tree.links.new(add(tree, "TexGradient", {"Vector": begin[0]}).outputs[0], end[0]),
     )
     return use(tree, inner, {0: (0.25, 0.5, 0.75)}).outputs[0]
 

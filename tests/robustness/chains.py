@@ -1,29 +1,55 @@
 """Documents whose graph is one chain of nodes, each reading the next."""
+
 import random
 
-from golden.node_types import TYPES
 from golden.documents import node
+from golden.node_types import TYPES
 
 # What each node of the chain is, and the socket by which it reads.
 LINKS = {
-    "ShaderNodeMath": "Value", "ShaderNodeVectorMath": "Vector", "ShaderNodeMix": "A_Float",
-    "ShaderNodeValToRGB": "Fac", "ShaderNodeMixShader": "Shader", "ShaderNodeBsdfPrincipled": "Normal",
-    "ShaderNodeTexNoise": "Vector", "ShaderNodeTexImage": "Vector", "ShaderNodeTexBrick": "Vector",
-    "ShaderNodeTexVoronoi": "Vector", "ShaderNodeMapRange": "Value", "ShaderNodeRGBCurve": "Color",
-    "ShaderNodeVectorTransform": "Vector", "ShaderNodeNormalMap": "Color", "ShaderNodeBump": "Normal",
+    "ShaderNodeMath": "Value",
+    "ShaderNodeVectorMath": "Vector",
+    "ShaderNodeMix": "A_Float",
+    "ShaderNodeValToRGB": "Fac",
+    "ShaderNodeMixShader": "Shader",
+    "ShaderNodeBsdfPrincipled": "Normal",
+    "ShaderNodeTexNoise": "Vector",
+    "ShaderNodeTexImage": "Vector",
+    "ShaderNodeTexBrick": "Vector",
+    "ShaderNodeTexVoronoi": "Vector",
+    "ShaderNodeMapRange": "Value",
+    "ShaderNodeRGBCurve": "Color",
+    "ShaderNodeVectorTransform": "Vector",
+    "ShaderNodeNormalMap": "Color",
+    "ShaderNodeBump": "Normal",
     "ShaderNodeVectorDisplacement": "Vector",
 }
 
 
 FURTHER_LINKS = {
-    "ShaderNodeGamma": "Color", "ShaderNodeMapping": "Vector", "ShaderNodeSeparateXYZ": "Vector",
-    "ShaderNodeCombineXYZ": "X", "ShaderNodeHueSaturation": "Color", "ShaderNodeVectorRotate": "Vector",
-    "ShaderNodeTexWave": "Vector", "ShaderNodeTexMagic": "Scale", "ShaderNodeTexGabor": "Frequency",
-    "ShaderNodeRadialTiling": "Vector", "ShaderNodeFresnel": "Normal", "ShaderNodeLayerWeight": "Normal",
-    "ShaderNodeNormal": "Normal", "ShaderNodeClamp": "Value", "ShaderNodeInvert": "Color",
-    "ShaderNodeVectorCurve": "Vector", "ShaderNodeFloatCurve": "Value", "ShaderNodeTexEnvironment": "Vector",
-    "ShaderNodeDisplacement": "Height", "ShaderNodeTexWhiteNoise": "Vector", "ShaderNodeSqueeze": "Value",
-    "ShaderNodeBlackbody": "Temperature", "ShaderNodeMixRGB": "Color1",
+    "ShaderNodeGamma": "Color",
+    "ShaderNodeMapping": "Vector",
+    "ShaderNodeSeparateXYZ": "Vector",
+    "ShaderNodeCombineXYZ": "X",
+    "ShaderNodeHueSaturation": "Color",
+    "ShaderNodeVectorRotate": "Vector",
+    "ShaderNodeTexWave": "Vector",
+    "ShaderNodeTexMagic": "Scale",
+    "ShaderNodeTexGabor": "Frequency",
+    "ShaderNodeRadialTiling": "Vector",
+    "ShaderNodeFresnel": "Normal",
+    "ShaderNodeLayerWeight": "Normal",
+    "ShaderNodeNormal": "Normal",
+    "ShaderNodeClamp": "Value",
+    "ShaderNodeInvert": "Color",
+    "ShaderNodeVectorCurve": "Vector",
+    "ShaderNodeFloatCurve": "Value",
+    "ShaderNodeTexEnvironment": "Vector",
+    "ShaderNodeDisplacement": "Height",
+    "ShaderNodeTexWhiteNoise": "Vector",
+    "ShaderNodeSqueeze": "Value",
+    "ShaderNodeBlackbody": "Temperature",
+    "ShaderNodeMixRGB": "Color1",
 }
 
 
@@ -34,15 +60,19 @@ def output_of(kind):
 def mixed_chain(length, seed):
     """A chain of all those types that are no shaders, in an order of chance; the records are in another one."""
     chance = random.Random(seed)
-    links = {kind: socket for kind, socket in {**LINKS, **FURTHER_LINKS}.items()
-             if TYPES[kind][1][output_of(kind)] != "SHADER"}
+    links = {
+        kind: socket
+        for kind, socket in {**LINKS, **FURTHER_LINKS}.items()
+        if TYPES[kind][1][output_of(kind)] != "SHADER"
+    }
     kinds = [chance.choice(list(links)) for _ in range(length)]
     nodes = [node(kind, id=place) for place, kind in enumerate(kinds)]
     for place, (record, source) in enumerate(zip(nodes, kinds[1:])):
         entry = record["in"][links[record["type"]]]
         entry["link"] = [place + 1, output_of(source), TYPES[source][1][output_of(source)]]
     chance.shuffle(nodes)
-    ends = dict.fromkeys(["surface", "displacement"], [0, output_of(kinds[0])])
+    end = [0, output_of(kinds[0])]
+    ends = {"surface": end, "displacement": end}
     return {"nodes": nodes, "out": ends, "images": {"wood.png": {}}, "settings": {"displacement": "BOTH"}}
 
 

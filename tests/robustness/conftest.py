@@ -1,7 +1,8 @@
 """The seed of what is drawn by chance: shown also when all goes well, and another one each time.
 
-    QUILLGEN_SEED=N pytest ...    draws the same again
+QUILLGEN_SEED=N pytest ...    draws the same again
 """
+
 import os
 import random
 

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Documents made of the table of node types, sound ones and wrong ones; hypothesis shrinks what it finds.
 
-    python fuzz_documents.py --calls 1000000 [--seed N]
+python fuzz_documents.py --calls 1000000 [--seed N]
 """
+
 import argparse
 import collections
 import copy
@@ -16,7 +17,6 @@ sys.path[:0] = [str(pathlib.Path(__file__).parents[1]), str(pathlib.Path(__file_
 import hypothesis
 from hypothesis import strategies as st
 
-import quillgen
 from golden.cases import all_cases
 from golden.documents import IMAGES
 from golden.node_types import FURTHER, OPTIONAL, SHADER, TYPES
@@ -26,11 +26,19 @@ KINDS = sorted(TYPES)
 NUMBERS = st.floats(width=32) | st.integers(-3, 3) | st.booleans() | st.floats()
 NAMES = st.text(st.characters(), max_size=6)
 WORDS = st.sampled_from(KINDS + ["VALUE", "RGBA", "VECTOR", "SHADER", "ROTATION", "STRING", "Color", "Value"])
-WRONG = st.one_of(st.none(), st.booleans(), st.integers(), st.just(10**400), st.floats(), NAMES,
-                  st.binary(max_size=3), WORDS)
-WRONG = st.recursive(WRONG, lambda inner: st.lists(inner, max_size=5) | st.dictionaries(NAMES, inner, max_size=3)
-                     | st.dictionaries(st.sampled_from(["t", "v", "link"]), inner) | st.tuples(inner, inner, inner),
-                     max_leaves=8)
+WRONG = st.one_of(
+    st.none(), st.booleans(), st.integers(), st.just(10**400), st.floats(), NAMES, st.binary(max_size=3), WORDS
+)
+WRONG = st.recursive(
+    WRONG,
+    lambda inner: (
+        st.lists(inner, max_size=5)
+        | st.dictionaries(NAMES, inner, max_size=3)
+        | st.dictionaries(st.sampled_from(["t", "v", "link"]), inner)
+        | st.tuples(inner, inner, inner)
+    ),
+    max_leaves=8,
+)
 
 
 @functools.cache
@@ -64,8 +72,14 @@ def records(draw, kind, node_id, sources):
             several = st.lists(NUMBERS, min_size=3, max_size=4)
             inputs[name] = {"t": entry["t"], "v": draw(several if isinstance(value, list) else NUMBERS)}
     props = {key: draw(st.sampled_from(values)) for key, values in words_of(kind).items() if draw(st.integers(0, 3))}
-    return {"id": node_id, "type": kind, "in": inputs, "outs": outputs, "props": props,
-            **copy.deepcopy(FURTHER.get(kind, {}))}
+    return {
+        "id": node_id,
+        "type": kind,
+        "in": inputs,
+        "outs": outputs,
+        "props": props,
+        **copy.deepcopy(FURTHER.get(kind, {})),
+    }
 
 
 @st.composite
@@ -82,9 +96,16 @@ def sound_documents(draw):
     vectors = [source for source in sources if source[2] != SHADER]
     if vectors and draw(st.booleans()):
         document["out"]["displacement"] = list(draw(st.sampled_from(vectors))[:2])
-    document["settings"] = draw(st.fixed_dictionaries({}, optional={
-        "displacement": st.sampled_from(["BUMP", "DISPLACEMENT", "BOTH", "NONE"]), "backface_culling": st.booleans(),
-        "blend": st.sampled_from(["BLENDED", "HASHED"])}))
+    document["settings"] = draw(
+        st.fixed_dictionaries(
+            {},
+            optional={
+                "displacement": st.sampled_from(["BUMP", "DISPLACEMENT", "BOTH", "NONE"]),
+                "backface_culling": st.booleans(),
+                "blend": st.sampled_from(["BLENDED", "HASHED"]),
+            },
+        )
+    )
     document["uv_maps"] = draw(st.lists(st.sampled_from(["Col", "UVMap", "second"]), max_size=3))
     return document
 
@@ -124,11 +145,16 @@ def fuzz(calls, seed):
             counted = []
 
             @hypothesis.seed(seed + batch)
-            @hypothesis.settings(max_examples=min(500, max(20, (calls - done) // 26)), deadline=None, database=None,
-                                 suppress_health_check=list(hypothesis.HealthCheck), print_blob=True)
+            @hypothesis.settings(
+                max_examples=min(500, max(20, (calls - done) // 26)),
+                deadline=None,
+                database=None,
+                suppress_health_check=list(hypothesis.HealthCheck),
+                print_blob=True,
+            )
             @hypothesis.given(strategy)
             def one(document):
-                counted.append(measure(document))
+                counted.append(measure(document))  # noqa: B023  (it is called in this turn)
 
             one()
             done += sum(number for number, _ in counted)

@@ -6,8 +6,10 @@
 The seed and the number of a document make it again: --only shows it and translates it alone. With --objects some of
 the values are objects whose own code raises or changes the document in the middle of the translation.
 """
+
 import argparse
 import collections
+import contextlib
 import copy
 import math
 import pathlib
@@ -23,10 +25,52 @@ from robustness.invariants import check
 from robustness.outcomes import CALLS, at, outcome, paths
 
 LARGEST = 6000  # characters of a document: larger ones are slow to copy, and hold the same again and again
-ODD = [None, True, False, 0, 1, -1, 2.5, 1e300, -0.0, 5e-324, math.nan, math.inf, -math.inf, 10**400, "", "0.5",
-       "Color", "VALUE", "RGBA", "SHADER", "VECTOR", "BOX", "4D", "\ud800", "a\0b", "é" * 40, b"x", [], [1], [1, 2],
-       [1, 2, 3, 4, 5], ["a", "b", "c"], [None], [math.nan] * 3, [[1, 2], [3]], (), (1.0, 2.0, 3.0), ("x", "y"), {},
-       {"v": 1}, {"link": ["a", "b", None]}, {"t": "VALUE", "v": 0.5}, {1, 2}, [0.1, [1, 0, 0, 1]]]
+ODD = [
+    None,
+    True,
+    False,
+    0,
+    1,
+    -1,
+    2.5,
+    1e300,
+    -0.0,
+    5e-324,
+    math.nan,
+    math.inf,
+    -math.inf,
+    10**400,
+    "",
+    "0.5",
+    "Color",
+    "VALUE",
+    "RGBA",
+    "SHADER",
+    "VECTOR",
+    "BOX",
+    "4D",
+    "\ud800",
+    "a\0b",
+    "é" * 40,
+    b"x",
+    [],
+    [1],
+    [1, 2],
+    [1, 2, 3, 4, 5],
+    ["a", "b", "c"],
+    [None],
+    [math.nan] * 3,
+    [[1, 2], [3]],
+    (),
+    (1.0, 2.0, 3.0),
+    ("x", "y"),
+    {},
+    {"v": 1},
+    {"link": ["a", "b", None]},
+    {"t": "VALUE", "v": 0.5},
+    {1, 2},
+    [0.1, [1, 0, 0, 1]],
+]
 
 
 def sources():
@@ -74,8 +118,14 @@ def mutate(chance, document, objects):
     elif kind == 5:
         holder[chance.choice(list(holder) + [0, None, (1, 2), "x"])] = holder.pop(key)
     elif kind == 6:
-        holder[key] = {list: tuple, float: str, str: lambda text: [text], dict: lambda map: list(map.items()),
-                       int: float, bool: int}.get(type(value), lambda other: [other])(value)
+        holder[key] = {
+            list: tuple,
+            float: str,
+            str: lambda text: [text],
+            dict: lambda map: list(map.items()),
+            int: float,
+            bool: int,
+        }.get(type(value), lambda other: [other])(value)
     elif chance.random() < 0.5:
         holder[key] = raising(value)
     else:
@@ -88,10 +138,8 @@ def mutant(documents, seed, number, objects=False):
     chance = random.Random(f"{seed} {number}")
     document = copy.deepcopy(chance.choice(documents))
     for _ in range(chance.choice([1, 1, 2, 3])):
-        try:
+        with contextlib.suppress(Exception):  # an earlier one is in the way, or takes the document apart already
             document = mutate(chance, document, objects)
-        except Exception:  # an earlier one is in the way, or takes the document apart already
-            pass
     return document
 
 

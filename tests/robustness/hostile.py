@@ -1,9 +1,27 @@
 """Objects that a document may hold whose own code runs in the middle of a translation."""
+
 _VALUES = {
-    "__float__": 0.5, "__int__": 1, "__index__": 1, "__bool__": True, "__len__": 3, "__contains__": False,
-    "__getitem__": 0.5, "__format__": "text", "__str__": "text", "__lt__": True, "__gt__": True,
-    "__eq__": False, "__hash__": 1, "get": None, "lower": "text", "index": 0, "copy": None, "__iter__": (0.5,) * 3,
-    "keys": (), "values": (), "items": (),
+    "__float__": 0.5,
+    "__int__": 1,
+    "__index__": 1,
+    "__bool__": True,
+    "__len__": 3,
+    "__contains__": False,
+    "__getitem__": 0.5,
+    "__format__": "text",
+    "__str__": "text",
+    "__lt__": True,
+    "__gt__": True,
+    "__eq__": False,
+    "__hash__": 1,
+    "get": None,
+    "lower": "text",
+    "index": 0,
+    "copy": None,
+    "__iter__": (0.5,) * 3,
+    "keys": (),
+    "values": (),
+    "items": (),
 }
 
 
@@ -61,9 +79,16 @@ def breaking_off(value):
 
     if isinstance(value, list):
         return type("Breaking", (list,), {"__iter__": lambda self: broken(list.__iter__(self))})(value)
-    return type("Breaking", (dict,), {
-        "__iter__": lambda self: broken(dict.__iter__(self)), "keys": lambda self: broken(dict.keys(self)),
-        "values": lambda self: broken(dict.values(self)), "items": lambda self: broken(dict.items(self))})(value)
+    return type(
+        "Breaking",
+        (dict,),
+        {
+            "__iter__": lambda self: broken(dict.__iter__(self)),
+            "keys": lambda self: broken(dict.keys(self)),
+            "values": lambda self: broken(dict.values(self)),
+            "items": lambda self: broken(dict.items(self)),
+        },
+    )(value)
 
 
 def wreck(document):

@@ -1,4 +1,5 @@
 """What holds of every document, however it was made: the fuzzers' measure of right and wrong."""
+
 import re
 
 import quillgen

@@ -1,4 +1,5 @@
 """Python code in a process of its own, for what may take the interpreter down."""
+
 import os
 import pathlib
 import subprocess

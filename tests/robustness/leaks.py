@@ -7,6 +7,7 @@ Everything is called; then, with the interpreter still running, LeakSanitizer lo
 to. Those that were not allocated inside a call of the module are the interpreter's own, or other modules', and are
 left out. To show that it sees anything, a result is leaked on purpose at the end, which must be found.
 """
+
 import contextlib
 import copy
 import ctypes

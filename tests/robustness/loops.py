@@ -1,4 +1,5 @@
 """Counts the turns of the loops in HLSL, which a shader that ends late or never does not tell by itself."""
+
 import re
 
 LOOP = re.compile(r"\b(?:for|while|do)\b")
@@ -8,10 +9,10 @@ COUNTER = "qh_turns"
 def _behind(text, place):
     """The place behind the bracket that is closed which opens at or after `place`."""
     depth = 0
-    for place in range(text.index("(", place), len(text)):
-        depth += {"(": 1, ")": -1}.get(text[place], 0)
+    for at in range(text.index("(", place), len(text)):
+        depth += {"(": 1, ")": -1}.get(text[at], 0)
         if depth == 0:
-            return place + 1
+            return at + 1
     raise ValueError("a bracket that nothing closes")
 
 
@@ -24,7 +25,7 @@ def counted(code):
         if code[end] == ";":  # what stands behind the body of do
             continue
         inside = code[end] == "{"
-        made += [code[done:end + inside], f" {COUNTER}++{';' if inside else ','} "]
+        made += [code[done : end + inside], f" {COUNTER}++{';' if inside else ','} "]
         done = end + inside
     code = "".join([*made, code[done:]]).replace("struct QWK {", f"struct QWK {{\nuint {COUNTER};")
     return code.replace("\nQWK L;", f"\nQWK L;\nL.{COUNTER} = 0u;")

@@ -1,4 +1,5 @@
 """What a call may come to, and what every call of a bad document must keep to."""
+
 import contextlib
 import copy
 import functools
@@ -8,8 +9,16 @@ from golden.cases import all_cases
 
 # The translation of a document that is not sound fails with one of these, and with nothing else. A SystemError
 # is the interpreter's word for an exception set beside a result, or for none beside no result.
-ERRORS = (quillgen.Unsupported, KeyError, IndexError, TypeError, ValueError, OverflowError, AttributeError,
-          RecursionError)
+ERRORS = (
+    quillgen.Unsupported,
+    KeyError,
+    IndexError,
+    TypeError,
+    ValueError,
+    OverflowError,
+    AttributeError,
+    RecursionError,
+)
 
 CALLS = {
     "compile": lambda document: quillgen.compile(document),

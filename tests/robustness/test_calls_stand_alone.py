@@ -1,4 +1,5 @@
 """Nothing of a document or of a result outlives its call, and no call sees another."""
+
 import collections
 import copy
 import gc
@@ -56,8 +57,11 @@ def contents(value):
 def own_objects(result, other):
     """What a result does not share with that of an equal document: all but the module's words and what is Python's."""
     shared = contents(other)
-    return [thing for number, thing in contents(result).items()
-            if number not in shared and isinstance(thing, (str, list, dict, set))]
+    return [
+        thing
+        for number, thing in contents(result).items()
+        if number not in shared and isinstance(thing, (str, list, dict, set))
+    ]
 
 
 def references(objects):
@@ -68,7 +72,8 @@ def references(objects):
 def documents():
     found = base_documents()
     image = node("TexImage", props={"image": TAG})
-    found["a texture"] = material(node("Emission", {"Color": link(image)}, id=TAG), image, images={TAG: IMAGES["wood.png"]})
+    images = {TAG: IMAGES["wood.png"]}
+    found["a texture"] = material(node("Emission", {"Color": link(image)}, id=TAG), image, images=images)
     noise = node("TexNoise", id=TAG + " noise")
     found["a table"] = material(node("RGBCurve", {"Color": link(noise)}, id=TAG), noise)
     return found
@@ -125,11 +130,15 @@ def test_one_entry_under_two_sockets_of_a_node():
             math["in"] = entries
             document = material(node("BsdfPrincipled", {"Roughness": link(math)}), math)
             assert [line for line in statements(document) if re.match(r"  float v[1234] = ", line)] == [
-                "  float v2 = P_Math__Value;", "  float v3 = P_Math__Value_001;", "  float v4 = P_Math__Value_002;"]
+                "  float v2 = P_Math__Value;",
+                "  float v3 = P_Math__Value_001;",
+                "  float v4 = P_Math__Value_002;",
+            ]
             assert "  float v5 = v2 - v3;" in statements(document)
             params = quillgen.compile(document)["params"]
             assert {socket: params[f"P_Math__{socket}"] for socket in order} == {
-                socket: ["scalar", entry["v"]] for socket, entry in entries.items()}
+                socket: ["scalar", entry["v"]] for socket, entry in entries.items()
+            }
 
 
 def test_one_entry_under_two_nodes():
@@ -139,9 +148,15 @@ def test_one_entry_under_two_nodes():
     one["in"]["Value"] = two["in"]["Value_001"] = shared
     code = statements(material(node("BsdfPrincipled", {"Roughness": link(two)}), two, one))
     assert code[3:11] == [
-        "  float v2 = P_One__Value;", "  float v3 = P_One__Value_001;", "  float v4 = P_One__Value_002;",
-        "  float v5 = v2 - v3;", "  float v6 = v5;", "  float v7 = P_Two__Value_001;",
-        "  float v8 = P_Two__Value_002;", "  float v9 = v6 - v7;"]
+        "  float v2 = P_One__Value;",
+        "  float v3 = P_One__Value_001;",
+        "  float v4 = P_One__Value_002;",
+        "  float v5 = v2 - v3;",
+        "  float v6 = v5;",
+        "  float v7 = P_Two__Value_001;",
+        "  float v8 = P_Two__Value_002;",
+        "  float v9 = v6 - v7;",
+    ]
 
 
 def mixes(keys=str, shared=False):
@@ -223,8 +238,10 @@ def test_nodes_whose_names_come_to_the_same():
     one = node("Math", {"Value": 0.25}, id="A.1")
     two = node("Math", {"Value": 0.75}, id="A_1")
     bumps = [node("Bump", {"Height": link(one)}, id=id) for id in ("Bump 1", "Bump 2")]
-    shaders = [node("BsdfDiffuse", {"Normal": link(bumps[0])}, id="Below"),
-               node("BsdfDiffuse", {"Roughness": link(two), "Color": link(two), "Normal": link(bumps[1])}, id="Above")]
+    shaders = [
+        node("BsdfDiffuse", {"Normal": link(bumps[0])}, id="Below"),
+        node("BsdfDiffuse", {"Roughness": link(two), "Color": link(two), "Normal": link(bumps[1])}, id="Above"),
+    ]
     both = node("AddShader", {"Shader": link(shaders[0]), "Shader_001": link(shaders[1])})
     result = quillgen.compile(material(both, one, two, *bumps, *shaders))
     assert result["params"]["P_A_1__Value"] == ["scalar", 0.25]
@@ -236,8 +253,11 @@ def test_numbers_of_names():
     count = 4000
     maths = []
     for i in range(count):
-        below = {socket: link(f"M{place}", "Value", "VALUE")
-                 for socket, place in (("Value", 2 * i + 1), ("Value_001", 2 * i + 2)) if place < count}
+        below = {
+            socket: link(f"M{place}", "Value", "VALUE")
+            for socket, place in (("Value", 2 * i + 1), ("Value_001", 2 * i + 2))
+            if place < count
+        }
         maths.append(node("Math", below, id=f"M{i}"))
     first = node("BsdfDiffuse", {"Color": link(maths[0])}, id="First")
     second = node("BsdfDiffuse", id="Second")
@@ -253,8 +273,13 @@ def test_a_displacement_does_not_see_what_its_surface_has_read():
         height = node("Math", {"Value": 0.25}, id="Height", props={"operation": "WRAP"})
         moved = node("Displacement", {"Height": link(height)})
         sockets = {"Roughness": link(height)} if is_shared else {}
-        return material(node("BsdfPrincipled", sockets), moved, height, displacement=moved,
-                        settings={"displacement": "DISPLACEMENT"})
+        return material(
+            node("BsdfPrincipled", sockets),
+            moved,
+            height,
+            displacement=moved,
+            settings={"displacement": "DISPLACEMENT"},
+        )
 
     shared, alone = (quillgen.compile(document(is_shared=is_shared))["displacement"] for is_shared in (True, False))
     assert shared == alone

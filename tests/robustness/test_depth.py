@@ -1,4 +1,5 @@
 """Graphs that are deep: they translate up to the interpreter's limit, and end in RecursionError beyond it."""
+
 import sys
 
 import pytest
@@ -82,8 +83,10 @@ def test_chain_of_100_000_on_a_small_stack(kind, limit):
 
 
 @pytest.mark.parametrize("seed", range(3))
-@pytest.mark.parametrize("length, limit, ends", [
-    (300, 1000, "translated"), (20_000, 1000, "maximum recursion depth"), (20_000, 10**9, "maximum recursion depth")])
+@pytest.mark.parametrize(
+    "length, limit, ends",
+    [(300, 1000, "translated"), (20_000, 1000, "maximum recursion depth"), (20_000, 10**9, "maximum recursion depth")],
+)
 def test_chain_of_many_types_on_a_small_stack(length, limit, ends, seed):
     said, after = run(ON_A_THREAD, "mixed", length, MIB, limit, seed).rsplit("\n", 1)
     assert said.startswith(ends) and after == "1"

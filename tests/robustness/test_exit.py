@@ -1,4 +1,5 @@
 """The host ends while daemon threads translate: it ends as it would without them."""
+
 import pytest
 
 from robustness.isolated import run

@@ -1,4 +1,5 @@
 """The fuzzers, for a short while; docs/robustness.md tells of long runs."""
+
 import math
 import random
 
@@ -37,8 +38,13 @@ def test_dxc_takes_a_sample(seed):
     compiled = []
 
     @hypothesis.seed(seed)
-    @hypothesis.settings(max_examples=60, deadline=None, database=None, phases=[hypothesis.Phase.generate],
-                         suppress_health_check=list(hypothesis.HealthCheck))
+    @hypothesis.settings(
+        max_examples=60,
+        deadline=None,
+        database=None,
+        phases=[hypothesis.Phase.generate],
+        suppress_health_check=list(hypothesis.HealthCheck),
+    )
     @hypothesis.given(fuzz_documents.sound_documents())
     def one(document):
         hypothesis.assume(largest(document) < 3e38)
@@ -46,7 +52,7 @@ def test_dxc_takes_a_sample(seed):
             result = quillgen.compile(document)
         except (OverflowError, KeyError):
             return
-        if 2 <= len(document["nodes"]):
+        if len(document["nodes"]) >= 2:
             for text in (result, result["displacement"]):
                 if text:
                     compiled.append(all(custom_expression.compile_both(text).values()))
@@ -69,6 +75,7 @@ def test_the_measure_sees_what_is_wrong(monkeypatch):
         lambda result: result["warnings"].append(random.random()),
     ]
     for change in changes:
+
         def spoiled(*args, change=change, **kwargs):
             result = compile(*args, **kwargs)
             change(result)

@@ -1,4 +1,5 @@
 """Objects whose own code raises, or changes the document, in the middle of a translation."""
+
 import copy
 
 import pytest
@@ -73,8 +74,14 @@ def test_other_arguments_may_be_objects_too():
             quillgen.compile(document, **{argument: raising(None)})
     with pytest.raises(Mine):
         quillgen.parts(next(d for t, d in DOCUMENTS.items() if t == "ShaderNodeUVMap"), uv_bias=raising([0.5, 0.5]))
-    for name, value in {"bodies": [], "structs": set(), "need": set(), "selector": "s", "wrap": "%s",
-                        "extra_lib": ""}.items():
+    for name, value in {
+        "bodies": [],
+        "structs": set(),
+        "need": set(),
+        "selector": "s",
+        "wrap": "%s",
+        "extra_lib": "",
+    }.items():
         arguments = {"bodies": [([], "r")], "structs": set(), "need": set(), name: raising(None)}
         with pytest.raises((Mine, TypeError)):
             quillgen.assemble(**arguments)
@@ -83,7 +90,6 @@ def test_other_arguments_may_be_objects_too():
 def test_sequence_without_an_end():
 
     class Endless:
-
         def __getitem__(self, place):
             return "RGB"
 

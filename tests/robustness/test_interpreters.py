@@ -1,4 +1,5 @@
 """More than one interpreter in a process: side by side, and one after the other."""
+
 import pathlib
 import shutil
 import subprocess
@@ -85,8 +86,19 @@ def program(tmp_path_factory):
         linked = [f"-L{library}", f"-lpython{config('LDVERSION')}", f"-Wl,-rpath,{library}"]
     else:
         linked = [str(pathlib.Path(config("LIBPL")) / config("LIBRARY")), "-Wl,--export-dynamic"]
-    subprocess.run([*config("CC").split()[:1], f"-I{sysconfig.get_path('include')}", "-o", path,
-                    TESTS / "robustness" / "embedding.c", *linked, *config("LIBS").split(), "-lm"], check=True)
+    subprocess.run(
+        [
+            *config("CC").split()[:1],
+            f"-I{sysconfig.get_path('include')}",
+            "-o",
+            path,
+            TESTS / "robustness" / "embedding.c",
+            *linked,
+            *config("LIBS").split(),
+            "-lm",
+        ],
+        check=True,
+    )
     return path
 
 

@@ -2,6 +2,7 @@
 
 Turns of loops are counted, as Mesa breaks off each loop after 65535 of them.
 """
+
 import pathlib
 import re
 import sys
@@ -18,13 +19,13 @@ from robustness.extremes.exceptions import AGAINST_BLENDER, OUT_OF_RANGE
 from robustness.loops import COUNTER, counted
 
 sys.path.append(str(pathlib.Path(__file__).parents[1] / "library"))
-from calls import FUNCTIONS, calls  # noqa: E402
+from calls import FUNCTIONS, calls
 
 SECONDS = 20  # ten times what the slowest one takes, its compilation included
 MOST_TURNS = 16 * 5**4 + 16  # the octaves of smooth Voronoi noise in four dimensions, and their cells
 POINTS = 1024
 ORDINARY_POINTS = 200
-WHOLE = np.int32([0, 1, 2, 3, 4, 5, -1, 10, 7, 100, 2**31 - 1, -2**31, 1 - 2**31, 2**30, 65536, -7])
+WHOLE = np.int32([0, 1, 2, 3, 4, 5, -1, 10, 7, 100, 2**31 - 1, -(2**31), 1 - 2**31, 2**30, 65536, -7])
 KEPT = np.load(pathlib.Path(__file__).with_name("extremes") / "finite.npz")
 
 
@@ -42,7 +43,7 @@ def fed(case):
     return material(one, *feeds, surface=(one, case.output))
 
 
-def run(case, values=samples()):
+def run(case, values=samples()):  # noqa: B008  (the same each time)
     """What the case's text gives for the samples: [samples, 3]."""
     result = quillgen.compile(fed(case), mode="emission")
     given = {}
@@ -56,7 +57,7 @@ def run(case, values=samples()):
 def blender():
     """Case -> [samples, 3], where Blender's numbers are finite."""
     assert list(KEPT["titles"]) == [case.title for case in CASES]
-    finite = np.unpackbits(KEPT["finite"])[:len(CASES) * SIDE**2 * 3].reshape(len(CASES), SIDE**2, 3)
+    finite = np.unpackbits(KEPT["finite"])[: len(CASES) * SIDE**2 * 3].reshape(len(CASES), SIDE**2, 3)
     return dict(zip(CASES, finite.astype(bool), strict=True))
 
 
@@ -100,8 +101,11 @@ def draw(kind, chance):
     if base == "bool":
         values = chance.random((POINTS, width)) < 0.5
     elif base == "float":
-        values = np.where(chance.random((POINTS, width)) < 0.3, chance.choice(NUMBERS, (POINTS, width)),
-                          chance.choice(NUMBERS[:ORDINARY], (POINTS, width)))
+        values = np.where(
+            chance.random((POINTS, width)) < 0.3,
+            chance.choice(NUMBERS, (POINTS, width)),
+            chance.choice(NUMBERS[:ORDINARY], (POINTS, width)),
+        )
         values[:ORDINARY_POINTS] = chance.choice(NUMBERS[:ORDINARY], (ORDINARY_POINTS, width))
     else:
         values = chance.choice(WHOLE, (POINTS, width))
@@ -140,13 +144,16 @@ def test_finite_for_ordinary_inputs(everything):
     assert {pattern for patterns in reasons.values() for pattern in patterns} == OUT_OF_RANGE.keys()
 
 
-@pytest.mark.parametrize("loop", [
-    "while (x < 1.0) { x *= 0.5; } return x;",
-    "for (float done = 0.0; done < x; done += 1.0) x = max(x, 1e30); return x;",
-    "[loop] do { [branch] if (x > 2.0) x = x * 0.5; } while (x < 1.0 || !(x == x)); return x;",
-])
+@pytest.mark.parametrize(
+    "loop",
+    [
+        "while (x < 1.0) { x *= 0.5; } return x;",
+        "for (float done = 0.0; done < x; done += 1.0) x = max(x, 1e30); return x;",
+        "[loop] do { [branch] if (x > 2.0) x = x * 0.5; } while (x < 1.0 || !(x == x)); return x;",
+    ],
+)
 def test_a_loop_that_does_not_end_is_seen(loop):
-    body = "struct QWK {\nfloat f(float x) { %s }\n};\nQWK L;\ny = L.f(x);" % loop
+    body = "struct QWK {\nfloat f(float x) { " + loop + " }\n};\nQWK L;\ny = L.f(x);"
     try:
         turns, _ = outcome(body, {"x": "float"}, {"y": "float"})
     except device.DeviceError as error:
@@ -156,6 +163,7 @@ def test_a_loop_that_does_not_end_is_seen(loop):
 
 
 def test_an_infinite_result_is_seen():
-    _, finite = outcome("struct QWK {\nfloat f(float x) { return 1.0 / x; }\n};\nQWK L;\ny = L.f(x);",
-                        {"x": "float"}, {"y": "float"})
+    _, finite = outcome(
+        "struct QWK {\nfloat f(float x) { return 1.0 / x; }\n};\nQWK L;\ny = L.f(x);", {"x": "float"}, {"y": "float"}
+    )
     assert finite.any() and not finite[:ORDINARY_POINTS].all()

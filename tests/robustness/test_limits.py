@@ -1,4 +1,5 @@
 """Work that takes too long or too much: Ctrl-C ends it within a second, and memory that ends is a MemoryError."""
+
 import subprocess
 import sysconfig
 
@@ -55,7 +56,7 @@ LONG_WORK = {
     "a material": "quillgen.compile(bumps(40))",
     "parts": "quillgen.parts(bumps(40), 'surface')",
     "a displacement": "quillgen.compile({**bumps(40), 'out': {'surface': ['TexNoise', 'Fac'], "
-                      "'displacement': ['Bump 0', 'Normal']}})",
+    "'displacement': ['Bump 0', 'Normal']}})",
     "a handler of the host's": "quillgen.compile({**bumps(40), 'settings': {'displacement': 'BOTH'}})",
     "stops that have no end": "quillgen.compile(material(node('ValToRGB', ramp=ramp(itertools.repeat(STOP)))))",
     "tables that have no end": "quillgen.compile(material(node('RGBCurve', curve=curve(itertools.repeat([0.5])))))",
@@ -69,7 +70,9 @@ def test_ctrl_c(call):
 
 def test_ctrl_c_at_any_time_of_long_work_that_ends():
     """Where most of the time goes: reading many stops, writing their statements, sorting and listing their inputs."""
-    said = run(ENDLESS + """
+    said = run(
+        ENDLESS
+        + """
 many = material(node("ValToRGB", ramp=ramp([STOP] * 300_000)))
 signal.signal(signal.SIGALRM, lambda *_: signal.raise_signal(signal.SIGINT))
 started = time.monotonic()
@@ -85,12 +88,15 @@ for share in (0.1, 0.45, 0.5, 0.8):
         print(time.monotonic() - started < (share + 0.25) * whole)
     signal.setitimer(signal.ITIMER_REAL, 0)
     assert quillgen.compile(small) == before
-""")
+"""
+    )
     assert set(said.split("\n")) <= {"True", "it has come to its end"} and said.startswith("True\nTrue")
 
 
 def test_memory_that_ends():
-    said = run(ENDLESS + """
+    said = run(
+        ENDLESS
+        + """
 mib = 1 << 20
 used = int(open("/proc/self/statm").read().split()[0]) * resource.getpagesize()
 for room in (1, 2, 3, 5, 8, 16, 50, 100, 300):
@@ -102,7 +108,8 @@ for room in (1, 2, 3, 5, 8, 16, 50, 100, 300):
         print("MemoryError")
     resource.setrlimit(resource.RLIMIT_AS, (resource.RLIM_INFINITY,) * 2)
     assert quillgen.compile(small) == before
-""")
+"""
+    )
     assert said.split() == ["MemoryError"] * 9
 
 
@@ -110,15 +117,17 @@ for room in (1, 2, 3, 5, 8, 16, 50, 100, 300):
 def failing_malloc(tmp_path_factory):
     library = tmp_path_factory.mktemp("malloc") / "failing_malloc.so"
     compiler = sysconfig.get_config_var("CC").split()[0]
-    subprocess.run([compiler, "-shared", "-fPIC", "-O1", "-o", library, TESTS / "robustness" / "failing_malloc.c"],
-                   check=True)
+    subprocess.run(
+        [compiler, "-shared", "-fPIC", "-O1", "-o", library, TESTS / "robustness" / "failing_malloc.c"], check=True
+    )
     return library
 
 
 @pytest.mark.parametrize("count", [1, 5, 1000])
 def test_every_allocation_that_can_fail(failing_malloc, count):
     """One call after another, each with memory for one allocation more than the last, until one succeeds."""
-    said = run("""
+    said = run(
+        """
 import ctypes, gc, sys
 import quillgen
 from robustness.outcomes import base_documents
@@ -159,12 +168,17 @@ for title in ("ShaderNodeBump", "ShaderNodeTexImage", "ShaderNodeValToRGB", "Sha
         assert result == wanted == call(document)
         failed += allocations
 print(failed)
-""", count, LD_PRELOAD=str(failing_malloc), PYTHONMALLOC="malloc")
+""",
+        count,
+        LD_PRELOAD=str(failing_malloc),
+        PYTHONMALLOC="malloc",
+    )
     assert int(said) > 1000
 
 
 def test_every_allocation_of_an_import_that_can_fail(failing_malloc):
-    said = run("""
+    said = run(
+        """
 import ctypes, gc, importlib.util
 import quillgen, quillgen_lib
 from golden.documents import material, node
@@ -205,6 +219,9 @@ for name in ("quillgen_lib", "quillgen"):
         assert module is not quillgen and module.compile(document) == wanted == quillgen.compile(document)
     else:
         assert module.resolve(["gabor"]) == quillgen_lib.resolve(["gabor"])
-""", LD_PRELOAD=str(failing_malloc), PYTHONMALLOC="malloc")
+""",
+        LD_PRELOAD=str(failing_malloc),
+        PYTHONMALLOC="malloc",
+    )
     library, translator = map(int, said.split())
     assert library > 100 and translator > 1000

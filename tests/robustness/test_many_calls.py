@@ -1,4 +1,5 @@
 """Many calls, one after another and side by side: memory stays where it was, and all give the same bytes."""
+
 import json
 import subprocess
 import threading
@@ -8,7 +9,7 @@ import pytest
 import quillgen
 from golden.documents import example
 from robustness.isolated import run
-from robustness.outcomes import CALLS, base_documents, outcome
+from robustness.outcomes import base_documents
 
 # Memory is looked at now and then once everything has been called a few times, and its peaks are compared.
 FLAT = """
@@ -66,8 +67,9 @@ def test_memory_is_flat(work):
 
 
 def test_the_check_sees_a_leak():
-    leaking = FLAT.replace("outcome(calls[number % 5], documents[number % len(documents)])",
-                           "LEAK.append(str(number) * 10)").replace("import copy", "LEAK = []\nimport copy")
+    leaking = FLAT.replace(
+        "outcome(calls[number % 5], documents[number % len(documents)])", "LEAK.append(str(number) * 10)"
+    ).replace("import copy", "LEAK = []\nimport copy")
     grown, _ = map(int, run(leaking, "sound").split())
     assert grown > 1_000_000
 
@@ -92,7 +94,6 @@ def test_eight_threads_with_objects_that_let_others_run():
     """Objects of Python's own code in the document are where the interpreter changes threads."""
 
     class Slow(float):
-
         def __gt__(self, other):
             for _ in range(2000):
                 pass
@@ -104,8 +105,9 @@ def test_eight_threads_with_objects_that_let_others_run():
             record["in"][name] = {"t": "VALUE", "v": Slow(0.5)}
     wanted = quillgen.compile(document)
     results = []
-    threads = [threading.Thread(target=lambda: results.extend(quillgen.compile(document) for _ in range(50)))
-               for _ in range(8)]
+    threads = [
+        threading.Thread(target=lambda: results.extend(quillgen.compile(document) for _ in range(50))) for _ in range(8)
+    ]
     for thread in threads:
         thread.start()
     for thread in threads:

@@ -1,4 +1,5 @@
 """A call leaves its document as it was, and no part of its result is part of anything else."""
+
 import copy
 
 import pytest
@@ -8,8 +9,12 @@ from golden.cases import all_cases
 from golden.documents import material, node
 from robustness.outcomes import CALLS, outcome, paths, plain
 
-DOCUMENTS = [(f"{kind}: {case.title}", case.document) for kind, cases in all_cases().items()
-             for case in cases.values() if case.document]
+DOCUMENTS = [
+    (f"{kind}: {case.title}", case.document)
+    for kind, cases in all_cases().items()
+    for case in cases.values()
+    if case.document
+]
 
 
 def containers(value, found=None):

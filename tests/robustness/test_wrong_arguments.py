@@ -1,4 +1,5 @@
 """Arguments of any kind and number, given to every function of the two modules: a result, or an error of Python's."""
+
 import collections
 import random
 
@@ -39,25 +40,81 @@ def itself(kind):
     return value
 
 
-FUNCTIONS = [quillgen.assemble, quillgen.compile, quillgen.parts, quillgen.param_name, quillgen.tex_input,
-             quillgen_lib.resolve]
-KEYWORDS = ["bodies", "structs", "need", "selector", "wrap", "extra_lib", "ir", "mode", "use_params", "uv_bias",
-            "node_id", "socket", "image_name", "no such one", "\udcff", ""]
-SOUND = {quillgen.assemble: [[(["float a = 1.0;"], "b")], {"QWKVoronoiParams"}, {"gabor"}, "s", "f(%s)", ""],
-         quillgen.compile: [sources()[0], "emission", True], quillgen.parts: [sources()[0], "surface", True, (0.5, 1)],
-         quillgen.param_name: ["a b", "Color"], quillgen.tex_input: ["wood.png"],
-         quillgen_lib.resolve: [["gabor", "mix_mix"]]}
+FUNCTIONS = [
+    quillgen.assemble,
+    quillgen.compile,
+    quillgen.parts,
+    quillgen.param_name,
+    quillgen.tex_input,
+    quillgen_lib.resolve,
+]
+KEYWORDS = [
+    "bodies",
+    "structs",
+    "need",
+    "selector",
+    "wrap",
+    "extra_lib",
+    "ir",
+    "mode",
+    "use_params",
+    "uv_bias",
+    "node_id",
+    "socket",
+    "image_name",
+    "no such one",
+    "\udcff",
+    "",
+]
+SOUND = {
+    quillgen.assemble: [[(["float a = 1.0;"], "b")], {"QWKVoronoiParams"}, {"gabor"}, "s", "f(%s)", ""],
+    quillgen.compile: [sources()[0], "emission", True],
+    quillgen.parts: [sources()[0], "surface", True, (0.5, 1)],
+    quillgen.param_name: ["a b", "Color"],
+    quillgen.tex_input: ["wood.png"],
+    quillgen_lib.resolve: [["gabor", "mix_mix"]],
+}
 # Functions that make a value, as some are used up.
 MAKERS = [lambda value=value: value for value in ODD] + [
-    lambda: Word("x"), lambda: Word("%s"), lambda: "%s %s", lambda: "%", lambda: "%(a)s", lambda: "%5s%%",
-    lambda: "%*s", lambda: Number(3), lambda: Wide((1, 2)), lambda: itself(list), lambda: itself(dict),
-    lambda: [(["a"], "b")], lambda: [(["a"], "b"), (["c"], "d")], lambda: [[["a"], "b"]],
-    lambda: [("ab", "c")], lambda: [(iter("abc"), "x")],
-    lambda: [("a",)], lambda: [("a", "b", "c")], lambda: [("\udcff", "\udcff")], lambda: {"gabor"}, lambda: ["gabor"],
-    lambda: {Word("gabor"): 1}, lambda: iter(["gabor", 3]), lambda: (x for x in ["gabor", None]), lambda: range(3),
-    lambda: {"QWKClosure"}, lambda: ["QWKVoronoiOutput", "no such one"], object, lambda: type, lambda: quillgen,
-    lambda: raising("x"), lambda: raising([1]), lambda: raising({}), lambda: breaking_off(["gabor"]),
-    lambda: bytearray(b"a"), lambda: memoryview(b"a"), lambda: 1j, lambda: "\udcff", lambda: "a" * 100_000,
+    lambda: Word("x"),
+    lambda: Word("%s"),
+    lambda: "%s %s",
+    lambda: "%",
+    lambda: "%(a)s",
+    lambda: "%5s%%",
+    lambda: "%*s",
+    lambda: Number(3),
+    lambda: Wide((1, 2)),
+    lambda: itself(list),
+    lambda: itself(dict),
+    lambda: [(["a"], "b")],
+    lambda: [(["a"], "b"), (["c"], "d")],
+    lambda: [[["a"], "b"]],
+    lambda: [("ab", "c")],
+    lambda: [(iter("abc"), "x")],
+    lambda: [("a",)],
+    lambda: [("a", "b", "c")],
+    lambda: [("\udcff", "\udcff")],
+    lambda: {"gabor"},
+    lambda: ["gabor"],
+    lambda: {Word("gabor"): 1},
+    lambda: iter(["gabor", 3]),
+    lambda: (x for x in ["gabor", None]),
+    lambda: range(3),
+    lambda: {"QWKClosure"},
+    lambda: ["QWKVoronoiOutput", "no such one"],
+    object,
+    lambda: type,
+    lambda: quillgen,
+    lambda: raising("x"),
+    lambda: raising([1]),
+    lambda: raising({}),
+    lambda: breaking_off(["gabor"]),
+    lambda: bytearray(b"a"),
+    lambda: memoryview(b"a"),
+    lambda: 1j,
+    lambda: "\udcff",
+    lambda: "a" * 100_000,
 ]
 
 
@@ -66,7 +123,7 @@ def test_arguments(seed):
     for _ in range(60_000):
         function = chance.choice(FUNCTIONS)
         given = [sound if chance.random() < 0.7 else chance.choice(MAKERS)() for sound in SOUND[function]]
-        given = given[:chance.randrange(len(given) + 1)]
+        given = given[: chance.randrange(len(given) + 1)]
         given += [chance.choice(MAKERS)() for _ in range(chance.choice([0] * 9 + [5]))]
         named = {chance.choice(KEYWORDS): chance.choice(MAKERS)() for _ in range(chance.choice([0, 0, 0, 1, 2]))}
         ending = outcome(lambda _, f=function, a=given, k=named: f(*a, **k), None, [Mine])

@@ -1,4 +1,5 @@
 """Values that a document should not hold: each comes to what Python's own operation on it comes to."""
+
 import copy
 import math
 
@@ -10,9 +11,52 @@ from robustness.outcomes import CALLS, at, base_documents, changed, outcome, pat
 
 NAN, INF = math.nan, math.inf
 HUGE = 10**400
-ODD = [None, True, False, 0, 3, 2.5, NAN, INF, -INF, -0.0, 5e-324, HUGE, -HUGE, 10**300, "", "0.5", " 1e3 ", "nan",
-       "abc", "\ud800", "a\0b", b"1.5", b"x", [], [1], [None], ["2"], [HUGE], [1.0, 2.0], [1, "2", None], [{}], (),
-       (1.0, 2.0, 3.0), (7,), {}, {"v": 1}, set(), {1}, frozenset(), range(3), 1j, object(), float, bytearray(b"2")]
+ODD = [
+    None,
+    True,
+    False,
+    0,
+    3,
+    2.5,
+    NAN,
+    INF,
+    -INF,
+    -0.0,
+    5e-324,
+    HUGE,
+    -HUGE,
+    10**300,
+    "",
+    "0.5",
+    " 1e3 ",
+    "nan",
+    "abc",
+    "\ud800",
+    "a\0b",
+    b"1.5",
+    b"x",
+    [],
+    [1],
+    [None],
+    ["2"],
+    [HUGE],
+    [1.0, 2.0],
+    [1, "2", None],
+    [{}],
+    (),
+    (1.0, 2.0, 3.0),
+    (7,),
+    {},
+    {"v": 1},
+    set(),
+    {1},
+    frozenset(),
+    range(3),
+    1j,
+    object(),
+    float,
+    bytearray(b"2"),
+]
 odd = pytest.mark.parametrize("value", ODD, ids=lambda value: repr(value)[:20])
 
 
@@ -61,8 +105,14 @@ def test_literal_of_a_socket(value):
     wanted = expected(lambda: scalar(value))
     if wanted[0] == "result":  # a literal is finite
         number = wanted[1]
-        wanted = "result", 0.0 if number != number else max(-3.402823466e+38, min(number, 3.402823466e+38)
-                                                            ) if math.isinf(number) else number
+        wanted = (
+            "result",
+            0.0
+            if number != number
+            else max(-3.402823466e38, min(number, 3.402823466e38))
+            if math.isinf(number)
+            else number,
+        )
     assert plain(got(literal, document)) == plain(wanted)
 
 
@@ -71,8 +121,10 @@ def test_literal_of_a_socket(value):
 def test_property_that_is_a_number(value, key, operation):
     document = material(node("TexBrick", props={"offset": 0.5}))
     document["nodes"][0]["props"][key] = value
-    assert got(quillgen.parts, document)[1] is expected(lambda: operation(value))[1] \
+    assert (
+        got(quillgen.parts, document)[1] is expected(lambda: operation(value))[1]
         or outcome(quillgen.parts, document)[0] == expected(lambda: operation(value))[0] == "result"
+    )
 
 
 def test_integer_of_more_digits_than_the_interpreter_takes():
@@ -83,8 +135,11 @@ def test_integer_of_more_digits_than_the_interpreter_takes():
 
 @odd
 def test_word_that_a_table_is_asked_for(value):
-    for kind, key, unknown in (("Math", "operation", "result"), ("Mapping", "vector_type", KeyError),
-                               ("TexNoise", "noise_dimensions", KeyError)):
+    for kind, key, unknown in (
+        ("Math", "operation", "result"),
+        ("Mapping", "vector_type", KeyError),
+        ("TexNoise", "noise_dimensions", KeyError),
+    ):
         document = material(node(kind))
         document["nodes"][0]["props"][key] = value
         wanted = expected(lambda: hash(value))
@@ -151,13 +206,26 @@ def test_key_of_a_record_missing(key):
         assert outcome(call, document)[1:] == (KeyError, repr(key))
 
 
-@pytest.mark.parametrize("source, error", [
-    ([], IndexError), (["A"], IndexError), ("", IndexError), ("A", IndexError), (None, TypeError), (5, TypeError),
-    ({}, KeyError), ([[], "Value"], TypeError), (["A", []], TypeError), (["A", "Value"], ValueError),
-    (["A", "Value", "VALUE", 0], ValueError), (["no such", "Value", "VALUE"], KeyError),
-    (["A", "Value", {}], quillgen.Unsupported), (["A", "Value", {1: 2}], TypeError), (["A", "no such", ""],
-                                                                                   quillgen.Unsupported)
-])
+@pytest.mark.parametrize(
+    "source, error",
+    [
+        ([], IndexError),
+        (["A"], IndexError),
+        ("", IndexError),
+        ("A", IndexError),
+        (None, TypeError),
+        (5, TypeError),
+        ({}, KeyError),
+        ([[], "Value"], TypeError),
+        (["A", []], TypeError),
+        (["A", "Value"], ValueError),
+        (["A", "Value", "VALUE", 0], ValueError),
+        (["no such", "Value", "VALUE"], KeyError),
+        (["A", "Value", {}], quillgen.Unsupported),
+        (["A", "Value", {1: 2}], TypeError),
+        (["A", "no such", ""], quillgen.Unsupported),
+    ],
+)
 def test_link(source, error):
     document = material(node("Gamma", {"Gamma": link("A", "Value")}), node("Value", id="A"))
     document["nodes"][0]["in"]["Gamma"]["link"] = source
@@ -167,9 +235,17 @@ def test_link(source, error):
         assert outcome(quillgen.parts, document)[1] is error
 
 
-@pytest.mark.parametrize("surface, error", [
-    (None, quillgen.Unsupported), (False, TypeError), ((), IndexError), ("", IndexError), ({}, KeyError), (0, TypeError)
-])
+@pytest.mark.parametrize(
+    "surface, error",
+    [
+        (None, quillgen.Unsupported),
+        (False, TypeError),
+        ((), IndexError),
+        ("", IndexError),
+        ({}, KeyError),
+        (0, TypeError),
+    ],
+)
 def test_surface_that_is_left_empty(surface, error):
     """It reads nothing; only `None` is the same as none at all."""
     document = material(node("Gamma"))
@@ -178,14 +254,16 @@ def test_surface_that_is_left_empty(surface, error):
         assert outcome(call, document)[1] is error
 
 
-@pytest.mark.parametrize("name", [
-    "Gr\udcf6\udcdfe", "a\0b", "\0", "\ud800\udc00", "𐀀", "é\n\t'\"\\", "%s{0}$1", "x" * 100_000])
+@pytest.mark.parametrize(
+    "name", ["Gr\udcf6\udcdfe", "a\0b", "\0", "\ud800\udc00", "𐀀", "é\n\t'\"\\", "%s{0}$1", "x" * 100_000]
+)
 def test_names_of_any_characters(name):
     gamma = node("Gamma", {"Gamma": link(name, name)}, id=name + "!")
     squeeze = node("Unknown " + name, id=name, outs={name: "VALUE"})
     result = quillgen.compile(material(gamma, squeeze), "emission")
-    assert result["warnings"] == [f"{name} (Unknown {name}) has no Unreal equivalent - its outputs are 0"] \
-        or result["warnings"] == [f"{name} (ShaderNodeUnknown {name}) has no Unreal equivalent - its outputs are 0"]
+    assert result["warnings"] == [f"{name} (Unknown {name}) has no Unreal equivalent - its outputs are 0"] or result[
+        "warnings"
+    ] == [f"{name} (ShaderNodeUnknown {name}) has no Unreal equivalent - its outputs are 0"]
     assert [record["name"] for record in result["inputs"]] == [quillgen.param_name(name + "!", "Color")]
 
 

@@ -1,4 +1,5 @@
 """Loads the plugin's scripts with a double of the editor in the place of the editor."""
+
 import importlib
 import pathlib
 import sys
@@ -32,8 +33,11 @@ def start(tmp_path):
         unreal, editor = double.make(version, tmp_path)
         sys.modules["unreal"] = unreal
         plugin = importlib.import_module("quillgen_unreal")
-        modules = {path.stem: importlib.import_module(f"quillgen_unreal.{path.stem}")
-                   for path in (SCRIPTS / "quillgen_unreal").glob("*.py") if path.stem != "__init__"}
+        modules = {
+            path.stem: importlib.import_module(f"quillgen_unreal.{path.stem}")
+            for path in (SCRIPTS / "quillgen_unreal").glob("*.py")
+            if path.stem != "__init__"
+        }
         return types.SimpleNamespace(unreal=unreal, editor=editor, plugin=plugin, **modules)
 
     yield started

@@ -3,6 +3,7 @@
 The arguments have the widths that the graph gives, in the order of the expression's inputs; nothing is taken from what
 the translator says of them.
 """
+
 import numpy as np
 from PIL import Image
 
@@ -61,8 +62,10 @@ def call(custom):
     for name, source, index in wires(custom):
         arguments += [name, "qh_sampler"] if width_of(source, index) == "object" else [name]
     arguments += list(outputs(custom))[1:]
-    return ("  FMaterialPixelParameters ue_parameters = (FMaterialPixelParameters)0;\n"
-            f"  {RESULT} = CustomExpression0({', '.join(arguments)});")
+    return (
+        "  FMaterialPixelParameters ue_parameters = (FMaterialPixelParameters)0;\n"
+        f"  {RESULT} = CustomExpression0({', '.join(arguments)});"
+    )
 
 
 class Run:
@@ -97,7 +100,7 @@ class Run:
     def _VectorParameter(self, e):
         color = self.overrides.get(e.parameter_name, e.default_value)
         rgba = np.array([[color.r, color.g, color.b, color.a]])
-        return [rgba[:, :3], *(rgba[:, k:k + 1] for k in range(4)), rgba]
+        return [rgba[:, :3], *(rgba[:, k : k + 1] for k in range(4)), rgba]
 
     def _AppendVector(self, e):
         return [np.concatenate([self.wired(e, 0), self.wired(e, 1)], axis=1)]

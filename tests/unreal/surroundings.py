@@ -2,6 +2,7 @@
 
 Nothing here knows what an expression is meant for: a wrong class, property, pin or wire gives other numbers.
 """
+
 import numpy as np
 
 from examples.gallery import camera as cameras
@@ -73,7 +74,7 @@ class Surroundings:
 
     def vertex_color(self, e):
         color = self.color()
-        return [color[:, :3], *(color[:, k:k + 1] for k in range(4))]
+        return [color[:, :3], *(color[:, k : k + 1] for k in range(4))]
 
     def color(self):
         local = self.found["local"]
@@ -88,8 +89,11 @@ class Surroundings:
 
     def view_property(self, e):
         tangent = cameras.tan_half_fov(self.camera)
-        found = {"MEVP_TAN_HALF_FIELD_OF_VIEW": [[tangent, tangent]], "MEVP_TEMPORAL_SAMPLE_INDEX": [[0.0]],
-                 "MEVP_VIEW_SIZE": [[self.camera.pixels, self.camera.pixels]]}[e.property.name]
+        found = {
+            "MEVP_TAN_HALF_FIELD_OF_VIEW": [[tangent, tangent]],
+            "MEVP_TEMPORAL_SAMPLE_INDEX": [[0.0]],
+            "MEVP_VIEW_SIZE": [[self.camera.pixels, self.camera.pixels]],
+        }[e.property.name]
         return [np.array(found, float), 1 / np.maximum(found, 1e-9)]
 
     def screen_position(self, e):
@@ -105,7 +109,7 @@ class Surroundings:
             return [given @ (np.array(cameras.axes(self.camera)) * FLIP)]
         assert source == "TANGENT"
         frame = [self.vertex_tangent(e)[0], self.bitangent(), self.vertex_normal(e)[0]]
-        return [sum(given[:, k:k + 1] * frame[k] for k in range(3))]
+        return [sum(given[:, k : k + 1] * frame[k] for k in range(3))]
 
     def transform_position(self, e, given):
         source = e.transform_source_type.name.removeprefix("TRANSFORMPOSSOURCE_")
@@ -117,11 +121,19 @@ class Surroundings:
 
 
 # Classes whose values hang on nothing else, and those that have one input.
-PLAIN = {"WorldPosition": Surroundings.world_position, "LocalPosition": Surroundings.local_position,
-         "TextureCoordinate": Surroundings.texture_coordinate, "VertexNormalWS": Surroundings.vertex_normal,
-         "VertexTangentWS": Surroundings.vertex_tangent, "CameraVectorWS": Surroundings.camera_vector,
-         "CameraPositionWS": Surroundings.camera_position, "ObjectLocalBounds": Surroundings.bounds,
-         "VertexColor": Surroundings.vertex_color, "TwoSidedSign": Surroundings.two_sided_sign,
-         "PixelDepth": Surroundings.pixel_depth, "ViewProperty": Surroundings.view_property,
-         "ScreenPosition": Surroundings.screen_position}
+PLAIN = {
+    "WorldPosition": Surroundings.world_position,
+    "LocalPosition": Surroundings.local_position,
+    "TextureCoordinate": Surroundings.texture_coordinate,
+    "VertexNormalWS": Surroundings.vertex_normal,
+    "VertexTangentWS": Surroundings.vertex_tangent,
+    "CameraVectorWS": Surroundings.camera_vector,
+    "CameraPositionWS": Surroundings.camera_position,
+    "ObjectLocalBounds": Surroundings.bounds,
+    "VertexColor": Surroundings.vertex_color,
+    "TwoSidedSign": Surroundings.two_sided_sign,
+    "PixelDepth": Surroundings.pixel_depth,
+    "ViewProperty": Surroundings.view_property,
+    "ScreenPosition": Surroundings.screen_position,
+}
 TRANSFORMS = {"Transform": Surroundings.transform, "TransformPosition": Surroundings.transform_position}

@@ -1,4 +1,5 @@
 """The checklist's level is made, and its checks are true of what the expressions have to give."""
+
 import numpy as np
 import pytest
 

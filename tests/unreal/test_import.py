@@ -1,4 +1,5 @@
 """What an import makes of the example materials, in every version of Unreal."""
+
 import pytest
 
 from double import tables

@@ -1,4 +1,5 @@
 """Every kind of input, in every version: the graph gives what the text expects, as wide as it expects it."""
+
 import numpy as np
 import pytest
 
@@ -13,16 +14,42 @@ from shader import Run, kind_of, wires
 from surroundings import Surroundings
 
 KINDS = [
-    *({"kind": kind} for kind in (
-        "world_position", "world_position_cr", "local_position", "cycles_normal", "vertex_normal", "camera_vector",
-        "object_origin", "vertex_color", "two_sided_sign", "tangent_world", "bitangent_world", "camera_position",
-        "pixel_depth", "tan_half_fov", "view_size", "local_bounds_min", "local_bounds_max", "pixel_position",
-        "temporal_index")),
+    *(
+        {"kind": kind}
+        for kind in (
+            "world_position",
+            "world_position_cr",
+            "local_position",
+            "cycles_normal",
+            "vertex_normal",
+            "camera_vector",
+            "object_origin",
+            "vertex_color",
+            "two_sided_sign",
+            "tangent_world",
+            "bitangent_world",
+            "camera_position",
+            "pixel_depth",
+            "tan_half_fov",
+            "view_size",
+            "local_bounds_min",
+            "local_bounds_max",
+            "pixel_position",
+            "temporal_index",
+        )
+    ),
     *({"kind": "texcoord", "index": index} for index in (0, 1)),
     *({"kind": kind, "axis": axis} for kind in ("object_axis", "view_axis") for axis in "xyz"),
-    *({"kind": word, "of": of} for word in ("ddx", "ddy") for of in (
-        {"kind": "texcoord", "index": 0}, {"kind": "texcoord", "index": 1}, {"kind": "vertex_color"},
-        {"kind": "world_position_cr"})),
+    *(
+        {"kind": word, "of": of}
+        for word in ("ddx", "ddy")
+        for of in (
+            {"kind": "texcoord", "index": 0},
+            {"kind": "texcoord", "index": 1},
+            {"kind": "vertex_color"},
+            {"kind": "world_position_cr"},
+        )
+    ),
 ]
 
 
@@ -31,16 +58,26 @@ def export(folder, records=tuple(KINDS), name="Every Kind", blend="opaque", code
     inputs = [{"name": f"i{number}", **record} for number, record in enumerate(records)]
     settings = {"shading": "unlit", "blend": blend, "two_sided": True, "tangent_space_normal": True}
     settings.update({"clip": 0.5} if blend == "masked" else {})
-    result = {"code": code, "inputs": inputs, "outputs": [], "material": settings, "warnings": [], "params": {},
-              "displacement": None}
+    result = {
+        "code": code,
+        "inputs": inputs,
+        "outputs": [],
+        "material": settings,
+        "warnings": [],
+        "params": {},
+        "displacement": None,
+    }
     document = {"nodes": [], "out": {}}
     written = write.write_material(write.look(folder), write.Material(name, document, result, mode="emission"))
     return written.folder
 
 
 def custom_of(ue, path="/Game/Blender/M_Every_Kind"):
-    return next(e for e in ue.editor.assets[path]._expressions if kind_of(e) == "Custom" and e.outputs()
-                and e.description != "Normal with the object's scale")
+    return next(
+        e
+        for e in ue.editor.assets[path]._expressions
+        if kind_of(e) == "Custom" and e.outputs() and e.description != "Normal with the object's scale"
+    )
 
 
 def test_the_list_of_kinds_is_the_translators():
@@ -71,8 +108,11 @@ def test_every_kind_has_its_value_and_width(start, tmp_path, version, blend, ins
             assert width_of(source, index) == found.shape[1] == custom_expression.width(record), record
             # The corrected normal is worked out on the device, in floats of 32 bits.
             exact = 1e-6 if record["kind"] == "cycles_normal" else 1e-9
-            np.testing.assert_allclose(*np.broadcast_arrays(found, value), atol=exact * max(1, np.abs(value).max()),
-                                       err_msg=f"{where} {record}")
+            np.testing.assert_allclose(
+                *np.broadcast_arrays(found, value),
+                atol=exact * max(1, np.abs(value).max()),
+                err_msg=f"{where} {record}",
+            )
 
 
 def test_any_two_inputs_that_are_swapped_are_seen(start, tmp_path):
@@ -103,8 +143,11 @@ def test_a_turned_sign_shows(start, tmp_path):
     thing, places, points = test_picture.look("sphere")
     wanted = test_picture.given(thing, places, points)
     run = Run(Surroundings(*_around("sphere")))
-    wrong = {materials.kind_of(r) for r, (_, source, index) in zip(KINDS, wires(custom))
-             if np.abs(run.value(source, index) - wanted[materials.kind_of(r)]).max() > 1e-3}
+    wrong = {
+        materials.kind_of(r)
+        for r, (_, source, index) in zip(KINDS, wires(custom))
+        if np.abs(run.value(source, index) - wanted[materials.kind_of(r)]).max() > 1e-3
+    }
     assert wrong >= {f"{kind}:{axis}" for kind in ("object_axis", "view_axis") for axis in "xyz"} | {"bitangent_world"}
 
 
@@ -128,8 +171,11 @@ def test_the_space_of_an_instance(start, tmp_path, instanced, space):
     kinds = ("object_axis", "object_origin", "local_position")
     folder = export(tmp_path / "out", [r for r in KINDS if r["kind"] in kinds])
     ue.plugin.import_material(folder, instanced=instanced)
-    named = [(e.transform_source_type.name, e.transform_type.name)
-             for e in ue.editor.assets["/Game/Blender/M_Every_Kind"]._expressions if kind_of(e).startswith("Transform")]
+    named = [
+        (e.transform_source_type.name, e.transform_type.name)
+        for e in ue.editor.assets["/Game/Blender/M_Every_Kind"]._expressions
+        if kind_of(e).startswith("Transform")
+    ]
     assert len(named) == 5 and all(sum(name.endswith(f"_{space}") for name in pair) == 1 for pair in named)
 
 
@@ -156,7 +202,7 @@ def test_the_normal_follows_a_scale_that_differs_along_the_axes(start, tmp_path,
 
     ue = start()
     ue.plugin.import_material(export(tmp_path / "out", ({"kind": "cycles_normal"},)))
-    (_, custom, _), = wires(custom_of(ue))
+    ((_, custom, _),) = wires(custom_of(ue))
     random = np.random.default_rng(5)
     rotation = np.linalg.qr(random.normal(size=(3, 3)))[0]
     rotation *= np.sign(np.linalg.det(rotation))
@@ -165,8 +211,12 @@ def test_the_normal_follows_a_scale_that_differs_along_the_axes(start, tmp_path,
     normals /= np.linalg.norm(normals, axis=1, keepdims=True)
     axes = rotation * scale  # columns: the object's axes in the world
     # Unreal turns the normal by the axes without their length.
-    given = {"N": normals @ (axes / np.abs(scale)).T, "X": tuple(axes[:, 0]), "Y": tuple(axes[:, 1]),
-             "Z": tuple(axes[:, 2])}
+    given = {
+        "N": normals @ (axes / np.abs(scale)).T,
+        "X": tuple(axes[:, 0]),
+        "Y": tuple(axes[:, 1]),
+        "Z": tuple(axes[:, 2]),
+    }
     wanted = normals @ np.linalg.inv(axes)
     wanted /= np.linalg.norm(wanted, axis=1, keepdims=True)
     text = shader.HEAD + shader.function(custom)

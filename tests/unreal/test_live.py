@@ -1,4 +1,5 @@
 """Updates in place, live and by the menu: what is touched, what is compiled, what stays."""
+
 import json
 
 import pytest
@@ -22,23 +23,36 @@ def export(folder, change=lambda document: None):
 
 def slide(value):
     """Another value of a socket."""
+
     def change(document):
         node = next(n for n in document["nodes"] if n["type"] == "ShaderNodeBsdfPrincipled")
         node["in"]["Coat Roughness"]["v"] = value
+
     return change
 
 
 def another_text(document):
     node = next(n for n in document["nodes"] if n["type"].startswith("ShaderNodeTex"))
     node["in"]["Scale"] = {"t": "VALUE", "link": ["Extra", "Value", "VALUE"]}
-    document["nodes"].append({"id": "Extra", "type": "ShaderNodeValue", "in": {}, "outs": {"Value": "VALUE"},
-                              "props": {"value": 3.0}, "value": 3.0})
+    document["nodes"].append(
+        {
+            "id": "Extra",
+            "type": "ShaderNodeValue",
+            "in": {},
+            "outs": {"Value": "VALUE"},
+            "props": {"value": 3.0},
+            "value": 3.0,
+        }
+    )
 
 
 def held(editor, path=MI):
     instance = editor.assets[path]
-    return {r.parameter_info.name: r.parameter_value
-            for key in ("scalar_parameter_values", "vector_parameter_values") for r in instance._values[key]}
+    return {
+        r.parameter_info.name: r.parameter_value
+        for key in ("scalar_parameter_values", "vector_parameter_values")
+        for r in instance._values[key]
+    }
 
 
 @pytest.fixture
@@ -64,8 +78,11 @@ def test_the_instance_holds_the_values(paint):
 
 def test_parameters_as_an_artist_reads_them(paint):
     records = json.loads((paint.folder / "Car Paint" / "material.json").read_text(encoding="utf-8"))["parameters"]
-    made = {e.parameter_name: e for e in paint.editor.assets[M]._expressions
-            if type(e).__name__.endswith(("ScalarParameter", "VectorParameter"))}
+    made = {
+        e.parameter_name: e
+        for e in paint.editor.assets[M]._expressions
+        if type(e).__name__.endswith(("ScalarParameter", "VectorParameter"))
+    }
     assert set(made) == {r["label"] for r in records["records"]}
     custom = next(e for e in paint.editor.assets[M]._expressions if kind_of(e) == "Custom" and len(e.outputs()) > 1)
     for name, source, index in wires(custom):
@@ -115,7 +132,8 @@ def test_other_defaults_alone_compile_nothing(paint):
 def test_another_text_rebuilds_the_material_in_place(paint):
     material, instance = paint.editor.assets[M], paint.editor.assets[MI]
     own = paint.unreal.AssetToolsHelpers.get_asset_tools().create_asset(
-        "MI_Mine", "/Game", paint.unreal.MaterialInstanceConstant, paint.unreal.MaterialInstanceConstantFactoryNew())
+        "MI_Mine", "/Game", paint.unreal.MaterialInstanceConstant, paint.unreal.MaterialInstanceConstantFactoryNew()
+    )
     library = paint.unreal.MaterialEditingLibrary
     library.set_material_instance_parent(own, material)
     name = next(n for n, v in held(paint.editor).items() if isinstance(v, float))

@@ -1,4 +1,5 @@
 """The plugin's folder: its version, the language it is written in, what it needs, how its graphs look."""
+
 import ast
 import json
 import shutil
@@ -15,8 +16,19 @@ from examples.gallery import materials
 
 FILES = sorted(SCRIPTS.rglob("*.py"))
 OLDEST = (3, 9)  # the Python of Unreal 5.3
-IN_THE_EDITOR = {"apply", "checklist", "dialog", "importer", "instances", "live", "menu", "settings", "textures",
-                 "init_unreal", "__init__"}
+IN_THE_EDITOR = {
+    "apply",
+    "checklist",
+    "dialog",
+    "importer",
+    "instances",
+    "live",
+    "menu",
+    "settings",
+    "textures",
+    "init_unreal",
+    "__init__",
+}
 
 
 def test_the_version():
@@ -56,8 +68,12 @@ def test_the_plan_is_built_by_the_oldest_python(examples, tmp_path):
     for found in (python, sys.executable):
         folder = tmp_path / f"copy{len(texts)}"
         shutil.copytree(examples, folder)
-        subprocess.run([found, "-m", "quillgen_unreal.clipboard", str(folder / "Pbr Crate")], check=True, cwd=SCRIPTS,
-                       stdout=subprocess.DEVNULL)
+        subprocess.run(
+            [found, "-m", "quillgen_unreal.clipboard", str(folder / "Pbr Crate")],
+            check=True,
+            cwd=SCRIPTS,
+            stdout=subprocess.DEVNULL,
+        )
         texts.append((folder / "Pbr Crate" / "paste.txt").read_bytes())
     assert texts[0] == texts[1]
 
@@ -80,18 +96,24 @@ def test_nothing_overlaps_and_wires_run_to_the_right(start, examples, name):
     every = list(boxes.values())
     for number, a in enumerate(every):
         assert a.x + a.width <= 0  # the material's own node stands there
-        for b in every[number + 1:]:
+        for b in every[number + 1 :]:
             assert a.x + a.width <= b.x or b.x + b.width <= a.x or a.y + a.height <= b.y or b.y + b.height <= a.y
     for key, expression in plan.graph.expressions.items():
         for wire in expression.wires:
             source = boxes[wire.source.expression]
             assert source.x + source.width < boxes[key].x
     for box in every:
-        around = [c for _, c in comments if c.x <= box.x and box.x + box.width <= c.x + c.width
-                  and c.y <= box.y and box.y + box.height <= c.y + c.height]
+        around = [
+            c
+            for _, c in comments
+            if c.x <= box.x
+            and box.x + box.width <= c.x + c.width
+            and c.y <= box.y
+            and box.y + box.height <= c.y + c.height
+        ]
         assert len(around) == 1
     for number, (_, a) in enumerate(comments):
-        for _, b in comments[number + 1:]:
+        for _, b in comments[number + 1 :]:
             assert a.x + a.width <= b.x or b.x + b.width <= a.x
 
 
@@ -211,8 +233,13 @@ def test_what_stays_to_be_done_by_hand_is_said(start, examples, tmp_path):
     folder = tmp_path / "copy" / "Pbr Crate"
     ue.clipboard.write(folder)
     notes = (folder / "paste_by_hand.txt").read_text(encoding="utf-8")
-    for words in ("ShadingModel = MSM_DefaultLit", "UseMaterialAttributes = True", "TangentSpaceNormal = False",
-                  "MakeMaterialAttributes", "/Game/Blender/Textures/T_"):
+    for words in (
+        "ShadingModel = MSM_DefaultLit",
+        "UseMaterialAttributes = True",
+        "TangentSpaceNormal = False",
+        "MakeMaterialAttributes",
+        "/Game/Blender/Textures/T_",
+    ):
         assert words in notes
     assert all(str(path.name) in notes for path in (tmp_path / "copy" / "_textures").glob("Crate*"))
 

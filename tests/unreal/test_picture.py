@@ -21,8 +21,15 @@ THINGS = {
     "plane": surfaces.Thing(surfaces.square(), surfaces.turned(50, "x") @ surfaces.turned(15), (0.1, 0.0, 0.2), 1.1),
     "back": surfaces.Thing(surfaces.square(), surfaces.turned(-120, "x"), (0.0, 0.1, 0.0), 1.0),
 }
-ATTRIBUTES = {"OutMetallic": "Metallic", "OutRoughness": "Roughness", "OutSpecular": "Specular", "OutNormal": "Normal",
-              "OutEmissive": "EmissiveColor", "OutCoat": "ClearCoat", "OutCoatRoughness": "ClearCoatRoughness"}
+ATTRIBUTES = {
+    "OutMetallic": "Metallic",
+    "OutRoughness": "Roughness",
+    "OutSpecular": "Specular",
+    "OutNormal": "Normal",
+    "OutEmissive": "EmissiveColor",
+    "OutCoat": "ClearCoat",
+    "OutCoatRoughness": "ClearCoatRoughness",
+}
 
 NAMES = materials.names()
 EXPENSIVE = {"glazed_vase"}  # the device takes five minutes to compile its text
@@ -77,8 +84,11 @@ def exported(examples, name):
     def text(record):
         return record and {**record, "code": (folder / record["file"]).read_text(encoding="utf-8")}
 
-    return {**text(manifest["surface"]), "material": manifest["settings"],
-            "displacement": text(manifest["displacement"])}
+    return {
+        **text(manifest["surface"]),
+        "material": manifest["settings"],
+        "displacement": text(manifest["displacement"]),
+    }
 
 
 def asset(name):
@@ -214,8 +224,11 @@ def wrong_attribute(ue):
 
 def wrong_parameter(ue):
     custom = _surface(ue)
-    pins = [k for k, name in enumerate(custom.inputs()) if name.startswith("P_") and
-            shader.kind_of(custom._wires[k][0]) == "ScalarParameter"]
+    pins = [
+        k
+        for k, name in enumerate(custom.inputs())
+        if name.startswith("P_") and shader.kind_of(custom._wires[k][0]) == "ScalarParameter"
+    ]
     values = {k: custom._wires[k][0].default_value for k in pins}
     a = pins[0]
     b = next(k for k in pins if values[k] != values[a])
@@ -226,8 +239,16 @@ def output_type(ue):
     _surface(ue)._values["output_type"] = ue.unreal.CustomMaterialOutputType.CMOT_FLOAT1
 
 
-BREAKS = [swap_wires, miss_a_wire, absolute_for_relative, view_size_for_the_angle, wrong_width,
-          wrong_attribute, wrong_parameter, output_type]
+BREAKS = [
+    swap_wires,
+    miss_a_wire,
+    absolute_for_relative,
+    view_size_for_the_angle,
+    wrong_width,
+    wrong_attribute,
+    wrong_parameter,
+    output_type,
+]
 
 
 @pytest.mark.parametrize("spoil", BREAKS, ids=lambda f: f.__name__)

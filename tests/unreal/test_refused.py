@@ -1,4 +1,5 @@
 """Exports that can't be imported: one message that names the file and the material, and the old asset as it was."""
+
 import hashlib
 import json
 
@@ -42,8 +43,11 @@ def put(record, key, value):
 # What is done to a good export -> words of the message; the file that it names.
 CASES = {
     "newer version": (lambda f: edit(f, lambda m: put(m, "version", 2)), "version 2", "material.json"),
-    "older values": (lambda f: edit(f, lambda m: put(m, "version", 0), "parameters.json"), "version 0",
-                     "parameters.json"),
+    "older values": (
+        lambda f: edit(f, lambda m: put(m, "version", 0), "parameters.json"),
+        "version 0",
+        "parameters.json",
+    ),
     "another format": (lambda f: edit(f, lambda m: put(m, "format", "gltf")), "format", "material.json"),
     "no manifest": (lambda f: (f / "material.json").unlink(), "missing", "material.json"),
     "half a manifest": (lambda f: (f / "material.json").write_text('{"format": "qui'), "no JSON", "material.json"),
@@ -51,31 +55,65 @@ CASES = {
     "another text": (lambda f: (f / "surface.hlsl").write_text("return 1;"), "isn't the one", "surface.hlsl"),
     "no values": (lambda f: (f / "parameters.json").unlink(), "missing", "parameters.json"),
     "no picture": (lambda f: next((f.parent / "_textures").iterdir()).unlink(), "'T_", "_textures"),
-    "another picture": (lambda f: next((f.parent / "_textures").iterdir()).write_bytes(b"\x89PNG"), "isn't the one",
-                        "_textures"),
-    "unknown kind": (lambda f: edit(f, lambda m: put(m["surface"]["inputs"][-1], "kind", "moon_phase")),
-                     "moon_phase", "material.json"),
-    "unknown derivative": (lambda f: edit(f, lambda m: m["surface"]["inputs"][-1].update(
-        kind="ddx", of={"kind": "moon"})), "moon", "material.json"),
-    "unknown axis": (lambda f: edit(f, lambda m: m["surface"]["inputs"][-1].update(kind="view_axis", axis="w")), "'w'",
-                     "material.json"),
-    "unknown property": (lambda f: edit(f, lambda m: put(m["surface"]["outputs"][0], "property", "sheen")), "sheen",
-                         "material.json"),
+    "another picture": (
+        lambda f: next((f.parent / "_textures").iterdir()).write_bytes(b"\x89PNG"),
+        "isn't the one",
+        "_textures",
+    ),
+    "unknown kind": (
+        lambda f: edit(f, lambda m: put(m["surface"]["inputs"][-1], "kind", "moon_phase")),
+        "moon_phase",
+        "material.json",
+    ),
+    "unknown derivative": (
+        lambda f: edit(f, lambda m: m["surface"]["inputs"][-1].update(kind="ddx", of={"kind": "moon"})),
+        "moon",
+        "material.json",
+    ),
+    "unknown axis": (
+        lambda f: edit(f, lambda m: m["surface"]["inputs"][-1].update(kind="view_axis", axis="w")),
+        "'w'",
+        "material.json",
+    ),
+    "unknown property": (
+        lambda f: edit(f, lambda m: put(m["surface"]["outputs"][0], "property", "sheen")),
+        "sheen",
+        "material.json",
+    ),
     "unknown shading": (lambda f: edit(f, lambda m: put(m["settings"], "shading", "toon")), "toon", "material.json"),
     "unknown mode": (lambda f: edit(f, lambda m: put(m, "mode", "volume")), "volume", "material.json"),
-    "a name that HLSL refuses": (lambda f: edit(f, lambda m: put(m["surface"]["inputs"][-1], "name", "a-b")), "a-b",
-                                 "material.json"),
-    "a text elsewhere": (lambda f: edit(f, lambda m: put(m["surface"], "file", "../x.hlsl")), "another folder",
-                         "material.json"),
-    "a parameter without a record": (lambda f: edit(f, lambda m: m["parameters"]["records"].pop()), "no record",
-                                     "material.json"),
-    "a value that is none": (lambda f: edit(f, lambda v: put(v["values"], next(iter(v["values"])), "red"),
-                                            "parameters.json"), "red", "parameters.json"),
-    "a value beyond all floats": (lambda f: edit(f, lambda v: put(v["values"], next(iter(v["values"])), 1e39),
-                                                 "parameters.json"), "1e+39", "parameters.json"),
-    "two of one label": (lambda f: edit(f, lambda m: put(m["parameters"]["records"][1], "label",
-                                                         m["parameters"]["records"][0]["label"].upper())),
-                         "one name", "material.json"),
+    "a name that HLSL refuses": (
+        lambda f: edit(f, lambda m: put(m["surface"]["inputs"][-1], "name", "a-b")),
+        "a-b",
+        "material.json",
+    ),
+    "a text elsewhere": (
+        lambda f: edit(f, lambda m: put(m["surface"], "file", "../x.hlsl")),
+        "another folder",
+        "material.json",
+    ),
+    "a parameter without a record": (
+        lambda f: edit(f, lambda m: m["parameters"]["records"].pop()),
+        "no record",
+        "material.json",
+    ),
+    "a value that is none": (
+        lambda f: edit(f, lambda v: put(v["values"], next(iter(v["values"])), "red"), "parameters.json"),
+        "red",
+        "parameters.json",
+    ),
+    "a value beyond all floats": (
+        lambda f: edit(f, lambda v: put(v["values"], next(iter(v["values"])), 1e39), "parameters.json"),
+        "1e+39",
+        "parameters.json",
+    ),
+    "two of one label": (
+        lambda f: edit(
+            f, lambda m: put(m["parameters"]["records"][1], "label", m["parameters"]["records"][0]["label"].upper())
+        ),
+        "one name",
+        "material.json",
+    ),
     "no settings": (lambda f: edit(f, lambda m: m.pop("settings")), "settings", "material.json"),
 }
 
@@ -109,9 +147,10 @@ def test_bad_exports(start, crate, case, again):
     (message,) = ue.editor.texts("log_error")
     assert words in message and file in message and "Pbr Crate" in message and "\n" not in message
     after = state(ue.editor)
-    assert {k: v for k, v in after.items() if "/Textures/" not in str(k)} == \
-           {k: v for k, v in before.items() if "/Textures/" not in str(k)}
-    assert not ue.editor.compiled[1 if again else 0:]
+    assert {k: v for k, v in after.items() if "/Textures/" not in str(k)} == {
+        k: v for k, v in before.items() if "/Textures/" not in str(k)
+    }
+    assert not ue.editor.compiled[1 if again else 0 :]
 
 
 def test_what_this_editor_refuses_shows_before_the_old_graph_goes(start, crate):
@@ -149,8 +188,10 @@ def test_names(start, tmp_path):
     ue = start()
     plain = tmp_path / "out"
     one = ({"kind": "vertex_normal"},)
-    assert ue.plugin.import_material(test_inputs.export(plain, one, "Öl & Holz.001")).material == \
-        "/Game/Blender/M_Öl___Holz_001"
+    assert (
+        ue.plugin.import_material(test_inputs.export(plain, one, "Öl & Holz.001")).material
+        == "/Game/Blender/M_Öl___Holz_001"
+    )
     with pytest.raises(ue.errors.Refused, match="no asset can have this name"):
         ue.plugin.import_material(test_inputs.export(plain, one, "???"))
     with pytest.raises(ue.errors.Refused, match="characters long"):
@@ -162,8 +203,11 @@ def test_two_materials_whose_assets_would_be_the_same(start, tmp_path):
     one = ({"kind": "vertex_normal"},)
     ue.plugin.import_material(test_inputs.export(tmp_path / "out", one, "Oak.Planks"))
     second = test_inputs.export(tmp_path / "out", one, "Oak Planks")
-    with pytest.raises(ue.errors.Refused, match=r"Oak Planks: /Game/Blender/M_Oak_Planks is there already and belongs "
-                                                "to the material 'Oak.Planks'"):
+    with pytest.raises(
+        ue.errors.Refused,
+        match=r"Oak Planks: /Game/Blender/M_Oak_Planks is there already and belongs "
+        "to the material 'Oak.Planks'",
+    ):
         ue.plugin.import_material(second)
 
 
@@ -196,6 +240,7 @@ def test_a_picture_that_unreal_refuses(start, crate):
 
 def test_pictures_that_were_not_exported_this_time(start, crate):
     """The textures that the material has stay; without any the material is refused."""
+
     def without(manifest):
         for record in manifest["textures"]:
             record.update(file=None, sha256=None)
@@ -219,10 +264,21 @@ def test_pictures_are_imported_by_the_rules_and_shared(start, tmp_path):
     Image.fromarray(np.full((4, 4), 77, np.uint8)).save(grey)
     image = {"name": "T_a", "kind": "texture", "image": "Wood_grey.png", "srgb": False, "float": False}
     for name in ("One", "Two"):
-        result = {"code": "return 0;", "inputs": [image], "outputs": [], "material": SETTINGS, "warnings": [],
-                  "params": {}, "displacement": None}
-        write.write_material(write.look(tmp_path / "out"), write.Material(
-            name, {"nodes": []}, result, mode="emission", pictures={"Wood_grey.png": write.Picture(grey)}))
+        result = {
+            "code": "return 0;",
+            "inputs": [image],
+            "outputs": [],
+            "material": SETTINGS,
+            "warnings": [],
+            "params": {},
+            "displacement": None,
+        }
+        write.write_material(
+            write.look(tmp_path / "out"),
+            write.Material(
+                name, {"nodes": []}, result, mode="emission", pictures={"Wood_grey.png": write.Picture(grey)}
+            ),
+        )
     ue = start()
     ue.editor.virtual_textures = True
     assert [o.status for o in ue.plugin.import_all(tmp_path / "out")] == ["made", "made"]

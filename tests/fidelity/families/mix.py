@@ -48,9 +48,7 @@ def fill(c, node, **inputs):
 
 def colours(blend, ranges, clamp_factor, clamp_result):
     def build(c):
-        node = c.node(
-            "Mix", data_type="RGBA", blend_type=blend, clamp_factor=clamp_factor, clamp_result=clamp_result
-        )
+        node = c.node("Mix", data_type="RGBA", blend_type=blend, clamp_factor=clamp_factor, clamp_result=clamp_result)
         fill(
             c,
             node,

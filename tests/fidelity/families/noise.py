@@ -17,9 +17,7 @@ def cases():
     for dimensions in words("TexWhiteNoise", "noise_dimensions"):
         for out in ("Value", "Color"):
             for seed, (scale, offset) in enumerate(((1.0, -8.0), (1 / 16, 0.0), (0.625, 1000.0))):
-                yield Case(
-                    "White Noise Texture", f"{dimensions} {out} {seed}", white(dimensions, out, scale, offset)
-                )
+                yield Case("White Noise Texture", f"{dimensions} {out} {seed}", white(dimensions, out, scale, offset))
     yield from voronoi()
 
 

@@ -10,9 +10,7 @@ PLACES = {"near": (3 / 16, -1.5), "far": (12.5, -100.0)}
 def cases():
     for name, place in PLACES.items():
         for kind in words("TexGradient", "gradient_type"):
-            yield pattern(
-                "Gradient Texture", "TexGradient", f"{kind} {name}", "Fac", place, {}, gradient_type=kind
-            )
+            yield pattern("Gradient Texture", "TexGradient", f"{kind} {name}", "Fac", place, {}, gradient_type=kind)
         for seed in range(4):
             draw = Draw("checker", name, seed)
             inputs = {"Scale": draw.number(-4, 6), "Color1": draw.colour(-1, 2), "Color2": draw.colour()}

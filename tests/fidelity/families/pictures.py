@@ -60,9 +60,7 @@ def cases():
         for alpha in ("STRAIGHT", "PREMUL", "CHANNEL_PACKED", "NONE"):
             for out in ("Color", "Color beside Alpha", "Alpha"):
                 half = file in ("PNG 16 disk", "TIFF 16 disk") and out != "Alpha"
-                yield image(
-                    f"file {file} {alpha} {out}", (file, None, alpha, "small"), out, HALF if half else ""
-                )
+                yield image(f"file {file} {alpha} {out}", (file, None, alpha, "small"), out, HALF if half else "")
     yield Case("Image Texture", "none", lambda c: c.node("TexImage", {"Vector": c.vector()}).outputs["Color"])
     yield from environments()
 

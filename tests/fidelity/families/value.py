@@ -20,9 +20,7 @@ def cases():
             if operation in STEEP_OPERATIONS:
                 ranges = STEEP.get(name, ranges)
             for clamp in (False, True) if name in ("around zero", "hundreds") else (False,):
-                yield Case(
-                    "Math", f"{operation} {name}{' clamped' if clamp else ''}", math(operation, ranges, clamp)
-                )
+                yield Case("Math", f"{operation} {name}{' clamped' if clamp else ''}", math(operation, ranges, clamp))
     yield from map_range()
     yield from clamp_node()
     yield Case("Value", "fixed", lambda c: c.node("Math", {0: value(c, 0.3125), 1: c.number("x")}).outputs[0])
@@ -79,9 +77,7 @@ def map_range():
                         float_range(interpolation, limits, clamp, steps),
                         HIDDEN_CLAMP if hidden else "",
                     )
-                    yield Case(
-                        "Map Range", label + " vector", vector_range(interpolation, limits, clamp, steps)
-                    )
+                    yield Case("Map Range", label + " vector", vector_range(interpolation, limits, clamp, steps))
         yield Case("Map Range", f"{interpolation} all linked", linked_range(interpolation))
 
 

@@ -110,9 +110,7 @@ def parts():
             yield Case(
                 "Separate XYZ",
                 f"{axis} {name}",
-                lambda c, axis=axis, s=scale, o=offset: c.node("SeparateXYZ", {0: c.vector(s, o)}).outputs[
-                    axis
-                ],
+                lambda c, axis=axis, s=scale, o=offset: c.node("SeparateXYZ", {0: c.vector(s, o)}).outputs[axis],
             )
         yield Case(
             "Combine XYZ",

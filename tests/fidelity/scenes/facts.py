@@ -18,11 +18,7 @@ def cases(scene):
         "Pointiness",
         "Random Per Island",
     ):
-        reason = (
-            FIXED
-            if out in ("Parametric", "Random Per Island") or out == "Pointiness" and scene.smooth
-            else ""
-        )
+        reason = FIXED if out in ("Parametric", "Random Per Island") or out == "Pointiness" and scene.smooth else ""
         yield single("Geometry", "NewGeometry", out, reason)
     for out in ("Generated", "Normal", "UV", "Object", "Reflection", "Camera", "Window"):
         yield single("Texture Coordinate", "TexCoord", out, FIXED if out in ("Camera", "Window") else "")
@@ -65,9 +61,7 @@ def single(label, kind, out, reason="", **settings):
 def attributes():
     for out in ("Color", "Vector", "Fac", "Alpha"):
         yield single("Attribute", "Attribute", out, attribute_name="Col")
-        yield single(
-            "Attribute", "Attribute", out, SECOND_MAP_FACTOR if out == "Fac" else "", attribute_name="Second"
-        )
+        yield single("Attribute", "Attribute", out, SECOND_MAP_FACTOR if out == "Fac" else "", attribute_name="Second")
     for out in ("Color", "Alpha"):
         yield single("Color Attribute", "VertexColor", out, layer_name="Col")
 
@@ -75,9 +69,7 @@ def attributes():
 def facing():
     for ior in (1.45, 1.0, 0.6, 0.0, 4.0):
         yield Case("Fresnel", f"{ior}", lambda c, ior=ior: c.node("Fresnel", {"IOR": ior}).outputs[0])
-    yield Case(
-        "Fresnel", "normal linked", lambda c: c.node("Fresnel", {"Normal": tilted(c), "IOR": 1.3}).outputs[0]
-    )
+    yield Case("Fresnel", "normal linked", lambda c: c.node("Fresnel", {"Normal": tilted(c), "IOR": 1.3}).outputs[0])
     for out in ("Fresnel", "Facing"):
         for blend in (0.5, 0.0, 0.2, 0.75, 1.0, -0.5):
             yield Case(
@@ -94,9 +86,7 @@ def facing():
 
 def tilted(c):
     """The shading normal, leaned over and of unit length again."""
-    leaned = c.node("VectorMath", {0: c.node("NewGeometry").outputs["Normal"], 1: (0.2, -0.1, 0.3)}).outputs[
-        0
-    ]
+    leaned = c.node("VectorMath", {0: c.node("NewGeometry").outputs["Normal"], 1: (0.2, -0.1, 0.3)}).outputs[0]
     return c.node("VectorMath", {0: leaned}, operation="NORMALIZE").outputs[0]
 
 
@@ -115,9 +105,9 @@ def spaces():
                 yield Case(
                     "Vector Transform",
                     f"{kind} {source} {target} fixed",
-                    lambda c, settings=settings: c.node(
-                        "VectorTransform", {0: (0.3, -1.2, 0.5)}, **settings
-                    ).outputs[0],
+                    lambda c, settings=settings: c.node("VectorTransform", {0: (0.3, -1.2, 0.5)}, **settings).outputs[
+                        0
+                    ],
                 )
 
 
@@ -148,16 +138,14 @@ def traced(scene):
         lambda c: c.node("Bevel", {"Radius": 0.1}).outputs[0],
         FIXED if scene.smooth or scene.behind else "",
     )
-    yield Case(
-        "Bevel", "normal linked", lambda c: c.node("Bevel", {"Radius": 0.0, "Normal": tilted(c)}).outputs[0]
-    )
+    yield Case("Bevel", "normal linked", lambda c: c.node("Bevel", {"Radius": 0.0, "Normal": tilted(c)}).outputs[0])
     for pixels in (False, True):
         yield Case(
             "Wireframe",
             f"Fac{' in pixels' if pixels else ''}",
-            lambda c, pixels=pixels: c.node(
-                "Wireframe", {0: 1.0 if pixels else 0.05}, use_pixel_size=pixels
-            ).outputs[0],
+            lambda c, pixels=pixels: c.node("Wireframe", {0: 1.0 if pixels else 0.05}, use_pixel_size=pixels).outputs[
+                0
+            ],
             FIXED,
         )
     yield Case(

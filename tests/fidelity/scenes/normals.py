@@ -37,16 +37,12 @@ def normal_maps(scene):
         yield Case(
             "Normal Map",
             f"{space} grey",
-            lambda c, space=space: c.node("NormalMap", {"Color": (0.5, 0.5, 0.5, 1.0)}, space=space).outputs[
-                0
-            ],
+            lambda c, space=space: c.node("NormalMap", {"Color": (0.5, 0.5, 0.5, 1.0)}, space=space).outputs[0],
         )
         yield Case(
             "Normal Map",
             f"{space} fixed",
-            lambda c, space=space: c.node("NormalMap", {"Color": (0.7, 0.4, 0.9, 1.0)}, space=space).outputs[
-                0
-            ],
+            lambda c, space=space: c.node("NormalMap", {"Color": (0.7, 0.4, 0.9, 1.0)}, space=space).outputs[0],
         )
         for settings in conventions():
             yield Case(
@@ -69,9 +65,7 @@ def conventions():
 def directions(c):
     """Colours that stand for vectors well away from zero."""
     noise = c.node("TexNoise", {0: c.node("TexCoord").outputs["UV"], "Scale": 3.0}).outputs["Color"]
-    return c.node(
-        "VectorMath", {0: noise, 1: (0.9, 0.9, 0.4), 2: (0.1, 0.0, 0.6)}, operation="MULTIPLY_ADD"
-    ).outputs[0]
+    return c.node("VectorMath", {0: noise, 1: (0.9, 0.9, 0.4), 2: (0.1, 0.0, 0.6)}, operation="MULTIPLY_ADD").outputs[0]
 
 
 def object_noise(c):
@@ -172,9 +166,7 @@ def bumps(scene):
                 bump(object_noise, invert, Distance=distance),
             )
     for width in (0.05, 1.0, 4.0):
-        yield Case(
-            "Bump", f"filter width {width}", bump(object_noise, **{"Filter Width": width, "Distance": 0.2})
-        )
+        yield Case("Bump", f"filter width {width}", bump(object_noise, **{"Filter Width": width, "Distance": 0.2}))
     yield Case("Bump", "no height", bump(lambda c: 0.5))
     yield Case(
         "Bump",
@@ -230,19 +222,13 @@ def displacements(scene):
 
 
 def moved(c, space, height, scale=0.3):
-    return c.node(
-        "Displacement", {"Height": height(c), "Midlevel": 0.4, "Scale": scale}, space=space
-    ).outputs[0]
+    return c.node("Displacement", {"Height": height(c), "Midlevel": 0.4, "Scale": scale}, space=space).outputs[0]
 
 
 def vector_moved(c, space):
-    turned = c.node(
-        "VectorMath", {0: c.node("TexCoord").outputs["Object"], 1: (4.0, -3.0, 5.0)}, operation="MULTIPLY"
-    )
+    turned = c.node("VectorMath", {0: c.node("TexCoord").outputs["Object"], 1: (4.0, -3.0, 5.0)}, operation="MULTIPLY")
     colour = c.node("VectorMath", {0: turned.outputs[0]}, operation="SINE").outputs[0]
-    return c.node(
-        "VectorDisplacement", {"Vector": colour, "Midlevel": 0.5, "Scale": 0.3}, space=space
-    ).outputs[0]
+    return c.node("VectorDisplacement", {"Vector": colour, "Midlevel": 0.5, "Scale": 0.3}, space=space).outputs[0]
 
 
 def shown_normal(displacement):

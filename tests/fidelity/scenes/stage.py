@@ -43,9 +43,7 @@ def bent(name, begin, turn):
     for t in np.linspace(0, 1, up + 1):
         for s in np.linspace(0, 1, across + 1):
             angle, radius = begin + turn * s, 0.85 + 0.08 * math.sin(9 * t) + 0.06 * math.cos(7 * s + 2 * t)
-            points.append(
-                (radius * math.cos(angle), radius * math.sin(angle), 1.9 * t - 0.95 + 0.15 * math.sin(5 * s))
-            )
+            points.append((radius * math.cos(angle), radius * math.sin(angle), 1.9 * t - 0.95 + 0.15 * math.sin(5 * s)))
             uvs.append((s + 0.1 * t, t - 0.06 * math.sin(6 * s)))
     return mesh(name, points, uvs, across, up, True)
 
@@ -78,9 +76,7 @@ def mesh(name, points, uvs, across, up, smooth):
     x, y = uvs[:, 0], uvs[:, 1]
     colours.data.foreach_set(
         "color",
-        np.stack([x, 0.5 + 0.5 * np.sin(5 * y), 0.3 * x + y * y, 1 - 0.6 * y], axis=1)
-        .astype(np.float32)
-        .ravel(),
+        np.stack([x, 0.5 + 0.5 * np.sin(5 * y), 0.3 * x + y * y, 1 - 0.6 * y], axis=1).astype(np.float32).ravel(),
     )
     made.update()
     return made

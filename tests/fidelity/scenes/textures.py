@@ -24,9 +24,7 @@ def cases(scene):
         reason = EDGE if kind == "TexBrick" and scene.name == "shell turned" else reason
         yield Case(label, "own coordinate", lambda c, kind=kind: c.node(kind).outputs[0], reason)
     yield Case("White Noise Texture", "own coordinate", lambda c: c.node("TexWhiteNoise").outputs["Value"])
-    yield Case(
-        "Image Texture", "own coordinate", lambda c: c.node("TexImage", image=picture(*KEY)).outputs[0]
-    )
+    yield Case("Image Texture", "own coordinate", lambda c: c.node("TexImage", image=picture(*KEY)).outputs[0])
     yield Case(
         "Environment Texture",
         "own coordinate",
@@ -39,9 +37,7 @@ def cases(scene):
     for projection in ("SPHERE", "TUBE"):
         for source in ("Generated", "Object", "Normal"):
             yield Case("Image Texture", f"{projection} {source}", projected(projection, source, 0.0))
-    for source in (
-        ("Normal", "Reflection") if scene.smooth else ("Reflection",)
-    ):  # the grid's own points to a pole
+    for source in ("Normal", "Reflection") if scene.smooth else ("Reflection",):  # the grid's own points to a pole
         for projection in ("EQUIRECTANGULAR", "MIRROR_BALL"):
             yield Case(
                 "Environment Texture",

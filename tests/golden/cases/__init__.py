@@ -1,4 +1,5 @@
 """All golden cases: file -> title -> Case."""
+
 import functools
 from typing import NamedTuple
 
@@ -7,6 +8,7 @@ import quillgen
 
 class Case(NamedTuple):
     """One document and how it is translated. `make` gives the result where it takes more than one call."""
+
     title: str
     document: dict | None = None
     mode: str = "emission"
@@ -22,6 +24,7 @@ class Case(NamedTuple):
 @functools.cache
 def all_cases():
     from golden.cases import general, materials, shaders, surface, texture, value, whole
+
     files: dict[str, dict[str, Case]] = {}
     for module in (general, shaders, value, texture, surface, whole, materials):
         for file, cases in module.cases():

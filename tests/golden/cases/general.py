@@ -1,4 +1,5 @@
 """What every node type has: each output read, no properties, no optional sockets, everything linked."""
+
 from golden.cases import Case
 from golden.documents import IMAGES, link, material, node
 from golden.node_types import OPTIONAL, RGBA, SHADER, TYPES, VALUE

@@ -1,4 +1,5 @@
 """Shader nodes: the flags and warnings that depend on sockets, and shaders put together."""
+
 from golden.cases import Case
 from golden.documents import link, material, node
 
@@ -10,9 +11,14 @@ def shaded(title, *nodes, use_params=False, **top):
 def principled():
     number = node("Value")
     for socket, values in {
-            "Alpha": (0.999, 1, None, 0.0), "Emission Strength": (1.0, -1.0, None), "Coat Weight": (0.5, 1),
-            "Subsurface Weight": (0.5,), "Transmission Weight": (1,), "Sheen Weight": (0.25,), "IOR": (0.5,),
-            "Specular IOR Level": (0.0,)
+        "Alpha": (0.999, 1, None, 0.0),
+        "Emission Strength": (1.0, -1.0, None),
+        "Coat Weight": (0.5, 1),
+        "Subsurface Weight": (0.5,),
+        "Transmission Weight": (1,),
+        "Sheen Weight": (0.25,),
+        "IOR": (0.5,),
+        "Specular IOR Level": (0.0,),
     }.items():
         for value in values:
             yield shaded(f"{socket} {value!r}", node("BsdfPrincipled", {socket: {"t": "VALUE", "v": value}}))
@@ -27,10 +33,13 @@ def principled():
     yield shaded(
         "everything at once",
         node(
-            "BsdfPrincipled", {
-                "Alpha": 0.5, "Emission Strength": 2.0, "Coat Weight": 0.7, "Normal": link(normal, "Normal"),
-                **weights
-            }), normal, use_params=True, settings={"blend": "BLENDED", "backface_culling": True})
+            "BsdfPrincipled",
+            {"Alpha": 0.5, "Emission Strength": 2.0, "Coat Weight": 0.7, "Normal": link(normal, "Normal"), **weights},
+        ),
+        normal,
+        use_params=True,
+        settings={"blend": "BLENDED", "backface_culling": True},
+    )
 
 
 def mixed():
@@ -42,8 +51,9 @@ def mixed():
     first = node("MixShader", {"Shader": link(paint)})
     yield shaded("one shader linked", first, paint)
     fac = node("TexChecker")
-    yield shaded("factor of a texture", node("MixShader", {"Fac": link(fac, "Color"), "Shader": link(paint)}),
-                 fac, paint)
+    yield shaded(
+        "factor of a texture", node("MixShader", {"Fac": link(fac, "Color"), "Shader": link(paint)}), fac, paint
+    )
 
 
 def added():
@@ -58,9 +68,8 @@ def cases():
     yield "ShaderNodeMixShader", mixed()
     yield "ShaderNodeAddShader", added()
     for kind in ("BsdfDiffuse", "BsdfAnisotropic", "BsdfMetallic"):
-        yield f"ShaderNode{kind}", [
-            shaded("Normal linked", node(kind, {"Normal": link(normal, "Normal")}), normal)
-        ]
-    yield "ShaderNodeBsdfMetallic", [
-        shaded("Color wins over Base Color", node("BsdfMetallic", {"Color": (0.1, 0.2, 0.3, 1.0)}))
-    ]
+        yield f"ShaderNode{kind}", [shaded("Normal linked", node(kind, {"Normal": link(normal, "Normal")}), normal)]
+    yield (
+        "ShaderNodeBsdfMetallic",
+        [shaded("Color wins over Base Color", node("BsdfMetallic", {"Color": (0.1, 0.2, 0.3, 1.0)}))],
+    )

@@ -1,4 +1,5 @@
 """Geometry, normals, bumps and displacement."""
+
 import itertools
 
 from golden.cases import Case
@@ -13,12 +14,16 @@ def bump(height, output=None, id="Bump", **settings):
 def bumps():
     """What the height hangs on, and which sockets there are."""
     signals = {
-        "position": (node("NewGeometry"), "Position"), "object position": (node("TexCoord"), "Object"),
-        "generated": (node("TexCoord"), "Generated"), "first UV map": (node("TexCoord"), "UV"),
-        "second UV map": (node("Attribute", props={"attribute_name": "Detail"}),
-                          "Vector"), "vertex colour": (node("VertexColor"), "Color"),
-        "normal": (node("NewGeometry"), "Normal"), "incoming": (node("NewGeometry"), "Incoming"),
-        "camera": (node("CameraData"), "View Distance"), "radial tangent": (node("NewGeometry"), "Tangent")
+        "position": (node("NewGeometry"), "Position"),
+        "object position": (node("TexCoord"), "Object"),
+        "generated": (node("TexCoord"), "Generated"),
+        "first UV map": (node("TexCoord"), "UV"),
+        "second UV map": (node("Attribute", props={"attribute_name": "Detail"}), "Vector"),
+        "vertex colour": (node("VertexColor"), "Color"),
+        "normal": (node("NewGeometry"), "Normal"),
+        "incoming": (node("NewGeometry"), "Incoming"),
+        "camera": (node("CameraData"), "View Distance"),
+        "radial tangent": (node("NewGeometry"), "Tangent"),
     }
     for title, (n, output) in signals.items():
         yield Case(f"height of the {title}", material(bump(n, output), n, uv_maps=["UVMap", "Detail"]))
@@ -45,8 +50,8 @@ def shared_heights(noise, coordinates):
     """The subgraph of the height has other readers, before or after the bump."""
     n = bump(noise)
     for title, inputs in {
-            "before": {"Base Color": link(noise, "Color"), "Normal": link(n)},
-            "after": {"Normal": link(n), "Coat Weight": 0.5, "Coat Roughness": link(noise)}
+        "before": {"Base Color": link(noise, "Color"), "Normal": link(n)},
+        "after": {"Normal": link(n), "Coat Weight": 0.5, "Coat Roughness": link(noise)},
     }.items():
         bsdf = node("BsdfPrincipled", inputs)
         yield Case(f"height read {title}", material(bsdf, n, noise, coordinates), "surface")
@@ -60,57 +65,58 @@ def bumps_on_bumps(noise, coordinates):
     checker = node("TexChecker", {"Vector": link(coordinates, "UV")})
     first = bump(noise, id="First")
     chained = bump(checker, "Fac", id="Second", inputs={"Normal": link(first)})
-    yield Case("chained: the normal of the second is the first",
-               material(chained, first, checker, noise, coordinates))
+    yield Case("chained: the normal of the second is the first", material(chained, first, checker, noise, coordinates))
     facing = node("LayerWeight", {"Normal": link(first)})
     nested = bump(facing, "Facing", id="Second")
-    yield Case("nested: a bump in the height of the second",
-               material(nested, first, facing, noise, coordinates))
+    yield Case("nested: a bump in the height of the second", material(nested, first, facing, noise, coordinates))
 
 
 def displaced(title, displacement, *nodes, surface=None, method="BUMP", mode="surface", **top):
     surface = surface or node("BsdfPrincipled")
     return Case(
         title,
-        material(surface, displacement, *nodes, displacement=displacement, settings={"displacement": method},
-                 **top), mode, False)
+        material(surface, displacement, *nodes, displacement=displacement, settings={"displacement": method}, **top),
+        mode,
+        False,
+    )
 
 
 def displacements():
     noise, uv = node("TexNoise"), node("UVMap")
     for method in ("BUMP", "DISPLACEMENT", "BOTH", "NO_SUCH_WORD"):
-        yield displaced(f"setting {method}", node("Displacement", {"Height": link(noise)}), noise,
-                        method=method)
+        yield displaced(f"setting {method}", node("Displacement", {"Height": link(noise)}), noise, method=method)
     for space in ("OBJECT", "WORLD"):
         n = node("Displacement", {"Height": link(noise)}, props={"space": space})
-        yield displaced(f"space {space}, mode emission", n, noise, mode="emission",
-                        surface=node("NewGeometry"))
+        yield displaced(f"space {space}, mode emission", n, noise, mode="emission", surface=node("NewGeometry"))
     geometry = node("NewGeometry")
-    glossy = node("BsdfPrincipled",
-                  {"Base Color": link(geometry, "Normal"), "Metallic": link(geometry, "Backfacing")})
+    glossy = node("BsdfPrincipled", {"Base Color": link(geometry, "Normal"), "Metallic": link(geometry, "Backfacing")})
     n = node("Displacement", {"Height": link(noise)})
     yield displaced("the surface reads the bumped normal", n, noise, geometry, surface=glossy)
     weight = node("LayerWeight")
     n = node("Displacement", {"Height": link(weight, "Facing")})
     coat = node("BsdfPrincipled", {"Roughness": link(weight, "Facing")})
-    yield displaced("a node that both read keeps the normal of the mesh", n, weight, surface=coat,
-                    method="BOTH")
+    yield displaced("a node that both read keeps the normal of the mesh", n, weight, surface=coat, method="BOTH")
     for title, kind in (("a bumped normal", bump(noise)), ("a mapped normal", node("NormalMap"))):
         n = node("Displacement", {"Normal": link(kind)})
         yield displaced(f"along {title}", n, kind, noise, method="BOTH")
     layer = node("BsdfPrincipled", {"Normal": link(inner := bump(uv, "UV"))})
-    yield displaced("a bump on the displaced surface", n := node("Displacement", {"Height": link(noise)}),
-                    noise, inner, uv, surface=layer, method="BOTH")
+    yield displaced(
+        "a bump on the displaced surface",
+        n := node("Displacement", {"Height": link(noise)}),
+        noise,
+        inner,
+        uv,
+        surface=layer,
+        method="BOTH",
+    )
     yield from ranges()
 
 
 def ranges():
     """What the magnitude is estimated from."""
     number = node("Value")
-    yield displaced("known range", node("Displacement", {"Midlevel": -3, "Scale": 0.064}),
-                    method="DISPLACEMENT")
-    yield displaced("range unknown", node("Displacement", {"Scale": link(number)}), number,
-                    method="DISPLACEMENT")
+    yield displaced("known range", node("Displacement", {"Midlevel": -3, "Scale": 0.064}), method="DISPLACEMENT")
+    yield displaced("range unknown", node("Displacement", {"Scale": link(number)}), number, method="DISPLACEMENT")
     n = node("Displacement", {"Midlevel": {"t": "VALUE"}, "Scale": {"t": "VALUE"}})
     yield displaced("range of sockets without a value", n, method="DISPLACEMENT")
 
@@ -129,8 +135,8 @@ def vector_displacements():
 def normal_maps():
     picture = node("TexImage")
     for space, convention in itertools.product(
-        ("TANGENT", "OBJECT", "WORLD", "BLENDER_OBJECT", "BLENDER_WORLD", "NO_SUCH_WORD"),
-        ("OPENGL", "DIRECTX")):
+        ("TANGENT", "OBJECT", "WORLD", "BLENDER_OBJECT", "BLENDER_WORLD", "NO_SUCH_WORD"), ("OPENGL", "DIRECTX")
+    ):
         yield one(f"{space} {convention}", "NormalMap", space=space, convention=convention)
     n = node("NormalMap", {"Color": link(picture)})
     yield Case("of a picture", material(n, picture, images=IMAGES))
@@ -149,15 +155,21 @@ def cases():
     yield "ShaderNodeDisplacement", displacements()
     yield "ShaderNodeVectorDisplacement", vector_displacements()
     yield "ShaderNodeAttribute", attributes()
-    yield "ShaderNodeTangent", [
-        *words("Tangent", "axis", "XYZ"), *words("Tangent", "direction_type", ("UV_MAP", "NO_SUCH_WORD"))
-    ]
+    yield (
+        "ShaderNodeTangent",
+        [*words("Tangent", "axis", "XYZ"), *words("Tangent", "direction_type", ("UV_MAP", "NO_SUCH_WORD"))],
+    )
     yield "ShaderNodeNormal", words("Normal", "normal", ([1, 2], [0.1, 0.2, 0.3, 0.4]), "Normal")
-    yield "ShaderNodeBevel", [
-        Case("Normal linked", material(node("Bevel", {"Normal": link(g := node("NewGeometry"), "Normal")}),
-                                       g))
-    ]
-    yield "ShaderNodeLightPath", [
-        Case("an output that Blender has not",
-             material(n := node("LightPath", outs={"Anything": "VALUE"}), surface=(n, "Anything")))
-    ]
+    yield (
+        "ShaderNodeBevel",
+        [Case("Normal linked", material(node("Bevel", {"Normal": link(g := node("NewGeometry"), "Normal")}), g))],
+    )
+    yield (
+        "ShaderNodeLightPath",
+        [
+            Case(
+                "an output that Blender has not",
+                material(n := node("LightPath", outs={"Anything": "VALUE"}), surface=(n, "Anything")),
+            )
+        ],
+    )

@@ -1,4 +1,5 @@
 """Procedural textures, ramps, curves and images."""
+
 import itertools
 
 from golden.cases import Case
@@ -32,17 +33,14 @@ def white_noises():
     number = node("Value")
     for d in DIMENSIONS:
         yield one(f"{d}, Value", "TexWhiteNoise", "Value", noise_dimensions=d)
-        n = node("TexWhiteNoise", {"W": link(node("Math")), "Vector": link(number)},
-                 props={"noise_dimensions": d})
-        yield Case(f"{d}, W and Vector linked, Color", material(n, number, node("Math"),
-                                                                surface=(n, "Color")))
+        n = node("TexWhiteNoise", {"W": link(node("Math")), "Vector": link(number)}, props={"noise_dimensions": d})
+        yield Case(f"{d}, W and Vector linked, Color", material(n, number, node("Math"), surface=(n, "Color")))
 
 
 def voronois():
     outputs = {"DISTANCE_TO_EDGE": "Distance", "N_SPHERE_RADIUS": "Radius"}
     for d, feature in itertools.product(DIMENSIONS, FEATURES):
-        yield one(f"{d} {feature}", "TexVoronoi", outputs.get(feature, "Color"), voronoi_dimensions=d,
-                  feature=feature)
+        yield one(f"{d} {feature}", "TexVoronoi", outputs.get(feature, "Color"), voronoi_dimensions=d, feature=feature)
     for d, metric in itertools.product(("1D", "3D"), ("MANHATTAN", "CHEBYCHEV", "MINKOWSKI")):
         yield one(f"{d}, distance {metric}", "TexVoronoi", voronoi_dimensions=d, distance=metric)
     for output in ("Position", "W"):
@@ -59,20 +57,22 @@ def ramps():
     for interp, mode in itertools.product(INTERPOLATIONS, ("RGB", "HSV", "HSL")):
         yield Case(f"{interp} {mode}", material(node("ValToRGB", ramp=ramp(stops, interp, mode))))
     for interp in ("LINEAR", "CARDINAL"):
-        yield Case(f"one stop, {interp}", material(node("ValToRGB", ramp=ramp(stops[:1], interp))),
-                   use_params=True)
-    yield Case("HSV, as parameters", material(node("ValToRGB", ramp=ramp(stops, mode="HSV"))),
-               use_params=True)
+        yield Case(f"one stop, {interp}", material(node("ValToRGB", ramp=ramp(stops[:1], interp))), use_params=True)
+    yield Case("HSV, as parameters", material(node("ValToRGB", ramp=ramp(stops, mode="HSV"))), use_params=True)
     same = [[0.5, [0, 0, 0, 1]], [0.5, [1, 1, 1, 1]]]
     yield Case("two stops at one place, EASE", material(node("ValToRGB", ramp=ramp(same, "EASE"))))
-    yield Case("colours of three and five numbers, as parameters",
-               material(node("ValToRGB", ramp=ramp([[0, (0.1, 0.2, 0.3)], [1, [0.1, 0.2, 0.3, 0.4, 0.5]]]))),
-               use_params=True)
+    yield Case(
+        "colours of three and five numbers, as parameters",
+        material(node("ValToRGB", ramp=ramp([[0, (0.1, 0.2, 0.3)], [1, [0.1, 0.2, 0.3, 0.4, 0.5]]]))),
+        use_params=True,
+    )
     many = [[i / 31, [(i * 37 % 32) / 31, (i % 7) / 6, 1.0 - i / 31, (i % 3) / 2]] for i in range(32)]
     for mode in ("RGB", "HSL"):
-        yield Case(f"32 stops, {mode}",
-                   material(n := node("ValToRGB", ramp=ramp(many, "EASE", mode)), surface=(n, "Color")),
-                   use_params=mode == "HSL")
+        yield Case(
+            f"32 stops, {mode}",
+            material(n := node("ValToRGB", ramp=ramp(many, "EASE", mode)), surface=(n, "Color")),
+            use_params=mode == "HSL",
+        )
 
 
 def curve(tables, low=0.0, high=1.0, **further):
@@ -104,9 +104,19 @@ IMAGE_FORMS = [
     ("float", {"colorspace": "sRGB", "float": True}),
     ("float PREMUL", {"colorspace": "Linear Rec.709", "float": True, "alpha": "PREMUL"}),
     ("float, other space", {"name": "wood", "colorspace": "ACES2065-1", "float": True}),
-    *((f"space {space}", {"name": "wood", "colorspace": space})
-      for space in ("Non-Color", "Raw", "Generic Data", "Data", "Linear", "Linear Rec.709",
-                    "Linear CIE-XYZ D65", "Filmic sRGB")),
+    *(
+        (f"space {space}", {"name": "wood", "colorspace": space})
+        for space in (
+            "Non-Color",
+            "Raw",
+            "Generic Data",
+            "Data",
+            "Linear",
+            "Linear Rec.709",
+            "Linear CIE-XYZ D65",
+            "Filmic sRGB",
+        )
+    ),
     ("Raw PREMUL", {"colorspace": "Raw", "alpha": "PREMUL"}),
 ]
 
@@ -127,27 +137,27 @@ def images():
         yield picture(f"extension {word}", plain, interpolation="Closest", extension=word)
     for word in ("FLAT", "BOX", "SPHERE", "TUBE", "NO_SUCH_WORD"):
         yield picture(f"projection {word}", plain, projection=word)
-    yield picture("projection BOX, with Alpha, Cubic", plain, "Alpha", projection="BOX",
-                  interpolation="Cubic")
+    yield picture("projection BOX, with Alpha, Cubic", plain, "Alpha", projection="BOX", interpolation="Cubic")
     yield from shared_images(plain)
     names = {"image not in the document": "lost.png", "no image": None, "empty image name": ""}
     for title, name in names.items():
         yield picture(title, plain, image=name)
         yield picture(f"{title}, Alpha", plain, "Alpha", image=name)
     n = node("TexImage", props={"image": "Décor/Holz 01.exr"})
-    yield Case("name with letters that no identifier has",
-               material(n, images={"Décor/Holz 01.exr": {"float": True}}))
+    yield Case("name with letters that no identifier has", material(n, images={"Décor/Holz 01.exr": {"float": True}}))
 
 
 def shared_images(plain):
     """Two nodes on one image: the first declaration rules."""
     first = node("TexImage", id="First")
-    for title, props in (("as the first", {}), ("other extension", {"extension": "CLIP"}),
-                         ("other interpolation", {"interpolation": "Closest"})):
+    for title, props in (
+        ("as the first", {}),
+        ("other extension", {"extension": "CLIP"}),
+        ("other interpolation", {"interpolation": "Closest"}),
+    ):
         second = node("TexImage", id="Second", props=props)
         mix = node("MixRGB", {"Color1": link(first), "Color2": link(second)})
-        yield Case(f"second node on the image, {title}",
-                   material(mix, first, second, images={"wood.png": plain}))
+        yield Case(f"second node on the image, {title}", material(mix, first, second, images={"wood.png": plain}))
 
 
 def environments():
@@ -170,10 +180,19 @@ def cases():
     kinds = ("LINEAR", "QUADRATIC", "EASING", "DIAGONAL", "SPHERICAL", "QUADRATIC_SPHERE", "RADIAL")
     yield "ShaderNodeTexCoord", coordinates()
     yield "ShaderNodeTexGradient", words("TexGradient", "gradient_type", kinds)
-    yield "ShaderNodeTexBrick", [
-        one("whole numbers given as 3.0 and 4.5", "TexBrick", offset_frequency=3.0, squash_frequency=4.5,
-            offset=1, squash=2)
-    ]
+    yield (
+        "ShaderNodeTexBrick",
+        [
+            one(
+                "whole numbers given as 3.0 and 4.5",
+                "TexBrick",
+                offset_frequency=3.0,
+                squash_frequency=4.5,
+                offset=1,
+                squash=2,
+            )
+        ],
+    )
     yield "ShaderNodeTexMagic", words("TexMagic", "turbulence_depth", (0, 1, 10, 2.0))
     yield "ShaderNodeTexWave", waves()
     yield "ShaderNodeTexNoise", noises()

@@ -1,4 +1,5 @@
 """Arithmetic, mixes, ranges, channels, changes of space."""
+
 import itertools
 
 from golden.cases import Case
@@ -39,8 +40,7 @@ def maths():
 
 def vector_maths():
     for word in (*VECTOR_OPERATIONS, "FRACT"):
-        yield one(f"operation {word}", "VectorMath", "Value" if word in SCALAR_RESULT else "Vector",
-                  operation=word)
+        yield one(f"operation {word}", "VectorMath", "Value" if word in SCALAR_RESULT else "Vector", operation=word)
     yield one("DOT_PRODUCT read as a vector", "VectorMath", "Vector", operation="DOT_PRODUCT")
     yield one("ADD read as a value", "VectorMath", "Value", operation="ADD")
 
@@ -53,16 +53,39 @@ def mixes():
         yield one(f"FLOAT, {title}", "Mix", "Result_Float", data_type="FLOAT", **said)
         yield one(f"VECTOR, {title}", "Mix", "Result_Vector", data_type="VECTOR", **said)
         yield one(f"RGBA, {title}", "Mix", "Result_Color", data_type="RGBA", **said)
-        yield one(f"VECTOR, NON_UNIFORM, {title}", "Mix", "Result_Vector", data_type="VECTOR",
-                  factor_mode="NON_UNIFORM", **said)
+        yield one(
+            f"VECTOR, NON_UNIFORM, {title}",
+            "Mix",
+            "Result_Vector",
+            data_type="VECTOR",
+            factor_mode="NON_UNIFORM",
+            **said,
+        )
     yield one("FLOAT, NON_UNIFORM", "Mix", "Result_Float", factor_mode="NON_UNIFORM")
-    yield one("VECTOR, without clamps and mode", "Mix", "Result_Vector", data_type="VECTOR", factor_mode=None,
-              clamp_factor=None, clamp_result=None)
-    yield one("RGBA, without clamps and blend", "Mix", "Result_Color", data_type="RGBA", blend_type=None,
-              clamp_factor=None, clamp_result=None)
+    yield one(
+        "VECTOR, without clamps and mode",
+        "Mix",
+        "Result_Vector",
+        data_type="VECTOR",
+        factor_mode=None,
+        clamp_factor=None,
+        clamp_result=None,
+    )
+    yield one(
+        "RGBA, without clamps and blend",
+        "Mix",
+        "Result_Color",
+        data_type="RGBA",
+        blend_type=None,
+        clamp_factor=None,
+        clamp_result=None,
+    )
     yield from words("Mix", "blend_type", BLENDS, "Result_Color", data_type="RGBA")
-    n = node("Mix", {"Factor_Vector": link(v := node("VectorMath"))},
-             props={"data_type": "VECTOR", "factor_mode": "NON_UNIFORM"})
+    n = node(
+        "Mix",
+        {"Factor_Vector": link(v := node("VectorMath"))},
+        props={"data_type": "VECTOR", "factor_mode": "NON_UNIFORM"},
+    )
     yield Case("VECTOR, NON_UNIFORM, linked factor", material(n, v, surface=(n, "Result_Vector")))
 
 
@@ -72,12 +95,12 @@ def legacy_mixes():
 
 
 def ranges():
-    for word, clamp in itertools.product(("LINEAR", "STEPPED", "SMOOTHSTEP", "SMOOTHERSTEP", "NO_SUCH_WORD"),
-                                         (False, True)):
+    for word, clamp in itertools.product(
+        ("LINEAR", "STEPPED", "SMOOTHSTEP", "SMOOTHERSTEP", "NO_SUCH_WORD"), (False, True)
+    ):
         said = {"interpolation_type": word, "clamp": clamp}
         yield one(f"FLOAT, {word}, clamp {clamp}", "MapRange", "Result", data_type="FLOAT", **said)
-        yield one(f"FLOAT_VECTOR, {word}, clamp {clamp}", "MapRange", "Vector", data_type="FLOAT_VECTOR",
-                  **said)
+        yield one(f"FLOAT_VECTOR, {word}, clamp {clamp}", "MapRange", "Vector", data_type="FLOAT_VECTOR", **said)
     yield one("FLOAT read as a vector", "MapRange", "Vector", data_type="FLOAT")
     yield one("FLOAT_VECTOR read as a value", "MapRange", "Result", data_type="FLOAT_VECTOR")
 
@@ -86,22 +109,38 @@ def transforms():
     spaces = ("WORLD", "CAMERA", "OBJECT")
     kinds = ("VECTOR", "NORMAL", "POINT", "NO_SUCH_WORD")
     for kind, (source, target) in itertools.product(kinds, itertools.permutations(spaces, 2)):
-        yield one(f"{kind} from {source} to {target}", "VectorTransform", vector_type=kind,
-                  convert_from=source, convert_to=target)
+        yield one(
+            f"{kind} from {source} to {target}",
+            "VectorTransform",
+            vector_type=kind,
+            convert_from=source,
+            convert_to=target,
+        )
     for pair in [(s, s) for s in spaces] + [("NO_SUCH_WORD", "OBJECT"), ("CAMERA", "NO_SUCH_WORD")]:
-        yield one(f"VECTOR from {pair[0]} to {pair[1]}", "VectorTransform", convert_from=pair[0],
-                  convert_to=pair[1])
+        yield one(f"VECTOR from {pair[0]} to {pair[1]}", "VectorTransform", convert_from=pair[0], convert_to=pair[1])
 
 
 def rotations():
-    for word, invert in itertools.product(("AXIS_ANGLE", "X_AXIS", "Y_AXIS", "Z_AXIS", "EULER_XYZ"),
-                                          (False, True)):
+    for word, invert in itertools.product(("AXIS_ANGLE", "X_AXIS", "Y_AXIS", "Z_AXIS", "EULER_XYZ"), (False, True)):
         yield one(f"{word}, invert {invert}", "VectorRotate", rotation_type=word, invert=invert)
 
 
 def numbers():
-    for value in (1, True, -0.0, 0.1, 1e16, 1e-5, 123456789.125, float("nan"), float("inf"), float("-inf"),
-                  0.800000011920929, [0.25, 9], "0.5"):
+    for value in (
+        1,
+        True,
+        -0.0,
+        0.1,
+        1e16,
+        1e-5,
+        123456789.125,
+        float("nan"),
+        float("inf"),
+        float("-inf"),
+        0.800000011920929,
+        [0.25, 9],
+        "0.5",
+    ):
         yield one(f"value {value!r}", "Value", value=value)
     yield Case("value nan, as a parameter", one("", "Value", value=float("nan")).document, use_params=True)
 

@@ -1,4 +1,5 @@
 """Bump nodes, and the bump that a displacement output gives to the whole surface."""
+
 import numpy as np
 import pytest
 
@@ -37,8 +38,12 @@ SCENE = {
 
 def bump(height=PARTS, output="X", without=(), props=None, **inputs):
     given = {k.replace("_", " "): v for k, v in inputs.items()}
-    return node("Bump", {"Height": link(height, output), "Strength": 1.0, "Distance": 1.0, **given},
-                without=without, props=props)
+    return node(
+        "Bump",
+        {"Height": link(height, output), "Strength": 1.0, "Distance": 1.0, **given},
+        without=without,
+        props=props,
+    )
 
 
 def normal(n, *others, **values):
@@ -57,38 +62,54 @@ def unit(*vector):
 def test_unlinked_height_passes_the_normal_on(without):
     n = node("Bump", without=without, props={"invert": True})
     result = translated(n)
-    assert result["body"] == [
-        f"float3 v1 = {NF};", "float v2 = max(0.9, 0.0);", "float v3 = 0.2;", "v3 = -v3;"
-    ]
+    assert result["body"] == [f"float3 v1 = {NF};", "float v2 = max(0.9, 0.0);", "float v3 = 0.2;", "v3 = -v3;"]
     assert result["ret"] == "v1" and result["need"] == set()
 
 
 def test_statements():
     colour = node("RGBToBW")
     assert body(bump(colour, "Val", Filter_Width=0.15), colour)[1:] == [
-        "float v2 = max(1.0, 0.0);", "float v3 = 1.0;",
+        "float v2 = max(1.0, 0.0);",
+        "float v3 = 1.0;",
         "float3 v4 = L.facing_normal(normalize(cross((float3(wpcr_dx.x, -wpcr_dx.y, wpcr_dx.z) * 0.01), "
         "(float3(wpcr_dy.x, -wpcr_dy.y, wpcr_dy.z) * 0.01))), "
         "normalize(float3(camvec.x, -camvec.y, camvec.z)));",
         "float v5 = L.bump_dp((float3(dot(wpos - cpos, vaxx), dot(wpos - cpos, vaxy), "
         "dot(wpos - cpos, vaxz)) * 0.01), "
-        "thfov, vsz);", "float3 v6 = L.make_orthonormals_a(v4);", "float3 v7 = v5 * v6;",
-        "float3 v8 = v5 * cross(v4, v6);", "float3 v9 = (float3(wpcr_dx.x, -wpcr_dx.y, wpcr_dx.z) * 0.01);",
-        "float3 v10 = (float3(wpcr_dy.x, -wpcr_dy.y, wpcr_dy.z) * 0.01);", "float v11 = dot(v9, v9);",
-        "float v12 = dot(v9, v10);", "float v13 = dot(v10, v10);", "float v14 = v11 * v13 - v12 * v12;",
-        "float3 v15 = v7 * 0.15;", "float v16 = dot(v9, v15);", "float v17 = dot(v10, v15);",
+        "thfov, vsz);",
+        "float3 v6 = L.make_orthonormals_a(v4);",
+        "float3 v7 = v5 * v6;",
+        "float3 v8 = v5 * cross(v4, v6);",
+        "float3 v9 = (float3(wpcr_dx.x, -wpcr_dx.y, wpcr_dx.z) * 0.01);",
+        "float3 v10 = (float3(wpcr_dy.x, -wpcr_dy.y, wpcr_dy.z) * 0.01);",
+        "float v11 = dot(v9, v9);",
+        "float v12 = dot(v9, v10);",
+        "float v13 = dot(v10, v10);",
+        "float v14 = v11 * v13 - v12 * v12;",
+        "float3 v15 = v7 * 0.15;",
+        "float v16 = dot(v9, v15);",
+        "float v17 = dot(v10, v15);",
         "float v18 = (v14 != 0.0) ? (v13 * v16 - v12 * v17) / v14 : 0.0;",
-        "float v19 = (v14 != 0.0) ? (v11 * v17 - v12 * v16) / v14 : 0.0;", "float3 v20 = v8 * 0.15;",
-        "float v21 = dot(v9, v20);", "float v22 = dot(v10, v20);",
+        "float v19 = (v14 != 0.0) ? (v11 * v17 - v12 * v16) / v14 : 0.0;",
+        "float3 v20 = v8 * 0.15;",
+        "float v21 = dot(v9, v20);",
+        "float v22 = dot(v10, v20);",
         "float v23 = (v14 != 0.0) ? (v13 * v21 - v12 * v22) / v14 : 0.0;",
         "float v24 = (v14 != 0.0) ? (v11 * v22 - v12 * v21) / v14 : 0.0;",
-        *(line for k in (25, 27, 29)
-          for line in (f"float v{k} = dot(float3(0.8, 0.5, 0.25), float3(0.2126, 0.7152, 0.0722));",
-                       f"float v{k + 1} = v{k};")), "float3 v31 = cross(v8, v1);",
-        "float3 v32 = cross(v1, v7);", "float v33 = dot(v7, v31);",
+        *(
+            line
+            for k in (25, 27, 29)
+            for line in (
+                f"float v{k} = dot(float3(0.8, 0.5, 0.25), float3(0.2126, 0.7152, 0.0722));",
+                f"float v{k + 1} = v{k};",
+            )
+        ),
+        "float3 v31 = cross(v8, v1);",
+        "float3 v32 = cross(v1, v7);",
+        "float v33 = dot(v7, v31);",
         "float3 v34 = (v26 - v30) * v31 + (v28 - v30) * v32;",
         "float3 v35 = L.safe_normalize(0.15 * abs(v33) * v1 - v3 * ((v33 < 0.0) ? -1.0 : 1.0) * v34);",
-        "if (dot(v35, v35) == 0.0) v35 = v1; else v35 = normalize(v2 * v35 + (1.0 - v2) * v1);"
+        "if (dot(v35, v35) == 0.0) v35 = v1; else v35 = normalize(v2 * v35 + (1.0 - v2) * v1);",
     ]
 
 
@@ -100,11 +121,19 @@ def test_linked_normal_leaves_the_frame_geometric():
     assert sum("L.facing_normal(" in line for line in result["body"]) == 1
 
 
-@pytest.mark.parametrize("given, text",
-                         [(None, "0.1"), ({"t": "VALUE"}, "0.1"), ({"t": "VALUE", "v": None}, "0.1"),
-                          (0, "0.0"), (0.25, "0.25"), (2, "2.0"),
-                          ({"t": "VALUE", "link": ["Nobody", "Value", "VALUE"]}, "0.1"),
-                          ({"t": "VALUE", "link": ["Nobody", "Value", "VALUE"], "v": 0.5}, "0.5")])
+@pytest.mark.parametrize(
+    "given, text",
+    [
+        (None, "0.1"),
+        ({"t": "VALUE"}, "0.1"),
+        ({"t": "VALUE", "v": None}, "0.1"),
+        (0, "0.0"),
+        (0.25, "0.25"),
+        (2, "2.0"),
+        ({"t": "VALUE", "link": ["Nobody", "Value", "VALUE"]}, "0.1"),
+        ({"t": "VALUE", "link": ["Nobody", "Value", "VALUE"], "v": 0.5}, "0.5"),
+    ],
+)
 def test_filter_width(given, text):
     n = bump(without=["Filter Width"]) if given is None else bump(Filter_Width=given)
     lines = body(n, PARTS, UV)
@@ -134,8 +163,7 @@ def test_invert():
 
 @pytest.mark.parametrize("strength", [0.0, -1.0])
 def test_no_strength(strength):
-    np.testing.assert_allclose(normal(bump(Strength=strength), cnorm=(0.0, 0.0, 1.0)), (0.0, 0.0, 1.0),
-                               atol=1e-6)
+    np.testing.assert_allclose(normal(bump(Strength=strength), cnorm=(0.0, 0.0, 1.0)), (0.0, 0.0, 1.0), atol=1e-6)
 
 
 def test_strength_beyond_one_extrapolates():
@@ -149,14 +177,12 @@ def test_pixels_without_derivatives():
     np.testing.assert_allclose(normal(bump(), **parallel), (0.0, 0.0, 1.0), atol=1e-6)
     geometry = node("NewGeometry")
     parts = node("SeparateXYZ", {"Vector": link(geometry, "Position")})
-    np.testing.assert_allclose(normal(bump(parts), parts, geometry, **parallel), unit(-1.0, 0.0, 1.0),
-                               atol=1e-4)
+    np.testing.assert_allclose(normal(bump(parts), parts, geometry, **parallel), unit(-1.0, 0.0, 1.0), atol=1e-4)
 
 
 # ---- the displacement output ------------------------------------------------------------------------
 
-HEIGHT = node("Displacement", {"Height": link(PARTS, "X"), "Midlevel": 0.0, "Scale": 1.0},
-              props={"space": "WORLD"})
+HEIGHT = node("Displacement", {"Height": link(PARTS, "X"), "Midlevel": 0.0, "Scale": 1.0}, props={"space": "WORLD"})
 
 
 def displaced(method="BUMP", reader=None, displacement=HEIGHT, others=(PARTS, UV), mode="surface"):
@@ -165,9 +191,17 @@ def displaced(method="BUMP", reader=None, displacement=HEIGHT, others=(PARTS, UV
     return translated(reader, displacement, *others, mode=mode, displacement=displacement, settings=settings)
 
 
-@pytest.mark.parametrize("method, runs, object_space", [(None, True, False), ("BUMP", True, False),
-                                                        ("BOTH", True, True), ("DISPLACEMENT", True, True),
-                                                        ("NO_SUCH_WORD", False, None), ("", False, None)])
+@pytest.mark.parametrize(
+    "method, runs, object_space",
+    [
+        (None, True, False),
+        ("BUMP", True, False),
+        ("BOTH", True, True),
+        ("DISPLACEMENT", True, True),
+        ("NO_SUCH_WORD", False, None),
+        ("", False, None),
+    ],
+)
 def test_methods(method, runs, object_space):
     for mode in ("surface", "emission"):
         result = displaced(method, mode=mode)
@@ -193,11 +227,14 @@ def test_statements_of_the_displacement_come_first():
     assert len(dots) == 3, "the height is the part along the normal"
     assert any(
         line.startswith(f"float3 {name} = L.safe_normalize(0.1 * abs(") and " - 1.0 * ((" in line
-        for line in result["body"])
-    assert any(line == f"if (dot({name}, {name}) == 0.0) {name} = v1; else {name} = "
-               f"normalize(1.0 * {name} + (1.0 - 1.0) * v1);" for line in result["body"])
-    assert [line.split(" = ")[0].rstrip("0123456789") for line in behind
-            ] == ["QWKClosure bsdf", "QWKClosure surf"]
+        for line in result["body"]
+    )
+    assert any(
+        line == f"if (dot({name}, {name}) == 0.0) {name} = v1; else {name} = "
+        f"normalize(1.0 * {name} + (1.0 - 1.0) * v1);"
+        for line in result["body"]
+    )
+    assert [line.split(" = ")[0].rstrip("0123456789") for line in behind] == ["QWKClosure bsdf", "QWKClosure surf"]
 
 
 def test_surface_that_reads_no_normal_is_bumped_all_the_same():
@@ -206,8 +243,7 @@ def test_surface_that_reads_no_normal_is_bumped_all_the_same():
 
 @pytest.mark.parametrize("method", ["BUMP", "BOTH"])
 def test_displaced_normal_is_in_world_space(method):
-    result = surface(node("BsdfDiffuse"), HEIGHT, PARTS, UV, displacement=HEIGHT,
-                     settings={"displacement": method})
+    result = surface(node("BsdfDiffuse"), HEIGHT, PARTS, UV, displacement=HEIGHT, settings={"displacement": method})
     needed = {i["name"] for i in result["inputs"]}
     got = custom_expression.evaluate(result, {k: v for k, v in SCENE.items() if k in needed})["OutNormal"][0]
     np.testing.assert_allclose(got, unit(-1.0, 0.0, 1.0), atol=1e-4)

@@ -1,4 +1,5 @@
 """Normal maps."""
+
 import re
 
 import numpy as np
@@ -8,16 +9,23 @@ from edge_cases import body, bumped_normal, key_error, translated, unsupported, 
 from golden.documents import node
 
 UNTURNED = {
-    "oax": (1.0, 0.0, 0.0), "oay": (0.0, 1.0, 0.0), "oaz": (0.0, 0.0, 1.0), "vnorm": (0.0, 0.0, 1.0),
-    "ttan": (1.0, 0.0, 0.0), "tbit": (0.0, 1.0, 0.0), "tsign": 1.0, "cnorm": (0.6, 0.0, 0.8)
+    "oax": (1.0, 0.0, 0.0),
+    "oay": (0.0, 1.0, 0.0),
+    "oaz": (0.0, 0.0, 1.0),
+    "vnorm": (0.0, 0.0, 1.0),
+    "ttan": (1.0, 0.0, 0.0),
+    "tbit": (0.0, 1.0, 0.0),
+    "tsign": 1.0,
+    "cnorm": (0.6, 0.0, 0.8),
 }
 FRAME = ("vnorm", "ttan", "tbit")
 BLENDS = ("OBJECT", "WORLD", "BLENDER_OBJECT", "BLENDER_WORLD", "NO_SUCH_WORD")
 
 
 def normal(colour, strength=1.0, space="TANGENT", convention="OPENGL", **values):
-    n = node("NormalMap", {"Color": (*colour, 1.0), "Strength": strength},
-             props={"space": space, "convention": convention})
+    n = node(
+        "NormalMap", {"Color": (*colour, 1.0), "Strength": strength}, props={"space": space, "convention": convention}
+    )
     given = {**UNTURNED, **values}
     if space != "TANGENT":
         given = {k: v for k, v in given.items() if k not in FRAME}
@@ -43,9 +51,16 @@ def test_convention(space, convention):
     assert lines.count("v1.y = -v1.y; v1.z = -v1.z;") == space.startswith("BLENDER")
 
 
-@pytest.mark.parametrize("strength, wanted", [(1.0, (0.5, 0.25, 0.5)), (0.0, (0.0, 0.0, 1.0)),
-                                              (2.0, (1.0, 0.5, 0.5)), (-1.0, (-0.5, -0.25, 1.0)),
-                                              (0.5, (0.25, 0.125, 0.75))])
+@pytest.mark.parametrize(
+    "strength, wanted",
+    [
+        (1.0, (0.5, 0.25, 0.5)),
+        (0.0, (0.0, 0.0, 1.0)),
+        (2.0, (1.0, 0.5, 0.5)),
+        (-1.0, (-0.5, -0.25, 1.0)),
+        (0.5, (0.25, 0.125, 0.75)),
+    ],
+)
 def test_strength_in_tangent_space(strength, wanted):
     """The statement is the same for all strengths; the surface's own normal plays no part."""
     np.testing.assert_allclose(normal((0.75, 0.625, 0.75), strength), unit(*wanted), atol=1e-6)
@@ -54,8 +69,7 @@ def test_strength_in_tangent_space(strength, wanted):
 
 
 def test_strength_zero_in_tangent_space_is_the_vertex_normal():
-    np.testing.assert_allclose(normal((0.75, 0.625, 0.75), 0.0, vnorm=(0.0, 0.6, 0.8)), (0.0, -0.6, 0.8),
-                               atol=1e-6)
+    np.testing.assert_allclose(normal((0.75, 0.625, 0.75), 0.0, vnorm=(0.0, 0.6, 0.8)), (0.0, -0.6, 0.8), atol=1e-6)
     np.testing.assert_allclose(normal((0.75, 0.625, 0.75), 0.0, tsign=-1.0), (0.0, 0.0, -1.0), atol=1e-6)
 
 
@@ -63,8 +77,7 @@ def test_strength_zero_in_tangent_space_is_the_vertex_normal():
 @pytest.mark.parametrize("strength", [0.0, -1.0])
 def test_no_strength_in_other_spaces_is_the_surface_normal(space, strength):
     np.testing.assert_allclose(normal((0.75, 0.625, 0.75), strength, space), UNTURNED["cnorm"], atol=1e-6)
-    np.testing.assert_allclose(normal((0.75, 0.625, 0.75), strength, space, tsign=-1.0), (-0.6, 0.0, -0.8),
-                               atol=1e-6)
+    np.testing.assert_allclose(normal((0.75, 0.625, 0.75), strength, space, tsign=-1.0), (-0.6, 0.0, -0.8), atol=1e-6)
 
 
 @pytest.mark.parametrize("space", ["OBJECT", "WORLD"])
@@ -74,11 +87,16 @@ def test_strength_beyond_one_in_other_spaces(space):
     np.testing.assert_allclose(got, unit(*(surface + (mapped - surface) * 2.0)), atol=1e-6)
 
 
-@pytest.mark.parametrize("space, strength, wanted", [("WORLD", 1.0, UNTURNED["cnorm"]),
-                                                     ("OBJECT", 1.0, UNTURNED["cnorm"]),
-                                                     ("TANGENT", 1.0, UNTURNED["cnorm"]),
-                                                     ("TANGENT", 2.0, UNTURNED["cnorm"]),
-                                                     ("TANGENT", 0.5, (0.0, 0.0, 1.0))])
+@pytest.mark.parametrize(
+    "space, strength, wanted",
+    [
+        ("WORLD", 1.0, UNTURNED["cnorm"]),
+        ("OBJECT", 1.0, UNTURNED["cnorm"]),
+        ("TANGENT", 1.0, UNTURNED["cnorm"]),
+        ("TANGENT", 2.0, UNTURNED["cnorm"]),
+        ("TANGENT", 0.5, (0.0, 0.0, 1.0)),
+    ],
+)
 def test_grey_decodes_to_zero(space, strength, wanted):
     np.testing.assert_allclose(normal((0.5, 0.5, 0.5), strength, space), wanted, atol=1e-6)
 
@@ -99,11 +117,16 @@ def test_library_names_are_always_the_same(space):
     assert need == {"n_obj_to_world", "safe_normalize"} | ({"rot_to_obj"} if space == "TANGENT" else set())
 
 
-@pytest.mark.parametrize("space, text", [("OBJECT", "float3 nm4 = L.n_obj_to_world(v1, "),
-                                         ("BLENDER_OBJECT", "float3 nm4 = L.n_obj_to_world(v1, "),
-                                         ("WORLD", "float3 nm4 = L.safe_normalize(v1);"),
-                                         ("BLENDER_WORLD", "float3 nm4 = L.safe_normalize(v1);"),
-                                         ("NO_SUCH_WORD", "float3 nm4 = L.safe_normalize(v1);")])
+@pytest.mark.parametrize(
+    "space, text",
+    [
+        ("OBJECT", "float3 nm4 = L.n_obj_to_world(v1, "),
+        ("BLENDER_OBJECT", "float3 nm4 = L.n_obj_to_world(v1, "),
+        ("WORLD", "float3 nm4 = L.safe_normalize(v1);"),
+        ("BLENDER_WORLD", "float3 nm4 = L.safe_normalize(v1);"),
+        ("NO_SUCH_WORD", "float3 nm4 = L.safe_normalize(v1);"),
+    ],
+)
 def test_spaces(space, text):
     result = translated(node("NormalMap", props={"space": space}))
     assert sum(line.startswith(text) for line in result["body"]) == 1 and result["warnings"] == []

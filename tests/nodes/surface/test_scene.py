@@ -1,4 +1,5 @@
 """Nodes that report facts about the scene, the ray or the object."""
+
 import numpy as np
 import pytest
 
@@ -36,11 +37,11 @@ def test_object_random():
     ]
     assert result["need"] == {"hash_float3_to_float"} and result["body"] == []
     assert result["ret"] == (
-        "((float3)(L.hash_float3_to_float(floor((float3(opos.x, -opos.y, opos.z) * 0.01) * 100.0))))")
+        "((float3)(L.hash_float3_to_float(floor((float3(opos.x, -opos.y, opos.z) * 0.01) * 100.0))))"
+    )
 
 
-@pytest.mark.parametrize("output, text", [("Alpha", "1.0"), ("Object Index", "0.0"),
-                                          ("Material Index", "0.0")])
+@pytest.mark.parametrize("output, text", [("Alpha", "1.0"), ("Object Index", "0.0"), ("Material Index", "0.0")])
 def test_fixed_facts_of_the_object(output, text):
     assert translated(node("ObjectInfo"), output=output)["ret"] == f"((float3)({text}))"
 
@@ -52,9 +53,15 @@ def attribute(name, output="Color", **top):
     return translated(node("Attribute", props={"attribute_name": name}), output=output, **top)
 
 
-@pytest.mark.parametrize("output, text", [("Color", "v1"), ("Vector", "v1"),
-                                          ("Fac", "((float3)(((v1.x + v1.y + v1.z) * (1.0 / 3.0))))"),
-                                          ("Alpha", "((float3)(1.0))")])
+@pytest.mark.parametrize(
+    "output, text",
+    [
+        ("Color", "v1"),
+        ("Vector", "v1"),
+        ("Fac", "((float3)(((v1.x + v1.y + v1.z) * (1.0 / 3.0))))"),
+        ("Alpha", "((float3)(1.0))"),
+    ],
+)
 def test_attribute_of_the_second_uv_map(output, text):
     result = attribute("Detail", output, uv_maps=MAPS)
     assert result["inputs"] == {"uv1": {"kind": "texcoord", "index": 1}}
@@ -62,11 +69,19 @@ def test_attribute_of_the_second_uv_map(output, text):
     assert list(attribute("UVMap", output, uv_maps=MAPS)["inputs"]) == ["uv0"]
 
 
-@pytest.mark.parametrize("output, text", [("Color", "vcol.rgb"), ("Vector", "vcol.rgb"),
-                                          ("Fac", "((float3)(((vcol.r + vcol.g + vcol.b) * (1.0 / 3.0))))"),
-                                          ("Alpha", "((float3)(vcol.a))")])
-@pytest.mark.parametrize("name, top", [("", {"uv_maps": MAPS}), ("Nobody", {"uv_maps": MAPS}), (None, {}),
-                                       ("UVMap", {}), ("UVMap", {"uv_maps": []})])
+@pytest.mark.parametrize(
+    "output, text",
+    [
+        ("Color", "vcol.rgb"),
+        ("Vector", "vcol.rgb"),
+        ("Fac", "((float3)(((vcol.r + vcol.g + vcol.b) * (1.0 / 3.0))))"),
+        ("Alpha", "((float3)(vcol.a))"),
+    ],
+)
+@pytest.mark.parametrize(
+    "name, top",
+    [("", {"uv_maps": MAPS}), ("Nobody", {"uv_maps": MAPS}), (None, {}), ("UVMap", {}), ("UVMap", {"uv_maps": []})],
+)
 def test_other_attributes_are_the_vertex_colour(name, top, output, text):
     result = attribute(name, output, **top)
     assert (result["body"], result["ret"], result["warnings"]) == ([], text, [])
@@ -104,18 +119,15 @@ def test_wireframe():
 
 def test_normal_node_reads_its_stored_value():
     dot = node("Normal", {"Normal": (0.0, 3.0, 4.0)})
-    assert body(dot,
-                output="Dot") == ["float v1 = dot(float3(0.0, 0.6, 0.8), normalize(float3(0.0, 3.0, 4.0)));"]
+    assert body(dot, output="Dot") == ["float v1 = dot(float3(0.0, 0.6, 0.8), normalize(float3(0.0, 3.0, 4.0)));"]
     np.testing.assert_allclose(value_of(dot, output="Dot")[0][0], 1.0, rtol=1e-6)
     zero = node("Normal", {"Normal": (0.0, 0.0, 0.0)})
-    assert body(zero,
-                output="Dot") == ["float v1 = dot(float3(0.0, 0.6, 0.8), normalize(float3(0.0, 0.0, 0.0)));"]
+    assert body(zero, output="Dot") == ["float v1 = dot(float3(0.0, 0.6, 0.8), normalize(float3(0.0, 0.0, 0.0)));"]
 
 
 def test_direction_of_the_normal_node():
     assert translated(node("Normal"), output="Normal")["ret"] == "float3(0.0, 0.6, 0.8)"
-    assert translated(node("Normal", props={"normal": None}),
-                      output="Normal")["ret"] == "float3(0.0, 0.0, 1.0)"
+    assert translated(node("Normal", props={"normal": None}), output="Normal")["ret"] == "float3(0.0, 0.0, 1.0)"
     assert translated(node("Normal"), output="Normal", use_params=True)["ret"] == "float3(0.0, 0.6, 0.8)"
 
 
@@ -125,9 +137,7 @@ SQUEEZE = "Squeeze: Squeeze Value is EEVEE-only (converted with EEVEE's formula;
 def test_squeeze():
     result = translated(node("Squeeze"), use_params=True)
     p = "P_Squeeze__"
-    assert result["body"] == [
-        f"float v1 = 1.0 / (1.0 + pow(2.71828182846, -(({p}Value) - ({p}Center)) * ({p}Width)));"
-    ]
+    assert result["body"] == [f"float v1 = 1.0 / (1.0 + pow(2.71828182846, -(({p}Value) - ({p}Center)) * ({p}Width)));"]
     assert result["warnings"] == [SQUEEZE]
     negative = node("Squeeze", {"Value": -0.5, "Center": -0.25, "Width": -2.0})
     np.testing.assert_allclose(value_of(negative)[0][0], 1 / (1 + np.exp(0.25 * -2.0)), rtol=1e-5)
@@ -136,8 +146,11 @@ def test_squeeze():
 def test_camera_data():
     parts = ", ".join(f"dot(wpos - cpos, vax{a})" for a in "xyz")
     text = f"float3 v1 = (float3({parts}) * 0.01);"
-    for output, line in (("View Vector", "float3 v2 = normalize(v1);"), ("View Z Depth", "float v2 = v1.z;"),
-                         ("View Distance", "float v2 = length(v1);")):
+    for output, line in (
+        ("View Vector", "float3 v2 = normalize(v1);"),
+        ("View Z Depth", "float v2 = v1.z;"),
+        ("View Distance", "float v2 = length(v1);"),
+    ):
         assert body(node("CameraData"), output=output) == [text, line]
 
 
@@ -146,18 +159,29 @@ def test_spectra():
     rows = (
         "dot(v1, float3(3.2404542, -1.5371385, -0.4985314)), "
         "dot(v1, float3(-0.969266, 1.8760108, 0.041556)), "
-        "dot(v1, float3(0.0556434, -0.2040259, 1.0572252))")
+        "dot(v1, float3(0.0556434, -0.2040259, 1.0572252))"
+    )
     assert body(node("Wavelength")) == [
-        "float3 v1 = L.wavelength_xyz(550.0);", f"float3 v2 = max(float3({rows}) * (1.0 / 2.52), {ZERO});"
+        "float3 v1 = L.wavelength_xyz(550.0);",
+        f"float3 v2 = max(float3({rows}) * (1.0 / 2.52), {ZERO});",
     ]
     for kind in ("Blackbody", "Wavelength"):
         got = value_of(node(kind))[0]
         assert got.min() >= 0.0 and got.max() > 0.1
 
 
-@pytest.mark.parametrize("kind, socket", [("AmbientOcclusion", "Color"), ("Normal", "Normal"),
-                                          ("Squeeze", "Value"), ("Squeeze", "Width"), ("Squeeze", "Center"),
-                                          ("Blackbody", "Temperature"), ("Wavelength", "Wavelength")])
+@pytest.mark.parametrize(
+    "kind, socket",
+    [
+        ("AmbientOcclusion", "Color"),
+        ("Normal", "Normal"),
+        ("Squeeze", "Value"),
+        ("Squeeze", "Width"),
+        ("Squeeze", "Center"),
+        ("Blackbody", "Temperature"),
+        ("Wavelength", "Wavelength"),
+    ],
+)
 def test_mandatory_sockets(kind, socket):
     with unsupported(f"ShaderNode{kind}: no input {socket}"):
         body(node(kind, without=[socket]), output=list(node(kind)["outs"])[-1])

@@ -1,4 +1,5 @@
 """Gabor and Radial Tiling."""
+
 import numpy as np
 import pytest
 
@@ -40,7 +41,9 @@ def test_mandatory_sockets_of_gabor(socket):
 def test_sides_are_limited_at_run_time():
     lines = body(node("RadialTiling", {"Sides": 1.0, "Roundness": 9.0}))
     assert lines[:3] == [
-        "float3 v1 = float3(0.5, -1.5, 2.5);", "float v2 = max(1.0, 2.0);", "float v3 = clamp(9.0, 0.0, 1.0);"
+        "float3 v1 = float3(0.5, -1.5, 2.5);",
+        "float v2 = max(1.0, 2.0);",
+        "float v3 = clamp(9.0, 0.0, 1.0);",
     ]
     for output in ("Segment Coordinates", "Segment Width", "Segment Rotation"):
         one, two = (value_of(node("RadialTiling", {"Sides": s}), output=output) for s in (1.0, 2.0))
@@ -60,7 +63,7 @@ def test_normalize(normalize, word):
     lines = body(node("RadialTiling", props={"normalize": normalize}))
     assert lines[3:] == [
         f"float4 v4 = L.calculate_out_variables(true, true, {word}, v2, v3, v1.xy);",
-        "float3 v5 = float3(v4.y, v4.x, 0.0);"
+        "float3 v5 = float3(v4.y, v4.x, 0.0);",
     ]
 
 
@@ -75,5 +78,4 @@ def test_mandatory_sockets_of_the_tiling(socket):
 
 
 def test_vector_of_gabor_may_be_absent():
-    assert "lpos" in translated(bare("TexGabor",
-                                     {"Scale": 1.0, "Frequency": 2.0, "Anisotropy": 1.0}))["inputs"]
+    assert "lpos" in translated(bare("TexGabor", {"Scale": 1.0, "Frequency": 2.0, "Anisotropy": 1.0}))["inputs"]

@@ -1,4 +1,5 @@
 """Noise and White Noise."""
+
 import numpy as np
 import pytest
 
@@ -24,11 +25,16 @@ def test_defaults():
     assert translated(node("TexNoise", **nothing))["need"] == {"noise_texture3_FBM"}
 
 
-@pytest.mark.parametrize("normalize, output, flags", [(False, "Color", ["0.0", "1.0"]),
-                                                      (True, "Color", ["1.0", "1.0"]),
-                                                      (False, "Fac", ["0.0", "0.0"]),
-                                                      (None, "Fac", ["1.0", "0.0"]),
-                                                      (0, "Fac", ["0.0", "0.0"])])
+@pytest.mark.parametrize(
+    "normalize, output, flags",
+    [
+        (False, "Color", ["0.0", "1.0"]),
+        (True, "Color", ["1.0", "1.0"]),
+        (False, "Fac", ["0.0", "0.0"]),
+        (None, "Fac", ["1.0", "0.0"]),
+        (0, "Fac", ["0.0", "0.0"]),
+    ],
+)
 def test_flags(normalize, output, flags):
     assert call(props={"normalize": normalize}, output=output)[1][-3:-1] == flags
 
@@ -51,18 +57,21 @@ def test_one_dimension_leaves_the_vector_alone():
     assert not any("0.75" in line for line in result["body"])
 
 
-@pytest.mark.parametrize("word, kind, text",
-                         [("1D", "float", "(0.3 * v1)"),
-                          ("2D", "float2", "((float3(0.25, 0.5, 0.75)).xy * v1)"),
-                          ("3D", "float3", "(float3(0.25, 0.5, 0.75) * v1)"),
-                          ("4D", "float4", "(float4(float3(0.25, 0.5, 0.75), 0.3) * v1)")])
+@pytest.mark.parametrize(
+    "word, kind, text",
+    [
+        ("1D", "float", "(0.3 * v1)"),
+        ("2D", "float2", "((float3(0.25, 0.5, 0.75)).xy * v1)"),
+        ("3D", "float3", "(float3(0.25, 0.5, 0.75) * v1)"),
+        ("4D", "float4", "(float4(float3(0.25, 0.5, 0.75), 0.3) * v1)"),
+    ],
+)
 def test_coordinate(word, kind, text):
     n = node("TexNoise", {"Vector": link(node("RGB"))}, props={"noise_dimensions": word})
     assert body(n, node("RGB"))[1] == f"{kind} v2 = {text};"
 
 
-@pytest.mark.parametrize("word, text", [("1D", "(0.0 * v1)"),
-                                        ("4D", "(float4(float3(0.25, 0.5, 0.75), 0.0) * v1)")])
+@pytest.mark.parametrize("word, text", [("1D", "(0.0 * v1)"), ("4D", "(float4(float3(0.25, 0.5, 0.75), 0.0) * v1)")])
 def test_absent_w(word, text):
     n = node("TexNoise", {"Vector": link(node("RGB"))}, props={"noise_dimensions": word}, without=["W"])
     assert body(n, node("RGB"))[1].endswith(f" = {text};")
@@ -76,14 +85,16 @@ def test_w_is_not_read_in_two_and_three_dimensions(word):
 
 @pytest.mark.parametrize("word, read", [("1D", True), ("2D", True), ("3D", True), ("4D", True)])
 def test_white_noise_always_evaluates_w(word, read):
-    n = node("TexWhiteNoise", {"W": link(node("Wireframe")), "Vector": link(node("RGB"))},
-             props={"noise_dimensions": word})
+    n = node(
+        "TexWhiteNoise", {"W": link(node("Wireframe")), "Vector": link(node("RGB"))}, props={"noise_dimensions": word}
+    )
     result = translated(n, node("Wireframe"), node("RGB"))
     assert bool(result["warnings"]) == read
     texts = {
-        "1D": "float v1 = 0.0;", "2D": "float2 v1 = (float3(0.25, 0.5, 0.75)).xy;",
+        "1D": "float v1 = 0.0;",
+        "2D": "float2 v1 = (float3(0.25, 0.5, 0.75)).xy;",
         "3D": "float3 v1 = float3(0.25, 0.5, 0.75);",
-        "4D": "float4 v1 = float4(float3(0.25, 0.5, 0.75), 0.0);"
+        "4D": "float4 v1 = float4(float3(0.25, 0.5, 0.75), 0.0);",
     }
     assert result["body"][0] == texts[word]
 
@@ -92,13 +103,13 @@ def test_w_of_a_white_noise_adds_statements_that_nothing_uses():
     n = node("TexWhiteNoise", {"W": link(SUM), "Vector": link(node("RGB"))})
     lines = body(n, SUM, node("RGB"))
     assert lines[3:] == [
-        "float v4 = v1 + v2;", "float3 v5 = float3(0.25, 0.5, 0.75);",
-        "float v6 = L.hash_float3_to_float(v5);"
+        "float v4 = v1 + v2;",
+        "float3 v5 = float3(0.25, 0.5, 0.75);",
+        "float v6 = L.hash_float3_to_float(v5);",
     ]
 
 
-@pytest.mark.parametrize("word, suffix", [("1D", "float"), ("2D", "float2"), ("3D", "float3"),
-                                          ("4D", "float4")])
+@pytest.mark.parametrize("word, suffix", [("1D", "float"), ("2D", "float2"), ("3D", "float3"), ("4D", "float4")])
 def test_white_noise_asks_for_both_hashes(word, suffix):
     n = node("TexWhiteNoise", props={"noise_dimensions": word})
     for output in ("Value", "Color"):
@@ -109,8 +120,7 @@ def test_detail_is_limited_at_run_time():
     lines = body(node("TexNoise", {"Detail": 99.0, "Roughness": -1.0}))
     assert lines[2:4] == ["float v3 = clamp(99.0, 0.0, 15.0);", "float v4 = max(-1.0, 0.0);"]
     point = node("CombineXYZ", {"X": 0.3, "Y": 0.4, "Z": 0.5})
-    most, more = (value_of(node("TexNoise", {"Detail": d, "Vector": link(point)}), point)
-                  for d in (15.0, 99.0))
+    most, more = (value_of(node("TexNoise", {"Detail": d, "Vector": link(point)}), point) for d in (15.0, 99.0))
     np.testing.assert_array_equal(most, more)
 
 

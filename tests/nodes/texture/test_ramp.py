@@ -1,4 +1,5 @@
 """Colour ramps."""
+
 import numpy as np
 import pytest
 
@@ -26,8 +27,9 @@ def test_one_stop():
 def test_one_stop_has_its_parameters_all_the_same():
     result = quillgen.compile(material(ramp(TWO[1:])), "emission")
     assert result["params"] == {
-        "P_ValToRGB__Fac": ["scalar", 0.6], "P_ValToRGB__stop0_pos": ["scalar", 0.75],
-        "P_ValToRGB__stop0_col": ["vector", WHITE]
+        "P_ValToRGB__Fac": ["scalar", 0.6],
+        "P_ValToRGB__stop0_pos": ["scalar", 0.75],
+        "P_ValToRGB__stop0_col": ["vector", WHITE],
     }
     assert "stop0_pos" not in result["code"] and "float4 rc2 = P_ValToRGB__stop0_col;" in result["code"]
     assert "P_ValToRGB__stop0_pos" in [i["name"] for i in result["inputs"]]
@@ -35,8 +37,9 @@ def test_one_stop_has_its_parameters_all_the_same():
 
 def test_two_stops():
     assert body(ramp(TWO))[1:] == [
-        f"float4 rc2 = {C0};", f"if (v1 >= 0.75) rc2 = {C1};",
-        f"if (v1 >= 0.25 && v1 < 0.75) rc2 = lerp({C0}, {C1}, {T});"
+        f"float4 rc2 = {C0};",
+        f"if (v1 >= 0.75) rc2 = {C1};",
+        f"if (v1 >= 0.25 && v1 < 0.75) rc2 = lerp({C0}, {C1}, {T});",
     ]
 
 
@@ -50,8 +53,7 @@ def test_two_stops_at_one_place(interp, mode, factor, wanted):
     assert ("max(0.5 - 0.5, 1e-10)" in "".join(body(n))) == (interp != "CONSTANT")
 
 
-@pytest.mark.parametrize("mode, to, back", [("HSV", "rgb_to_hsv", "hsv_to_rgb"),
-                                            ("HSL", "rgb_to_hsl", "hsl_to_rgb")])
+@pytest.mark.parametrize("mode, to, back", [("HSV", "rgb_to_hsv", "hsv_to_rgb"), ("HSL", "rgb_to_hsl", "hsl_to_rgb")])
 def test_colour_models(mode, to, back):
     blend = "float4(L.{b}(lerp(L.{to}({0}.rgb), L.{to}({1}.rgb), {t})), lerp({0}.a, {1}.a, {t}))"
     literal = translated(ramp(TWO, mode=mode))
@@ -138,5 +140,4 @@ def test_order_of_parameters():
 
 def test_unread_ramp_has_no_parameters():
     n = node("Math", {"Value": link(node("Value"))})
-    assert "stop0_pos" not in str(
-        quillgen.compile(material(n, node("Value"), ramp(TWO)), "emission")["params"])
+    assert "stop0_pos" not in str(quillgen.compile(material(n, node("Value"), ramp(TWO)), "emission")["params"])

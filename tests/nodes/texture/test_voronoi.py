@@ -1,4 +1,5 @@
 """Voronoi."""
+
 import numpy as np
 import pytest
 
@@ -12,24 +13,21 @@ STRUCTS = {"QWKVoronoiParams", "QWKVoronoiOutput"}
 
 
 def voronoi(output=None, **props):
-    return translated(node("TexVoronoi", {"Vector": link(node("RGB"))}, props=props), node("RGB"),
-                      output=output)
+    return translated(node("TexVoronoi", {"Vector": link(node("RGB"))}, props=props), node("RGB"), output=output)
 
 
 def bound(result):
-    return [
-        line for line in result["body"] if line.startswith("vp1.max_distance") and "normalize" not in line
-    ]
+    return [line for line in result["body"] if line.startswith("vp1.max_distance") and "normalize" not in line]
 
 
 def test_defaults():
     result = voronoi(voronoi_dimensions=None, feature=None, distance=None, normalize=None)
     assert result["body"][:5] == [
-        "QWKVoronoiParams vp1;", "vp1.feature = 0; vp1.metric = 0; vp1.scale = 5.0;",
+        "QWKVoronoiParams vp1;",
+        "vp1.feature = 0; vp1.metric = 0; vp1.scale = 5.0;",
         "vp1.detail = clamp(2.0, 0.0, 15.0); vp1.roughness = clamp(0.625, 0.0, 1.0); vp1.lacunarity = 2.25;",
-        "vp1.smoothness = clamp(0.75 / 2.0, 0.0, 0.5); vp1.exponent = 0.375; "
-        "vp1.randomness = clamp(0.875, 0.0, 1.0);",
-        "vp1.max_distance = 0.0; vp1.normalize = 0.0;"
+        "vp1.smoothness = clamp(0.75 / 2.0, 0.0, 0.5); vp1.exponent = 0.375; vp1.randomness = clamp(0.875, 0.0, 1.0);",
+        "vp1.max_distance = 0.0; vp1.normalize = 0.0;",
     ]
     assert result["body"][5] == "float3 v2 = (float3(0.25, 0.5, 0.75) * vp1.scale);"
     assert result["body"][7] == "QWKVoronoiOutput v3 = L.fractal_voronoi_x_fx3(vp1, v2);"
@@ -59,8 +57,11 @@ def test_distance_to_edge(d):
 @pytest.mark.parametrize("d", TYPES)
 def test_radius_is_the_only_live_output(d):
     texts = {
-        "Radius": "((float3)(v3))", "Distance": "((float3)(0.0))", "Color": ZERO, "Position": ZERO,
-        "W": "((float3)(0.0))"
+        "Radius": "((float3)(v3))",
+        "Distance": "((float3)(0.0))",
+        "Color": ZERO,
+        "Position": ZERO,
+        "W": "((float3)(0.0))",
     }
     for output, text in texts.items():
         result = voronoi(output, feature="N_SPHERE_RADIUS", voronoi_dimensions=d)
@@ -69,8 +70,7 @@ def test_radius_is_the_only_live_output(d):
 
 
 @pytest.mark.parametrize("feature", ["F1", "DISTANCE_TO_EDGE", "N_SPHERE_RADIUS"])
-@pytest.mark.parametrize("metric, code", [("EUCLIDEAN", 0), ("MANHATTAN", 1), ("CHEBYCHEV", 2),
-                                          ("MINKOWSKI", 3)])
+@pytest.mark.parametrize("metric, code", [("EUCLIDEAN", 0), ("MANHATTAN", 1), ("CHEBYCHEV", 2), ("MINKOWSKI", 3)])
 def test_metric(feature, metric, code):
     for d in TYPES:
         line = voronoi(feature=feature, distance=metric, voronoi_dimensions=d)["body"][1]
@@ -79,8 +79,11 @@ def test_metric(feature, metric, code):
 
 def test_outputs_of_points():
     texts = {
-        "Distance": "((float3)(v3.distance))", "Color": "v3.color", "Position": "v3.position.xyz",
-        "W": "((float3)(v3.position.w))", "Radius": "((float3)(0.0))"
+        "Distance": "((float3)(v3.distance))",
+        "Color": "v3.color",
+        "Position": "v3.position.xyz",
+        "W": "((float3)(v3.position.w))",
+        "Radius": "((float3)(0.0))",
     }
     for output, text in texts.items():
         assert voronoi(output, voronoi_dimensions="4D")["ret"] == text
@@ -88,8 +91,11 @@ def test_outputs_of_points():
 
 def test_other_outputs_of_the_distance_to_edge():
     for output, text in {
-            "Color": ZERO, "Position": ZERO, "W": "((float3)(0.0))", "Radius": "((float3)(0.0))",
-            "Distance": "((float3)(v3))"
+        "Color": ZERO,
+        "Position": ZERO,
+        "W": "((float3)(0.0))",
+        "Radius": "((float3)(0.0))",
+        "Distance": "((float3)(v3))",
     }.items():
         assert voronoi(output, feature="DISTANCE_TO_EDGE")["ret"] == text
 
@@ -98,9 +104,10 @@ def test_smoothness_is_halved():
     n = node("TexVoronoi", {"Smoothness": 1.0}, props={"feature": "SMOOTH_F1"})
     assert "vp1.smoothness = clamp(1.0 / 2.0, 0.0, 0.5);" in body(n)[3]
     point = node("CombineXYZ", {"X": 0.3, "Y": 0.45, "Z": 0.5})
-    one, more = (value_of(
-        node("TexVoronoi", {"Smoothness": s, "Vector": link(point)}, props={"feature": "SMOOTH_F1"}), point)
-                 for s in (1.0, 7.0))
+    one, more = (
+        value_of(node("TexVoronoi", {"Smoothness": s, "Vector": link(point)}, props={"feature": "SMOOTH_F1"}), point)
+        for s in (1.0, 7.0)
+    )
     np.testing.assert_array_equal(one, more)
 
 
@@ -113,23 +120,22 @@ def test_absent_sockets():
     assert body(bare("TexVoronoi", {"Scale": 5.0}))[1:5] == [
         "vp1.feature = 0; vp1.metric = 0; vp1.scale = 5.0;",
         "vp1.detail = clamp(0.0, 0.0, 15.0); vp1.roughness = clamp(0.5, 0.0, 1.0); vp1.lacunarity = 2.0;",
-        "vp1.smoothness = clamp(1.0 / 2.0, 0.0, 0.5); vp1.exponent = 0.5; "
-        "vp1.randomness = clamp(1.0, 0.0, 1.0);",
-        "vp1.max_distance = 0.0; vp1.normalize = 0.0;"
+        "vp1.smoothness = clamp(1.0 / 2.0, 0.0, 0.5); vp1.exponent = 0.5; vp1.randomness = clamp(1.0, 0.0, 1.0);",
+        "vp1.max_distance = 0.0; vp1.normalize = 0.0;",
     ]
     with unsupported("ShaderNodeTexVoronoi: no input Scale"):
         body(bare("TexVoronoi"))
 
 
 def test_one_dimension_reads_w_and_never_the_vector():
-    n = node("TexVoronoi", {"Vector": link(node("Wireframe")), "W": link(node("Value"))},
-             props={"voronoi_dimensions": "1D"})
+    n = node(
+        "TexVoronoi", {"Vector": link(node("Wireframe")), "W": link(node("Value"))}, props={"voronoi_dimensions": "1D"}
+    )
     result = translated(n, node("Wireframe"), node("Value"))
     assert result["warnings"] == [] and "float v2 = (0.625 * vp1.scale);" in result["body"]
 
 
-@pytest.mark.parametrize("prop, word", [("voronoi_dimensions", "5D"), ("feature", "F3"),
-                                        ("distance", "MILES")])
+@pytest.mark.parametrize("prop, word", [("voronoi_dimensions", "5D"), ("feature", "F3"), ("distance", "MILES")])
 def test_unknown_words(prop, word):
     for d in ("1D", "3D"):
         with key_error(word):

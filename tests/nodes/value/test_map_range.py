@@ -1,4 +1,5 @@
 """Map Range and Clamp."""
+
 import numpy as np
 import pytest
 
@@ -10,13 +11,21 @@ def ranged(value=0.75, low=0.25, high=1.5, to=(-1.0, 2.0), steps=4.0, output="Re
     n = node(
         "MapRange",
         {"Value": value, "From Min": low, "From Max": high, "To Min": to[0], "To Max": to[1], "Steps": steps},
-        props=props)
+        props=props,
+    )
     return value_of(n, output=output)[0][0]
 
 
-@pytest.mark.parametrize("clamp, to, wanted", [(False, (-1.0, 2.0), 0.0), (True, (-1.0, 2.0), 0.0),
-                                               (True, (1.0, 2.0), 1.0), (True, (-2.0, -1.0), -1.0),
-                                               (True, (2.0, 1.0), 1.0)])
+@pytest.mark.parametrize(
+    "clamp, to, wanted",
+    [
+        (False, (-1.0, 2.0), 0.0),
+        (True, (-1.0, 2.0), 0.0),
+        (True, (1.0, 2.0), 1.0),
+        (True, (-2.0, -1.0), -1.0),
+        (True, (2.0, 1.0), 1.0),
+    ],
+)
 @pytest.mark.parametrize("word", ["LINEAR", "STEPPED"])
 def test_empty_source_range(clamp, to, wanted, word):
     assert ranged(low=0.5, high=0.5, to=to, clamp=clamp, interpolation_type=word) == wanted
@@ -25,8 +34,11 @@ def test_empty_source_range(clamp, to, wanted, word):
 @pytest.mark.parametrize("steps", [0.0, -1.0])
 def test_no_steps(steps):
     assert ranged(steps=steps, interpolation_type="STEPPED") == -1.0
-    vector = node("MapRange", {"Steps_FLOAT3": (steps, 4.0, steps)},
-                  props={"data_type": "FLOAT_VECTOR", "interpolation_type": "STEPPED", "clamp": False})
+    vector = node(
+        "MapRange",
+        {"Steps_FLOAT3": (steps, 4.0, steps)},
+        props={"data_type": "FLOAT_VECTOR", "interpolation_type": "STEPPED", "clamp": False},
+    )
     got = value_of(vector, output="Vector")[0]
     np.testing.assert_allclose(got[[0, 2]], (-1.1, -1.3), rtol=1e-6)
     assert abs(got[1] + 1.2) > 0.1
@@ -40,10 +52,8 @@ def test_float_is_the_default():
 @pytest.mark.parametrize("word", ["SMOOTHSTEP", "SMOOTHERSTEP"])
 def test_reversed_range_mirrors_the_curve(word):
     straight = ranged(0.6, 0.0, 1.0, (0.0, 1.0), interpolation_type=word)
-    np.testing.assert_allclose(ranged(0.6, 1.0, 0.0, (0.0, 1.0), interpolation_type=word), 1.0 - straight,
-                               rtol=1e-6)
-    np.testing.assert_allclose(ranged(0.4, 0.0, 1.0, (0.0, 1.0), interpolation_type=word), 1.0 - straight,
-                               rtol=1e-6)
+    np.testing.assert_allclose(ranged(0.6, 1.0, 0.0, (0.0, 1.0), interpolation_type=word), 1.0 - straight, rtol=1e-6)
+    np.testing.assert_allclose(ranged(0.4, 0.0, 1.0, (0.0, 1.0), interpolation_type=word), 1.0 - straight, rtol=1e-6)
 
 
 @pytest.mark.parametrize("kind, output", [("FLOAT", "Result"), ("FLOAT_VECTOR", "Vector")])
@@ -58,23 +68,28 @@ def test_smooth_modes_are_not_clamped(kind, output, word):
 @pytest.mark.parametrize("kind, output, text", [("FLOAT", "Vector", ZERO), ("FLOAT_VECTOR", "Result", "0.0")])
 def test_the_other_output_is_neutral(kind, output, text):
     n = node("MapRange", props={"data_type": kind})
-    reader = node("Math", {"Value": link(n, output)}) if output == "Result" else node(
-        "VectorMath", {"Vector": link(n, output)})
+    reader = (
+        node("Math", {"Value": link(n, output)})
+        if output == "Result"
+        else node("VectorMath", {"Vector": link(n, output)})
+    )
     result = translated(reader, n)
     assert any(line.endswith(f" = {text};") for line in result["body"]) and result["warnings"] == []
 
 
 @pytest.mark.parametrize("clamp_type", [None, "MINMAX", "NO_SUCH_WORD"])
 def test_range_has_to_be_asked_for(clamp_type):
-    assert body(node("Clamp",
-                     props={"clamp_type": clamp_type
-                            })) == ["float v1 = 0.25;", "float v2 = 0.5;", "float v3 = clamp(1.75, v1, v2);"]
+    assert body(node("Clamp", props={"clamp_type": clamp_type})) == [
+        "float v1 = 0.25;",
+        "float v2 = 0.5;",
+        "float v3 = clamp(1.75, v1, v2);",
+    ]
 
 
 def test_range():
-    assert body(node("Clamp",
-                     props={"clamp_type": "RANGE"
-                            }))[2] == ("float v3 = ((v1 > v2) ? clamp(1.75, v2, v1) : clamp(1.75, v1, v2));")
+    assert body(node("Clamp", props={"clamp_type": "RANGE"}))[2] == (
+        "float v3 = ((v1 > v2) ? clamp(1.75, v2, v1) : clamp(1.75, v1, v2));"
+    )
     n = node("Clamp", {"Min": 1.0, "Max": 0.5}, props={"clamp_type": "RANGE"})
     assert value_of(n)[0][0] == 1.0
 
@@ -93,10 +108,11 @@ def test_unknown_words():
 def test_statements_of_the_stepped_float():
     lines = body(node("MapRange", props={"interpolation_type": "STEPPED"}))
     assert lines[5:] == [
-        "float v6 = 0.0;", "float v7 = 4.0;",
+        "float v6 = 0.0;",
+        "float v7 = 4.0;",
         "v6 = (v1 - v2) / (v3 - v2); v6 = (v7 > 0.0) ? floor(v6 * (v7 + 1.0)) / v7 : 0.0;",
         "float v8 = (v3 != v2) ? v4 + v6 * (v5 - v4) : 0.0;",
-        "v8 = (v4 > v5) ? clamp(v8, v5, v4) : clamp(v8, v4, v5);"
+        "v8 = (v4 > v5) ? clamp(v8, v5, v4) : clamp(v8, v4, v5);",
     ]
 
 
@@ -110,8 +126,11 @@ def test_steps_are_read_where_they_count():
 
 @pytest.mark.parametrize(
     "kind, sockets",
-    [("FLOAT", ("Value", "From Min", "From Max", "To Min", "To Max")),
-     ("FLOAT_VECTOR", ("Vector", "From_Min_FLOAT3", "From_Max_FLOAT3", "To_Min_FLOAT3", "To_Max_FLOAT3"))])
+    [
+        ("FLOAT", ("Value", "From Min", "From Max", "To Min", "To Max")),
+        ("FLOAT_VECTOR", ("Vector", "From_Min_FLOAT3", "From_Max_FLOAT3", "To_Min_FLOAT3", "To_Max_FLOAT3")),
+    ],
+)
 def test_mandatory_sockets(kind, sockets):
     for socket in sockets:
         with unsupported(f"ShaderNodeMapRange: no input {socket}"):
@@ -119,6 +138,5 @@ def test_mandatory_sockets(kind, sockets):
 
 
 def test_vector_range_is_divided_safely():
-    n = node("MapRange", {"From_Max_FLOAT3": (0.1, 0.2, 0.3)},
-             props={"data_type": "FLOAT_VECTOR", "clamp": False})
+    n = node("MapRange", {"From_Max_FLOAT3": (0.1, 0.2, 0.3)}, props={"data_type": "FLOAT_VECTOR", "clamp": False})
     np.testing.assert_allclose(value_of(n, output="Vector")[0], (-1.1, -1.2, -1.3), rtol=1e-6)

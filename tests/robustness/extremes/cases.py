@@ -1,4 +1,5 @@
 """Single nodes, and the extreme numbers that their sockets get. Read by the tests and, inside Blender, by make.py."""
+
 import itertools
 from typing import NamedTuple
 
@@ -11,9 +12,46 @@ from golden.node_types import TYPES
 SIDE = 32  # pixels of a tile, and samples of a case by SIDE * SIDE
 
 # The ordinary ones first.
-NUMBERS = np.float32([0.0, 0.25, 0.5, 1.0, 1.0, 2.0, -0.75, 3.5, 0.0, 0.5, 1.0, -1.0, 7.0, 0.125,
-                      -0.0, 1e-40, -1e-40, 1.2e-38, 1e-20, 1e-7, -1e-7, 0.9999999, 1.0000001, 255.0, 8388607.5,
-                      -16777216.0, 2147483648.0, 1e10, -1e10, 1e20, -1e20, 1e30, -1e30, np.inf, -np.inf, np.nan])
+NUMBERS = np.float32(
+    [
+        0.0,
+        0.25,
+        0.5,
+        1.0,
+        1.0,
+        2.0,
+        -0.75,
+        3.5,
+        0.0,
+        0.5,
+        1.0,
+        -1.0,
+        7.0,
+        0.125,
+        -0.0,
+        1e-40,
+        -1e-40,
+        1.2e-38,
+        1e-20,
+        1e-7,
+        -1e-7,
+        0.9999999,
+        1.0000001,
+        255.0,
+        8388607.5,
+        -16777216.0,
+        2147483648.0,
+        1e10,
+        -1e10,
+        1e20,
+        -1e20,
+        1e30,
+        -1e30,
+        np.inf,
+        -np.inf,
+        np.nan,
+    ]
+)
 ORDINARY = 14  # of those
 
 
@@ -46,26 +84,46 @@ def _cases():
     for kind in ("HueSaturation", "Gamma", "BrightContrast", "Invert", "Blackbody", "Wavelength"):
         yield from some(kind, "Color")
     yield from some("Mapping", "Vector", vector_type=["POINT", "TEXTURE", "VECTOR", "NORMAL"])
-    yield from some("VectorRotate", "Vector", rotation_type=["AXIS_ANGLE", "X_AXIS", "Z_AXIS", "EULER_XYZ"],
-                    invert=[False, True])
-    yield from some("TexGradient", "Fac", gradient_type=["LINEAR", "QUADRATIC", "EASING", "DIAGONAL", "SPHERICAL",
-                                                         "QUADRATIC_SPHERE", "RADIAL"])
+    yield from some(
+        "VectorRotate", "Vector", rotation_type=["AXIS_ANGLE", "X_AXIS", "Z_AXIS", "EULER_XYZ"], invert=[False, True]
+    )
+    yield from some(
+        "TexGradient",
+        "Fac",
+        gradient_type=["LINEAR", "QUADRATIC", "EASING", "DIAGONAL", "SPHERICAL", "QUADRATIC_SPHERE", "RADIAL"],
+    )
     for kind in ("TexChecker", "TexBrick"):
         yield from some(kind, "Color", "Fac")
     yield from some("TexMagic", "Color", turbulence_depth=[2, 10])
-    yield from some("TexWave", "Fac", wave_type=["BANDS"], bands_direction=["X", "DIAGONAL"],
-                    wave_profile=["SIN", "SAW", "TRI"])
-    yield from some("TexWave", "Fac", wave_type=["RINGS"], rings_direction=["Y", "SPHERICAL"],
-                    wave_profile=["SIN", "SAW"])
+    yield from some(
+        "TexWave", "Fac", wave_type=["BANDS"], bands_direction=["X", "DIAGONAL"], wave_profile=["SIN", "SAW", "TRI"]
+    )
+    yield from some(
+        "TexWave", "Fac", wave_type=["RINGS"], rings_direction=["Y", "SPHERICAL"], wave_profile=["SIN", "SAW"]
+    )
     yield from some("TexNoise", "Fac", "Color", noise_dimensions=DIMENSIONS, noise_type=NOISES, normalize=[False, True])
     yield from some("TexWhiteNoise", "Value", "Color", noise_dimensions=DIMENSIONS)
-    yield from some("TexVoronoi", "Distance", "Color", "Position", voronoi_dimensions=DIMENSIONS, feature=FEATURES[:3],
-                    distance=["EUCLIDEAN", "MINKOWSKI"], normalize=[True])
+    yield from some(
+        "TexVoronoi",
+        "Distance",
+        "Color",
+        "Position",
+        voronoi_dimensions=DIMENSIONS,
+        feature=FEATURES[:3],
+        distance=["EUCLIDEAN", "MINKOWSKI"],
+        normalize=[True],
+    )
     yield from some("TexVoronoi", "Distance", voronoi_dimensions=DIMENSIONS, feature=["DISTANCE_TO_EDGE"])
     yield from some("TexVoronoi", "Radius", voronoi_dimensions=DIMENSIONS, feature=["N_SPHERE_RADIUS"])
     yield from some("TexGabor", "Value", "Phase", "Intensity", gabor_type=["2D", "3D"])
-    yield from some("RadialTiling", "Segment Coordinates", "Segment ID", "Segment Width", "Segment Rotation",
-                    normalize=[False, True])
+    yield from some(
+        "RadialTiling",
+        "Segment Coordinates",
+        "Segment ID",
+        "Segment Width",
+        "Segment Rotation",
+        normalize=[False, True],
+    )
 
 
 CASES = list(_cases())

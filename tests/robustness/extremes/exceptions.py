@@ -1,11 +1,15 @@
 """What is not finite although Blender's is, or although the inputs are ordinary: how often at most, and why."""
 
-NO_HUE = ("HSV of an infinite colour has the saturation inf / inf, and leaves the channel alone that the hue says: "
-          "Blender's hue is no number there either, and means red; ours is that of the infinite channel")
+NO_HUE = (
+    "HSV of an infinite colour has the saturation inf / inf, and leaves the channel alone that the hue says: "
+    "Blender's hue is no number there either, and means red; ours is that of the infinite channel"
+)
 FAR_SINE = "the GPU's sine of an angle beyond all turns, divided by a scale at the edge of the denormals"
 POWER = "the text is HLSL's pow, which knows no 1 to the power of infinity or of NaN"
-FAR_NOISE = ("beyond 2e12 coordinates keep no remainder by 100000, and the noise there is another one: 16 octaves "
-             "with a growing weight overflow with ours and do not with Blender's")
+FAR_NOISE = (
+    "beyond 2e12 coordinates keep no remainder by 100000, and the noise there is another one: 16 octaves "
+    "with a growing weight overflow with ours and do not with Blender's"
+)
 
 # Title of a case -> components, of all samples, that are not finite where Blender's are.
 AGAINST_BLENDER = {
@@ -14,8 +18,12 @@ AGAINST_BLENDER = {
     "Mix RGBA VALUE True Result_Color": (1, NO_HUE),
     "Gamma Color": (15, POWER),
     "Mapping TEXTURE Vector": (1, FAR_SINE),
-    **{f"TexNoise 3D {kind} {normalize} {output}": (3, FAR_NOISE) for kind in ("MULTIFRACTAL", "HETERO_TERRAIN")
-       for normalize in (False, True) for output in ("Fac", "Color")},
+    **{
+        f"TexNoise 3D {kind} {normalize} {output}": (3, FAR_NOISE)
+        for kind in ("MULTIFRACTAL", "HETERO_TERRAIN")
+        for normalize in (False, True)
+        for output in ("Fac", "Color")
+    },
 }
 
 # Pattern of a library name -> why it gives something infinite, or no number, for ordinary inputs.

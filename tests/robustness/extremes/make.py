@@ -1,7 +1,8 @@
 """Which samples of each case Blender gives finite numbers for, by rendering them with Cycles.
 
-    .venv-blender-5.0/bin/python tests/robustness/extremes/make.py
+.venv-blender-5.0/bin/python tests/robustness/extremes/make.py
 """
+
 import pathlib
 import sys
 import types
@@ -14,8 +15,8 @@ import bpy
 import numpy as np
 
 import render
-from robustness.extremes.cases import CASES, SIDE, samples
 from golden.node_types import TYPES
+from robustness.extremes.cases import CASES, SIDE, samples
 from trees import add, named
 
 PER_PICTURE = 64
@@ -56,8 +57,9 @@ def fed(tree, node, case, images):
         socket = next((s for s in node.inputs if s.identifier == name), None)
         if socket is None:
             continue
-        value = add(tree, "VectorMath", {0: scaled(doubled, 2.0, 0.5), 1: scaled(added, 2.0)},
-                    operation="ADD").outputs[0]
+        value = add(tree, "VectorMath", {0: scaled(doubled, 2.0, 0.5), 1: scaled(added, 2.0)}, operation="ADD").outputs[
+            0
+        ]
         if sockets[name]["t"] == "VALUE":
             value = add(tree, "SeparateXYZ", {"Vector": value}).outputs["X"]
         tree.links.new(value, socket)
@@ -89,13 +91,14 @@ def main():
     images = pictures()
     finite = []
     for start in range(0, len(CASES), PER_PICTURE):
-        materials = [render.material(case.title, shown(case, images)) for case in CASES[start:start + PER_PICTURE]]
+        materials = [render.material(case.title, shown(case, images)) for case in CASES[start : start + PER_PICTURE]]
         finite.append(render.tiles(materials).reshape(-1, SIDE * SIDE, 3) == 1.0)
         for one in materials:
             bpy.data.materials.remove(one)
     finite = np.packbits(np.concatenate(finite))
-    np.savez_compressed(pathlib.Path(__file__).with_name("finite.npz"), titles=[case.title for case in CASES],
-                        finite=finite)
+    np.savez_compressed(
+        pathlib.Path(__file__).with_name("finite.npz"), titles=[case.title for case in CASES], finite=finite
+    )
 
 
 if __name__ == "__main__":

@@ -7,6 +7,7 @@ compiled materials, log. It is made from what is documented and seen in use of t
 scripts that it tests. What isn't in its tables doesn't exist: a property, a pin or a member of an enumeration that the
 version lacks fails as it would in the editor.
 """
+
 from .editor import make
 
 __all__ = ["make"]

@@ -1,4 +1,5 @@
 """The module `unreal` of one version, and the project that scripts change by it."""
+
 import pathlib
 import types
 

@@ -1,4 +1,5 @@
 """Levels and actors."""
+
 from . import objects
 
 SHAPES = {"/Engine/BasicShapes/Sphere", "/Engine/BasicShapes/Plane", "/Engine/BasicShapes/Cube"}
@@ -16,7 +17,8 @@ def fill(module, editor):
         setattr(module, name, type(name, (_Actor,), {"_types": {part: component}, "_module": module}))
     load = module.EditorAssetLibrary.load_asset
     module.EditorAssetLibrary.load_asset = staticmethod(
-        lambda path: module.StaticMesh(editor, None, path) if path in SHAPES else load(path))
+        lambda path: module.StaticMesh(editor, None, path) if path in SHAPES else load(path)
+    )
 
 
 class _Actor(objects.Object):

@@ -1,4 +1,5 @@
 """The static libraries: assets, materials, textures, console, progress."""
+
 import pathlib
 
 from . import tables
@@ -140,8 +141,15 @@ def _asset_tools(module, editor):
 def _import_task(module):
     from .objects import Struct
 
-    fields = {"filename": "str", "destination_path": "str", "destination_name": "str", "automated": "bool",
-              "replace_existing": "bool", "replace_existing_settings": "bool", "save": "bool"}
+    fields = {
+        "filename": "str",
+        "destination_path": "str",
+        "destination_name": "str",
+        "automated": "bool",
+        "replace_existing": "bool",
+        "replace_existing_settings": "bool",
+        "save": "bool",
+    }
     return type("AssetImportTask", (Struct,), {"_types": fields, "_module": module})
 
 
@@ -273,8 +281,14 @@ def _system(editor):
 
 
 def _paths(editor):
-    return type("Paths", (), {"project_saved_dir": staticmethod(lambda: f"{editor.saved_folder}/"),
-                              "convert_relative_path_to_full": staticmethod(lambda path: path)})
+    return type(
+        "Paths",
+        (),
+        {
+            "project_saved_dir": staticmethod(lambda: f"{editor.saved_folder}/"),
+            "convert_relative_path_to_full": staticmethod(lambda path: path),
+        },
+    )
 
 
 def _slow_task(editor):

@@ -1,4 +1,5 @@
 """Menus and dialogs."""
+
 from . import objects
 
 

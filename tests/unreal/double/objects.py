@@ -1,4 +1,5 @@
 """Objects with properties that are checked: enumerations, structs, and what lives in the project."""
+
 import struct
 
 from . import tables
@@ -70,8 +71,13 @@ class Properties:
 
     def _fits(self, kind, value):
         number = isinstance(value, (int, float)) and not isinstance(value, bool)
-        plain = {"bool": isinstance(value, bool), "int": number and isinstance(value, int), "float": number,
-                 "str": isinstance(value, str), "name": isinstance(value, str)}
+        plain = {
+            "bool": isinstance(value, bool),
+            "int": number and isinstance(value, int),
+            "float": number,
+            "str": isinstance(value, str),
+            "name": isinstance(value, str),
+        }
         if kind in plain:
             return plain[kind]
         if kind in tables.ENUMS:
