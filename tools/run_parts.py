@@ -27,7 +27,7 @@ from parts import PARTS, Part
 ROOT = Path(__file__).resolve().parents[1]
 LOGS = ROOT / "out" / "test"
 PYTHON = ".venv/bin/python"
-BLENDERS = "4.2 5.0 5.2"
+BLENDERS = "4.2 5.2"
 TAIL = 60  # lines of a failed part that are shown
 
 
