@@ -29,7 +29,7 @@ def run(*command: str | Path, **further: object) -> str:
 def stand_in(definition: str) -> str:
     """C source of a python3.dll that exports what a module definition file lists."""
     lines = []
-    for line in definition.splitlines()[2:]:
+    for line in definition.split("EXPORTS")[1].strip().splitlines():
         name, *data = line.split()
         if data:
             lines.append(f"__declspec(dllexport) void* {name}[64];")
@@ -49,7 +49,7 @@ def test_modules_load(tmp_path: Path) -> None:
     definition = run(PYTHON, "-c", "import python3_def; print(python3_def.text())",
                      env={**os.environ, "PYTHONPATH": str(ROOT / "tools" / "wheel_targets")})  # fmt: skip
     (tmp_path / "python3.c").write_text(stand_in(definition))
-    zig: list[str | Path] = [PYTHON, "-m", "ziglang", "cc", "-target", "x86_64-windows-gnu", "-O3", "-fno-builtin"]
+    zig: list[str | Path] = [PYTHON, "-m", "ziglang", "cc", "-target", "x86_64-windows-gnu", "-O3", "-g0", "-s"]
     run(*zig, "-shared", "-o", "python3.dll", "python3.c", cwd=tmp_path)
     run(*zig, "-o", "loader.exe", HERE / "windows_loader.c", cwd=tmp_path)
     prefix = ROOT / "build" / "wheels" / "wine"
