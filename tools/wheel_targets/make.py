@@ -75,7 +75,7 @@ def build_wheel(build: Build) -> Path:
         "INCLUDE": headers(build, work),
     }
     if build.system == "Windows":
-        defines["PYTHON_LIBRARIES"] = import_libraries(work)
+        defines["PYTHON_LIBRARY"] = import_library(work)
     if build.system == "Darwin":
         linker = (sys.executable, HERE / "link_macos.py", ZIG, build.zig, llvm_tool("lld"))
         defines["LINK"] = " ".join(f'"{word}"' for word in linker)
@@ -104,14 +104,13 @@ def headers(build: Build, work: Path) -> Path:
     return folder
 
 
-def import_libraries(work: Path) -> Path:
-    """A folder with what python3.dll exports. CMake knows a library of all versions by the name python3.lib and one of
-    a single version by python311.lib; here both are the same."""
-    (work / "python3.def").write_text(python3_def.text())
-    for name in ("python3.lib", "python311.lib"):
-        command: list[str | Path] = [ZIG, "dlltool", "-m", "i386:x86-64", "-d", work / "python3.def", "-l", work / name]
-        subprocess.run(command, check=True)
-    return work
+def import_library(work: Path) -> Path:
+    """What python3.dll exports, to link with."""
+    definition, library = work / "python3.def", work / "python3.lib"
+    definition.write_text(python3_def.text())
+    command: list[str | Path] = [ZIG, "dlltool", "-m", "i386:x86-64", "-d", definition, "-l", library]
+    subprocess.run(command, check=True)
+    return library
 
 
 def llvm_tool(name: str) -> str:

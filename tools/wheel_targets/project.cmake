@@ -26,12 +26,7 @@ endif()
 
 # What CPython of this machine is linked with, and what CMake links on Windows, is not what the modules need.
 function(link_no_more_than_needed)
-  if(TARGET Python::Module)
-    set_target_properties(Python::Module PROPERTIES INTERFACE_LINK_LIBRARIES "")
-  endif()
-  if(TARGET Python::SABIModule)
-    set_target_properties(Python::SABIModule PROPERTIES INTERFACE_LINK_LIBRARIES "")
-  endif()
+  set_target_properties(Python::SABIModule PROPERTIES INTERFACE_LINK_LIBRARIES "")
 endfunction()
 if(WIN32)
   set(CMAKE_CXX_STANDARD_LIBRARIES "")

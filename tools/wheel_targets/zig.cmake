@@ -1,7 +1,6 @@
 # CMake's toolchain file for Zig's C++ compiler, which has the system's headers and the C++ library of every target.
 # make.py sets ZIG (the program), ZIG_TARGET, SYSTEM and PROCESSOR (CMake's words), INCLUDE (CPython's headers with the
-# pyconfig.h of the target) and, for Windows, PYTHON_LIBRARIES
-# (the folder with python3.lib).
+# pyconfig.h of the target) and, for Windows, PYTHON_LIBRARY.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZIG ZIG_TARGET SYSTEM PROCESSOR)
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 
@@ -23,14 +22,8 @@ set(CMAKE_CXX_FLAGS_INIT "-g0 -ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-pre
 
 # The interpreter that runs is the one of this machine; the headers are those of the target.
 set(Python_INCLUDE_DIR "${INCLUDE}")
-# CMake takes one of the two libraries only: that of all versions where CMakeLists.txt asks for it.
-if(PYTHON_LIBRARIES)
-  file(STRINGS "${CMAKE_SOURCE_DIR}/CMakeLists.txt" of_all_versions REGEX "Development\\.SABIModule")
-  if(of_all_versions)
-    set(Python_SABI_LIBRARY "${PYTHON_LIBRARIES}/python3.lib")
-  else()
-    set(Python_LIBRARY "${PYTHON_LIBRARIES}/python311.lib")
-  endif()
+if(PYTHON_LIBRARY)
+  set(Python_SABI_LIBRARY "${PYTHON_LIBRARY}")
 endif()
 
 if(SYSTEM STREQUAL "Darwin")
