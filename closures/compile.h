@@ -30,8 +30,10 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
 Value assemble(const Module& module, const Value& bodies, const Value& structs, const Value& need,
                const Value& selector, const Value& wrap, const Value& extra_lib);
 
-// The records of a result: the inputs, sorted by name, and the values of the tweakable ones.
+// The records of a result: the inputs, sorted by name or as a map by name, and the values of the tweakable ones. The
+// list holds the records of `g` themselves; nothing may follow in `g`.
 Value input_list(const Gen& g);
+Value input_map(const Gen& g);
 Value parameter_map(const Gen& g);
 
 }  // namespace quillgen

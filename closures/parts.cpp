@@ -38,7 +38,7 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
                                        {"ret"_w, Value::text(module.runtime, ret)},
                                        {"need"_w, g.need},
                                        {"structs"_w, g.structs},
-                                       {"inputs"_w, g.inputs},
+                                       {"inputs"_w, input_map(g)},
                                        {"warnings"_w, g.warnings}});
 }
 

@@ -5,12 +5,15 @@ namespace quillgen {
 
 Value input_list(const Gen& g) {
     Value list = Value::list(g.runtime());
-    g.inputs.sorted().for_each([&](const Value& name) {
-        const Value item = Value::map(g.runtime(), {{"name"_w, name}});
-        item.update(g.inputs.find(name));
-        list.append(item);
-    });
+    g.inputs.sorted().for_each([&](const Value& name) { list.append(g.inputs.find(name)); });
     return list;
+}
+
+Value input_map(const Gen& g) {
+    Value map = Value::map(g.runtime());
+    g.inputs.for_each_item(
+        [&](const Value& name, const Value& record) { map.set_item(name, record.without("name"_w)); });
+    return map;
 }
 
 Value parameter_map(const Gen& g) {

@@ -296,6 +296,12 @@ void Value::set_item(const Value& key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), key.object(), item.object()));
 }
 
+Value Value::without(Word key) const {
+    const Value copy = own(PyDict_Copy(object_.get()));
+    checked(PyDict_DelItem(copy.object(), runtime_->word(key)));
+    return copy;
+}
+
 void Value::update(const Value& other) const { checked(PyDict_Update(object_.get(), other.object())); }
 
 }  // namespace quillgen

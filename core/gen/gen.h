@@ -174,7 +174,7 @@ public:
     const Value uv_bias;
     const Value need;      // set of str: library functions
     const Value structs;   // set of str: structs of the library
-    const Value inputs;    // dict: name of an input -> its record
+    const Value inputs;    // dict: name of an input -> its record, the name itself first
     const Value warnings;  // list of str
     Uses uses;
     Text n_override;          // replaces the shading normal, once a bump by displacement has made it

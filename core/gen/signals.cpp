@@ -55,12 +55,18 @@ static_assert(std::size(kAxes) == Signal::oz - Signal::vx + 1);
 
 void Gen::declare_input(Word name, Word kind) {
     if (!inputs.contains(name)) {
-        inputs.set_item(name, Value::map(runtime(), {{"kind"_w, Value::word(runtime(), kind)}}));
+        inputs.set_item(name, Value::map(runtime(), {{"name"_w, Value::word(runtime(), name)},
+                                                     {"kind"_w, Value::word(runtime(), kind)}}));
     }
 }
 
 void Gen::declare_input(Text name, std::initializer_list<Value::Item> record) {
-    inputs.set_item(Value::text(runtime(), name), Value::map(runtime(), record));
+    const Value key = Value::text(runtime(), name);
+    const Value named = Value::map(runtime(), {{"name"_w, key}});
+    for (const Value::Item& item : record) {
+        named.set_item(item.key, item.value);
+    }
+    inputs.set_item(key, named);
 }
 
 Text Gen::uv_signal(int index) {
@@ -78,7 +84,8 @@ Text Gen::uv_signal(int index) {
 Text Gen::axis_signal(Signal what) {
     const AxisSignal& axis = kAxes[what.kind() - Signal::vx];
     if (!inputs.contains(axis.input)) {
-        inputs.set_item(axis.input, Value::map(runtime(), {{"kind"_w, Value::word(runtime(), axis.kind)},
+        inputs.set_item(axis.input, Value::map(runtime(), {{"name"_w, Value::word(runtime(), axis.input)},
+                                                           {"kind"_w, Value::word(runtime(), axis.kind)},
                                                            {"axis"_w, Value::word(runtime(), axis.axis)}}));
     }
     return axis.expr;

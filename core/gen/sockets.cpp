@@ -134,8 +134,9 @@ Text Gen::param_name(Node& n, Text socket) {
 void Gen::declare(const Parameter& parameter) { inputs.set_item(parameter.name, parameter.record); }
 
 Parameter Gen::parameter(Text name, Word kind, const Value& value) {
-    return {Value::text(runtime(), name),
-            Value::map(runtime(), {{"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};
+    const Value key = Value::text(runtime(), name);
+    return {key,
+            Value::map(runtime(), {{"name"_w, key}, {"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};
 }
 
 Text Gen::param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared) {

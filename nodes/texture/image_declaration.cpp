@@ -36,7 +36,8 @@ DeclaredImage _image_spec(Gen& g, Node& n, const Value& img) {
     const Value name = Value::text(runtime, t);
     Value spec = g.inputs.find(name);
     if (!spec.present()) {
-        spec = Value::map(runtime, {{"kind"_w, Value::word(runtime, "texture"_w)},
+        spec = Value::map(runtime, {{"name"_w, name},
+                                    {"kind"_w, Value::word(runtime, "texture"_w)},
                                     {"image"_w, img},
                                     {"srgb"_w, Value::boolean(runtime, false)},
                                     {"float"_w, Value::boolean(runtime, info.get("float"_w).truthy())},
