@@ -2,11 +2,15 @@
 
 import os
 import pathlib
+import signal
 import sys
 
 import pytest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent / "gpu"))
+# A shell that runs the tests in the background has them ignore Ctrl-C, and what they start inherits that: tests that
+# interrupt a call would wait for ever.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 
 def pytest_addoption(parser):

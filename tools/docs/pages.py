@@ -97,7 +97,7 @@ def fidelity() -> tuple[dict[str, list[str]], dict[str, list[list[str]]]]:
         elif "Within 1e-4" in head and "Pixels" in head:
             row = dict(zip(head, cells))
             measured[cells[0]] = [row["Cases"], row["Pixels"], row["Within 1e-4"]]
-        elif head and "Why" in head[-1]:
+        elif "Within 1e-4" in head:  # not the table of other versions
             row = dict(zip(head, cells))
             reasons[cells[0]].append([row["Cases"], row["Within 1e-4"], cells[-1]])
     if len(measured) < 20:
