@@ -1,20 +1,5 @@
 # Read behind project(), where CMake has its settings for the compiler.
 
-# The headers of the C++ library are compiled once for every module, which takes two thirds off the time
-# that Zig needs. What a source forgets to include, the builds of the tests still find.
-function(precompile_headers)
-  get_property(targets DIRECTORY PROPERTY BUILDSYSTEM_TARGETS)
-  foreach(target IN LISTS targets)
-    get_target_property(type ${target} TYPE)
-    if(type MATCHES "LIBRARY")
-      target_precompile_headers(
-        ${target} PRIVATE <algorithm> <array> <charconv> <cmath> <cstdint> <functional> <memory> <new> <optional> <span>
-        <string> <string_view> <unordered_map> <utility> <variant> <vector>)
-    endif()
-  endforeach()
-endfunction()
-cmake_language(DEFER CALL precompile_headers)
-
 # Zig writes precompiled headers where it is asked for them as a file type, and not by Clang's own option.
 set(CMAKE_CXX_COMPILE_OPTIONS_CREATE_PCH -x c++-header -Xclang -include -Xclang <PCH_HEADER>)
 set(CMAKE_CXX_COMPILE_OPTIONS_USE_PCH -include-pch <PCH_FILE>)
