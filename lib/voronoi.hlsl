@@ -233,6 +233,8 @@ QWKVoronoiOutput voronoi_nearestDIM(QWKVoronoiParams params, floatDIM co)
     float bound = voronoi_walkDIM(params, c, (floatDIM)0.0, co - c, params.feature == 1, false, o, h);
     QWKVoronoiOutput result;
     result.distance = voronoi_root(bound, params);
+    // A second point at an infinite distance, as with an exponent of 0, counts as none: the largest float is left.
+    if (params.feature == 1) result.distance = min(result.distance, 3.402823466e+38);
     result.color = voronoi_colorDIM(h, c, o);
     result.position = voronoi_positionDIM(o + h * params.randomness + c);
     return result;

@@ -10,6 +10,7 @@ import copy
 import functools
 import pathlib
 import random
+import re
 import sys
 
 sys.path[:0] = [str(pathlib.Path(__file__).parents[1]), str(pathlib.Path(__file__).parents[1] / "gpu")]
@@ -83,10 +84,12 @@ def records(draw, kind, node_id, sources):
 
 
 @st.composite
-def sound_documents(draw):
-    """Without rings, and shaders meet shaders only."""
+def sound_documents(draw, apart=False):
+    """Without rings, and shaders meet shaders only. `apart`: no two nodes share the names of parameters, of which the
+    last would win, whatever its type."""
     sources, nodes = [], []
-    for node_id in draw(st.lists(NAMES, min_size=1, max_size=6, unique=True)):
+    spelling = (lambda name: re.sub("[^A-Za-z0-9]", "_", name)) if apart else str
+    for node_id in draw(st.lists(NAMES, min_size=1, max_size=6, unique_by=spelling)):
         kind = draw(st.sampled_from(KINDS))
         nodes.append(draw(records(kind, node_id, sources)))
         if kind != "ShaderNodeMix":  # has the output of its data type only

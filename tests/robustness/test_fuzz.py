@@ -45,7 +45,7 @@ def test_dxc_takes_a_sample(seed):
         phases=[hypothesis.Phase.generate],
         suppress_health_check=list(hypothesis.HealthCheck),
     )
-    @hypothesis.given(fuzz_documents.sound_documents())
+    @hypothesis.given(fuzz_documents.sound_documents(apart=True))
     def one(document):
         hypothesis.assume(largest(document) < 3e38)
         try:
