@@ -5,7 +5,7 @@
 namespace quillgen {
 
 Value head_lines(const Runtime& runtime, Text header, const Value& structs, const Value& need, Text extra_lib) {
-    const Value lines = Value::list(runtime, {Value::text(runtime, header)});
+    Value lines = Value::list(runtime, {Value::text(runtime, header)});
     structs.sorted().for_each([&](const Value& name) { lines.append(runtime.library_entry("STRUCTS"_w).at(name)); });
     lines.append(Value::text(runtime, CLOSURE));
     lines.append(Value::text(runtime, "struct QWK {"));

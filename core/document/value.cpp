@@ -297,7 +297,7 @@ void Value::set_item(const Value& key, const Value& item) const {
 }
 
 Value Value::without(Word key) const {
-    const Value copy = own(PyDict_Copy(object_.get()));
+    Value copy = own(PyDict_Copy(object_.get()));
     checked(PyDict_DelItem(copy.object(), runtime_->word(key)));
     return copy;
 }
