@@ -38,7 +38,7 @@ class Gen {
 public:
     // `uv_bias` is absent, none, or a pair of numbers that is added to every UV coordinate. KeyError where the
     // document, or a node record of it, lacks a mandatory key.
-    Gen(const Module& module, const Value& document, bool with_params, const Value& uv_bias = {});
+    Gen(const Module& module, const Value& document, bool with_params, Value uv_bias = {});
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
@@ -144,7 +144,7 @@ public:
     Text param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared = nullptr);
     Text param_name(Node& n, Text socket);
     // A tweakable input of the kind "scalar" or "vector".
-    Parameter parameter(Text name, Word kind, const Value& value);
+    [[nodiscard]] Parameter parameter(Text name, Word kind, const Value& value) const;
     void declare(const Parameter& parameter);
 
     // ---- geometry signals (signals.cpp) -----------------------------------------------------

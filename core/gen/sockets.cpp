@@ -133,7 +133,7 @@ Text Gen::param_name(Node& n, Text socket) {
 
 void Gen::declare(const Parameter& parameter) { inputs.set_item(parameter.name, parameter.record); }
 
-Parameter Gen::parameter(Text name, Word kind, const Value& value) {
+Parameter Gen::parameter(Text name, Word kind, const Value& value) const {
     const Value key = Value::text(runtime(), name);
     return {key,
             Value::map(runtime(), {{"name"_w, key}, {"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};

@@ -1,13 +1,15 @@
 // Writing: names, statements, texts and literals, and what they ask of the library.
+#include <utility>
+
 #include "core/document/number.h"
 #include "core/gen/gen.h"
 
 namespace quillgen {
 
-Gen::Gen(const Module& module, const Value& document, bool with_params, const Value& bias)
+Gen::Gen(const Module& module, const Value& document, bool with_params, Value bias)
     : ir(document),
       use_params(with_params),
-      uv_bias(bias),
+      uv_bias(std::move(bias)),
       need(Value::set(module.runtime)),
       structs(Value::set(module.runtime)),
       inputs(Value::map(module.runtime)),
