@@ -6,19 +6,19 @@
     tools/test --part NAME [--part NAME ...] [-- ARGUMENTS]   these alone, with arguments for their last command
     tools/test --list      the parts, and which choice has them
 
-The output of each part is kept in out/test/NAME.log, and shown where the part fails. What a part needs is installed
-first by tools/setup; QUILLGEN_NO_SETUP=1 leaves that out.
+Two parts run side by side (--jobs says how many). The output of each is kept in out/test/NAME.log, and shown where the
+part fails. What they need is installed first by tools/setup; QUILLGEN_NO_SETUP=1 leaves that out.
 """
 
 import argparse
 import json
 import os
 import re
-import resource
 import subprocess
 import sys
 import time
 from collections.abc import Iterable, Sequence
+from concurrent.futures import FIRST_COMPLETED, Future, ThreadPoolExecutor, wait
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -27,6 +27,7 @@ from parts import PARTS, Part
 ROOT = Path(__file__).resolve().parents[1]
 LOGS = ROOT / "out" / "test"
 PYTHON = ".venv/bin/python"
+SETUP = ("build", "tests", "clang", "lint", "types", "docs", "wheels", "fxc")  # words of tools/setup, in their order
 BLENDERS = "4.2 5.2"
 TAIL = 60  # lines of a failed part that are shown
 
@@ -46,13 +47,8 @@ def main(arguments: Sequence[str]) -> int:
     LOGS.mkdir(parents=True, exist_ok=True)
     chosen, outcome = choose(options)
     started = time.monotonic()
-    setup(chosen, options)
-    for part in chosen:
-        missing = [name for name in part.after if name not in outcome.passed]
-        if missing:
-            outcome.left_out.append(f"{part.name} ({', '.join(missing)} failed)")
-            continue
-        run(part, options, further, outcome)
+    setup(chosen, options, outcome)
+    run_all(chosen, options, further, outcome)
     return tell(outcome, time.monotonic() - started)
 
 
@@ -76,8 +72,10 @@ def parse(arguments: Sequence[str]) -> argparse.Namespace:
         "--blender", metavar="VERSIONS", help=f"Blenders for the tests that run it, such as 4.5,5.1 ({BLENDERS})"
     )
     parser.add_argument("--fxc", action="store_true", help="also Microsoft's FXC under Wine, which is installed for it")
-    parser.add_argument("--verbose", action="store_true", help="the parts' output as it comes")
+    parser.add_argument("--verbose", action="store_true", help="the parts' output as it comes, one after the other")
+    parser.add_argument("--jobs", type=int, default=2, metavar="N", help="how many parts run side by side (2)")
     options = parser.parse_args(arguments)
+    options.jobs = 1 if options.verbose else max(1, options.jobs)
     options.choice = options.choice or "default"
     options.blender = (options.blender or BLENDERS).replace(",", " ")
     return options
@@ -110,35 +108,71 @@ def with_earlier(part: Part) -> set[str]:
     return names
 
 
-def setup(chosen: Iterable[Part], options: argparse.Namespace) -> None:
-    """Installs what the parts need. Blenders that can't be had here are told by their tests."""
+def setup(chosen: Iterable[Part], options: argparse.Namespace, outcome: Outcome) -> None:
+    """Installs what the parts need, and notes what can't be had here."""
     if os.environ.get("QUILLGEN_NO_SETUP"):
         return
     needs = {need for part in chosen for need in part.setup}
-    words: list[str] = [need for need in ("build", "tests", "lint", "docs", "fxc") if need in needs]
+    words: list[str] = [need for need in SETUP if need in needs]
     if "blender" in needs:
         words.append(f"blender={','.join(options.blender.split())}")
     print(f"== setup: {' '.join(words)}", flush=True)
-    subprocess.run([ROOT / "tools" / "setup", *words], cwd=ROOT, check=True)
+    started = time.monotonic()
+    with subprocess.Popen([ROOT / "tools" / "setup", *words], cwd=ROOT, stdout=subprocess.PIPE, text=True) as process:
+        assert process.stdout
+        for line in process.stdout:
+            print(line, end="", flush=True)
+            if line.startswith("setup: left out: "):
+                outcome.left_out.append(line.removeprefix("setup: left out: ").strip())
+    if process.returncode:
+        sys.exit("tools/setup failed: " + " ".join(["tools/setup", *words]))
+    print(f"   setup took {time.monotonic() - started:.0f} s", flush=True)
+
+
+def run_all(chosen: Sequence[Part], options: argparse.Namespace, further: Sequence[str], outcome: Outcome) -> None:
+    """Runs the parts side by side, the earlier rows first; each waits for those that it needs."""
+    waiting, ended = list(chosen), set[str]()
+    running: dict[Future[None], Part] = {}
+    with ThreadPoolExecutor(options.jobs) as pool:
+        while waiting or running:
+            for part in [part for part in waiting if ended >= set(part.after)]:
+                missing = [name for name in part.after if name not in outcome.passed]
+                if missing:
+                    outcome.left_out.append(f"{part.name} ({', '.join(missing)} failed)")
+                    ended.add(part.name)
+                elif len(running) < options.jobs:
+                    tell_now(f"== {part.name}: {part.does}")
+                    running[pool.submit(run, part, options, further, outcome)] = part
+                else:
+                    continue
+                waiting.remove(part)
+            for done in wait(running, return_when=FIRST_COMPLETED).done:
+                ended.add(running.pop(done).name)
+                done.result()  # an error of this program's own
 
 
 def run(part: Part, options: argparse.Namespace, further: Sequence[str], outcome: Outcome) -> None:
-    print(f"== {part.name}: {part.does}", flush=True)
-    started, spent = time.monotonic(), processor_time()
+    started = time.monotonic()
     log = LOGS / f"{part.name}.log"
     asked = options.parts and options.parts[-1] == part.name
-    code = execute(command(part, further if asked else ()), log, environment(options), options.verbose)
+    code, spent = execute(command(part, further if asked else ()), log, environment(options), options.verbose)
     lines = log.read_text(encoding="utf-8", errors="replace").splitlines()
-    took = f"{time.monotonic() - started:.0f} s ({processor_time() - spent:.0f} s of processor time)"
+    took = f"{time.monotonic() - started:.0f} s ({spent:.0f} s of processor time)"
     outcome.left_out += [f"{part.name}: {what}" for what in left_out(lines)]
     if code == 0:
         outcome.passed.add(part.name)
-        print(f"   passed in {took}{summary(part, lines)}", flush=True)
+        tell_now(f"   {part.name} passed in {took}{summary(part, lines)}")
         return
-    if not options.verbose:
-        print("\n".join(lines[-TAIL:]))
-    print(f"   FAILED in {took}, exit status {code}; all of its output: {log.relative_to(ROOT)}", flush=True)
+    shown = [] if options.verbose else lines[-TAIL:]
+    where = f"exit status {code}; all of its output: {log.relative_to(ROOT)}"
+    tell_now("\n".join([*shown, f"   {part.name} FAILED in {took}, {where}"]))
     outcome.failed.append(repetition(part))
+
+
+def tell_now(text: str) -> None:
+    """In one piece, also where two parts end at once."""
+    sys.stdout.write(text + "\n")
+    sys.stdout.flush()
 
 
 def command(part: Part, further: Sequence[str]) -> str:
@@ -164,19 +198,17 @@ def environment(options: argparse.Namespace) -> dict[str, str]:
     }
 
 
-def execute(line: str, log: Path, env: dict[str, str], verbose: bool) -> int:
+def execute(line: str, log: Path, env: dict[str, str], verbose: bool) -> tuple[int, float]:
+    """The exit status of a command line, and the processor time that it and what it started took, in seconds."""
     line = f"set -euo pipefail; {line}"
     if verbose:
         line = f"({line}) 2>&1 | tee '{log}'"
-        return subprocess.run(["bash", "-o", "pipefail", "-c", line], cwd=ROOT, env=env).returncode
     with log.open("wb") as output:
-        return subprocess.run(["bash", "-c", line], cwd=ROOT, env=env, stdout=output, stderr=output).returncode
-
-
-def processor_time() -> float:
-    """Of all children so far, in seconds."""
-    used = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return used.ru_utime + used.ru_stime
+        to = None if verbose else output
+        process = subprocess.Popen(["bash", "-o", "pipefail", "-c", line], cwd=ROOT, env=env, stdout=to, stderr=to)
+        _, status, used = os.wait4(process.pid, 0)
+    process.returncode = os.waitstatus_to_exitcode(status)
+    return process.returncode, used.ru_utime + used.ru_stime
 
 
 def left_out(lines: Iterable[str]) -> list[str]:

@@ -31,7 +31,7 @@ def blender(request, tmp_path_factory):
     """The Python of a Blender, its environment and a file with materials."""
     python = ROOT / f".venv-blender-{request.param}" / "bin" / "python"
     if not python.exists():
-        pytest.skip(f"no Blender {request.param} here: tools/setup --blender makes it")
+        pytest.skip(f"no Blender {request.param} here: tools/setup blender={request.param} makes it")
     folder = tmp_path_factory.mktemp("command")
     environment = os.environ | {
         "BLENDER_USER_RESOURCES": str(folder / "user"),

@@ -82,7 +82,7 @@ def test_the_same_sources_give_the_same_bytes(archives, tmp_path):
 def test_blenders_own_tool_builds_the_same(archives, tmp_path, version):
     known = tool.blenders()
     if version not in known:
-        pytest.skip(f"no Blender {version} here: tools/setup --blender makes it")
+        pytest.skip(f"no Blender {version} here: tools/setup blender={version} makes it")
     python, extension = known[version]
     source = tmp_path / "source"
     zipfile.ZipFile(whole(archives)).extractall(source)
@@ -99,7 +99,7 @@ def test_blenders_own_tool_builds_the_same(archives, tmp_path, version):
 def test_a_fresh_blender_installs_uses_and_removes_it(archives, tmp_path, version):
     python = ROOT / f".venv-blender-{version}" / "bin" / "python"
     if not python.exists():
-        pytest.skip(f"no Blender {version} here: tools/setup --blender makes it")
+        pytest.skip(f"no Blender {version} here: tools/setup blender={version} makes it")
     environment = {key: value for key, value in os.environ.items() if key != "PYTHONPATH"}
     (tmp_path / "user").mkdir()
     done = subprocess.run(

@@ -31,7 +31,7 @@ def found(request, tmp_path_factory):
 def in_blender(version, folder):
     python = blenders.ROOT / f".venv-blender-{version}" / "bin" / "python"
     if not python.exists():
-        pytest.skip(f"no Blender {version} here: tools/setup --blender makes it")
+        pytest.skip(f"no Blender {version} here: tools/setup blender={version} makes it")
     environment = os.environ | {
         "BLENDER_USER_RESOURCES": str(folder / "user"),
         "PYTHONPATH": str(Path(quillgen.__file__).parent),

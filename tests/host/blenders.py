@@ -1,6 +1,6 @@
 """The Blenders that tests run in: bpy of several versions, each in an environment that tools/setup makes.
 
-QUILLGEN_BLENDERS names the versions, such as "4.2 5.2" (tools/test --blenders sets it); those that are not here are
+QUILLGEN_BLENDERS names the versions, such as "4.2 5.2" (tools/test --blender sets it); those that are not here are
 skipped by name.
 """
 
@@ -19,7 +19,7 @@ def run(version, script, *words):
     """The lines that a script prints in a Blender."""
     python = ROOT / f".venv-blender-{version}" / "bin" / "python"
     if not python.exists():
-        pytest.skip(f"no Blender {version} here: tools/setup --blender makes it")
+        pytest.skip(f"no Blender {version} here: tools/setup blender={version} makes it")
     done = subprocess.run([python, "-W", "ignore", script, *words], capture_output=True, text=True)
     assert done.returncode == 0, done.stdout[-2000:] + done.stderr[-4000:]
     return done.stdout.splitlines()

@@ -54,6 +54,52 @@ def test_a_failure_is_told_with_the_line_that_repeats_it(table, capfd):
     assert told.rstrip().splitlines()[-1] == "repeat it alone: tools/test --part bad"
 
 
+def test_parts_run_side_by_side_and_after_what_they_need(table, capfd, tmp_path):
+    """Two that wait for each other end; the third begins when what it needs has ended, whatever else still runs."""
+    meet = "touch {0}/{1}; for i in $(seq 100); do [ -e {0}/{2} ] && exit; sleep 0.1; done; exit 1"
+    table(
+        row("one", meet.format(tmp_path, "one", "two")),
+        row("late", f"test -e {tmp_path}/two", after=("two",)),
+        row("two", meet.format(tmp_path, "two", "one")),
+    )
+    assert run_parts.main(["--fast"]) == 0
+    told = capfd.readouterr().out
+    assert told.index("== two") < told.index("two passed") < told.index("== late") and "3 parts passed" in told
+    (tmp_path / "one").unlink(), (tmp_path / "two").unlink()
+    table(row("one", f"touch {tmp_path}/one; sleep 0.3; rm {tmp_path}/one"), row("two", f"test ! -e {tmp_path}/one"))
+    assert run_parts.main(["--fast", "--jobs", "1"]) == 0
+
+
+def test_processor_time_is_that_of_the_part_alone(table, capfd):
+    busy = f"{sys.executable} -c 'import time\nwhile time.process_time() < 1: pass'"
+    table(row("busy", busy), row("idle", "sleep 0.1", after=("busy",)))
+    assert run_parts.main(["--fast"]) == 0
+    told = capfd.readouterr().out
+    assert "idle passed in 0 s (0 s of processor time)" in told and " s (1 s of processor time)" in told
+
+
+def test_what_setup_leaves_out_reaches_the_end(table, capfd, monkeypatch, tmp_path):
+    table(row("one", "true"))
+    setup = tmp_path / "tools" / "setup"
+    setup.parent.mkdir()
+    setup.write_text(
+        "#!/bin/sh\necho 'setup: left out: Blender 9.9, there is no Python 9 here'\necho setup: all there\n"
+    )
+    setup.chmod(0o755)
+    monkeypatch.setattr(run_parts, "ROOT", tmp_path)
+    monkeypatch.setattr(run_parts, "LOGS", tmp_path / "out")
+    monkeypatch.delenv("QUILLGEN_NO_SETUP")
+    assert run_parts.main(["--fast"]) == 0
+    told = capfd.readouterr().out
+    assert told.rstrip().splitlines()[-1] == "left out: Blender 9.9, there is no Python 9 here"
+
+
+def test_setup_knows_every_word_that_a_part_needs():
+    text = (ROOT / "tools" / "setup").read_text()
+    assert {need for part in parts.PARTS for need in part.setup} <= {*run_parts.SETUP, "blender"}
+    assert [word for word in run_parts.SETUP if f"\n    {word})\n" not in text] == []
+
+
 def test_what_needs_a_failed_part_is_left_out(table, capfd):
     table(row("build", "false"), row("tests", "true", after=("build",)), row("other", "true"))
     assert run_parts.main(["--fast"]) == 1
