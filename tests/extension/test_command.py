@@ -1,4 +1,4 @@
-"""The command line as a program of its own; what it does is checked in checks.py."""
+"""The command line as a program of its own; what it does is checked in checks/command_line.py."""
 
 import json
 import os

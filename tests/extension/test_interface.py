@@ -1,4 +1,4 @@
-"""The interface in each Blender: the checks of checks.py, which run there."""
+"""The interface in each Blender: the checks in checks/, which run there."""
 
 import ast
 import json
@@ -14,13 +14,22 @@ import quillgen
 HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "host"))
 
+from checks import SUBJECTS
+
 import blenders
 
+# By their sources: they need Blender to be imported.
 NAMES = [
     node.name
-    for node in ast.parse((HERE / "checks.py").read_text(encoding="utf-8")).body
+    for subject in SUBJECTS
+    for node in ast.parse((HERE / "checks" / f"{subject}.py").read_text(encoding="utf-8")).body
     if isinstance(node, ast.FunctionDef) and node.name.startswith("check_")
 ]
+
+
+def test_every_subject_is_run():
+    files = {path.stem for path in (HERE / "checks").glob("*.py")}
+    assert files - {"__init__", "setting"} == set(SUBJECTS) and len(NAMES) == len(set(NAMES))
 
 
 @pytest.fixture(scope="module", params=blenders.VERSIONS)
@@ -37,7 +46,7 @@ def in_blender(version, folder):
         "PYTHONPATH": str(Path(quillgen.__file__).parent),
     }
     done = subprocess.run(
-        [python, "-W", "ignore", HERE / "checks.py", folder / "report.json"],
+        [python, "-W", "ignore", HERE / "run_checks.py", folder / "report.json"],
         capture_output=True,
         text=True,
         env=environment,

@@ -1,0 +1,115 @@
+"""What an export writes, and of which materials."""
+
+import bpy
+
+from quillgen_blender.ui import state
+
+from .setting import active, manifest, refused, setting
+
+
+def check_all_materials_of_the_file_are_exported():
+    out = setting()
+    assert bpy.ops.quillgen.export(scope="FILE") == {"FINISHED"}
+    assert sorted(path.name for path in out.iterdir() if not path.name.startswith("_")) == [
+        "OAK 2",
+        "Oak",
+        "Poster",
+        "Sand",
+        "Wall_ brick_",
+        "Wire",
+    ]
+    assert manifest(out / "Wall_ brick_")["name"] == "Wall: brick?"
+    assert manifest(out / "Sand")["displacement"]["magnitude"] > 0
+    made_by = manifest(out / "Oak")["made_by"]
+    assert made_by["blender"] == ".".join(map(str, bpy.app.version))
+
+
+def check_one_material_and_those_of_selected_objects():
+    out = setting()
+    active("Sand")
+    assert bpy.ops.quillgen.export(scope="MATERIAL") == {"FINISHED"}
+    assert [path.name for path in out.iterdir()] == ["Sand"]
+    bpy.ops.object.select_all(action="DESELECT")
+    assert "No selected object has a material" in refused(bpy.ops.quillgen.export, scope="SELECTED")
+    bpy.context.object.select_set(True)
+    assert bpy.ops.quillgen.export(scope="SELECTED") == {"FINISHED"}
+    assert (out / "Oak").is_dir()
+
+
+def check_a_picture_is_saved_once():
+    out = setting()
+    active("Poster")
+    bpy.ops.quillgen.export()
+    (record,) = manifest(out / "Poster")["textures"]
+    saved = out / "Poster" / record["file"]
+    picture = bpy.data.images.load(str(saved))
+    picture.colorspace_settings.name = "Non-Color"
+    assert [round(part, 2) for part in picture.pixels[:4]] == [0.25, 0.5, 0.75, 1.0], picture.pixels[:4]
+    assert saved.name.startswith("Paint_ing-")
+
+
+def check_a_picture_that_is_gone_is_told():
+    out = setting()
+    material = active("Poster")
+    image = bpy.data.images.new("gone.png", 4, 4)
+    image.source, image.filepath = "FILE", str(out / "gone.png")
+    material.node_tree.nodes["Image Texture"].image = image
+    assert bpy.ops.quillgen.export() == {"FINISHED"}
+    assert manifest(out / "Poster")["textures"][0]["file"] is None
+    assert any("gone.png isn't exported" in remark["text"] for remark in state.last(material).remarks)
+
+
+def check_options_change_what_is_exported():
+    out = setting()
+    scene = bpy.context.scene.quillgen
+    scene.parameters, scene.displacement, scene.textures = "none", False, False
+    bpy.ops.quillgen.export(scope="FILE")
+    assert manifest(out / "Sand")["displacement"] is None
+    assert manifest(out / "Oak")["parameters"]["records"] == []
+    assert manifest(out / "Poster")["textures"][0]["file"] is None
+    scene.parameters = "named"
+    bpy.ops.quillgen.export(scope="FILE")
+    assert [row["label"] for row in manifest(out / "Wall_ brick_")["parameters"]["records"]] == ["Worn / Amount"]
+
+
+def check_a_marked_node_stays_live():
+    out = setting()
+    material = active("Oak")
+    scene = bpy.context.scene.quillgen
+    scene.parameters = "named"
+    bpy.ops.quillgen.export()
+    assert manifest(out / "Oak")["parameters"]["records"] == []
+    material.node_tree.nodes.active = material.node_tree.nodes["Noise Texture"]
+    assert bpy.ops.quillgen.mark_node() == {"FINISHED"}
+    bpy.ops.quillgen.export()
+    found = {row["node"] for row in manifest(out / "Oak")["parameters"]["records"]}
+    assert found == {"Noise Texture"}
+    bpy.ops.quillgen.mark_node()
+    bpy.ops.quillgen.export()
+    assert manifest(out / "Oak")["parameters"]["records"] == []
+
+
+def check_nothing_in_the_file_changes():
+    setting()
+    names = sorted(each.name for kind in (bpy.data.images, bpy.data.node_groups, bpy.data.materials) for each in kind)
+    bpy.ops.quillgen.export(scope="FILE")
+    bpy.ops.quillgen.check()
+    bpy.ops.quillgen.copy_hlsl()
+    found = sorted(each.name for kind in (bpy.data.images, bpy.data.node_groups, bpy.data.materials) for each in kind)
+    assert found == names
+
+
+def check_a_linked_material_has_a_folder_of_its_own():
+    out = setting()
+    library = str(out / "library.blend")
+    bpy.ops.wm.save_as_mainfile(filepath=library, copy=True)
+    with bpy.data.libraries.load(library, link=True) as (_, wanted):
+        wanted.materials = ["Oak"]
+    bpy.context.object.data.materials.append(wanted.materials[0])
+    target = out / "exported"
+    bpy.context.scene.quillgen.folder = str(target)
+    bpy.ops.quillgen.export(scope="FILE")
+    found = sorted(
+        (manifest(path)["name"], manifest(path)["library"]) for path in target.iterdir() if path.name[0] != "_"
+    )
+    assert ("Oak", "") in found and ("Oak", "library.blend") in found
