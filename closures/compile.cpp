@@ -92,9 +92,9 @@ bool wants_displacement(const Gen& g) {
 }
 
 // The record of the displacement, whose parameters and warnings go to the material's.
-Value displacement_record(const Gen& g, const Value& params) {
+Value displacement_record(Gen& g, const Value& params) {
     const Runtime& runtime = g.runtime();
-    const Displacement made = _displacement(g.module(), g.ir, g.use_params);
+    const Displacement made = _displacement(g);
     params.update(made.params);
     made.warnings.for_each([&](const Value& warning) { g.warnings.append(warning); });
     return Value::map(

@@ -18,7 +18,8 @@ struct Displacement {
     Value params;
     Value warnings;
 };
-Displacement _displacement(const Module& module, const Value& ir, bool use_params);
+// Takes the graph that the surface's generator has read.
+Displacement _displacement(Gen& surface);
 
 // One graph without a header: a map with `body` (list of statements), `ret` (expression of the colour), `need` and
 // `structs` (sets), `inputs` (map of records), `warnings`.

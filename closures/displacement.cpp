@@ -47,10 +47,10 @@ double power_of_two(long exponent) {
 
 }  // namespace
 
-Displacement _displacement(const Module& module, const Value& ir, bool use_params) {
-    Gen g(module, ir, use_params);
+Displacement _displacement(Gen& surface) {
+    Gen g(surface.module(), surface.ir, surface.release_graph(), surface.use_params);
     g.disp_stage = true;
-    const Value src = ir.at("out"_w).at("displacement"_w);
+    const Value src = g.ir.at("out"_w).at("displacement"_w);
     const auto [e, t] = g.output(src);
     const Text d = g.var("float3", g.convert(e, t, VECTOR));
     g.use("dir_world_to_obj"_w);

@@ -22,9 +22,9 @@ void append_graph(const Value& lines, const Value& pair, const Value& wrap) {
     const auto [body, ret] = pair.unpack2();
     body.for_each([&](const Value& line) { lines.append(line); });
     std::string storage;
-    std::string line;
+    Buffer line;
     fill(line, "  return $0;", wrap.remainder(ret).formatted(storage));
-    lines.append(Value::text(lines.runtime(), line));
+    lines.append(Value::text(lines.runtime(), line.text()));
 }
 
 }  // namespace
@@ -55,9 +55,9 @@ Value assemble(const Module& module, const Value& bodies, const Value& structs, 
     int i = 0;
     bodies.for_each([&](const Value& pair) {
         std::string selector_storage;
-        std::string chosen;
+        Buffer chosen;
         fill(chosen, "if ($0 < $1.5) {", selector.formatted(selector_storage), i++);
-        lines.append(Value::text(runtime, chosen));
+        lines.append(Value::text(runtime, chosen.text()));
         append_graph(lines, pair, wrap);
         lines.append(Value::text(runtime, "}"));
     });

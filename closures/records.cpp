@@ -1,11 +1,25 @@
 // The inputs in the form that a result has them in.
+#include <algorithm>
+
 #include "closures/compile.h"
 
 namespace quillgen {
 
 Value input_list(const Gen& g) {
+    struct Input {
+        Text name;
+        Value record;
+    };
+    std::vector<Input> inputs;
+    inputs.reserve(g.inputs.expected_size());
+    std::string storage;  // stays empty: the names of inputs are ASCII
+    g.inputs.for_each_item(
+        [&](const Value& name, const Value& record) { inputs.push_back({name.text(storage), record}); });
+    std::sort(inputs.begin(), inputs.end(), [](const Input& a, const Input& b) { return a.name < b.name; });
     Value list = Value::list(g.runtime());
-    g.inputs.sorted().for_each([&](const Value& name) { list.append(g.inputs.find(name)); });
+    for (const Input& input : inputs) {
+        list.append(input.record);
+    }
     return list;
 }
 

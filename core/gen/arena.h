@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "core/gen/copy.h"
+
 namespace quillgen {
 
 class Arena {
@@ -18,7 +20,7 @@ public:
             grow(size);
         }
         char* const start = next_;
-        next_ = std::copy(behind.begin(), behind.end(), std::copy(text.begin(), text.end(), start));
+        next_ = copy(behind, copy(text, start));
         room_ -= size;
         return {start, size};
     }

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/gen/buffer.h"
+
 // A handler's frame stays on the stack while the graph above it is evaluated, so the arguments of a format stand in a
 // frame of their own.
 #if defined(_MSC_VER)
@@ -77,11 +79,11 @@ private:
     std::string_view text_;
 };
 
-void fill_format(std::string& out, std::string_view format, const Argument* arguments);
+void fill_format(Buffer& out, std::string_view format, const Argument* arguments);
 
 // Appends the format with its placeholders filled.
 template <class... Args>
-void fill(std::string& out, Format<sizeof...(Args)> format, const Args&... args) {
+void fill(Buffer& out, Format<sizeof...(Args)> format, const Args&... args) {
     const Argument arguments[] = {Argument(args)...};
     fill_format(out, format.text(), arguments);
 }

@@ -39,6 +39,8 @@ public:
     // `uv_bias` is absent, none, or a pair of numbers that is added to every UV coordinate. KeyError where the
     // document, or a node record of it, lacks a mandatory key.
     Gen(const Module& module, const Value& document, bool with_params, Value uv_bias = {});
+    // With a graph that has been read of the document before.
+    Gen(const Module& module, const Value& document, Graph graph, bool with_params, Value uv_bias = {});
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
@@ -69,7 +71,7 @@ public:
     QUILLGEN_OWN_FRAME Text text(Format<sizeof...(Args)> format, const Args&... args) {
         buffer_.clear();
         fill(buffer_, format, args...);
-        return keep(buffer_);
+        return keep(buffer_.text());
     }
     Text formatted(const Value& value);  // format(value)
     // A float literal, and a float3 of the first three of a sequence's items, padded with zeros. TypeError or
@@ -165,8 +167,10 @@ public:
     [[nodiscard]] const Module& module() const { return module_; }
     [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
     [[nodiscard]] Node* find_node(const Value& id);  // null where there is none
+    // The graph, as before any evaluation, for another generator. Nothing can be evaluated here from then on.
+    Graph release_graph();
     // The statements, each ended by a line feed, and where each ends.
-    [[nodiscard]] Text body() const { return body_; }
+    [[nodiscard]] Text body() const { return body_.text(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
 
     const Value ir;
@@ -183,7 +187,7 @@ public:
 private:
     class MovedEvaluation;
 
-    void begin_line() { body_ += "  "; }
+    void begin_line() { body_.append("  "); }
     void end_line();
     Text begin_declaration(Text type, Text prefix);
     void end_declaration();
@@ -191,11 +195,11 @@ private:
     Bound output(const Source& source, const Value& names);
     void node(Node& n, const Value& names);
     QUILLGEN_OWN_FRAME void fall_back(Node& n, const Value& id);
-    [[noreturn]] QUILLGEN_OWN_FRAME void no_output(const Node& n, const Value& name);
+    [[noreturn]] QUILLGEN_OWN_FRAME void no_output(Node& n, const Value& name);
 
     SocketType socket_type(const Value& word);
     [[noreturn]] QUILLGEN_OWN_FRAME Text no_input(Node& n, Word ident);
-    Text read_link(const Socket& socket, const SocketType& want);
+    Text read_link(Socket& socket, const SocketType& want);
     QUILLGEN_OWN_FRAME void read_value(Node& n, Word ident, Socket& socket);
 
     Text _geo(Signal what);
@@ -208,8 +212,8 @@ private:
     const std::uintptr_t stack_entry_ = stack_position();
     Graph graph_;
     Arena arena_;
-    std::string buffer_;  // for a text that is written before it is kept
-    std::string body_;
+    Buffer buffer_;  // for a text that is written before it is kept
+    Buffer body_;
     std::vector<std::size_t> line_ends_;
     int k_ = 0;  // the counter of `tmp`
     const Offset* boff_ = nullptr;

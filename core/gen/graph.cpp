@@ -54,6 +54,19 @@ Output* Node::find_output(int name) {
     return found == outputs.end() ? nullptr : &*found;
 }
 
+void Node::forget_evaluation() {
+    done = false;
+    parameter_prefix = {};
+    for (Socket& socket : sockets) {
+        socket.type = {};
+        socket.text = {};
+        socket.parameter = {};
+    }
+    for (Output& output : outputs) {
+        output.is_bound = false;
+    }
+}
+
 Graph read_graph(const Value& document) {
     Graph graph;
     read_nodes(graph, document.at("nodes"_w));

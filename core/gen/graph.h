@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/document/value.h"
+#include "core/gen/registry.h"
 #include "core/gen/socket_type.h"
 
 namespace quillgen {
@@ -27,10 +28,10 @@ struct Socket {
     Value entry;
     Value link;  // absent where the socket is unlinked
     Source source = {};
-    // What the value of an unlinked socket has come to. It is read once, though bumps have most sockets read three
-    // times: that takes a quarter off the translation of a material with bumps. Empty before the first reading.
-    Text text = {};
+    // The type that the entry, or the link, says. It is read once, and so is a value, though bumps have most sockets
+    // read three times: that takes a third off the translation of a material with bumps. No name before the reading.
     SocketType type = {};
+    Text text = {};            // what the value of an unlinked socket has come to; empty before the reading
     Parameter parameter = {};  // if it has become one
 };
 
@@ -53,14 +54,28 @@ struct Node {
     Value id;
     std::vector<Socket> sockets = {};
     std::vector<Output> outputs = {};
+    Handler handler = nullptr;   // once it has been looked up
     bool done = false;           // its handler has started
     Text parameter_prefix = {};  // P_{id}__, once a parameter has been named
+    Value type_entry = {};       // of the record, once it has been read
+    Value props_entry = {};
 
-    [[nodiscard]] Value type() const { return record.at("type"_w); }
-    [[nodiscard]] Value props() const { return record.at("props"_w); }
+    // KeyError where the record lacks them.
+    const Value& type() { return entry(type_entry, "type"_w); }
+    const Value& props() { return entry(props_entry, "props"_w); }
 
     Socket* find_socket(Word name);
     Output* find_output(int name);
+    // As before any evaluation.
+    void forget_evaluation();
+
+private:
+    const Value& entry(Value& read, Word key) const {
+        if (!read.present()) {
+            read = record.at(key);
+        }
+        return read;
+    }
 };
 
 struct Graph {

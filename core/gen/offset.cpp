@@ -39,16 +39,20 @@ public:
         : g_(g), boff_(std::exchange(g.boff_, &offset)) {
         for (const int index : nodes) {
             Node& n = g_.graph_.nodes[static_cast<std::size_t>(index)];
-            saved_.push_back({&n, std::exchange(n.done, false), n.outputs});
+            nodes_.push_back({&n, std::exchange(n.done, false)});
             for (Output& output : n.outputs) {
+                outputs_.push_back(output);
                 output.is_bound = false;
             }
         }
     }
     ~MovedEvaluation() {
-        for (Saved& saved : saved_) {
-            saved.node->done = saved.done;
-            saved.node->outputs.swap(saved.outputs);
+        auto output = outputs_.cbegin();
+        for (const auto& [n, done] : nodes_) {
+            n->done = done;
+            for (Output& moved : n->outputs) {
+                moved = *output++;
+            }
         }
         g_.boff_ = boff_;
     }
@@ -56,15 +60,10 @@ public:
     MovedEvaluation& operator=(const MovedEvaluation&) = delete;
 
 private:
-    struct Saved {
-        Node* node;
-        bool done;
-        std::vector<Output> outputs;
-    };
-
     Gen& g_;
     const Offset* const boff_;
-    std::vector<Saved> saved_;
+    std::vector<std::pair<Node*, bool>> nodes_;  // and whether each was done
+    std::vector<Output> outputs_;                // of these nodes
 };
 
 Text Gen::inp_offset(Node& n, Word ident, const SocketType& want, const Offset& offset) {

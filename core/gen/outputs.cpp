@@ -23,7 +23,7 @@ void Gen::bind(Node& n, const Value& out, const SocketType& type, Text expr) {
     }
 }
 
-void Gen::no_output(const Node& n, const Value& name) {
+void Gen::no_output(Node& n, const Value& name) {
     unsupported(text("$0 has no output $1", formatted(n.type()), formatted(name)));
 }
 
@@ -50,8 +50,11 @@ void Gen::node(Node& n, const Value& names) {
     }
     n.done = true;  // before the handler runs, so that a cycle ends at its second visit
     const RecursionLevel level(stack_entry_);
-    if (const Handler handler = module_.registry.find(n.type())) {
-        handler(*this, n);
+    if (n.handler == nullptr) {
+        n.handler = module_.registry.find(n.type());
+    }
+    if (n.handler != nullptr) {
+        n.handler(*this, n);
     } else {
         fall_back(n, names.item(0));
     }

@@ -33,6 +33,10 @@ inline constexpr bool is_float3(const SocketType& type) { return type == VECTOR 
 // rotation reads as 0.0.
 inline constexpr bool is_value_type(const SocketType& type) { return type.kind <= SocketType::rgba; }
 
+inline constexpr bool have_same_hlsl(const SocketType& a, const SocketType& b) {
+    return is_float3(a) == is_float3(b) && is_closure(a) == is_closure(b);
+}
+
 // How the text writes what a shader socket carries: the word for the type "closure", and one that is empty.
 struct ClosureText {
     std::string_view type;

@@ -73,8 +73,11 @@ Text Gen::inp(Node& n, Word ident, const SocketType& want, Text fallback) {
     }
     if (socket->text.empty()) {
         read_value(n, ident, *socket);
-    } else if (socket->parameter.name.present()) {
-        declare(socket->parameter);  // a parameter of another node may have come to the same name meanwhile
+    } else if (const Parameter& made = socket->parameter; made.name.present()) {
+        // A parameter of another node may have come to the same name meanwhile.
+        if (inputs.find(made.name).object() != made.record.object()) {
+            declare(made);
+        }
     }
     if (is_value_type(socket->type)) {
         return convert(socket->text, socket->type, want);
@@ -84,11 +87,14 @@ Text Gen::inp(Node& n, Word ident, const SocketType& want, Text fallback) {
 
 Text Gen::no_input(Node& n, Word ident) { unsupported(text("$0: no input $1", formatted(n.type()), ident.text())); }
 
-Text Gen::read_link(const Socket& socket, const SocketType& want) {
-    const Value type = link_type(socket.link);
+Text Gen::read_link(Socket& socket, const SocketType& want) {
+    const Value type = socket.type.name.empty() ? link_type(socket.link) : Value();
     const Bound bound = output(socket.source, socket.link);
+    if (type.truthy()) {
+        socket.type = socket_type(type);
+    }
     // The document is believed over the handler.
-    return convert(bound.text, type.truthy() ? socket_type(type) : bound.type, want);
+    return convert(bound.text, socket.type.name.empty() ? bound.type : socket.type, want);
 }
 
 void Gen::read_value(Node& n, Word ident, Socket& socket) {
@@ -101,7 +107,7 @@ void Gen::read_value(Node& n, Word ident, Socket& socket) {
 }
 
 Text Gen::convert(Text expr, const SocketType& from, const SocketType& to) {
-    if (hlsl(from) == hlsl(to)) {
+    if (have_same_hlsl(from, to)) {
         return expr;
     }
     if (is_closure(to)) {
@@ -140,7 +146,7 @@ Parameter Gen::parameter(Text name, Word kind, const Value& value) const {
 }
 
 Text Gen::param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared) {
-    const bool is_scalar = hlsl(type) == "float";
+    const bool is_scalar = !is_float3(type) && !is_closure(type);
     const Value made = is_scalar ? scalar_value(runtime(), value) : vector_value(runtime(), value);
     if (!use_params) {
         return is_scalar ? _f(made) : _v3(made);

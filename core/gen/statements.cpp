@@ -7,6 +7,9 @@
 namespace quillgen {
 
 Gen::Gen(const Module& module, const Value& document, bool with_params, Value bias)
+    : Gen(module, document, read_graph(document), with_params, std::move(bias)) {}
+
+Gen::Gen(const Module& module, const Value& document, Graph graph, bool with_params, Value bias)
     : ir(document),
       use_params(with_params),
       uv_bias(std::move(bias)),
@@ -15,7 +18,14 @@ Gen::Gen(const Module& module, const Value& document, bool with_params, Value bi
       inputs(Value::map(module.runtime)),
       warnings(Value::list(module.runtime)),
       module_(module),
-      graph_(read_graph(document)) {}
+      graph_(std::move(graph)) {}
+
+Graph Gen::release_graph() {
+    for (Node& n : graph_.nodes) {
+        n.forget_evaluation();
+    }
+    return std::move(graph_);
+}
 
 Node* Gen::find_node(const Value& id) {
     const int index = graph_.indices.find(id.object());
@@ -28,34 +38,30 @@ Text Gen::tmp(Text prefix) { return arena_.keep(prefix, Argument(++k_).text()); 
 
 void Gen::emit(Text line) {
     begin_line();
-    body_ += line;
+    body_.append(line);
     end_line();
 }
 
 void Gen::end_line() {
-    body_ += '\n';
+    body_.append("\n");
     line_ends_.push_back(body_.size());
     check_signals_at(line_ends_.size());
 }
 
 Text Gen::begin_declaration(Text type, Text prefix) {
     const Text name = tmp(prefix);
-    begin_line();
-    body_ += type == "closure" ? module_.closure.type : type;
-    body_ += ' ';
-    body_ += name;
-    body_ += " = ";
+    body_.append("  ", type == "closure" ? module_.closure.type : type, " ", name, " = ");
     return name;
 }
 
 void Gen::end_declaration() {
-    body_ += ';';
+    body_.append(";");
     end_line();
 }
 
 Text Gen::var_with_prefix(Text prefix, Text type, Text expr) {
     const Text name = begin_declaration(type, prefix);
-    body_ += expr;
+    body_.append(expr);
     end_declaration();
     return name;
 }
@@ -68,9 +74,9 @@ Text Gen::formatted(const Value& value) {
 }
 
 Text Gen::_f(double number) {
-    buffer_.clear();
-    append_literal(buffer_, number);
-    return keep(buffer_);
+    std::string literal;
+    append_literal(literal, number);
+    return keep(literal);
 }
 
 Text Gen::_v3(const Value& value) {
@@ -105,11 +111,10 @@ Text Gen::fill_template(const Template& row, std::initializer_list<Text> operand
     }
     buffer_.clear();
     for (const Template::Piece& piece : row.pieces) {
-        buffer_ += piece.plain;
-        buffer_ += operands.begin()[piece.operand];
+        buffer_.append(piece.plain, operands.begin()[piece.operand]);
     }
-    buffer_ += row.rest;
-    return keep(buffer_);
+    buffer_.append(row.rest);
+    return keep(buffer_.text());
 }
 
 }  // namespace quillgen
