@@ -91,12 +91,9 @@ bool wants_displacement(const Gen& g) {
     return g.ir.at("out"_w).get("displacement"_w).truthy() && (method.is("DISPLACEMENT") || method.is("BOTH"));
 }
 
-// The record of the displacement, whose parameters and warnings go to the material's.
 Value displacement_record(Gen& g, const Value& params) {
     const Runtime& runtime = g.runtime();
-    const Displacement made = _displacement(g);
-    params.update(made.params);
-    made.warnings.for_each([&](const Value& warning) { g.warnings.append(warning); });
+    const Displacement made = _displacement(g, params);
     return Value::map(
         runtime,
         {{"code"_w, made.code}, {"inputs"_w, made.inputs}, {"magnitude"_w, Value::number(runtime, made.magnitude)}});
@@ -119,7 +116,8 @@ Value compile(const Module& module, const Value& ir, const Value& mode, bool use
     }
     const Value code = lay_out(runtime, kMaterialHeader, g.structs, g.need, g.body());
     const Value inputs = input_list(g);
-    const Value params = parameter_map(g);
+    const Value params = Value::map(runtime);
+    add_parameters(g, params);
     Value displacement = Value::none(runtime);
     if (!emission_mode && wants_displacement(g)) {
         displacement = displacement_record(g, params);

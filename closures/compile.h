@@ -15,11 +15,10 @@ struct Displacement {
     Value code;
     Value inputs;  // list of maps, by name
     double magnitude;
-    Value params;
-    Value warnings;
 };
-// Takes the graph that the surface's generator has read.
-Displacement _displacement(Gen& surface);
+// Takes over the graph that the surface's generator has read. Adds its parameters to `params`, and its warnings to
+// those of the surface.
+Displacement _displacement(Gen& surface, const Value& params);
 
 // One graph without a header: a map with `body` (list of statements), `ret` (expression of the colour), `need` and
 // `structs` (sets), `inputs` (map of records), `warnings`.
@@ -31,10 +30,11 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
 Value assemble(const Module& module, const Value& bodies, const Value& structs, const Value& need,
                const Value& selector, const Value& wrap, const Value& extra_lib);
 
-// The records of a result: the inputs, sorted by name or as a map by name, and the values of the tweakable ones. The
-// list holds the records of `g` themselves; nothing may follow in `g`.
+// The inputs of a result, sorted by name or as a map by name. The list holds the records of `g` themselves; nothing may
+// follow in `g`.
 Value input_list(const Gen& g);
 Value input_map(const Gen& g);
-Value parameter_map(const Gen& g);
+// Adds the kind and the value of each tweakable input to a map.
+void add_parameters(const Gen& g, const Value& params);
 
 }  // namespace quillgen

@@ -47,7 +47,7 @@ double power_of_two(long exponent) {
 
 }  // namespace
 
-Displacement _displacement(Gen& surface) {
+Displacement _displacement(Gen& surface, const Value& params) {
     Gen g(surface.module(), surface.ir, surface.release_graph(), surface.use_params);
     g.disp_stage = true;
     const Value src = g.ir.at("out"_w).at("displacement"_w);
@@ -69,7 +69,9 @@ Displacement _displacement(Gen& surface) {
     const double magnitude = power_of_two(g.runtime().ceil_log2(range));
     g.emit("return 0.5 + $0 / $1;", s_cm, g._f(magnitude));
     const Value code = lay_out(g.runtime(), kDisplacementHeader, g.structs, g.need, g.body());
-    return {code, input_list(g), magnitude, parameter_map(g), g.warnings};
+    add_parameters(g, params);
+    g.warnings.for_each([&](const Value& warning) { surface.warnings.append(warning); });
+    return {code, input_list(g), magnitude};
 }
 
 }  // namespace quillgen

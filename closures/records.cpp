@@ -13,8 +13,9 @@ Value input_list(const Gen& g) {
     std::vector<Input> inputs;
     inputs.reserve(g.inputs.expected_size());
     std::string storage;  // stays empty: the names of inputs are ASCII
-    g.inputs.for_each_item(
-        [&](const Value& name, const Value& record) { inputs.push_back({name.text(storage), record}); });
+    g.inputs.for_each_item([&](const Value& name, const Value& record) {
+        inputs.push_back({name.text(storage), record});
+    });
     std::sort(inputs.begin(), inputs.end(), [](const Input& a, const Input& b) { return a.name < b.name; });
     Value list = Value::list(g.runtime());
     for (const Input& input : inputs) {
@@ -30,14 +31,12 @@ Value input_map(const Gen& g) {
     return map;
 }
 
-Value parameter_map(const Gen& g) {
-    Value params = Value::map(g.runtime());
+void add_parameters(const Gen& g, const Value& params) {
     g.inputs.for_each_item([&](const Value& name, const Value& record) {
         if (const Value value = record.find("default"_w); value.present()) {
             params.set_item(name, Value::list(g.runtime(), {record.at("kind"_w), value}));
         }
     });
-    return params;
 }
 
 }  // namespace quillgen

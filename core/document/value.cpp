@@ -302,6 +302,4 @@ Value Value::without(Word key) const {
     return copy;
 }
 
-void Value::update(const Value& other) const { checked(PyDict_Update(object_.get(), other.object())); }
-
 }  // namespace quillgen

@@ -91,7 +91,6 @@ public:
     void add(const Value& item) const;                 // to a set
     void set_item(Word key, const Value& item) const;  // of a map
     void set_item(const Value& key, const Value& item) const;
-    void update(const Value& other) const;  // a map with another one
 
 private:
     [[nodiscard]] Value own(PyObject* result) const { return {Ref::checked(result), *runtime_}; }
