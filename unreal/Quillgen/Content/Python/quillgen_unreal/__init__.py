@@ -17,10 +17,18 @@ keep their names, so instances of your own keep what they override. Nothing is s
 
 from __future__ import annotations
 
+from pathlib import Path
+from typing import TYPE_CHECKING
+
+if TYPE_CHECKING:
+    from .importer import Outcome
+
 DEFAULT_PATH = "/Game/Blender"
 
 
-def import_material(folder, content_path=DEFAULT_PATH, instanced=False, force=False):
+def import_material(
+    folder: str | Path, content_path: str = DEFAULT_PATH, instanced: bool = False, force: bool = False
+) -> Outcome:
     """Imports the material in a folder; returns what became of it, an `importer.Outcome`.
 
     `instanced`: the meshes are drawn as instances (foliage, instanced static meshes). `force` builds the graph anew
@@ -38,27 +46,29 @@ def import_material(folder, content_path=DEFAULT_PATH, instanced=False, force=Fa
     return outcome
 
 
-def import_all(folder, content_path=DEFAULT_PATH, instanced=False, force=False):
+def import_all(
+    folder: str | Path, content_path: str = DEFAULT_PATH, instanced: bool = False, force: bool = False
+) -> list[Outcome]:
     """Imports every material below a folder; returns a list of `importer.Outcome`. A failure stops no other."""
     from . import importer
 
     return importer.bring_all(folder, content_path, instanced, force)
 
 
-def start_live(folder, content_path=DEFAULT_PATH, instanced=False):
+def start_live(folder: str | Path, content_path: str = DEFAULT_PATH, instanced: bool = False) -> None:
     """Follows a folder: what Blender exports there appears in the open level until `stop_live`."""
     from . import live
 
     live.start(folder, content_path, instanced)
 
 
-def stop_live():
+def stop_live() -> None:
     from . import live
 
     live.stop()
 
 
-def build_checklist(content_path="/Game/BlenderChecklist"):
+def build_checklist(content_path: str = "/Game/BlenderChecklist") -> str:
     """Makes a level with a sphere for each kind of input, to see whether this version of Unreal gives it rightly."""
     from . import checklist
 

@@ -2,16 +2,20 @@
 
 from __future__ import annotations
 
+from collections.abc import Mapping
+from typing import Any, NoReturn
+
 import unreal
 
 from .errors import Refused
-from .plan import Color, Displacement, Enum, Inputs, Outputs, Texture
+from .layout import Box
+from .plan import Color, Displacement, Enum, Expression, Inputs, Outputs, Plan, Texture
 
 MEL = unreal.MaterialEditingLibrary
 MOST_SWEEPS = 32  # deleting all expressions may leave some for the next time
 
 
-def value(plain):
+def value(plain: object) -> Any:
     """The editor's own value for a value of a plan."""
     if isinstance(plain, Enum):
         return getattr(getattr(unreal, plain.type), plain.member)
@@ -29,13 +33,13 @@ def value(plain):
     return plain
 
 
-def _filled(record, **properties):
+def _filled(record: Any, **properties: Any) -> Any:
     for name, content in properties.items():
         record.set_editor_property(name, content)
     return record
 
 
-def build(plan, boxes, material, name):
+def build(plan: Plan, boxes: Mapping[str, Box], material: unreal.Material, name: str) -> None:
     """Replaces all expressions of a material by those of the plan, and sets its properties."""
     clear(material, name)
     for key, content in plan.settings:
@@ -52,7 +56,7 @@ def build(plan, boxes, material, name):
         _unwired(name, f"{plan.root.expression} to the material")
 
 
-def _expression(expression, box, material):
+def _expression(expression: Expression, box: Box, material: unreal.Material) -> unreal.MaterialExpression:
     kind = getattr(unreal, f"MaterialExpression{expression.kind}")
     made = MEL.create_material_expression(material, kind, box.x, box.y)
     # The inputs of a Custom expression come before its wires: a new list drops those that are there.
@@ -63,11 +67,11 @@ def _expression(expression, box, material):
     return made
 
 
-def _unwired(name, wire):
+def _unwired(name: str, wire: str) -> NoReturn:
     raise Refused(name, "", f"this version of Unreal has no such pins: {wire}. Please report it")
 
 
-def clear(material, name):
+def clear(material: unreal.Material, name: str) -> None:
     for _ in range(MOST_SWEEPS):
         MEL.delete_all_material_expressions(material)
         if not MEL.get_num_material_expressions(material):

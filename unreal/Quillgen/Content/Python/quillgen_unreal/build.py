@@ -4,9 +4,10 @@ from __future__ import annotations
 
 import hashlib
 import json
+from collections.abc import Mapping
 
-from . import engine, naming, wiring
-from .plan import Color, Displacement, Graph, Inputs, Outputs, Plan, Texture
+from . import engine, exchange, naming, wiring
+from .plan import Color, Displacement, Graph, Inputs, Outputs, Plan, Properties, Source, Texture
 
 # The material's attribute that takes each output of a text. Clear coat and displacement are no material properties
 # that Python knows, so all outputs go by way of MakeMaterialAttributes.
@@ -40,14 +41,16 @@ TOO_OLD = (
 TEXTURES = "Textures"  # the group of texture parameters
 
 
-def plan(export, textures, features, instanced=False):
+def plan(
+    export: exchange.Export, textures: Mapping[str, str], features: engine.Features, instanced: bool = False
+) -> Plan:
     """The Plan of a material. `textures`: input name -> path of the texture asset."""
     masked = export.settings["blend"] == "masked"
     setting = wiring.Setting(features, masked, instanced)
     graph, named = Graph(), naming.parameters(export.parameters)
     records = {p.name: p for p in export.parameters}
 
-    def custom(text, returned, title):
+    def custom(text: exchange.Text, returned: str, title: str) -> Source:
         wires = [(entry["name"], _source(graph, entry, setting, records, named, textures)) for entry in text.inputs]
         outputs = tuple((output["name"], engine.FLOATS[output["type"]]) for output in text.outputs)
         settings = (
@@ -65,15 +68,22 @@ def plan(export, textures, features, instanced=False):
         where = output["property"]
         pin = OPACITY[export.settings["blend"]] if where == "opacity" else ATTRIBUTES[where]
         wires.append((pin, surface._replace(pin=output["name"])))
-    displaced = export.displacement and features.tessellation
-    if displaced:
+    displaced = bool(export.displacement and features.tessellation)
+    if export.displacement and displaced:
         wires.append(("Displacement", custom(export.displacement, "float", f"{export.name}: displacement")))
     remarks = (TOO_OLD,) if export.displacement and not displaced else ()
     root = graph.add("MakeMaterialAttributes", (), wires)
     return Plan(graph, root, _settings(export, features, displaced), remarks)
 
 
-def _source(graph, entry, setting, records, named, textures):
+def _source(
+    graph: Graph,
+    entry: exchange.Record,
+    setting: wiring.Setting,
+    records: Mapping[str, exchange.Parameter],
+    named: Mapping[str, str],
+    textures: Mapping[str, str],
+) -> Source:
     kind, name = entry["kind"], entry["name"]
     if kind == "texture":
         settings = (
@@ -88,9 +98,13 @@ def _source(graph, entry, setting, records, named, textures):
     return wiring.source(graph, entry, setting)
 
 
-def _parameter_settings(record):
-    value = record.default if record.kind == "scalar" else Color(*record.default)
-    settings = [("default_value", value), ("group", record.group or "Material"), ("sort_priority", record.order)]
+def _parameter_settings(record: exchange.Parameter) -> list[tuple[str, object]]:
+    value = Color(*record.default) if isinstance(record.default, tuple) else record.default
+    settings: list[tuple[str, object]] = [
+        ("default_value", value),
+        ("group", record.group or "Material"),
+        ("sort_priority", record.order),
+    ]
     if record.kind == "scalar" and record.least is not None:
         settings += [("slider_min", record.least), ("slider_max", record.most)]
     if record.description:
@@ -98,10 +112,10 @@ def _parameter_settings(record):
     return settings
 
 
-def _settings(export, features, displaced):
+def _settings(export: exchange.Export, features: engine.Features, displaced: bool) -> Properties:
     """The properties of the material, all of them: what an earlier import set is taken back."""
     settings = export.settings
-    found = [
+    found: list[tuple[str, object]] = [
         ("use_material_attributes", True),
         ("shading_model", SHADING[settings["shading"]]),
         ("blend_mode", BLEND[settings["blend"]]),
@@ -114,13 +128,13 @@ def _settings(export, features, displaced):
         ("float_precision_mode", engine.PRECISION["MFPM_FULL_MATERIAL_EXPRESSION_ONLY"]),
     ]
     if features.tessellation:
-        found.append(("enable_tessellation", bool(displaced)))
+        found.append(("enable_tessellation", displaced))
     if displaced:
         found += [("used_with_nanite", True), ("displacement_scaling", Displacement(export.magnitude, 0.5))]
     return tuple(found)
 
 
-def fingerprint(made):
+def fingerprint(made: Plan) -> str:
     """A number for a plan. Plans that differ in the defaults of parameters alone have the same one."""
     content = [
         [e.kind, [s for s in e.settings if s[0] != "default_value"], e.wires, e.comment]

@@ -12,7 +12,7 @@ SPACING = 220.0  # cm
 IN_A_ROW = 5
 
 
-def build_level(content_path):
+def build_level(content_path: str) -> str:
     """Returns what to look for, as a text that is logged, too."""
     content_path = naming.content_path(content_path)
     made = [(check, _material(check, content_path)) for check in checks.CHECKS]
@@ -30,7 +30,7 @@ def build_level(content_path):
     return text
 
 
-def _material(check, content_path):
+def _material(check: checks.Check, content_path: str) -> unreal.Material:
     export = checks.export(check)
     plan = build.plan(export, {}, engine.Features.of_editor(unreal))
     name = naming.asset("M_", export.name)
@@ -45,7 +45,7 @@ def _material(check, content_path):
     return material
 
 
-def _place(check, material, number):
+def _place(check: checks.Check, material: unreal.Material, number: int) -> None:
     actors = unreal.get_editor_subsystem(unreal.EditorActorSubsystem)
     place = unreal.Vector(0.0, SPACING * (number % IN_A_ROW), SPACING * (number // IN_A_ROW + 0.5))
     mesh = unreal.EditorAssetLibrary.load_asset(f"{SHAPES}/{check.mesh}")

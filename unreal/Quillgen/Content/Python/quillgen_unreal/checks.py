@@ -6,25 +6,25 @@ from __future__ import annotations
 from pathlib import Path
 from typing import NamedTuple
 
-from .exchange import Export, Text
+from .exchange import Export, Record, Text
 
 
 class Check(NamedTuple):
     name: str
     shows: str  # what the artist must see
-    inputs: dict  # name in the code -> record of the input
+    inputs: dict[str, Record]  # name in the code -> record of the input
     good: str  # an HLSL condition
     scale: tuple[float, float, float] = (1.0, 1.0, 1.0)
     mesh: str = "Sphere"
 
 
-AXES = {f"oa{a}": {"kind": "object_axis", "axis": a} for a in "xyz"}
-VIEW = {f"va{a}": {"kind": "view_axis", "axis": a} for a in "xyz"}
-WORLD = {"wpos": {"kind": "world_position"}}
-CAMERA = {"cpos": {"kind": "camera_position"}}
-LOCAL = {"lpos": {"kind": "local_position"}}
-NORMAL = {"vnorm": {"kind": "vertex_normal"}}
-STEPS = {f"wpcr_d{a}": {"kind": f"dd{a}", "of": {"kind": "world_position_cr"}} for a in "xy"}
+AXES: dict[str, Record] = {f"oa{a}": {"kind": "object_axis", "axis": a} for a in "xyz"}
+VIEW: dict[str, Record] = {f"va{a}": {"kind": "view_axis", "axis": a} for a in "xyz"}
+WORLD: dict[str, Record] = {"wpos": {"kind": "world_position"}}
+CAMERA: dict[str, Record] = {"cpos": {"kind": "camera_position"}}
+LOCAL: dict[str, Record] = {"lpos": {"kind": "local_position"}}
+NORMAL: dict[str, Record] = {"vnorm": {"kind": "vertex_normal"}}
+STEPS: dict[str, Record] = {f"wpcr_d{a}": {"kind": f"dd{a}", "of": {"kind": "world_position_cr"}} for a in "xy"}
 UNEVEN = (1.0, 0.6, 1.4)
 
 CHECKS = (
@@ -133,7 +133,7 @@ CHECKS = (
 )
 
 
-def export(check):
+def export(check: Check) -> Export:
     """An Export as if a folder held it."""
     code = f"  return ({check.good}) ? float3(0.0, 1.0, 0.0) : float3(1.0, 0.0, 0.0);"
     inputs = tuple({"name": name, **check.inputs[name]} for name in sorted(check.inputs))

@@ -10,20 +10,22 @@ from __future__ import annotations
 
 import argparse
 import hashlib
+from collections.abc import Iterator, Mapping, Sequence
 from pathlib import Path
 
 from . import build, engine, exchange, layout, naming, texture_names
-from .plan import Color, Displacement, Enum, Inputs, Outputs, Texture
+from .layout import Box
+from .plan import Color, Displacement, Enum, Expression, Graph, Inputs, Outputs, Plan, Source, Texture
 
 FILE = "paste.txt"
 NEWEST = (5, 7)
 
 
-def text(plan, name):
+def text(plan: Plan, name: str) -> str:
     """The nodes of a plan, with comments around its columns."""
     boxes, comments = layout.place(plan.graph)
     nodes = {key: f"MaterialGraphNode_{n}" for n, key in enumerate(plan.graph.expressions)}
-    lines = []
+    lines: list[str] = []
     for number, (heading, box) in enumerate(comments):
         lines += _comment(name, number, heading, box)
     for key, expression in plan.graph.expressions.items():
@@ -31,7 +33,7 @@ def text(plan, name):
     return "\n".join(lines) + "\n"
 
 
-def _comment(name, number, heading, box):
+def _comment(name: str, number: int, heading: str, box: Box) -> list[str]:
     kind = "/Script/Engine.MaterialExpressionComment"
     inner = f"MaterialExpressionComment_{number}"
     return [
@@ -57,7 +59,7 @@ def _comment(name, number, heading, box):
     ]
 
 
-def _node(graph, expression, box, nodes, name):
+def _node(graph: Graph, expression: Expression, box: Box, nodes: Mapping[str, str], name: str) -> list[str]:
     kind, inner = f"/Script/Engine.MaterialExpression{expression.kind}", f"MaterialExpression{expression.key}"
     lines = [
         f'Begin Object Class=/Script/UnrealEd.MaterialGraphNode Name="{nodes[expression.key]}"',
@@ -80,7 +82,7 @@ def _node(graph, expression, box, nodes, name):
     return [*lines, "End Object"]
 
 
-def _properties(graph, expression, nodes):
+def _properties(graph: Graph, expression: Expression, nodes: Mapping[str, str]) -> list[str]:
     """Lines such as ParameterName="Noise Texture / Scale", the inputs with where they come from."""
     lines = []
     for key, content in expression.settings:
@@ -104,7 +106,7 @@ def _properties(graph, expression, nodes):
 INPUT = "Input"  # the property behind the one input of expressions such as Transform
 
 
-def _origin(graph, source, nodes):
+def _origin(graph: Graph, source: Source, nodes: Mapping[str, str]) -> str:
     """The record of a wire: the expression, and which of its outputs."""
     kind = f"/Script/Engine.MaterialExpression{graph.expressions[source.expression].kind}"
     path = f"{nodes[source.expression]}.MaterialExpression{source.expression}"
@@ -130,7 +132,7 @@ MASKS = {
 }
 
 
-def output_names(graph, key):
+def output_names(graph: Graph, key: str) -> tuple[str, ...]:
     expression = graph.expressions[key]
     further = next((c.pairs for _, c in expression.settings if isinstance(c, Outputs)), ())
     if expression.kind == "Custom":
@@ -138,7 +140,7 @@ def output_names(graph, key):
     return OUTPUTS.get(expression.kind, ("",))
 
 
-def _pins(graph, expression, nodes, name):
+def _pins(graph: Graph, expression: Expression, nodes: Mapping[str, str], name: str) -> Iterator[str]:
     """The pins with their wires, from both ends: the editor makes the graph's wires anew from these."""
     for wire in expression.wires:
         source = wire.source
@@ -157,24 +159,24 @@ def _pins(graph, expression, nodes, name):
         yield f'PinId={own},PinName="{pin or "Output"}",Direction="EGPD_Output",PinType.PinCategory=""{linked}'
 
 
-def _pin_name(graph, source):
+def _pin_name(graph: Graph, source: Source) -> str:
     return source.pin or output_names(graph, source.expression)[0]
 
 
-def _pin_id(name, key, side, pin):
+def _pin_id(name: str, key: str, side: str, pin: str) -> str:
     return _guid(name, key, side, pin)
 
 
-def _guid(*parts):
+def _guid(*parts: object) -> str:
     """The same for the same material: a text that is written again doesn't differ."""
     return hashlib.sha256("\0".join(map(str, parts)).encode("utf-8")).hexdigest()[:32].upper()
 
 
-def _spelled(key):
+def _spelled(key: str) -> str:
     return "".join(part[:1].upper() + part[1:] for part in key.split("_"))
 
 
-def _written(content):
+def _written(content: object) -> str:
     if isinstance(content, Enum):
         return content.text
     if isinstance(content, Color):
@@ -190,14 +192,14 @@ def _written(content):
     )
 
 
-def quoted(content):
+def quoted(content: str) -> str:
     """A text between quotation marks, in one line."""
     for plain, escaped in (("\\", "\\\\"), ('"', '\\"'), ("\r", ""), ("\n", "\\r\\n"), ("\t", "\\t")):
         content = content.replace(plain, escaped)
     return f'"{content}"'
 
 
-def by_hand(export, plan, paths):
+def by_hand(export: exchange.Export, plan: Plan, paths: Mapping[str, str]) -> list[str]:
     """What stays to be done, one line each."""
     lines = [f"Make a new material, open it, copy all of {FILE}, and paste it into the graph."]
     lines.append("In the material's own details:")
@@ -212,11 +214,11 @@ def by_hand(export, plan, paths):
     return lines + [f"Not in this version: {remark}" for remark in plan.remarks]
 
 
-def write(folder, version=NEWEST, content_path="/Game/Blender"):
+def write(folder: str | Path, version: tuple[int, ...] = NEWEST, content_path: str = "/Game/Blender") -> Path:
     """Writes the text into the folder of its material, and beside it what stays to be done. Returns its path."""
     export = exchange.read(folder)
     paths = {p.name: texture_names.path(p, naming.content_path(content_path)) for p in export.pictures}
-    plan = build.plan(export, paths, engine.Features.of_version(*version))
+    plan = build.plan(export, paths, engine.Features.of_version(*version[:2]))
     target = Path(folder) / FILE
     target.write_text(text(plan, export.name), encoding="utf-8")
     notes = "\n".join(by_hand(export, plan, paths)) + "\n"
@@ -224,7 +226,7 @@ def write(folder, version=NEWEST, content_path="/Game/Blender"):
     return target
 
 
-def main(arguments=None):
+def main(arguments: Sequence[str] | None = None) -> None:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folder", help="the folder of one material")
     parser.add_argument("--unreal", default="5.7", help="the version of Unreal, such as 5.4")

@@ -18,7 +18,7 @@ class QuillgenImportOptions(unreal.Object):
     instanced = unreal.uproperty(bool, meta={"ToolTip": "The meshes are drawn as instances, such as foliage"})
 
 
-def ask(settings):
+def ask(settings: Settings) -> Settings | None:
     """The user's Settings, or None for Cancel."""
     options = unreal.new_object(QuillgenImportOptions)
     folder = unreal.DirectoryPath()
@@ -35,5 +35,5 @@ def ask(settings):
     )
 
 
-def message(text):
+def message(text: str) -> None:
     unreal.EditorDialog.show_message(TITLE, text, unreal.AppMsgType.OK)

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import NamedTuple
+from typing import Any, NamedTuple
 
 from .plan import Enum
 
@@ -12,11 +12,11 @@ class Features(NamedTuple):
     tessellation: bool  # displacement with Nanite, 5.4 and newer
 
     @classmethod
-    def of_version(cls, major, minor):
+    def of_version(cls, major: int, minor: int = 0) -> Features:
         return cls(local_position=(major, minor) >= (5, 5), tessellation=(major, minor) >= (5, 4))
 
     @classmethod
-    def of_editor(cls, unreal):
+    def of_editor(cls, unreal: Any) -> Features:
         """What the editor that runs has; it knows better than its number."""
         return cls(
             local_position=hasattr(unreal, "MaterialExpressionLocalPosition"),
@@ -24,7 +24,7 @@ class Features(NamedTuple):
         )
 
 
-def _members(type_name, **texts):
+def _members(type_name: str, **texts: str) -> dict[str, Enum]:
     return {member: Enum(type_name, member, text) for member, text in texts.items()}
 
 

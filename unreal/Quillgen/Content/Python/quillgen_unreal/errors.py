@@ -2,11 +2,13 @@
 
 from __future__ import annotations
 
+from pathlib import Path
+
 
 class Refused(Exception):
     """The material can't be imported. The assets are as they were."""
 
-    def __init__(self, material, file, what):
+    def __init__(self, material: str, file: str | Path, what: str) -> None:
         super().__init__(f"{material}: {what} ({file})" if file else f"{material}: {what}")
         self.material = material
         self.file = str(file)

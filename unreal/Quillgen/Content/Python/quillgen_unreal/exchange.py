@@ -10,7 +10,7 @@ import hashlib
 import json
 import re
 from pathlib import Path
-from typing import NamedTuple
+from typing import Any, NamedTuple, NoReturn
 
 from . import wiring
 from .errors import Refused, Unfinished
@@ -33,13 +33,14 @@ PROPERTIES = (
 )
 TYPES = ("float", "float2", "float3", "float4")
 LARGEST = 3.402823466e38
+Record = dict[str, Any]  # of a manifest
 IDENTIFIER = re.compile(r"[A-Za-z_][A-Za-z0-9_]*\Z")
 
 
 class Text(NamedTuple):
     code: str
-    inputs: tuple[dict, ...]
-    outputs: tuple[dict, ...]
+    inputs: tuple[Record, ...]
+    outputs: tuple[Record, ...]
 
 
 class Parameter(NamedTuple):
@@ -68,30 +69,30 @@ class Export(NamedTuple):
     name: str
     library: str  # the file that the material is linked from, "" for the exported file's own
     mode: str
-    settings: dict
+    settings: Record
     surface: Text
     displacement: Text | None
     magnitude: float  # of the displacement, in centimetres
     parameters: tuple[Parameter, ...]
     pictures: tuple[Picture, ...]
     values: dict[str, float | tuple[float, ...]]
-    remarks: tuple[dict, ...]
+    remarks: tuple[Record, ...]
 
 
 class _Reader:
     """One folder while it is read: it knows the material's name for what it has to say."""
 
-    def __init__(self, folder):
+    def __init__(self, folder: str | Path) -> None:
         self.folder = Path(folder)
         self.material = self.folder.name
 
-    def refuse(self, file, what):
+    def refuse(self, file: str, what: str) -> NoReturn:
         raise Refused(self.material, self.folder / file, what)
 
-    def unfinished(self, file, what):
+    def unfinished(self, file: str, what: str) -> NoReturn:
         raise Unfinished(self.material, self.folder / file, what)
 
-    def bytes(self, file):
+    def content(self, file: str) -> bytes:
         """The bytes of a file that has to be beside the manifest."""
         path = self.folder / file
         try:
@@ -101,9 +102,9 @@ class _Reader:
         except OSError as error:
             self.refuse(file, f"the file can't be read: {error.strerror or error}")
 
-    def json(self, file, name, version=VERSION):
+    def json(self, file: str, name: str, version: int = VERSION) -> Record:
         try:
-            found = json.loads(self.bytes(file).decode("utf-8"))
+            found = json.loads(self.content(file).decode("utf-8"))
         except (UnicodeDecodeError, ValueError) as error:
             self.unfinished(file, f"this is no JSON: {error}")
         if not isinstance(found, dict) or found.get("format") != name:
@@ -113,25 +114,25 @@ class _Reader:
             self.refuse(file, f"version {found.get('version')!r} of the format, this plugin reads {version}; {newer}")
         return found
 
-    def get(self, record, key, kinds, where):
+    def get(self, record: object, key: str, kinds: Any, where: str) -> Any:
         """A value of a record, which must be of these types."""
         value = record.get(key) if isinstance(record, dict) else None
         if not isinstance(value, kinds) or (isinstance(value, bool) and kinds in (int, NUMBER)):
             self.refuse(MANIFEST, f"{where} has no usable {key!r}: {value!r}")
         return value
 
-    def one_of(self, record, key, choices, where):
+    def one_of(self, record: object, key: str, choices: tuple[str, ...], where: str) -> str:
         value = self.get(record, key, str, where)
         if value not in choices:
             self.refuse(MANIFEST, f"{where} has an unknown {key!r}: {value!r}")
         return value
 
-    def file(self, record, where):
+    def file(self, record: object, where: str) -> bytes:
         """The bytes of a file that a record names with its checksum."""
         name = self.get(record, "file", str, where)
         if "/" in name or "\\" in name or name.startswith("."):
             self.refuse(MANIFEST, f"{where} lies in another folder: {name!r}")
-        content = self.bytes(name)
+        content = self.content(name)
         if hashlib.sha256(content).hexdigest() != self.get(record, "sha256", str, where):
             self.unfinished(name, "the file isn't the one that the manifest names")
         return content
@@ -140,7 +141,7 @@ class _Reader:
 NUMBER = (int, float)
 
 
-def read(folder):
+def read(folder: str | Path) -> Export:
     """The Export in a folder."""
     reader = _Reader(folder)
     manifest = reader.json(MANIFEST, FORMAT)
@@ -173,7 +174,7 @@ def read(folder):
     )
 
 
-def _settings(reader, manifest):
+def _settings(reader: _Reader, manifest: Record) -> Record:
     settings = reader.get(manifest, "settings", dict, "the manifest")
     where = "the record of settings"
     reader.one_of(settings, "shading", SHADINGS, where)
@@ -184,7 +185,7 @@ def _settings(reader, manifest):
     return settings
 
 
-def _text(reader, record, where, outputs):
+def _text(reader: _Reader, record: Record, where: str, outputs: tuple[Record, ...]) -> Text:
     try:
         code = reader.file(record, where).decode("utf-8")
     except UnicodeDecodeError:
@@ -201,34 +202,35 @@ def _text(reader, record, where, outputs):
     return Text(code, inputs, outputs)
 
 
-def _identifier(reader, record, where):
+def _identifier(reader: _Reader, record: object, where: str) -> str:
     name = reader.get(record, "name", str, where)
     if not IDENTIFIER.match(name):
         reader.refuse(MANIFEST, f"{where} has a name that HLSL doesn't take: {name!r}")
     return name
 
 
-def _output(reader, record):
+def _output(reader: _Reader, record: Record) -> Record:
     where = f"the output {_identifier(reader, record, 'an output of the surface')!r}"
     reader.one_of(record, "type", TYPES, where)
     reader.one_of(record, "property", PROPERTIES, where)
     return record
 
 
-def _parameters(reader, manifest):
+def _parameters(reader: _Reader, manifest: Record) -> tuple[tuple[Parameter, ...], str]:
     section = reader.get(manifest, "parameters", dict, "the manifest")
     records = reader.get(section, "records", list, "the section of parameters")
     return tuple(_parameter(reader, r) for r in records), reader.get(section, "file", str, "the section of parameters")
 
 
-def _parameter(reader, record):
+def _parameter(reader: _Reader, record: Record) -> Parameter:
     name = _identifier(reader, record, "a parameter")
     where = f"the parameter {name!r}"
     kind = reader.one_of(record, "kind", ("scalar", "vector"), where)
     default = _value(record.get("default"), kind)
     if default is None:
         reader.refuse(MANIFEST, f"{where} has no usable default: {record.get('default')!r}")
-    least, most = (record.get(key) for key in ("min", "max"))
+    least: Any = record.get("min")
+    most: Any = record.get("max")
     ranged = all(_finite(v) for v in (least, most)) and least < most
     return Parameter(
         name=name,
@@ -244,12 +246,12 @@ def _parameter(reader, record):
     )
 
 
-def _finite(value):
+def _finite(value: object) -> bool:
     """Whether it is a number that 32 bits hold."""
     return isinstance(value, NUMBER) and not isinstance(value, bool) and abs(value) <= LARGEST
 
 
-def _value(value, kind):
+def _value(value: Any, kind: str) -> float | tuple[float, ...] | None:
     """A parameter's value as a float or four of them, None if it is neither."""
     if kind == "scalar":
         return float(value) if _finite(value) else None
@@ -258,7 +260,7 @@ def _value(value, kind):
     return None
 
 
-def _picture(reader, record):
+def _picture(reader: _Reader, record: Record) -> Picture:
     name = _identifier(reader, record, "a texture")
     where = f"the texture {name!r}"
     image, floats = reader.get(record, "image", str, where), reader.get(record, "float", bool, where)
@@ -270,7 +272,12 @@ def _picture(reader, record):
     return Picture(name, image, path, reader.get(record, "sha256", str, where), floats)
 
 
-def _complete(reader, texts, parameters, pictures):
+def _complete(
+    reader: _Reader,
+    texts: tuple[Text | None, ...],
+    parameters: tuple[Parameter, ...],
+    pictures: tuple[Picture, ...],
+) -> None:
     """Every input that carries a value of the material has its record."""
     kinds = {p.name: p.kind for p in parameters}
     kinds.update({p.name: "texture" for p in pictures})
@@ -283,14 +290,14 @@ def _complete(reader, texts, parameters, pictures):
                 reader.refuse(MANIFEST, f"the input {entry['name']!r} has no record as a {entry['kind']}")
 
 
-def _values(reader, file, parameters):
+def _values(reader: _Reader, file: str, parameters: tuple[Parameter, ...]) -> dict[str, float | tuple[float, ...]]:
     """The value of each parameter: what the file of values says, else the default."""
     found = reader.json(file, VALUES_FORMAT).get("values")
     if not isinstance(found, dict):
         reader.refuse(file, "there are no values")
     values = {}
     for parameter in parameters:
-        value = parameter.default
+        value: float | tuple[float, ...] | None = parameter.default
         if parameter.name in found:
             value = _value(found[parameter.name], parameter.kind)
         if value is None:

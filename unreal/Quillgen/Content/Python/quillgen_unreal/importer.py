@@ -3,13 +3,16 @@
 from __future__ import annotations
 
 import time
+from collections.abc import Sequence
 from pathlib import Path
-from typing import NamedTuple
+from typing import Any, Callable, NamedTuple
 
 import unreal
 
 from . import apply, build, engine, exchange, instances, layout, naming, textures
 from .errors import Cancelled, Refused, Unfinished
+from .exchange import Export
+from .plan import Plan
 
 MATERIAL_TAG = "Quillgen.Material"  # which material of Blender an asset belongs to
 PLAN_TAG = "Quillgen.Plan"  # the fingerprint of the plan that it was built by
@@ -19,6 +22,9 @@ NO_TESSELLATION = (
     "the displacement shows once DefaultEngine.ini has r.Nanite.AllowTessellation=1 and r.Nanite.Tessellation=1 under "
     "[/Script/Engine.RendererSettings], and the mesh has Nanite on"
 )
+
+
+Progress = Callable[[str], None]
 
 
 class Outcome(NamedTuple):
@@ -31,7 +37,11 @@ class Outcome(NamedTuple):
     remarks: tuple[str, ...]
 
 
-def read(folder, patience=PATIENCE):
+def no_progress(text: str) -> None:
+    """For imports that nobody watches."""
+
+
+def read(folder: str | Path, patience: float = PATIENCE) -> Export:
     """The export in a folder; waits a moment while its files are being written."""
     end = time.monotonic() + patience
     while True:
@@ -43,7 +53,14 @@ def read(folder, patience=PATIENCE):
             time.sleep(0.1)
 
 
-def bring(folder, content_path, progress=lambda text: None, instanced=False, force=False, patience=PATIENCE):
+def bring(
+    folder: str | Path,
+    content_path: str,
+    progress: Progress = no_progress,
+    instanced: bool = False,
+    force: bool = False,
+    patience: float = PATIENCE,
+) -> Outcome:
     """Imports one folder and gives its Outcome. Raises Refused; then M_Name is what it was."""
     content_path = naming.content_path(content_path)
     export = read(folder, patience)
@@ -68,7 +85,7 @@ def bring(folder, content_path, progress=lambda text: None, instanced=False, for
     return Outcome(export.name, status, where, instance_path, _remarks(export, plan))
 
 
-def _own(path, kind, export):
+def _own(path: str, kind: type, export: Export) -> Any:
     """The asset at a path, or None. It has to be one that an import of the same material made."""
     library = unreal.EditorAssetLibrary
     if not library.does_asset_exist(path):
@@ -83,12 +100,12 @@ def _own(path, kind, export):
     return asset
 
 
-def _identity(export):
+def _identity(export: Export) -> str:
     """What tells a material of Blender from all others."""
     return f"{export.name} in {export.library}" if export.library else export.name
 
 
-def _rebuild(export, plan, mark, where, old):
+def _rebuild(export: Export, plan: Plan, mark: str, where: str, old: unreal.Material | None) -> unreal.Material:
     """Builds the graph into the material, which is made if there is none."""
     boxes, _ = layout.place(plan.graph)
     if old:
@@ -108,7 +125,7 @@ def _rebuild(export, plan, mark, where, old):
     return material
 
 
-def create(export, where, kind, factory):
+def create(export: Export, where: str, kind: type, factory: unreal.Factory) -> Any:
     folder, name = where.rsplit("/", 1)
     made = unreal.AssetToolsHelpers.get_asset_tools().create_asset(name, folder, kind, factory)
     if not made:
@@ -116,14 +133,14 @@ def create(export, where, kind, factory):
     return made
 
 
-def _make_instance(export, where, material):
+def _make_instance(export: Export, where: str, material: unreal.Material) -> unreal.MaterialInstanceConstant:
     instance = create(export, where, unreal.MaterialInstanceConstant, unreal.MaterialInstanceConstantFactoryNew())
     unreal.MaterialEditingLibrary.set_material_instance_parent(instance, material)
     unreal.EditorAssetLibrary.set_metadata_tag(instance, MATERIAL_TAG, _identity(export))
     return instance
 
 
-def _remarks(export, plan):
+def _remarks(export: Export, plan: Plan) -> tuple[str, ...]:
     """What the user should know: what Blender's side says is lost, and what Unreal's side lacks."""
     found = [f"{r.get('node') or 'material'}: {r.get('text', '')}" for r in export.remarks if r.get("loss") != "info"]
     found += plan.remarks
@@ -134,7 +151,7 @@ def _remarks(export, plan):
     return tuple(found)
 
 
-def folders(root):
+def folders(root: str | Path) -> list[Path]:
     """The folders of single materials below an export's target."""
     root = Path(root)
     if not root.is_dir():
@@ -142,11 +159,11 @@ def folders(root):
     return sorted(path.parent for path in root.glob(f"*/{exchange.MANIFEST}"))
 
 
-def bring_all(root, content_path, instanced=False, force=False):
+def bring_all(root: str | Path, content_path: str, instanced: bool = False, force: bool = False) -> list[Outcome]:
     """Imports every material below a folder: Outcomes in the order of the folders. One that fails stops nothing."""
     content_path = naming.content_path(content_path)
     found = folders(root)
-    outcomes = []
+    outcomes: list[Outcome] = []
     try:
         with unreal.ScopedSlowTask(max(len(found), 1), "Materials from Blender") as task:
             task.make_dialog(True)
@@ -159,8 +176,8 @@ def bring_all(root, content_path, instanced=False, force=False):
     return outcomes
 
 
-def _progress(task):
-    def step(text):
+def _progress(task: unreal.ScopedSlowTask) -> Progress:
+    def step(text: str) -> None:
         if task.should_cancel():
             raise Cancelled
         task.enter_progress_frame(0, text)
@@ -168,7 +185,14 @@ def _progress(task):
     return step
 
 
-def attempt(folder, content_path, progress=lambda text: None, instanced=False, force=False, patience=PATIENCE):
+def attempt(
+    folder: str | Path,
+    content_path: str,
+    progress: Progress = no_progress,
+    instanced: bool = False,
+    force: bool = False,
+    patience: float = PATIENCE,
+) -> Outcome:
     """Imports one folder; an error becomes a log entry and a failed Outcome."""
     try:
         return bring(folder, content_path, progress, instanced, force, patience)
@@ -185,7 +209,7 @@ def attempt(folder, content_path, progress=lambda text: None, instanced=False, f
 WORDS = {"made": "made", "updated": "updated", "values": "new values", "unchanged": "unchanged", "failed": "failed"}
 
 
-def summarise(outcomes, root):
+def summarise(outcomes: Sequence[Outcome], root: str | Path) -> None:
     counts = {status: sum(o.status == status for o in outcomes) for status in WORDS}
     parts = [f"{count} {WORDS[status]}" for status, count in counts.items() if count]
     unreal.log(f"Quillgen: {len(outcomes)} materials from {root}: {', '.join(parts) or 'nothing to import'}")

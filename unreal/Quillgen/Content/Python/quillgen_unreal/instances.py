@@ -3,21 +3,24 @@
 from __future__ import annotations
 
 import struct
+from typing import Any
 
 import unreal
 
 from . import naming
+from .exchange import Export
 from .plan import Color
 
 MEL = unreal.MaterialEditingLibrary
 
 
-def _rounded(number):
+def _rounded(number: float) -> float:
     """As the engine keeps it, in 32 bits."""
-    return struct.unpack("f", struct.pack("f", number))[0]
+    rounded: float = struct.unpack("f", struct.pack("f", number))[0]
+    return rounded
 
 
-def _held(instance, key):
+def _held(instance: unreal.MaterialInstanceConstant, key: str) -> dict[str, Any]:
     """Parameter name -> value of what the instance overrides."""
     records = instance.get_editor_property(key)
     return {
@@ -28,7 +31,7 @@ def _held(instance, key):
     }
 
 
-def update(instance, export):
+def update(instance: unreal.MaterialInstanceConstant, export: Export) -> int:
     """Sets what differs from the export's values. Returns how many values that are."""
     named = naming.parameters(export.parameters)
     scalars = _held(instance, "scalar_parameter_values")
@@ -36,7 +39,7 @@ def update(instance, export):
     changed = 0
     for record in export.parameters:
         name, wanted = named[record.name], export.values[record.name]
-        if record.kind == "scalar":
+        if not isinstance(wanted, tuple):
             if scalars.get(name) != _rounded(wanted):
                 MEL.set_material_instance_scalar_parameter_value(instance, name, wanted)
                 changed += 1
@@ -48,5 +51,5 @@ def update(instance, export):
     return changed
 
 
-def _components(color):
+def _components(color: unreal.LinearColor | None) -> Any:
     return color and (color.r, color.g, color.b, color.a)

@@ -7,6 +7,8 @@ from __future__ import annotations
 
 from typing import NamedTuple
 
+from .plan import Expression, Graph
+
 GAP_X, GAP_Y = 160, 32
 MARGIN, TITLE = 40, 90  # of a comment around its nodes
 LETTER, LINE, HEAD = 8, 24, 56  # sizes that nodes of the material editor have, rounded up
@@ -33,7 +35,7 @@ class Box(NamedTuple):
     height: int
 
 
-def size(expression):
+def size(expression: Expression) -> tuple[int, int]:
     """The width and height that a node takes, rather too large."""
     settings = dict(expression.settings)
     left = [wire.pin for wire in expression.wires]
@@ -45,10 +47,10 @@ def size(expression):
     return width, height + (PREVIEW if expression.kind in PREVIEWED else 0)
 
 
-def columns(graph):
+def columns(graph: Graph) -> dict[str, list[str]]:
     """Names of columns from right to left, each with the keys of its expressions."""
-    found = {name: [] for name in ORDER}
-    depth = {}
+    found: dict[str, list[str]] = {name: [] for name in ORDER}
+    depth: dict[str, int] = {}
     for key in reversed(graph.expressions):  # users come before what they use
         expression = graph.expressions[key]
         depth.setdefault(key, 0)
@@ -62,7 +64,7 @@ def columns(graph):
     return {name: list(reversed(found[name])) for name in (*ORDER, *order) if found[name]}
 
 
-def _column(expression, depth):
+def _column(expression: Expression, depth: int) -> str:
     if expression.kind == "MakeMaterialAttributes":
         return "attributes"
     if any(name == "additional_outputs" for name, _ in expression.settings):
@@ -74,9 +76,11 @@ def _column(expression, depth):
     return f"signals {depth}"
 
 
-def place(graph):
+def place(graph: Graph) -> tuple[dict[str, Box], list[tuple[str, Box]]]:
     """Key -> Box of every expression, and (heading, Box) for every comment around a column."""
-    boxes, comments, right = {}, [], -300
+    boxes: dict[str, Box] = {}
+    comments: list[tuple[str, Box]] = []
+    right = -300
     for name, keys in columns(graph).items():
         lines = [keys[begin : begin + ROWS] for begin in range(0, len(keys), ROWS)]
         end, bottom = right, 0

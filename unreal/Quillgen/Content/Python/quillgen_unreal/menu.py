@@ -22,7 +22,7 @@ ENTRIES = (
 )
 
 
-def register():
+def register() -> None:
     menus = unreal.ToolMenus.get()
     parent = menus.extend_menu(PARENT)  # it may not have been made yet when the editor starts
     menu = parent.add_sub_menu(OWNER, "Quillgen", NAME, "Materials from Blender", "Quillgen")
@@ -37,7 +37,7 @@ def register():
     menus.refresh_all_widgets()
 
 
-def run(function):
+def run(function: str) -> None:
     """Does what an entry says; what is refused becomes a message."""
     try:
         text = globals()[function]()
@@ -47,7 +47,7 @@ def run(function):
         dialog.message(text)
 
 
-def choose():
+def choose() -> str:
     chosen = dialog.ask(settings.load())
     if chosen is None:
         return ""
@@ -55,7 +55,7 @@ def choose():
     return again()
 
 
-def again():
+def again() -> str:
     chosen = settings.load()
     if not chosen.folder:
         return choose()
@@ -64,21 +64,22 @@ def again():
     return "\n\n".join(text for o in failed for text in o.remarks)
 
 
-def toggle_live():
+def toggle_live() -> str:
     if live.running():
         live.stop()
         return "Live is off."
     chosen = settings.load()
     if not chosen.folder:
-        chosen = dialog.ask(chosen)
-        if chosen is None:
+        asked = dialog.ask(chosen)
+        if asked is None:
             return ""
+        chosen = asked
         settings.save(chosen)
     live.start(chosen.folder, chosen.content_path, chosen.instanced)
     return f"Live is on: following {chosen.folder}."
 
 
-def paste_texts():
+def paste_texts() -> str:
     from . import clipboard
 
     chosen = settings.load()
@@ -88,7 +89,7 @@ def paste_texts():
     return f"{len(written)} texts are written, each as {clipboard.FILE} in the folder of its material."
 
 
-def checklist():
+def checklist() -> str:
     from . import checklist as level
 
     return level.build_level("/Game/BlenderChecklist")

@@ -3,20 +3,22 @@
 from __future__ import annotations
 
 import re
+from collections.abc import Iterable
 
 from .errors import Refused
+from .exchange import Export, Parameter
 
 LONGEST_PATH = 200  # of an asset: the paths of cooked files are a little longer, and Windows takes 260
 CONTENT_PATH = re.compile(r"(/[^/\\:*?\"<>|' ,.&!~\n\r\t@#]+)+\Z")
 
 
-def asset(prefix, name):
+def asset(prefix: str, name: str) -> str:
     """An asset's name: what Unreal refuses in a name becomes "_". "" where nothing of the name is left."""
     plain = "".join(c if c.isalnum() or c == "_" else "_" for c in name.strip())
     return prefix + plain if any(c.isalnum() for c in plain) else ""
 
 
-def content_path(path):
+def content_path(path: str) -> str:
     """A folder of the content browser without a slash at its end."""
     path = path.rstrip("/")
     if not CONTENT_PATH.match(path):
@@ -24,7 +26,7 @@ def content_path(path):
     return path
 
 
-def asset_path(folder, prefix, export):
+def asset_path(folder: str, prefix: str, export: Export) -> str:
     """Where an asset of this export belongs. The folder has the material's name, and a number where two materials
     share one."""
     name = asset(prefix, export.folder.name)
@@ -36,7 +38,7 @@ def asset_path(folder, prefix, export):
     return path
 
 
-def parameters(records):
+def parameters(records: Iterable[Parameter]) -> dict[str, str]:
     """Input name -> what the parameter is called in Unreal: its label, which no other one of the material has. Unreal
     takes "None" for no name at all."""
     labels = {record.name: record.label.strip() for record in records}

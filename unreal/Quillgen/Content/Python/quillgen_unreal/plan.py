@@ -5,6 +5,7 @@ Nothing here needs the editor. `apply` makes the real thing from it, `clipboard`
 
 from __future__ import annotations
 
+from collections.abc import Iterable, Mapping
 from typing import NamedTuple
 
 
@@ -62,10 +63,13 @@ class Wire(NamedTuple):
     source: Source
 
 
+Properties = tuple[tuple[str, object], ...]  # (property, value) in the order in which they are set
+
+
 class Expression(NamedTuple):
     key: str
     kind: str  # the class, without MaterialExpression in front
-    settings: tuple[tuple[str, object], ...]  # (property, value) in the order in which they are set
+    settings: Properties
     wires: tuple[Wire, ...]
     comment: str  # what it is for, to be read in the graph
 
@@ -73,22 +77,28 @@ class Expression(NamedTuple):
 class Graph:
     """Expressions in an order in which each one's sources come first. What is asked for twice is made once."""
 
-    def __init__(self):
+    def __init__(self) -> None:
         self.expressions: dict[str, Expression] = {}
-        self._known: dict[tuple, str] = {}
+        self._known: dict[object, str] = {}
         self._counts: dict[str, int] = {}
 
-    def add(self, kind, settings=(), wires=(), comment=""):
+    def add(
+        self,
+        kind: str,
+        settings: Mapping[str, object] | Iterable[tuple[str, object]] = (),
+        wires: Iterable[tuple[str, Source]] = (),
+        comment: str = "",
+    ) -> Source:
         """The first output of the expression with these properties and wires."""
-        settings = tuple(settings.items()) if isinstance(settings, dict) else tuple(settings)
-        wires = tuple(Wire(pin, source) for pin, source in wires)
-        content = (kind, settings, wires)
+        properties = tuple(settings.items()) if isinstance(settings, Mapping) else tuple(settings)
+        ends = tuple(Wire(pin, source) for pin, source in wires)
+        content = (kind, properties, ends)
         key = self._known.get(content)
         if key is None:
             count = self._counts.get(kind, 0)
             self._counts[kind] = count + 1
             key = self._known[content] = f"{kind}_{count}"
-            self.expressions[key] = Expression(key, kind, settings, wires, comment)
+            self.expressions[key] = Expression(key, kind, properties, ends, comment)
         return Source(key)
 
 
@@ -97,5 +107,5 @@ class Plan(NamedTuple):
 
     graph: Graph
     root: Source
-    settings: tuple[tuple[str, object], ...]
+    settings: Properties
     remarks: tuple[str, ...]  # what this version of the editor can't do of it

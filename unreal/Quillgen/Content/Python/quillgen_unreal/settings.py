@@ -15,12 +15,12 @@ class Settings(NamedTuple):
     instanced: bool = False
 
 
-def _file():
+def _file() -> Path:
     saved = unreal.Paths.convert_relative_path_to_full(unreal.Paths.project_saved_dir())
     return Path(saved) / "Quillgen.json"
 
 
-def load():
+def load() -> Settings:
     try:
         found = json.loads(_file().read_text(encoding="utf-8"))
         known = {key: found[key] for key, value in Settings()._asdict().items() if type(found.get(key)) is type(value)}
@@ -29,7 +29,7 @@ def load():
     return Settings(**known)
 
 
-def save(settings):
+def save(settings: Settings) -> None:
     path = _file()
     path.parent.mkdir(parents=True, exist_ok=True)
     path.write_text(json.dumps(settings._asdict(), indent=1) + "\n", encoding="utf-8")

@@ -3,11 +3,12 @@
 from __future__ import annotations
 
 from . import naming
+from .exchange import Picture
 
 FOLDER = "Textures"
 
 
-def path(picture, content_path):
+def path(picture: Picture, content_path: str) -> str:
     """The asset's path. The file's name ends in its checksum: other pixels make another asset. A picture that wasn't
     exported has the name that its input has."""
     name = picture.path.stem if picture.path else picture.name

@@ -7,17 +7,20 @@ the value; what each must not be replaced by is said beside it.
 
 from __future__ import annotations
 
-from typing import NamedTuple
+from collections.abc import Iterable, Mapping
+from typing import Any, Callable, NamedTuple
 
 from . import engine
-from .plan import Color, Inputs, Source
+from .plan import Color, Graph, Inputs, Source
+
+Record = Mapping[str, Any]  # of an input: `kind` and what goes with it
 
 
 class Row(NamedTuple):
     """A kind that is one expression: its class, properties, and output pin."""
 
     kind: str
-    settings: dict
+    settings: dict[str, object]
     pin: str = ""
 
 
@@ -61,7 +64,7 @@ class Setting(NamedTuple):
     instanced: bool = False  # the mesh is drawn as instances: its space is the instance's
 
 
-def source(graph, record, setting):
+def source(graph: Graph, record: Record, setting: Setting) -> Source:
     """The output that an input of this record (`kind` and its further keys) is wired to."""
     row = PLAIN.get(record["kind"])
     if row:
@@ -69,16 +72,16 @@ def source(graph, record, setting):
     return CHAINS[record["kind"]](graph, record, setting)
 
 
-def _texcoord(graph, record, setting):
+def _texcoord(graph: Graph, record: Record, setting: Setting) -> Source:
     settings = {"coordinate_index": record["index"], "u_tiling": 1.0, "v_tiling": 1.0}
     return graph.add("TextureCoordinate", settings)
 
 
-def _constant(graph, value):
+def _constant(graph: Graph, value: tuple[float, float, float]) -> Source:
     return graph.add("Constant3Vector", {"constant": Color(*value, 0.0)})
 
 
-def _transform(graph, value, space, comment):
+def _transform(graph: Graph, value: tuple[float, float, float], space: str, comment: str) -> Source:
     settings = {
         "transform_source_type": engine.VECTOR_SOURCE[f"TRANSFORMSOURCE_{space}"],
         "transform_type": engine.VECTOR_TARGET["TRANSFORM_WORLD"],
@@ -86,26 +89,26 @@ def _transform(graph, value, space, comment):
     return graph.add("Transform", settings, [("", _constant(graph, value))], comment)
 
 
-def _object_axis(graph, record, setting):
+def _object_axis(graph: Graph, record: Record, setting: Setting) -> Source:
     """A column of the object's matrix, with its scale: nothing normalises it."""
     axis = record["axis"]
     space = "INSTANCE" if setting.instanced else "LOCAL"
     return _transform(graph, AXES[axis], space, f"The object's {axis.upper()} axis in the world, with its scale")
 
 
-def _view_axis(graph, record, setting):
+def _view_axis(graph: Graph, record: Record, setting: Setting) -> Source:
     """In shadow passes the view is the light's. The camera's axes stay what they are where the opacity needs them."""
     axis = record["axis"]
     space = "CAMERA" if setting.masked else "VIEW"
     return _transform(graph, AXES[axis], space, f"The camera's {axis.upper()} axis in the world")
 
 
-def _bitangent_world(graph, record, setting):
+def _bitangent_world(graph: Graph, record: Record, setting: Setting) -> Source:
     """By the transform, which keeps the handedness of mirrored UVs."""
     return _transform(graph, AXES["y"], "TANGENT", "The bitangent in the world")
 
 
-def _position_transform(graph, begin, source_space, target_space, comment):
+def _position_transform(graph: Graph, begin: Source, source_space: str, target_space: str, comment: str) -> Source:
     settings = {
         "transform_source_type": engine.POSITION_SPACE[f"TRANSFORMPOSSOURCE_{source_space}"],
         "transform_type": engine.POSITION_SPACE[f"TRANSFORMPOSSOURCE_{target_space}"],
@@ -113,13 +116,13 @@ def _position_transform(graph, begin, source_space, target_space, comment):
     return graph.add("TransformPosition", settings, [("", begin)], comment)
 
 
-def _object_origin(graph, record, setting):
+def _object_origin(graph: Graph, record: Record, setting: Setting) -> Source:
     """The pivot. ObjectPositionWS is the centre of the bounds, another point."""
     space = "INSTANCE" if setting.instanced else "LOCAL"
     return _position_transform(graph, _constant(graph, (0.0, 0.0, 0.0)), space, "WORLD", "The object's pivot")
 
 
-def _local_position(graph, record, setting):
+def _local_position(graph: Graph, record: Record, setting: Setting) -> Source:
     """The position in the mesh, without what displacement or an offset of the world position adds."""
     if setting.features.local_position:
         settings = {
@@ -133,7 +136,7 @@ def _local_position(graph, record, setting):
     return _position_transform(graph, world, "WORLD", space, "The position in the mesh")
 
 
-def _cycles_normal(graph, record, setting):
+def _cycles_normal(graph: Graph, record: Record, setting: Setting) -> Source:
     """Never PixelNormalWS, which may not feed the normal."""
     settings = (
         ("code", SCALED_NORMAL),
@@ -146,14 +149,14 @@ def _cycles_normal(graph, record, setting):
     return graph.add("Custom", settings, wires, "The vertex normal as the object's scale turns it")
 
 
-def _vertex_color(graph, record, setting):
+def _vertex_color(graph: Graph, record: Record, setting: Setting) -> Source:
     """Four wide: the first output of the vertex colour has no alpha."""
     color = graph.add("VertexColor")
     wires = [("A", color), ("B", color._replace(pin="A"))]
     return graph.add("AppendVector", (), wires, "The vertex colour with its alpha")
 
 
-def _derivative(graph, record, setting):
+def _derivative(graph: Graph, record: Record, setting: Setting) -> Source:
     """Ray tracing has no neighbouring pixels: there both derivatives are zero, and with them the plane of the surface
     that bumps are made in. For a position two other vectors of that plane do as well, the tangent and the bitangent."""
     kind, of = record["kind"], record["of"]
@@ -165,7 +168,7 @@ def _derivative(graph, record, setting):
     return graph.add("RayTracingQualitySwitch", (), wires, "Ray tracing has no derivatives: the tangent plane instead")
 
 
-CHAINS = {
+CHAINS: dict[str, Callable[[Graph, Record, Setting], Source]] = {
     "texcoord": _texcoord,
     "object_axis": _object_axis,
     "view_axis": _view_axis,
@@ -182,7 +185,7 @@ CHAINS = {
 PARAMETERS = ("scalar", "vector", "texture")
 
 
-def unknown(record):
+def unknown(record: Record) -> str:
     """What nobody here can wire in this record, as words, or "" for a good record."""
     kind = record.get("kind")
     if kind in PLAIN or kind in PARAMETERS:
@@ -201,7 +204,7 @@ def unknown(record):
     return ""
 
 
-def parameter(graph, kind, name, settings):
+def parameter(graph: Graph, kind: str, name: str, settings: Iterable[tuple[str, object]]) -> Source:
     """A Scalar or Vector Parameter. The text reads four numbers of a vector: its first output has but three."""
     found = graph.add(f"{kind.capitalize()}Parameter", (("parameter_name", name), *settings))
     return Source(found.expression, "RGBA") if kind == "vector" else found
