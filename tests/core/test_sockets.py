@@ -240,3 +240,13 @@ def test_two_ids_with_one_parameter_name_share_it():
     both = node("Math", {"Value": link(first), "Value_001": link(second)}, id="Both")
     params = quillgen.compile(material(both, first, second), "emission")["params"]
     assert params["P_A_1__Value"] == ["scalar", 2.0]
+
+
+def test_the_last_reading_of_a_shared_name_gives_its_value():
+    """The bump reads the first node once more, behind the second one."""
+    first, second = node("Math", {"Value": 1.0}, id="A.1"), node("Math", {"Value": 2.0}, id="A 1")
+    bump = node("Bump", {"Height": link(first)})
+    both = node("Math", {"Value": link(first), "Value_001": link(second)}, id="Both")
+    tangled = node("MixRGB", {"Color1": link(both), "Color2": link(bump)})
+    params = quillgen.compile(material(tangled, both, bump, first, second), "emission")["params"]
+    assert params["P_A_1__Value"] == ["scalar", 1.0]
