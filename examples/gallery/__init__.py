@@ -3,5 +3,6 @@
 import sys
 from pathlib import Path
 
-# The harness that runs a text on the CPU's Vulkan device.
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tests" / "gpu"))
+ROOT = Path(__file__).resolve().parents[2]
+# The harness that runs a text on the CPU's Vulkan device, and the extension with its passes.
+sys.path[:0] = [str(ROOT / "tests" / "gpu"), str(ROOT / "blender")]

@@ -9,7 +9,27 @@ class Camera(NamedTuple):
     eye: tuple
     target: tuple
     lens: float  # in millimetres, on a sensor 36 mm wide
-    pixels: int = 256  # the width of the square picture
+    pixels: int = 512  # the width of the square picture
+
+
+class Part(NamedTuple):
+    """A rectangle of a picture, in pixels from the upper left."""
+
+    left: int
+    top: int
+    width: int
+    height: int
+
+    def grown(self, border, camera):
+        """With so many pixels more on each side where the picture has them."""
+        left, top = max(self.left - border, 0), max(self.top - border, 0)
+        right = min(self.left + self.width + border, camera.pixels)
+        bottom = min(self.top + self.height + border, camera.pixels)
+        return Part(left, top, right - left, bottom - top)
+
+
+def whole(camera):
+    return Part(0, 0, camera.pixels, camera.pixels)
 
 
 def axes(camera):
@@ -23,11 +43,20 @@ def tan_half_fov(camera):
     return 18.0 / camera.lens
 
 
-def positions(camera, subdivision):
-    """Where rays go through the picture, in pixels from the upper left: [n, 2], subdivision^2 for each pixel."""
-    line = (np.arange(camera.pixels * subdivision) + 0.5) / subdivision
-    y, x = np.meshgrid(line, line, indexing="ij")
+def positions(camera, subdivision, part=None):
+    """Where rays go through the picture or a part of it, in pixels from the upper left of the whole: [n, 2],
+    subdivision^2 for each pixel, row by row."""
+    left, top, width, height = part or whole(camera)
+    x = (np.arange(left * subdivision, (left + width) * subdivision) + 0.5) / subdivision
+    y = (np.arange(top * subdivision, (top + height) * subdivision) + 0.5) / subdivision
+    y, x = np.meshgrid(y, x, indexing="ij")
     return np.stack([x.ravel(), y.ravel()], axis=1)
+
+
+def numbers(camera, subdivision, places):
+    """The numbers of these rays among all of the picture, the same for every part of it: [n]."""
+    x, y = np.int64(np.floor(places * subdivision)).T
+    return y * camera.pixels * subdivision + x
 
 
 def rays(camera, places):

@@ -1,13 +1,19 @@
-"""Makes the gallery: docs/gallery.md and its pictures.
+"""Makes the gallery: docs/gallery.md, its pictures, and the one of the README.
 
-    .venv/bin/python -m examples.gallery.make [NAME ...]   # the named or all materials, and the page
+    .venv/bin/python -m examples.gallery.make [--steps=values,text,cycles] [--blender=PYTHON] [NAME ...]
 
-For each material a strip of Blender's base colour, ours and ten times the difference, and a full picture of
-ours beside the preview that Cycles made. The numbers are kept in docs/gallery/numbers.json.
+Steps, for the named or all materials: "values" compares the base colour with Blender's on a flat square (a strip of
+Blender's, ours and ten times the difference), "text" renders the picture of the text, "cycles" that of Cycles, for
+which Blender has to be there. The numbers are kept in docs/gallery/numbers.json; those of a pair of pictures are taken
+from the files themselves.
 """
 
+import argparse
 import json
-import sys
+import subprocess
+import tempfile
+import time
+from pathlib import Path
 
 import numpy as np
 
@@ -16,8 +22,10 @@ import device
 from . import materials, page, ramps, render, square, tone
 
 GAP = 4
-COLORS = 160  # of a full picture's palette
-device.TIMEOUT = 1800  # the first compilation of glazed_vase takes minutes: six tables of 257 entries
+PIXELS, CYCLES_SAMPLES = 512, 16
+SIDES = ("cycles", "text")
+OVERVIEW = ("rusted_paint", "chequered_floor")  # in the README
+device.TIMEOUT = 2400  # the first compilation of glazed_vase takes minutes: six tables of 257 entries
 
 
 def strip(wanted, found):
@@ -32,12 +40,10 @@ def side_by_side(pictures):
     return np.concatenate(joined[:-1], axis=1)
 
 
-def make(name):
-    """Writes a material's pictures; gives {array: (largest difference, share within 1e-4, within 1e-3)}."""
+def values(name):
+    """Writes a material's strip; gives {array: (largest difference, share within 1e-4, within 1e-3)}."""
     pairs = square.compare(name)
     tone.save(strip(*pairs["value"]), page.FOLDER / f"{name}_base.png")
-    ours = render.picture(name, subdivision=3, samples=16)
-    tone.save(side_by_side([materials.preview(name), ours]), page.FOLDER / f"{name}.png", COLORS)
     numbers = {array: square.numbers(*pair) for array, pair in pairs.items()}
     base = materials.base_document(name)
     if ramps.has(base):
@@ -46,16 +52,56 @@ def make(name):
     return numbers
 
 
-def main(chosen):
+def text(name):
+    tone.save(render.picture(name, pixels=PIXELS), page.picture(name, "text"))
+
+
+def cycles(name, python):
+    script = Path(__file__).with_name("in_blender.py")
+    with tempfile.TemporaryDirectory() as folder:
+        subprocess.run([python, "-W", "ignore", script, folder, str(PIXELS), str(CYCLES_SAMPLES), name], check=True)
+        light = np.load(Path(folder) / f"{name}.npy")
+    tone.save(tone.srgb(tone.neutral(light)), page.picture(name, "cycles"))
+
+
+def compared(name):
+    """(mean difference of the two pictures as they are kept, share of pixels within 5 %), in parts of white."""
+    wanted, found = (np.float64(tone.load(page.picture(name, side))) / 255 for side in SIDES)
+    off = np.abs(found - wanted)
+    return float(off.mean()), float((off.max(axis=2) <= 0.05).mean())
+
+
+def overview():
+    """The pictures for the README, a row for each material."""
+    rows = [side_by_side([tone.load(page.picture(name, side)) for side in SIDES]) for name in OVERVIEW]
+    gap = np.full((GAP, rows[0].shape[1], 3), 255, np.uint8)
+    tone.save(np.concatenate([rows[0], gap, rows[1]]), page.DOCS / "assets" / "overview.jpg")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("names", nargs="*", metavar="NAME")
+    parser.add_argument("--steps", default="values,text,cycles")
+    parser.add_argument("--blender", default=".venv-blender-5.2/bin/python", metavar="PYTHON")
+    chosen = parser.parse_args()
+    steps = chosen.steps.split(",")
     page.FOLDER.mkdir(parents=True, exist_ok=True)
-    kept = page.FOLDER / "numbers.json"
-    for name in chosen or materials.names():
-        numbers = json.loads(kept.read_text()) if kept.exists() else {}
-        numbers[name] = make(name)
-        print(name, *(f"{number:.6g}" for number in numbers[name]["value"]), flush=True)
-        kept.write_text(json.dumps({name: numbers[name] for name in sorted(numbers)}, indent=1) + "\n")
+    for name in chosen.names or materials.names():
+        begun = time.monotonic()
+        numbers = page.numbers()
+        known = numbers.get(name, {})
+        if "values" in steps:
+            known = values(name)
+        if "text" in steps:
+            text(name)
+        if "cycles" in steps:
+            cycles(name, chosen.blender)
+        numbers[name] = known | {"picture": compared(name)}
+        page.NUMBERS.write_text(json.dumps({name: numbers[name] for name in sorted(numbers)}, indent=1) + "\n")
         page.write(numbers)
+        print(f"{name}: {time.monotonic() - begun:.0f} s, pictures {numbers[name]['picture'][0]:.3%} apart", flush=True)
+    overview()
 
 
 if __name__ == "__main__":
-    main(sys.argv[1:])
+    main()

@@ -8,6 +8,9 @@ import numpy as np
 from PIL import Image
 
 import custom_expression
+from quillgen_blender import passes
+
+from . import scenes
 
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "examples" / "materials"
@@ -21,6 +24,11 @@ def names():
 
 def document(name):
     return _read(f"{name}.json")
+
+
+def exported(name):
+    """The document as an export hands it to the translator: what the extension's passes make of it."""
+    return passes.prepare(scenes.with_hues(name, document(name)), passes.Options())[0]
 
 
 def base_document(name):

@@ -1,9 +1,12 @@
 """Writes docs/gallery.md: the pictures, the numbers under them, and what is known to differ."""
 
+import json
+
 from . import materials
 
 DOCS = materials.ROOT / "docs"
 FOLDER = DOCS / "gallery"
+NUMBERS = FOLDER / "numbers.json"
 
 HEAD = """# Gallery
 
@@ -12,17 +15,14 @@ All of it is made by one command, on a machine without a GPU:
 
     .venv/bin/python -m examples.gallery.make
 
-**The strips** show the base colour on a flat square of one metre: Blender's values, those of the text at
-the same 64 x 64 points, and ten times the difference. Where a material has colour ramps, Cycles reads them
-from a table of 257 entries; the numbers "with Cycles' tables" are those of the same graph with such tables
-in place of its ramps, so that what is left has another reason.
-
-**The pictures** show Cycles' preview and, beside it, all outputs of the text (base colour, metallic,
-roughness, specular, normal with its bumps, emission, opacity, clear coat, and real displacement), lit by a
-small, plain physically based shader (`examples/gallery/shade.hlsl`) on a Vulkan device. Every input is
-computed in Unreal's frame: left-handed, in centimetres. Objects, cameras and lights are those of the
-previews as far as the previews tell; for a few materials the size of the object is a guess. Three things
-are as a host would have to wire them to get Blender's picture:
+**The pictures** are 512 pixels wide. One is Cycles of Blender 5.2, which has the material rebuilt from its document,
+with 16 samples a pixel and Blender's denoiser. The other shows all outputs of the text (base colour, metallic,
+roughness, specular, normal with its bumps, emission, opacity, clear coat, and real displacement), lit by a small,
+plain physically based shader (`examples/gallery/shade.hlsl`) on a Vulkan device, with 72 samples a pixel and no
+denoiser. The text is that of an export: the extension's passes went over the document first. Every input is computed
+in Unreal's frame: left-handed, in centimetres. Object, camera, lights and the view, Khronos PBR Neutral, are the same
+on both sides, and light is followed over one bounce. Three things are as a host would have to wire them to get
+Blender's picture:
 
 - The clear coat lies on the mesh's own normal, as Blender's does while Coat Normal is empty: in Unreal,
   `OutNormal` goes to Clear Coat Bottom Normal. What glows is below the coat.
@@ -30,11 +30,23 @@ are as a host would have to wire them to get Blender's picture:
 - `hologram` and `hazard_decal` mix with a Transparent BSDF, which multiplies all of the record by the
   opacity: they are composed as Unreal's blend mode AlphaComposite does.
 
+Below each pair stands how far the two files are apart, as a screen shows them: the shader of one is not that of the
+other, so this tells of light and noise as well as of the material.
+
+**The strips** show the base colour alone, on a flat square of one metre: Blender's values, those of the text at
+the same 64 x 64 points, each drawn four pixels wide, and ten times the difference. The numbers in the table and below
+the strips are of these points. Where a material has colour ramps, Cycles reads them from a table of 257 entries; the
+numbers "with Cycles' tables" are those of the same graph with such tables in place of its ramps, so that what is left
+has another reason. Here the text is that of the document as it stands, without the extension's passes.
+
 """
 
 # What differs beyond what the facts of a material tell, each found by following the difference through the nodes.
 NOTES = {
-    "brick_wall": ["In the picture, the wall of the preview is a mesh of some fineness, ours is followed exactly."],
+    "brick_wall": [
+        "In Blender's picture the wall is a mesh of 1024 x 1024 faces, moved at its corners; ours is followed "
+        "exactly between as many heights."
+    ],
     "chequered_floor": [
         "The veins are ramps that rise within a hundredth of a noise's range: they magnify the last "
         "bits of the noise's coordinate thirty times and more."
@@ -44,6 +56,7 @@ NOTES = {
         "points: they differ a little where a curve bends. The documents of the example host have "
         "257."
     ],
+    "maple_leaf": ["In the picture, the shader of ours lets nothing cast shadows but balls and boxes."],
     "mossy_rock": [
         "In the picture, moss grows by the normal that Geometry gives. Blender's surface sees the "
         "bumped normal there; in the text a node that feeds the displacement too keeps the plain one."
@@ -51,6 +64,10 @@ NOTES = {
     "oak_planks": [
         "Each plank moves its noise by 41.7 times a grey: Blender's weights of red, green and blue "
         "sum up to 1.000001, the text's to 1. Nine folds of that noise magnify it."
+    ],
+    "ramp_banner": [
+        "In the pictures the text has these ramps as the extension's passes make them: B-splines as linear stops, and "
+        "every hue direction, which were found from Blender's values."
     ],
     "rosette_tiles": [
         "The points that differ lie on the picture's diagonal, exactly on the border of two wedges: "
@@ -61,17 +78,30 @@ NOTES = {
         "Cycles' rays find occlusion there."
     ],
     "stained_glass": [
-        "Blender tints what is behind by the Transparent BSDF's colour, which an opacity of one "
-        "number cannot do: the glass looks paler before a bright background."
+        "Blender tints what is behind by the Transparent BSDF's colour, which an opacity of one number cannot do: the "
+        "extension makes the glass the more opaque the darker that colour is, with that colour on it."
     ],
 }
 
 
+def numbers():
+    return json.loads(NUMBERS.read_text(encoding="utf-8")) if NUMBERS.exists() else {}
+
+
+def picture(name, side):
+    """The file of a picture of 512 pixels; `side`: "cycles" or "text"."""
+    return FOLDER / f"{name}_{side}.jpg"
+
+
 def write(numbers):
+    (DOCS / "gallery.md").write_text(text(numbers), encoding="utf-8")
+
+
+def text(numbers):
     lines = [HEAD + summary(numbers)]
     for name in sorted(numbers):
         lines += section(name, numbers[name])
-    (DOCS / "gallery.md").write_text("\n".join(lines), encoding="utf-8")
+    return "\n".join(lines)
 
 
 def summary(numbers):
@@ -90,10 +120,17 @@ def summary(numbers):
 def section(name, numbers):
     facts = materials.facts(name)
     shown = "emission" if facts["kind"] == "emission" else "base colour"
+    mean, near = numbers["picture"]
     lines = [
         f"## {name}",
         "",
         facts["what"] + ".",
+        "",
+        "| Cycles | The text |",
+        "| --- | --- |",
+        f"| ![{name} in Cycles](gallery/{name}_cycles.jpg) | ![{name}: the text](gallery/{name}_text.jpg) |",
+        "",
+        f"The pictures are {mean:.1%} of white apart in the mean; {near:.1%} of the pixels are within 5%.",
         "",
         f"![{name}: the {shown} from Blender, ours, ten times the difference](gallery/{name}_base.png)",
         "",
@@ -108,9 +145,8 @@ def section(name, numbers):
     ]
     if others:
         lines += ["", f"Largest differences of the further outputs: {', '.join(others)}."]
-    lines += ["", f"![{name}: Cycles' preview and ours](gallery/{name}.png)", ""]
     known = [sentence(text) for text in facts["differs"]] + NOTES.get(name, [])
-    return lines + [f"- {text}" for text in known] + [""] * bool(known)
+    return [*lines, ""] + [f"- {text}" for text in known] + [""] * bool(known)
 
 
 def told(numbers):

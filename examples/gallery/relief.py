@@ -23,7 +23,7 @@ class Relief(NamedTuple):
 
 def relief(record, thing, camera, rows):
     """The heights that a displacement text gives on a thing, a sphere of radius 1 or a square."""
-    is_round = thing.shape.low[2] == -1
+    is_round = thing.shape.name == "sphere"
     columns = 2 * rows if is_round else rows
     v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns, indexing="ij")
     local = _unrolled(thing, u.ravel(), v.ravel(), is_round)
@@ -110,18 +110,31 @@ def faces(relief, thing, camera, points, reach):
     return cameras.unit(raised)
 
 
-def shadows(relief, thing, points, lights, seed=1):
+def shadows(relief, thing, points, lights, seeds):
     """How much the surface lets of each light (at most three) and of the surroundings reach its points:
-    [n, 3] and [n], 0 to 1."""
-    random = np.random.default_rng(seed)
+    [n, 3] and [n], 0 to 1. `seeds`: an integer for each point, which places its samples."""
     normals = surfaces.describe(thing, points)["normal"]
     begin = points + 0.004 * normals
     seen = np.ones((len(points), 3))
     for number, light in enumerate(lights):
-        places = light.at + light.size * random.uniform(-0.4, 0.4, (RAYS, len(points), 3))
+        places = light.at + light.size * (0.8 * _random(seeds, number, (RAYS, 3)) - 0.4)
         seen[:, number] = _share(relief, thing, begin, cameras.unit(places - begin))
-    directions = cameras.unit(normals + cameras.unit(random.normal(size=(2 * RAYS, len(points), 3))) * 0.98)
+    numbers = _random(seeds, len(lights), (2 * RAYS, 2))
+    up, turn = 2 * numbers[..., 0] - 1, 2 * np.pi * numbers[..., 1]
+    flat = np.sqrt(1 - up**2)
+    ball = np.stack([flat * np.cos(turn), flat * np.sin(turn), up], axis=-1)
+    directions = cameras.unit(normals + 0.98 * ball)
     return seen, _share(relief, thing, begin, directions)
+
+
+def _random(seeds, salt, shape):
+    """Even numbers in 0..1 that follow from the seeds alone, [shape[0], n, shape[1]]."""
+    first, last = np.indices(shape, dtype=np.uint32)[:, :, None]
+    drawn = salt * 64 + first * shape[1] + last
+    x = np.uint32(seeds)[:, None] * np.uint32(0x9E3779B1) + drawn * np.uint32(0x85EBCA77)
+    for shift, factor in ((16, 0x7FEB352D), (15, 0x846CA68B)):
+        x = (x ^ (x >> np.uint32(shift))) * np.uint32(factor)
+    return (x ^ (x >> np.uint32(16))) / 2.0**32
 
 
 def _share(relief, thing, points, directions):

@@ -1,11 +1,14 @@
 """Pictures of the example materials: every output of a text, lit by the shader of `shade` on the device."""
 
+from typing import NamedTuple
+
 import numpy as np
 
 import quillgen
 
 from . import camera as cameras
 from . import materials, relief, scenes, shade, surfaces, tone, wiring
+from .surroundings import NOTHING
 
 # What the shader takes, the output that gives it, and its value where the text has no such output.
 SCALARS = (
@@ -28,33 +31,66 @@ LIT_BY = (
     "seen",
     "open",
 )
+RAYS_AT_ONCE = 1 << 19  # a picture is made in bands of so many: memory is bounded
+OVERVIEW = 64  # rays across the picture from which the mean of what is seen is taken
 FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
 
 
-def picture(name, subdivision=2, samples=32, pixels=256, ir=None):
-    """The material as [pixels, pixels, 3] bytes. `ir` stands in for its document."""
-    return tone.srgb(tone.neutral(radiance(name, subdivision, samples, pixels, ir)))
+def picture(name, subdivision=3, samples=8, pixels=512, ir=None, part=None):
+    """The material as bytes [rows, columns, 3]. `ir` stands in for its document; `part`: what of the picture."""
+    return tone.srgb(tone.neutral(radiance(name, subdivision, samples, pixels, ir, part)))
 
 
-def radiance(name, subdivision=2, samples=32, pixels=256, ir=None):
+def radiance(name, subdivision=3, samples=8, pixels=512, ir=None, part=None):
+    """A part is, to the last bits, what stands there in the whole picture."""
+    stage = _set(name, pixels, ir)
+    left, top, width, height = part or cameras.whole(stage.scene.camera)
+    step = max(RAYS_AT_ONCE // (width * subdivision**2), 1)
+    bands = [
+        _rendered(stage, cameras.Part(left, row, width, min(step, top + height - row)), subdivision, samples)
+        for row in range(top, top + height, step)
+    ]
+    return np.concatenate(bands)
+
+
+class Stage(NamedTuple):
+    scene: scenes.Scene
+    result: dict  # the translated material
+    reliefs: tuple  # of each thing, None where its shape is not moved
+
+
+def _set(name, pixels, ir):
     scene = scenes.scene(name)
-    camera = scene.camera._replace(pixels=pixels)
-    result = quillgen.compile(ir or materials.document(name))
-    places = cameras.positions(camera, subdivision)
-    rays = cameras.rays(camera, places)
-    seen = [_see(thing, scene, camera, result, places, rays, subdivision) for thing in scene.things]
-    around = _reflecting(scene.around, seen)
-    layers = [_layer(hit, around, camera, rays, samples, scene.premultiplied) for hit in seen]
-    layers.append(_backdrop(around, scene, camera, rays, samples * 3))
-    return _filtered(_composed(layers).reshape(pixels * subdivision, pixels * subdivision, 3), subdivision)
+    scene = scene._replace(camera=scene.camera._replace(pixels=pixels))
+    result = quillgen.compile(ir or materials.exported(name))
+    moved = scene.relief_rows and result["displacement"]
+    reliefs = [
+        relief.relief(result["displacement"], thing, scene.camera, scene.relief_rows) if moved else None
+        for thing in scene.things
+    ]
+    stage = Stage(scene, result, tuple(reliefs))
+    return stage._replace(scene=scene._replace(around=_reflecting(stage)))
 
 
-def _see(thing, scene, camera, result, places, rays, subdivision):
+def _rendered(stage, part, subdivision, samples):
+    camera, around = stage.scene.camera, stage.scene.around
+    grown = part.grown(1, camera)  # as far as the filter reaches
+    places = cameras.positions(camera, subdivision, grown)
+    rays, seeds = cameras.rays(camera, places), cameras.numbers(camera, subdivision, places)
+    seen = [_see(stage, index, places, rays, seeds, subdivision) for index in range(len(stage.scene.things))]
+    layers = [_layer(hit, around, rays, seeds, samples, stage.scene.premultiplied) for hit in seen]
+    layers.append(_backdrop(stage.scene, rays, seeds, samples * 3, places[:, 1] / camera.pixels))
+    light = _composed(layers).reshape(grown.height * subdivision, grown.width * subdivision, 3)
+    top, left = part.top - grown.top, part.left - grown.left
+    return _filtered(light, subdivision)[top : top + part.height, left : left + part.width]
+
+
+def _see(stage, index, places, rays, seeds, subdivision):
     """Where a thing is seen and what its material is there: distances [n] and values of the points hit."""
-    moved = faces = None
+    camera, thing, moved = stage.scene.camera, stage.scene.things[index], stage.reliefs[index]
+    faces = None
     unshaded = {"seen": (1.0, 1.0, 1.0), "open": 1.0}
-    if scene.relief_rows and result["displacement"]:
-        moved = relief.relief(result["displacement"], thing, camera, scene.relief_rows)
+    if moved:
         distance = relief.meet(moved, thing, camera.eye, rays)
     else:
         distance = surfaces.meet(thing, camera.eye, rays)
@@ -62,13 +98,13 @@ def _see(thing, scene, camera, result, places, rays, subdivision):
     points = camera.eye + distance[hit, None] * rays[hit]
     if moved:
         faces = relief.faces(moved, thing, camera, points, reach=0.01)
-        seen, free = relief.shadows(moved, thing, points, scene.around.lights)
+        seen, free = relief.shadows(moved, thing, points, stage.scene.around.lights, seeds[hit])
         unshaded = {"seen": seen, "open": free}
     given = wiring.inputs(thing, camera, places[hit], points, faces=faces)
     given["pixel_position"] = np.floor(places[hit] * subdivision)  # each ray is a pixel of a finer picture
     front = given["cycles_normal"] * given["two_sided_sign"] * wiring.FLIP
     where = {"distance": distance, "hit": hit, "at": points, "coat_normal": front}
-    return where | unshaded | _material(result, given)
+    return where | unshaded | (_material(stage.result, given) if hit.any() else {})
 
 
 def _material(result, given):
@@ -90,26 +126,30 @@ def _coverage(result, given, frame):
     return materials.evaluate(result, frames)["OutOpacity"] >= result["material"]["clip"]
 
 
-def _reflecting(around, seen):
+def _reflecting(stage):
     """The surroundings, with the mean colour and the mean glow of what stands in them."""
-    if around.blocker == shade.NOTHING:
+    around, camera = stage.scene.around, stage.scene.camera
+    if around.blocker == NOTHING:
         return around
-    weights = seen[0]["opacity"][:, None] / max(seen[0]["opacity"].sum(), 1e-9)
+    places = (cameras.positions(camera._replace(pixels=OVERVIEW), 1)) * (camera.pixels / OVERVIEW)
+    seeds = cameras.numbers(camera, 1, places)
+    seen = _see(stage, 0, places, cameras.rays(camera, places), seeds, 1)
+    weights = seen["opacity"][:, None] / max(seen["opacity"].sum(), 1e-9)
     return around._replace(
-        blocker_base=tuple((seen[0]["base"] * weights).sum(axis=0)),
-        blocker_glow=tuple((seen[0]["emission"] * weights).sum(axis=0)),
+        blocker_base=tuple((seen["base"] * weights).sum(axis=0)),
+        blocker_glow=tuple((seen["emission"] * weights).sum(axis=0)),
     )
 
 
-def _layer(hit, around, camera, rays, samples, premultiplied):
+def _layer(hit, around, rays, seeds, samples, premultiplied):
     """(distances, light, opacity) for all rays."""
     shown = hit["hit"]
     light, opacity = np.zeros((len(rays), 3)), np.zeros((len(rays), 1))
-    opacity[shown, 0] = hit["opacity"]
-    points = {key: hit[key] for key in LIT_BY}
-    points |= {"view": -rays[shown], "at": hit["at"] - 1e-3 * rays[shown]}
     if shown.any():
-        light[shown] = shade.lit(around, points, samples)
+        points = {key: hit[key] for key in LIT_BY}
+        points |= {"view": -rays[shown], "at": hit["at"] - 1e-3 * rays[shown]}
+        opacity[shown, 0] = hit["opacity"]
+        light[shown] = shade.lit(around, points, samples, seeds[shown])
         light[shown] += hit["emission"] * _through_coat(hit, points["view"])
     return hit["distance"], light if premultiplied else light * opacity, opacity
 
@@ -120,43 +160,27 @@ def _through_coat(hit, view):
     return (1 - hit["coat"] * (0.04 + 0.96 * (1 - facing) ** 5))[:, None]
 
 
-def _backdrop(around, scene, camera, rays, samples):
-    """The studio's floor and wall, the panel behind, or what else the scene says is behind."""
+def _backdrop(scene, rays, seeds, samples, down):
+    """The studio's floor and wall, the panel behind, or what else the scene says is behind. `down`: how far down the
+    picture each ray is, 0 to 1."""
+    around, eye = scene.around, np.float64(scene.camera.eye)
     below, above = np.float64(scene.behind)
-    light = below + (above - below) * np.linspace(1, 0, len(rays))[:, None]
-    plain = {
-        "metallic": 0.0,
-        "roughness": 1.0,
-        "specular": 0.0,
-        "coat": 0.0,
-        "coat_roughness": 0.0,
-        "seen": (1.0, 1.0, 1.0),
-        "open": 1.0,
-    }
+    light = above + (below - above) * down[:, None]
     if around.floor is not None:
-        at, normal = studio(around, np.float64(camera.eye), rays)
-        light = shade.lit(
-            around,
-            plain
-            | {"at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal, "view": -rays, "base": around.floor},
-            samples,
-        )
+        at, normal = studio(around, eye, rays)
+        light = shade.lit(around, _plain(at, normal, rays, base=around.floor), samples, seeds)
     if scene.panel:
-        distance = -camera.eye[1] / rays[:, 1]
         normal = np.broadcast_to((0.0, -1.0, 0.0), rays.shape).copy()
-        light = shade.lit(
-            around,
-            plain
-            | scene.panel
-            | {
-                "at": camera.eye + distance[:, None] * rays + 1e-3 * normal,
-                "normal": normal,
-                "coat_normal": normal,
-                "view": -rays,
-            },
-            samples,
-        )
+        at = eye - (eye[1] / rays[:, 1])[:, None] * rays
+        light = shade.lit(around, _plain(at, normal, rays, **scene.panel), samples, seeds)
     return np.full(len(rays), 1e9), light, np.ones((len(rays), 1))
+
+
+def _plain(at, normal, rays, **changes):
+    """A surface without relief, rough and matt but for the changes."""
+    where = {"at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal, "view": -rays}
+    matt = {"metallic": 0.0, "roughness": 1.0, "specular": 0.0, "coat": 0.0, "coat_roughness": 0.0}
+    return where | matt | {"seen": (1.0, 1.0, 1.0), "open": 1.0} | changes
 
 
 def studio(around, eye, rays, level=-1.0):

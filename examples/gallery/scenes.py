@@ -6,9 +6,9 @@ lie there, the lights so that floor, objects and highlights are as bright and li
 
 from typing import NamedTuple
 
-from . import shade, surfaces
+from . import surfaces
 from .camera import Camera
-from .shade import Light, Surroundings
+from .surroundings import BOX, SPHERE, Light, Surroundings
 
 
 class Scene(NamedTuple):
@@ -39,12 +39,12 @@ def dark(share):
 
     lights = tuple(light._replace(glow=less(light.glow)) for light in STUDIO.lights)
     return STUDIO._replace(
-        lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground), floor=(0.085,) * 3, blocker=shade.SPHERE
+        lights=lights, sky=less(STUDIO.sky), ground=less(STUDIO.ground), floor=(0.085,) * 3, blocker=SPHERE
     )
 
 
 def on_a_ball(**changes):
-    return Scene(STUDIO_CAMERA, BALL, STUDIO._replace(blocker=shade.SPHERE))._replace(**changes)
+    return Scene(STUDIO_CAMERA, BALL, STUDIO._replace(blocker=SPHERE))._replace(**changes)
 
 
 def scene(name):
@@ -64,14 +64,14 @@ def lava():
 def mossy_rock():
     """A ball of 0.93 m with real displacement."""
     small = BALL[0]._replace(scale=0.93)
-    around = STUDIO._replace(blocker=shade.SPHERE, blocker_size=0.88)
+    around = STUDIO._replace(blocker=SPHERE, blocker_size=0.88)
     return on_a_ball(things=(small,), around=around, relief_rows=768)
 
 
 def pbr_crate():
     turn = surfaces.turned(29.3)
     crate = surfaces.Thing(surfaces.box(0.75), turn, (0.0, 0.0, -0.25))
-    around = STUDIO._replace(blocker=shade.BOX, blocker_size=0.75, blocker_turn=turn)
+    around = STUDIO._replace(blocker=BOX, blocker_size=0.75, blocker_turn=turn)
     return Scene(Camera((0.0, -6.13, 2.3), (0.0, 0.0, -0.24), 73.0), (crate,), around)
 
 
@@ -141,6 +141,29 @@ def maple_leaf():
 
 def _euler(x, y, z):
     return surfaces.turned(z, "z") @ surfaces.turned(y, "y") @ surfaces.turned(x, "x")
+
+
+# The ways round the circle of hues, which a document of today tells and this one does not: those that give Blender's
+# reference values.
+HUES = {
+    "ramp_banner": {
+        "Color Ramp.005": "NEAR",
+        "Color Ramp.006": "FAR",
+        "Color Ramp.007": "CW",
+        "Color Ramp.008": "CCW",
+        "Color Ramp.009": "NEAR",
+    }
+}
+
+
+def with_hues(name, document):
+    """The document with the ways of its ramps."""
+    ways = HUES.get(name, {})
+    nodes = [
+        {**node, "ramp": {**node["ramp"], "hue": ways[node["id"]]}} if node["id"] in ways else node
+        for node in document["nodes"]
+    ]
+    return {**document, "nodes": nodes}
 
 
 SCENES = {

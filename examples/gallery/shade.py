@@ -1,46 +1,22 @@
 """Lights points of surfaces on the Vulkan device, with the shader in shade.hlsl."""
 
 from pathlib import Path
-from typing import NamedTuple
 
 import numpy as np
 
 import device
 
 HLSL = Path(__file__).with_name("shade.hlsl").read_text(encoding="utf-8")
-SPHERE, BOX, NOTHING = 1, 2, 0
 POINTS_AT_ONCE = 1 << 16
 
 
-class Light(NamedTuple):
-    """A square light that shines towards one place."""
-
-    at: tuple
-    size: float
-    glow: tuple  # radiance
-    towards: tuple = (0.0, 0.0, 0.0)
-
-
-class Surroundings(NamedTuple):
-    lights: tuple
-    sky: tuple  # radiance from above the horizon
-    ground: tuple  # and from below
-    floor: tuple | None = None  # reflectance of the studio's floor and wall
-    studio: tuple = (2.35, 2.23)  # where the floor begins to rise, radius of the rise
-    blocker: int = NOTHING
-    blocker_size: float = 1.0
-    blocker_turn: np.ndarray = np.eye(3)
-    blocker_base: tuple = (0.3, 0.3, 0.3)  # what its reflection in the floor looks like
-    blocker_glow: tuple = (0.0, 0.0, 0.0)
-
-
-def lit(around, points, samples):
+def lit(around, points, samples, seeds):
     """Radiance towards the viewer [n, 3], emission not included.
 
     `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular",
     "coat", "coat_roughness" [n], in Blender's frame and in metres; "seen" [n, 3] and "open" [n]: the shares of
     three lights and of the surroundings that the surface itself does not shadow. A tuple or a number is the same
-    for all.
+    for all. `seeds`: an integer for each point, which places its samples.
     """
     count = len(points["at"])
     values = {f"in_{name}": np.float32(v) if isinstance(v, np.ndarray) else v for name, v in points.items()}
@@ -49,7 +25,7 @@ def lit(around, points, samples):
     for begin in range(0, count, POINTS_AT_ONCE):
         some = slice(begin, min(begin + POINTS_AT_ONCE, count))
         part = {name: v[some] if isinstance(v, np.ndarray) else v for name, v in values.items()}
-        part["in_seed"] = np.arange(some.start, some.stop).astype(np.uint32)
+        part["in_seed"] = seeds[some].astype(np.uint32)
         pieces.append(device.evaluate(body, part, {"radiance": 3}, helpers=helpers)["radiance"])
     return np.concatenate(pieces)
 

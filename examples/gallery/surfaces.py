@@ -14,6 +14,7 @@ NEVER = np.inf
 
 
 class Shape(NamedTuple):
+    name: str
     meet: object  # (origin, rays [n, 3], whether the far side) -> distances, NEVER where there is none
     frame: object  # points [n, 3] -> (normals, tangents)
     uv: object  # (points, normals) -> [n, 2]
@@ -56,7 +57,7 @@ def sphere(radius=1.0):
         turn, tilt = np.arctan2(n[:, 0], -n[:, 1]), np.arccos(n[:, 2])
         return np.stack([turn / (2 * np.pi) + 0.5, 1 - tilt / np.pi], axis=1)
 
-    return Shape(meet, frame, uv, (-radius,) * 3, (radius,) * 3)
+    return Shape("sphere", meet, frame, uv, (-radius,) * 3, (radius,) * 3)
 
 
 def square(half=1.0, wide=1.0):
@@ -76,7 +77,7 @@ def square(half=1.0, wide=1.0):
         return points[:, :2] / (2 * half) + 0.5
 
     # A flat object has no depth, which its generated coordinate could not be divided by.
-    return Shape(meet, frame, uv, (-half * wide, -half * wide, -0.01), (half * wide, half * wide, 0.01))
+    return Shape("square", meet, frame, uv, (-half * wide, -half * wide, -0.01), (half * wide, half * wide, 0.01))
 
 
 def box(half):
@@ -101,7 +102,7 @@ def box(half):
             + 0.5
         )
 
-    return Shape(meet, frame, uv, (-half,) * 3, (half,) * 3)
+    return Shape("box", meet, frame, uv, (-half,) * 3, (half,) * 3)
 
 
 def meet(thing, eye, rays):

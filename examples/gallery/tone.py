@@ -27,11 +27,20 @@ def neutral(linear):
     return np.where(peak < start, x, compressed)
 
 
-def save(pixels, path, colours=None):
-    """Bytes [height, width, 3] as a PNG, with a palette of so many colours if that is given."""
-    image = Image.fromarray(pixels)
-    if colours:
-        image = image.quantize(colours, Image.Quantize.MEDIANCUT, dither=Image.Dither.NONE)
+def save(pixels, path):
+    path.write_bytes(encoded(pixels, path.suffix))
+
+
+def encoded(pixels, suffix):
+    """Bytes [height, width, 3] as a file: a PNG, or a JPEG that keeps each pixel's colour."""
     held = io.BytesIO()
-    image.save(held, "PNG", optimize=True)
-    path.write_bytes(held.getvalue())
+    if suffix == ".jpg":
+        Image.fromarray(pixels).save(held, "JPEG", quality=92, subsampling=0, optimize=True)
+    else:
+        Image.fromarray(pixels).save(held, "PNG", optimize=True)
+    return held.getvalue()
+
+
+def load(file):
+    """Bytes [height, width, 3]."""
+    return np.asarray(Image.open(file).convert("RGB"))

@@ -69,6 +69,7 @@ def node(tree, record):
 
 def ramp(band, record):
     band.color_mode, band.interpolation = record["mode"], record["interp"]
+    band.hue_interpolation = record.get("hue", "NEAR")
     while len(band.elements) > 1:
         band.elements.remove(band.elements[-1])
     for number, (position, color) in enumerate(record["stops"]):

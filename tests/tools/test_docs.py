@@ -46,7 +46,7 @@ def test_measured_shares_are_those_of_the_fidelity_page():
 def test_the_slider_takes_the_place_of_every_picture():
     page = pages.gallery_page()
     assert page.count('class="slider"') == len(list((ROOT / "examples" / "materials").glob("*.json")))
-    assert "Cycles' preview and ours](" not in page
+    assert " in Cycles](" not in page and ": the text](" not in page
 
 
 def test_rooms_use_only_what_they_may():

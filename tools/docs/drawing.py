@@ -34,7 +34,6 @@ ROOMS = (
     Room("core/gen", 1, 2, "statements, sockets"),
     Room("core/document", 1, 3, "Python's values"),
     Room("lib", 1, 4, "the HLSL library"),
-    Room("nodes", 2, 0, "registration"),
     Room("nodes/texture", 2, 1, "textures, coordinates"),
     Room("nodes/value", 2, 2, "values, colours"),
     Room("nodes/surface", 2, 3, "normals, bump, scene"),
@@ -47,7 +46,7 @@ FLOWS = (
     ("core/gen", "lib", "names of functions"),
 )
 COLOURS = {"blender": "#e8f1e4", "unreal": "#fbf0e0"}  # by the first folder; all others are the translator's
-WIDTH, HEIGHT, GAP_X, GAP_Y, MARGIN = 190, 62, 120, 44, 24
+WIDTH, HEIGHT, GAP_X, GAP_Y, MARGIN = 204, 62, 150, 44, 24
 ANY_INCLUDE = re.compile(r'^\s*#include "([^"]+)"', re.MULTILINE)
 RELATIVE = re.compile(r"^\s*from (\.+)([\w.]*) import (\w+)", re.MULTILINE)
 
@@ -121,29 +120,29 @@ def box(room: Room) -> str:
 def arrow(start: Room, end: Room, words: str, width: float) -> str:
     (ax, ay), (bx, by) = corner(start), corner(end)
     dashed = ' stroke-dasharray="6 4"' if words else ""
-    middle = (f"{(ax + bx + WIDTH) / 2:.0f}", f"{(ay + by + HEIGHT) / 2 - 6:.0f}")
     if start.column == end.column:
         down = by > ay
         near = abs(start.row - end.row) == 1
         if near:
             x = ax + WIDTH / 2 + (14 if down else -14)
             path = f"M{x} {ay + (HEIGHT if down else 0)} L{x} {by + (0 if down else HEIGHT)}"
+            place = (x + 8, (ay + by + HEIGHT) / 2 + 4, "start")
         else:
             side = ax + WIDTH if start.column < 2 else ax
-            bow = side + (46 if start.column < 2 else -46)
+            reach = 16 + 14 * abs(start.row - end.row)  # arrows of different lengths don't cover each other
+            bow = side + (reach if start.column < 2 else -reach)
             path = (
                 f"M{side} {ay + HEIGHT / 2} C{bow} {ay + HEIGHT / 2} {bow} {by + HEIGHT / 2} {side} {by + HEIGHT / 2}"
             )
+            place = (bow, (ay + 3 * by) / 4 + HEIGHT / 2 + 4, "start" if start.column < 2 else "end")
     else:
         right = end.column > start.column
         sx, ex = (ax + WIDTH, bx) if right else (ax, bx + WIDTH)
         bend = (ex - sx) / 2
         sy, ey = ay + HEIGHT / 2, by + HEIGHT / 2
         path = f"M{sx} {sy} C{sx + bend} {sy} {ex - bend} {ey} {ex} {ey}"
-    label = (
-        f'<text x="{middle[0]}" y="{middle[1]}" text-anchor="middle" fill="#5b6b7b">{escape(words)}</text>'
-        if words
-        else ""
-    )
+        place = ((sx + ex) / 2 + 8, (sy + ey) / 2 + 4, "start")
+    x, y, anchor = place
+    label = f'<text x="{x:.0f}" y="{y:.0f}" text-anchor="{anchor}" fill="#5b6b7b">{escape(words)}</text>'
     stroke = f'stroke="#5b6b7b" stroke-width="{width:.1f}"{dashed}'
-    return f'<path d="{path}" fill="none" {stroke} marker-end="url(#head)"/>{label}'
+    return f'<path d="{path}" fill="none" {stroke} marker-end="url(#head)"/>{label if words else ""}'

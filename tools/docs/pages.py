@@ -144,7 +144,11 @@ def family_page(family: str) -> str:
 
 
 def share(row: list[str] | None) -> str:
-    return f"{row[2]} of {int(row[1]):,} in {row[0]} trees" if row else ""
+    return f"{row[2]} of {int(row[1]):,} in {counted(row[0])}" if row else ""
+
+
+def counted(trees: str) -> str:
+    return "1 tree" if trees == "1" else f"{trees} trees"
 
 
 def anchor(name: str) -> str:
@@ -163,7 +167,7 @@ def node_section(node: Node, measured: list[str] | None, reasons: list[list[str]
         lines += [f"Measured against Cycles: {share(measured)}.", ""]
     if reasons:
         lines += ["Differs by design:", ""]
-        lines += [f"- {why} ({cases} trees, {within} within 1e-4)" for cases, within, why in reasons]
+        lines += [f"- {why} ({counted(cases)}, {within} within 1e-4)" for cases, within, why in reasons]
         lines += [""]
     return lines
 
@@ -220,21 +224,24 @@ def command_page() -> str:
 
 
 def gallery_page() -> str:
-    """docs/gallery.md with the two halves of each picture under one slider."""
+    """docs/gallery.md with the two pictures of each material under one slider."""
     page = (ROOT / "docs" / "gallery.md").read_text(encoding="utf-8")
     known = json.loads((ROOT / "docs" / "gallery" / "numbers.json").read_text(encoding="utf-8"))
-    found = re.findall(r"!\[(\w+): Cycles' preview and ours\]\(gallery/\w+\.png\)", page)
-    if sorted(found) != sorted(known):
+    pair = (
+        r"\| Cycles \| The text \|\n\| --- \| --- \|\n"
+        r"\| !\[(\w+) in Cycles\]\((gallery/\w+\.jpg)\) \| !\[\1: the text\]\((gallery/\w+\.jpg)\) \|"
+    )
+    if sorted(match[1] for match in re.finditer(pair, page)) != sorted(known):
         raise ValueError("docs/gallery.md does not show every material once")
-    return re.sub(r"!\[(\w+): Cycles' preview and ours\]\((gallery/\w+\.png)\)", slider, page)
+    return re.sub(pair, slider, page)
 
 
 def slider(match: re.Match[str]) -> str:
-    name, picture = match[1], match[2]
+    name, cycles, text = match.groups()
     return (
         f'<div class="slider" style="--at: 50%">\n'
-        f'<img src="../{picture}" alt="{name} in Blender" class="blender">\n'
-        f'<img src="../{picture}" alt="{name}: the generated text" class="text">\n'
+        f'<img src="../{cycles}" alt="{name} in Blender" class="blender" width="512" height="512">\n'
+        f'<img src="../{text}" alt="{name}: the generated text" class="text" width="512" height="512">\n'
         f'<input type="range" min="0" max="100" value="50" aria-label="Blender or the generated text"\n'
         f" oninput=\"this.parentNode.style.setProperty('--at', this.value + '%')\">\n"
         f'<span class="left">Blender</span><span class="right">Generated text</span>\n'
