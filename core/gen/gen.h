@@ -40,7 +40,7 @@ public:
     // document, or a node record of it, lacks a mandatory key.
     Gen(const Module& module, const Value& document, bool with_params, Value uv_bias = {});
     // With a graph that has been read of the document before.
-    Gen(const Module& module, const Value& document, Graph graph, bool with_params, Value uv_bias = {});
+    Gen(const Module& module, Value document, Graph graph, bool with_params, Value uv_bias = {});
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 

@@ -39,7 +39,7 @@ public:
         : g_(g), boff_(std::exchange(g.boff_, &offset)) {
         for (const int index : nodes) {
             Node& n = g_.graph_.nodes[static_cast<std::size_t>(index)];
-            nodes_.push_back({&n, std::exchange(n.done, false)});
+            nodes_.emplace_back(&n, std::exchange(n.done, false));
             for (Output& output : n.outputs) {
                 outputs_.push_back(output);
                 output.is_bound = false;

@@ -9,8 +9,8 @@ namespace quillgen {
 Gen::Gen(const Module& module, const Value& document, bool with_params, Value bias)
     : Gen(module, document, read_graph(document), with_params, std::move(bias)) {}
 
-Gen::Gen(const Module& module, const Value& document, Graph graph, bool with_params, Value bias)
-    : ir(document),
+Gen::Gen(const Module& module, Value document, Graph graph, bool with_params, Value bias)
+    : ir(std::move(document)),
       use_params(with_params),
       uv_bias(std::move(bias)),
       need(Value::set(module.runtime)),
