@@ -11,7 +11,8 @@ NUMBERS = FOLDER / "numbers.json"
 HEAD = """# Gallery
 
 The example materials, from Blender's pictures and values on one side and the generated text on the other.
-All of it is made by one command, on a machine without a GPU:
+All of it is made by one command, on a machine without a GPU but with Blender 5.2 as a Python package
+(`tools/setup blender=5.2`):
 
     .venv/bin/python -m examples.gallery.make
 
@@ -50,6 +51,10 @@ NOTES = {
     "chequered_floor": [
         "The veins are ramps that rise within a hundredth of a noise's range: they magnify the last "
         "bits of the noise's coordinate thirty times and more."
+    ],
+    "copper_patina": [
+        "In Blender's picture the denoiser has evened out the grain of the bare metal: Cycles without it shows the "
+        "grain that the text's has."
     ],
     "glazed_vase": [
         "The document's curve tables have 256 entries, Cycles' own 257 over the range of the control "
