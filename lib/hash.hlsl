@@ -21,15 +21,14 @@ uint4 hash_final(uint4 a, uint4 b, uint4 c) {
 // The complement of the same, of which only the low 24 bits count: for those the last rotation is a shift. Fewer
 // instructions, but more that wait for one another: for many lanes at a time. A step is x = (x ^ y) - rotate(y); of
 // complements it is ~x = (~x ^ y) + rotate(y), and a GPU has an exclusive or with an addition behind it as one
-// instruction. So c is kept as its complement, a and b where that helps; one step of three is written out for what is
-// at hand: x = rotate(~y) - (x ^ ~y).
-uint4 hash_final_low(uint4 a, uint4 b, uint4 c) {
-  c = (~c ^ b) + hash_rotate(b, 14u);
+// instruction. c is kept as complement.
+// The first step is the caller's, c = (~c ^ b) + hash_rotate(b, 14u): lanes and turns of a loop share it.
+uint4 hash_last(uint4 a, uint4 b, uint4 c) {
   a = (a ^ c) + hash_rotate(~c, 11u);
   b = hash_rotate(a, 25u) - (b ^ a);
   c = (c ^ b) + hash_rotate(b, 16u);
-  a = (a ^ c) + hash_rotate(c, 4u) + 1u;
-  b = (b ^ a) - hash_rotate(a, 14u);
+  a = (a ^ ~c) + hash_rotate(~c, 4u);
+  b = hash_rotate(a, 14u) - (b ^ a);
   return (c ^ b) + (b >> 8);
 }
 

@@ -25,26 +25,39 @@ floatDIM noise_fadeDIM(floatDIM f) {
   return mad(f * f * f, mad(f, mad(f, -6.0, 15.0), -10.0), 1.0);
 }
 
-// Twice the product of a corner's gradient and the offset f from the corner; n is the complement of the corner's hash.
-// The gradient is one of eight, chosen by the low bits of n: +-1 along one axis, +-2 along the other. Each table word
-// holds a component: the eight signs from bit 31 down, the eight lengths from bit 23 down. Brought to bits 31 and 23
-// they make the float +-2 or +-4.
-float noise_gradient2(uint n, float2 f) {
-  return dot(asfloat(((uint2(0xCAF00000u, 0xAC0F0000u) << (n & 7u)) & 0x80800000u) | 0x40000000u), f);
+// Twice the products of four corners' gradients and the offsets x, y from the corners; n are the complements of the
+// corners' hashes. The gradient is one of eight, chosen by the low bits of n: +-1 along one axis, +-2 along the other.
+// Each table word holds a component: the eight signs from bit 31 down, the eight lengths from bit 23 down. Brought to
+// bits 31 and 23 they make the float +-2 or +-4.
+float4 noise_gradient2(uint4 n, float4 x, float4 y) {
+  n &= 7u;
+  float4 a = asfloat((((uint4)0xCAF00000u << n) & 0x80800000u) | 0x40000000u);
+  float4 b = asfloat((((uint4)0xAC0F0000u << n) & 0x80800000u) | 0x40000000u);
+  return mad(a, x, b * y);
 }
 
 // The same with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the float 2, 3
 // makes -2, and 0 makes 0.
-float noise_gradient3(uint n, float3 f) {
-  return dot(asfloat((uint3(0x3100DDDDu, 0xDDDD00F5u, 0xC4F5F500u) << ((n << 1) & 31u)) & 0xC0000000u), f);
+float4 noise_gradient3(uint4 n, float4 x, float4 y, float z) {
+  n = (n << 1) & 31u;
+  float4 g = asfloat(((uint4)0xC4F5F500u << n) & 0xC0000000u) * z;
+  g = mad(asfloat(((uint4)0xDDDD00F5u << n) & 0xC0000000u), y, g);
+  return mad(asfloat(((uint4)0x3100DDDDu << n) & 0xC0000000u), x, g);
 }
 
-// The same with one of 32 gradients: +-1 along three of four axes. Bits 3 and 4 leave one axis out, the others are
-// signs; all are complements.
-float noise_gradient4(uint n, float4 f) {
-  uint s = n & 31u;
-  float3 a = float3(s > 7u ? f.x : f.y, s > 15u ? f.y : f.z, s > 23u ? f.z : f.w);
-  return dot(asfloat((uint3(n << 31, n << 30, n << 29) & 0x80000000u) | 0x40000000u), -a);
+// A component of each lane: a where its number is above the limit, else b. A choice by vectors is written in different
+// ways in HLSL 2018 and 2021.
+float4 noise_above(uint4 n, uint limit, float4 a, float4 b) {
+  return float4(n.x > limit ? a.x : b.x, n.y > limit ? a.y : b.y, n.z > limit ? a.z : b.z, n.w > limit ? a.w : b.w);
+}
+
+// The same with one of 32 gradients, +-1 along three of four axes, and the other sign: bits 3 and 4 leave one axis out,
+// the others are signs, all complements.
+float4 noise_gradient4(uint4 n, float4 x, float4 y, float z, float w) {
+  n &= 31u;
+  float4 g = asfloat(((n << 29) & 0x80000000u) | 0x40000000u) * noise_above(n, 23u, (float4)z, (float4)w);
+  g = mad(asfloat((n << 30) | 0x40000000u), noise_above(n, 15u, y, (float4)z), g);
+  return mad(asfloat((n << 31) | 0x40000000u), noise_above(n, 7u, x, y), g);
 }
 
 // Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word
@@ -69,21 +82,11 @@ float noise_between(float4 g, float2 v) {
 float noise_signed2(float2 p) {
   p = noise_wrap2(p);
   float2 f = frac(p);
-  float2 e = f - 1.0;
   uint2 k = 0xDEADBF04u + asuint(int2(floor(p)));
-  uint4 n = hash_final_low(k.x + uint4(0u, 1u, 0u, 1u), k.y + uint4(0u, 0u, 1u, 1u), 0xDEADBF04u);
-  float4 g = float4(noise_gradient2(n.x, f), noise_gradient2(n.y, float2(e.x, f.y)),
-    noise_gradient2(n.z, float2(f.x, e.y)), noise_gradient2(n.w, e));
+  uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
+  uint4 n = hash_last(k.x + uint4(0u, 1u, 0u, 1u), b, (~0xDEADBF04u ^ b) + hash_rotate(b, 14u));
+  float4 g = noise_gradient2(n, f.x - float4(0.0, 1.0, 0.0, 1.0), f.y - float4(0.0, 0.0, 1.0, 1.0));
   return 0.3308 * noise_between(g, noise_fade2(f));
-}
-
-// The corners of one plane z: k are the cell's numbers, z included, f.z is the offset from the plane.
-float noise_plane3(uint3 k, float3 f, float2 v) {
-  float3 e = f - float3(1.0, 1.0, 0.0);
-  uint4 n = hash_final_low(k.x + uint4(0u, 1u, 0u, 1u), k.y + uint4(0u, 0u, 1u, 1u), k.z);
-  float4 g = float4(noise_gradient3(n.x, f), noise_gradient3(n.y, float3(e.x, f.yz)),
-    noise_gradient3(n.z, float3(f.x, e.yz)), noise_gradient3(n.w, e));
-  return noise_between(g, v);
 }
 
 float noise_signed3(float3 p) {
@@ -91,43 +94,55 @@ float noise_signed3(float3 p) {
   float3 f = frac(p);
   float3 v = noise_fade3(f);
   uint3 k = 0xDEADBF08u + asuint(int3(floor(p)));
+  float4 x = f.x - float4(0.0, 1.0, 0.0, 1.0);
+  float4 y = f.y - float4(0.0, 0.0, 1.0, 1.0);
+  uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
+  uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
+  uint4 r = hash_rotate(b, 14u);
   float sum = 0.0;
   [loop]
   for (uint z = 0u; z < 2u; z++) {
-    sum = mad(abs(v.z - z), noise_plane3(uint3(k.xy, k.z + z), float3(f.xy, f.z - z), v.xy), sum);
+    uint4 n = hash_last(a, b, (~k.z ^ b) + r);
+    sum = mad(v.z, noise_between(noise_gradient3(n, x, y, f.z), v.xy), sum);
+    k.z += 1u;
+    f.z -= 1.0;
+    v.z = 1.0 - v.z;
   }
   return 0.491 * sum;
 }
 
-// The lanes at one w, of hashes a, b, c that are mixed but for w.
-float noise_plane4(uint4 a, uint4 b, uint4 c, float4 f, float2 v) {
-  float2 e = f.xy - 1.0;
-  uint4 n = hash_final_low(a, b, c);
-  float4 g = float4(noise_gradient4(n.x, f), noise_gradient4(n.y, float4(e.x, f.yzw)),
-    noise_gradient4(n.z, float4(f.x, e.y, f.zw)), noise_gradient4(n.w, float4(e, f.zw)));
-  return noise_between(g, v);
-}
-
-// Both sides in w share the mixing of the other three numbers. z is a loop: eight lanes fill a GPU's time as well as
-// sixteen.
+// w is the inner loop: its turns share the mixing of the other three numbers.
 float noise_signed4(float4 p) {
   p = noise_wrap4(p);
   float4 f = frac(p);
   float4 v = noise_fade4(f);
   uint4 k = asuint(int4(floor(p)));
   k.xyz += 0xDEADBF0Cu;
+  float4 x = f.x - float4(0.0, 1.0, 0.0, 1.0);
+  float4 y = f.y - float4(0.0, 0.0, 1.0, 1.0);
   float sum = 0.0;
   [loop]
   for (uint z = 0u; z < 2u; z++) {
     uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
     uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
-    uint4 c = k.z + z;
+    uint4 c = k.z;
     hash_mix(a, b, c);
-    float low = noise_plane4(a + k.w, b, c, float4(f.xy, f.z - z, f.w), v.xy);
-    float high = noise_plane4(a + k.w + 1u, b, c, float4(f.xy, f.z - z, f.w - 1.0), v.xy);
-    sum = mad(abs(v.z - z), lerp(high, low, v.w), sum);
+    a += k.w;
+    c = (~c ^ b) + hash_rotate(b, 14u);
+    uint4 r = hash_rotate(~c, 11u);
+    float2 e = float2(f.w, v.w);
+    [loop]
+    for (uint w = 0u; w < 2u; w++) {
+      uint4 n = hash_last(a, b, c);
+      sum = mad(v.z * e.y, noise_between(noise_gradient4(n, x, y, f.z, e.x), v.xy), sum);
+      a += 1u;
+      e = float2(e.x - 1.0, 1.0 - e.y);
+    }
+    k.z += 1u;
+    f.z -= 1.0;
+    v.z = 1.0 - v.z;
   }
-  return 0.4172 * sum;
+  return -0.4172 * sum;
 }
 
 // The fractals. Octaves are counted by how much of `detail` is done when one begins: -1 at the first, which is always

@@ -13,8 +13,9 @@ float voronoi_edge1(QWKVoronoiParams params, float co)
     return min(abs(left * 0.5 - at), abs(right * 0.5 - at));
 }
 
-// The nearest point is found first, then the nearest of its borders with the others. Only one cell around is looked
-// at, so now and then a border is missed, as in Blender. Points nearer to each other than 0.01 make no border.
+// The nearest point is found first, then the nearest of its borders with the others: two walks over the same cells, as
+// turns of a loop. Only one cell around is looked at, so now and then a border is missed, as in Blender. Points nearer
+// to each other than 0.01 make no border.
 // A point at a distance of v makes no border nearer than half of what v is more than the nearest point's distance.
 // @each DIM 2 3 4
 float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
@@ -23,38 +24,56 @@ float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
     float scale = params.randomness * 4.656612873077393e-10;
     floatDIM c = floor(co);
     floatDIM local = co - c;
-    floatDIM o = 0.0;
-    floatDIM h = 0.0;
-    float radius = sqrt(voronoi_walkDIM(params, c, (floatDIM)0.0, local, false, false, o, h));
-    floatDIM nearest = h * params.randomness + (o - local);
     intDIM base = hash_intDIM(intDIM(c));
+    floatDIM nearest = 0.0;
+    int nearest_key = 0;
+    float radius = 0.0;
     float edge = 3.402823466e+38;
     float limit = edge;
     [loop] [fastopt]
-    for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
+    for (int walk = 0; walk < 2; walk++)
     {
-        intDIM at = cell_rowDIM(row);
-        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
-        [branch]
-        if (across < limit)
+        [loop] [fastopt]
+        for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
         {
-            intDIM v = base + at * 1664525;
-            int2 growth = hash_rowDIM(v);
-            [loop] [fastopt]
-            for (uint i = 0u; i < 3u; i++)
+            intDIM at = cell_rowDIM(row);
+            float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
+            [branch]
+            if (across <= limit)
             {
-                at.x = cell_offset(i);
-                [branch]
-                if (voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params) < limit)
+                intDIM v = base + at * 1664525;
+                int2 growth = hash_rowDIM(v);
+                [loop] [fastopt]
+                for (uint i = 0u; i < 3u; i++)
                 {
-                    floatDIM other = mad(voronoi_cellDIM(v, growth, at.x), scale, (floatDIM)at - local);
-                    floatDIM apart = other - nearest;
-                    float square = dot(apart, apart);
-                    if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
-                    limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
+                    at.x = cell_offset(i);
+                    [branch]
+                    if (voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params) <= limit)
+                    {
+                        floatDIM other = mad(voronoi_cellDIM(v, growth, at.x), scale, (floatDIM)at - local);
+                        [branch]
+                        if (walk == 0)
+                        {
+                            float square = dot(other, other);
+                            int key = cell_keyDIM(at);
+                            bool nearer = square == limit ? key < nearest_key : square < limit;
+                            limit = nearer ? square : limit;
+                            nearest_key = nearer ? key : nearest_key;
+                            nearest = nearer ? other : nearest;
+                        }
+                        else
+                        {
+                            floatDIM apart = other - nearest;
+                            float square = dot(apart, apart);
+                            if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
+                            limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
+                        }
+                    }
                 }
             }
         }
+        radius = sqrt(limit);
+        limit = 3.402823466e+38;
     }
     return edge;
 }

@@ -10,14 +10,14 @@ WORDS = {1: "float", 2: "float2", 3: "float3", 4: "float4"}
 
 
 def pixel_shader(result):
-    """The text in a pixel shader; its inputs come from a constant buffer and vary with a coordinate."""
-    head, call = [], []
+    """The text in a pixel shader; its inputs come from one constant buffer and vary with a coordinate."""
+    head, values, call = [], [], []
     for name, record in custom_expression.inputs_of(result):
         if record["kind"] == "texture":
             head.append(f"Texture2D qh_{name};")
             call += [f"qh_{name}", "qh_sampler"]
         else:
-            head.append(f"cbuffer qh_buffer_{name} {{ float4 qh_{name}; }}")
+            values.append(f"  float4 qh_{name};")
             call.append(f"qh_{name}.{'xyzw'[: custom_expression.width(record)]} * at.x")
     outputs = {k: v for k, v in custom_expression.outputs_of(result).items() if k != custom_expression.RETURNED}
     lines = [f"  {kind} {name} = ({kind})0;" for name, kind in outputs.items()]
@@ -29,6 +29,9 @@ def pixel_shader(result):
             custom_expression.HEAD,
             "SamplerState qh_sampler;",
             *head,
+            "cbuffer qh_values {",
+            *values,
+            "}",
             custom_expression.function(result),
             "float4 main(float4 at : TEXCOORD0) : SV_Target {",
             "  FMaterialPixelParameters parameters = (FMaterialPixelParameters)0;",
