@@ -100,7 +100,7 @@ float noise_signed3(float3 p) {
   uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
   uint4 r = hash_rotate(b, 14u);
   float sum = 0.0;
-  [loop]
+  [loop] [fastopt]
   for (uint z = 0u; z < 2u; z++) {
     uint4 n = hash_last(a, b, (~k.z ^ b) + r);
     sum = mad(v.z, noise_between(noise_gradient3(n, x, y, f.z), v.xy), sum);
@@ -121,7 +121,7 @@ float noise_signed4(float4 p) {
   float4 x = f.x - float4(0.0, 1.0, 0.0, 1.0);
   float4 y = f.y - float4(0.0, 0.0, 1.0, 1.0);
   float sum = 0.0;
-  [loop]
+  [loop] [fastopt]
   for (uint z = 0u; z < 2u; z++) {
     uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
     uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
@@ -131,7 +131,7 @@ float noise_signed4(float4 p) {
     c = (~c ^ b) + hash_rotate(b, 14u);
     uint4 r = hash_rotate(~c, 11u);
     float2 e = float2(f.w, v.w);
-    [loop]
+    [loop] [fastopt]
     for (uint w = 0u; w < 2u; w++) {
       uint4 n = hash_last(a, b, c);
       sum = mad(v.z * e.y, noise_between(noise_gradient4(n, x, y, f.z, e.x), v.xy), sum);
