@@ -141,8 +141,10 @@ void Value::for_each_item(Visit visit) const {
     const Py_ssize_t size = PyDict_Size(object_.get());
     PyObject* key = nullptr;
     PyObject* item = nullptr;
+    std::size_t step = 0;
     for (Py_ssize_t position = 0; PyDict_Next(object_.get(), &position, &key, &item) != 0;) {
         visit(share(key), share(item));
+        check_signals_at(step++);
         if (PyDict_Size(object_.get()) != size) {
             raise_runtime_error("dictionary changed size during iteration");
         }
