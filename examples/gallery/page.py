@@ -62,10 +62,6 @@ NOTES = {
         "257."
     ],
     "maple_leaf": ["In the picture, the shader of ours lets nothing cast shadows but balls and boxes."],
-    "mossy_rock": [
-        "In the picture, moss grows by the normal that Geometry gives. Blender's surface sees the "
-        "bumped normal there; in the text a node that feeds the displacement too keeps the plain one."
-    ],
     "oak_planks": [
         "Each plank moves its noise by 41.7 times a grey: Blender's weights of red, green and blue "
         "sum up to 1.000001, the text's to 1. Nine folds of that noise magnify it."

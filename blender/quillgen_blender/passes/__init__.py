@@ -4,14 +4,14 @@ from collections.abc import Collection
 from typing import Any
 
 from ..notes import Note
-from . import displacement, losses, luma, parameters, ramps, shaders
+from . import bumped_normals, displacement, losses, luma, parameters, ramps, shaders
 from .options import Options
 
 __all__ = ["PASSES", "Options", "finish", "prepare"]
 
 # In this order. Each takes a document and the options, and returns a document (the same one where nothing changes,
 # never one changed in place) and notes.
-PASSES = (losses.run, ramps.run, shaders.run, luma.run)
+PASSES = (losses.run, ramps.run, shaders.run, bumped_normals.run, luma.run)
 # What follows the translation, likewise: each takes a result, the document that was translated, the names of the
 # parameters that the artist marked, and the options.
 RESULT_PASSES = (displacement.set_magnitude, parameters.name_parameters)

@@ -22,6 +22,9 @@ class Options:
 
     `nearest_shaders`: shaders that the translator lacks are replaced by the nearest that it has.
 
+    `bumped_normals`: nodes that read the shading normal and feed the surface as well as the displacement see the bumped
+    normal in the surface, as in Blender. The displacement gets nodes of its own.
+
     `find_range`: the magnitude of real displacement follows from the nodes that make it.
     """
 
@@ -31,4 +34,5 @@ class Options:
     smooth_ramps: bool = True
     ramp_tolerance: float = 1e-3
     nearest_shaders: bool = True
+    bumped_normals: bool = True
     find_range: bool = True

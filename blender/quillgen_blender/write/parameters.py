@@ -25,7 +25,7 @@ def param_name(node: str, socket: str) -> str:
 
 def origins(document: Mapping[str, Any]) -> dict[str, Origin]:
     """Input name -> node and socket, for all values of a document that may become parameters."""
-    found = {}
+    found: dict[str, Origin] = {}
     for node in document["nodes"]:
         begin = param_name(node["id"], "")
         sockets = [socket for socket, entry in node["in"].items() if "link" not in entry]
@@ -33,7 +33,8 @@ def origins(document: Mapping[str, Any]) -> dict[str, Origin]:
         for place in range(len(node.get("ramp", {}).get("stops", ()))):
             sockets += [f"stop{place}_pos", f"stop{place}_col"]
         for socket in sockets:
-            found[f"{begin}{NO_LETTER.sub('_', socket)}"] = (node["id"], socket)
+            # Of nodes that share a name the first: a pass puts its copies behind.
+            found.setdefault(f"{begin}{NO_LETTER.sub('_', socket)}", (node["id"], socket))
     return found
 
 
