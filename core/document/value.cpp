@@ -296,8 +296,10 @@ void Value::set_item(const Value& key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), key.object(), item.object()));
 }
 
+Value Value::copied_map() const { return own(PyDict_Copy(object_.get())); }
+
 Value Value::without(Word key) const {
-    Value copy = own(PyDict_Copy(object_.get()));
+    Value copy = copied_map();
     checked(PyDict_DelItem(copy.object(), runtime_->word(key)));
     return copy;
 }

@@ -62,6 +62,7 @@ public:
     [[nodiscard]] Value sorted() const;                         // sorted(value)
     [[nodiscard]] Value joined() const;                         // "\n".join(value)
     [[nodiscard]] Value copied_list() const;                    // list(value), and what it holds `unshared`
+    [[nodiscard]] Value copied_map() const;                     // dict(value)
     [[nodiscard]] Value without(Word key) const;                // a copy of a map that has the key
     // The value, or a deep copy of a list, map or set, so that a result shares none with its document.
     [[nodiscard]] Value unshared() const;

@@ -167,8 +167,11 @@ public:
     [[nodiscard]] const Module& module() const { return module_; }
     [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
     [[nodiscard]] Node* find_node(const Value& id);  // null where there is none
-    // The graph, as before any evaluation, for another generator. Nothing can be evaluated here from then on.
+    // The graph for another generator with the same `use_params`, which this one has to outlive: the texts of values
+    // stay here. Nothing can be evaluated here from then on.
     Graph release_graph();
+    // The parameters that were declared, in that order; of two with one name the later counts.
+    [[nodiscard]] const std::vector<Parameter>& parameters() const { return parameters_; }
     // The statements, each ended by a line feed, and where each ends.
     [[nodiscard]] Text body() const { return body_.text(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
@@ -207,6 +210,7 @@ private:
     Text uv_signal(int index);
     Text axis_signal(Signal what);
     void declare_input(Text name, std::initializer_list<Value::Item> record);
+    QUILLGEN_OWN_FRAME void declare_again(Parameter& parameter);
 
     const Module& module_;
     const std::uintptr_t stack_entry_ = stack_position();
@@ -215,6 +219,7 @@ private:
     Buffer buffer_;  // for a text that is written before it is kept
     Buffer body_;
     std::vector<std::size_t> line_ends_;
+    std::vector<Parameter> parameters_;
     int k_ = 0;  // the counter of `tmp`
     const Offset* boff_ = nullptr;
 };

@@ -30,12 +30,14 @@ void read_sockets(Graph& graph, Node& node) {
     const Value in = node.record.at("in"_w);
     node.sockets.reserve(in.expected_size());
     in.for_each_item([&](const Value& name, const Value& entry) {
-        Socket socket{.name = in.runtime().find_word(name.object()), .entry = entry, .link = entry.find("link"_w)};
+        Socket& socket = node.sockets.emplace_back();
+        socket.name = in.runtime().find_word(name.object());
+        socket.entry = entry;
+        socket.link = entry.find("link"_w);
         if (socket.link.present()) {
             socket.source = find_source(graph, socket.link);
             mark_used(graph, socket.source);
         }
-        node.sockets.push_back(std::move(socket));
     });
 }
 
@@ -56,12 +58,6 @@ Output* Node::find_output(int name) {
 
 void Node::forget_evaluation() {
     done = false;
-    parameter_prefix = {};
-    for (Socket& socket : sockets) {
-        socket.type = {};
-        socket.text = {};
-        socket.parameter = {};
-    }
     for (Output& output : outputs) {
         output.is_bound = false;
     }

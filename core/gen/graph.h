@@ -19,14 +19,16 @@ struct Source {
 // A tweakable input of the Custom expression.
 struct Parameter {
     Value name;
+    Value kind;
+    Value value;
     Value record;
 };
 
 // An entry of a node's inputs.
 struct Socket {
-    int name;  // index of a word, or -1 for a name that no handler asks for
-    Value entry;
-    Value link;  // absent where the socket is unlinked
+    int name = -1;  // index of a word, or -1 for a name that no handler asks for
+    Value entry = {};
+    Value link = {};  // absent where the socket is unlinked
     Source source = {};
     // The type that the entry, or the link, says. It is read once, and so is a value, though bumps have most sockets
     // read three times: that takes a third off the translation of a material with bumps. No name before the reading.
@@ -66,7 +68,7 @@ struct Node {
 
     Socket* find_socket(Word name);
     Output* find_output(int name);
-    // As before any evaluation.
+    // What the values of sockets have come to stays.
     void forget_evaluation();
 
 private:

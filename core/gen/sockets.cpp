@@ -73,11 +73,8 @@ Text Gen::inp(Node& n, Word ident, const SocketType& want, Text fallback) {
     }
     if (socket->text.empty()) {
         read_value(n, ident, *socket);
-    } else if (const Parameter& made = socket->parameter; made.name.present()) {
-        // A parameter of another node may have come to the same name meanwhile.
-        if (inputs.find(made.name).object() != made.record.object()) {
-            declare(made);
-        }
+    } else if (socket->parameter.name.present()) {
+        declare_again(socket->parameter);
     }
     if (is_value_type(socket->type)) {
         return convert(socket->text, socket->type, want);
@@ -137,12 +134,29 @@ Text Gen::param_name(Node& n, Text socket) {
     return arena_.keep(n.parameter_prefix, socket);
 }
 
-void Gen::declare(const Parameter& parameter) { inputs.set_item(parameter.name, parameter.record); }
+// A parameter of another node may have come to the same name meanwhile, or the graph may have come from another
+// generator, whose records are of its own result.
+void Gen::declare_again(Parameter& parameter) {
+    if (inputs.find(parameter.name).object() == parameter.record.object()) {
+        return;
+    }
+    parameter.record = parameter.record.copied_map();
+    if (parameter.value.is_list_or_tuple()) {
+        parameter.value = parameter.value.copied_list();
+        parameter.record.set_item("default"_w, parameter.value);
+    }
+    declare(parameter);
+}
+
+void Gen::declare(const Parameter& parameter) {
+    inputs.set_item(parameter.name, parameter.record);
+    parameters_.push_back(parameter);
+}
 
 Parameter Gen::parameter(Text name, Word kind, const Value& value) const {
     const Value key = Value::text(runtime(), name);
-    return {key,
-            Value::map(runtime(), {{"name"_w, key}, {"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};
+    const Value word = Value::word(runtime(), kind);
+    return {key, word, value, Value::map(runtime(), {{"name"_w, key}, {"kind"_w, word}, {"default"_w, value}})};
 }
 
 Text Gen::param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared) {

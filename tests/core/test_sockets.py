@@ -250,3 +250,16 @@ def test_the_last_reading_of_a_shared_name_gives_its_value():
     tangled = node("MixRGB", {"Color1": link(both), "Color2": link(bump)})
     params = quillgen.compile(material(tangled, both, bump, first, second), "emission")["params"]
     assert params["P_A_1__Value"] == ["scalar", 1.0]
+
+
+def test_the_displacement_reads_a_shared_name_last():
+    first, second = node("Math", {"Value": [1.0]}, id="A.1"), node("Math", {"Value": 2.0}, id="A 1")
+    both = node("Math", {"Value": link(first), "Value_001": link(second)}, id="Both")
+    shader = node("BsdfPrincipled", {"Roughness": link(both)})
+    moved = node("Displacement", {"Height": link(first)})
+    given = material(shader, both, moved, first, second, displacement=moved, settings={"displacement": "BOTH"})
+    result = quillgen.compile(given)
+    values = {one["name"]: one.get("default") for one in result["inputs"]}
+    displaced = {one["name"]: one.get("default") for one in result["displacement"]["inputs"]}
+    assert values["P_A_1__Value"] == 2.0 and displaced["P_A_1__Value"] == 1.0
+    assert result["params"]["P_A_1__Value"] == ["scalar", 1.0]

@@ -42,6 +42,17 @@ def test_document_and_results(name):
             assert not others.keys() & again.keys(), title
 
 
+def test_the_two_texts_of_a_material_have_inputs_of_their_own():
+    count = 0
+    for title, document in DOCUMENTS:
+        _, result = outcome(quillgen.compile, document)
+        if isinstance(result, dict) and result["displacement"]:
+            count += 1
+            assert result["displacement"]["inputs"], title
+            assert not containers(result["inputs"]).keys() & containers(result["displacement"]["inputs"]).keys(), title
+    assert count > 5
+
+
 def test_changing_a_result_changes_no_other():
     document = DOCUMENTS[0][1]
     kept = plain(quillgen.compile(document))
