@@ -37,7 +37,9 @@ Value input_map(const Gen& g) {
 }
 
 void add_parameters(const Gen& g, const Value& params) {
+    std::size_t step = 0;
     for (const Parameter& parameter : g.parameters()) {
+        check_signals_at(step++);
         params.set_item(parameter.name, Value::list(g.runtime(), {parameter.kind, parameter.value}));
     }
 }

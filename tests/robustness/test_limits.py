@@ -38,17 +38,17 @@ small = bumps(2)
 before = quillgen.compile(small)
 """
 
+# Times are of the processor, so that what else the machine does changes nothing.
 INTERRUPTED = """
-started = time.monotonic()
-signal.signal(signal.SIGALRM, lambda *_: signal.raise_signal(signal.SIGINT))
+signal.signal(signal.SIGPROF, lambda *_: signal.raise_signal(signal.SIGINT))
 for attempt in range(3):
-    signal.setitimer(signal.ITIMER_REAL, 0.3)
-    started = time.monotonic()
+    signal.setitimer(signal.ITIMER_PROF, 0.3)
+    started = time.process_time()
     try:
         CALL
         print("it has an end")
     except KeyboardInterrupt:
-        print(time.monotonic() - started < 1.3)
+        print(time.process_time() - started < 1.3)
     assert quillgen.compile(small) == before
 """
 
@@ -70,8 +70,7 @@ def test_ctrl_c(call):
 
 def test_signals_are_looked_at_all_the_time():
     """Reading many stops, writing their statements, sorting and listing their inputs. A timer's signals come every few
-    milliseconds, and no two that Python sees are far apart. The times are of the processor, so that what else the
-    machine does changes nothing."""
+    milliseconds, and no two that Python sees are far apart."""
     said = run(
         ENDLESS
         + """
@@ -101,7 +100,7 @@ for share in (0.1, 0.3, 0.5):
 """
     )
     longest, *ends = said.split("\n")
-    assert float(longest) < 0.13
+    assert float(longest) < 0.15
     assert ends == ["interrupted"] * 3
 
 
