@@ -68,7 +68,8 @@ def test_ctrl_c(call):
     assert run(ENDLESS + INTERRUPTED.replace("CALL", call)).split() == ["True"] * 3
 
 
-def test_signals_are_looked_at_all_the_time():
+@pytest.mark.parametrize("call", ["quillgen.compile(many)", "quillgen.parts(many, 'surface', True)"])
+def test_signals_are_looked_at_all_the_time(call):
     """Reading many stops, writing their statements, sorting and listing their inputs. A timer's signals come every few
     milliseconds, and no two that Python sees are far apart."""
     said = run(
@@ -81,7 +82,7 @@ seen = []
 signal.signal(signal.SIGPROF, lambda *_: seen.append(time.process_time()))
 signal.setitimer(signal.ITIMER_PROF, 0.002, 0.002)
 started = time.process_time()
-result = quillgen.compile(many)
+result = CALL
 whole = time.process_time() - started
 signal.setitimer(signal.ITIMER_PROF, 0)
 assert len(result["inputs"]) > 600_000
@@ -92,12 +93,12 @@ for share in (0.1, 0.3, 0.5):
     signal.signal(signal.SIGPROF, lambda *_: signal.raise_signal(signal.SIGINT))
     signal.setitimer(signal.ITIMER_PROF, share * whole)
     try:
-        quillgen.compile(many)
+        CALL
         print("it has come to its end")
     except KeyboardInterrupt:
         print("interrupted")
     assert quillgen.compile(small) == before
-"""
+""".replace("CALL", call)
     )
     longest, *ends = said.split("\n")
     assert float(longest) < 0.15
