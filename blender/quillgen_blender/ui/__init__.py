@@ -18,7 +18,7 @@ def register() -> None:
     for each in CLASSES:
         bpy.utils.register_class(each)
     settings.register()
-    log.register()
+    log.register(preferences.of(bpy.context).log)
     live.register()
     _commands.append(bpy.utils.register_cli_command(COMMAND, command.main))
 

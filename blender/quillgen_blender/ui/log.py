@@ -2,19 +2,16 @@
 
 import logging
 
-import bpy
-
 from ..exporting import Outcome
-from . import preferences
 
 LOGGER = logging.getLogger("quillgen")
 HANDLER = logging.StreamHandler()
 HANDLER.setFormatter(logging.Formatter("%(asctime)s quillgen: %(message)s", "%H:%M:%S"))
 
 
-def register() -> None:
+def register(on: bool) -> None:
     LOGGER.propagate = False
-    switch(preferences.of(bpy.context).log)
+    switch(on)
 
 
 def unregister() -> None:

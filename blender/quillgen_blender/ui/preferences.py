@@ -5,13 +5,13 @@ from typing import Any
 
 import bpy
 
+from . import log
+
 PACKAGE = __package__.rpartition(".")[0]
 FOLDER, REST = "//unreal", 0.3
 
 
 def switch_log(self: Any, context: Any) -> None:
-    from . import log
-
     log.switch(self.log)
 
 
