@@ -37,11 +37,11 @@ Value input_map(const Gen& g) {
 }
 
 void add_parameters(const Gen& g, const Value& params) {
-    std::size_t step = 0;
-    for (const Parameter& parameter : g.parameters()) {
-        check_signals_at(step++);
-        params.set_item(parameter.name, Value::list(g.runtime(), {parameter.kind, parameter.value}));
-    }
+    g.inputs.for_each_item([&](const Value& name, const Value& record) {
+        if (const Value value = record.find("default"_w); value.present()) {
+            params.set_item(name, Value::list(g.runtime(), {record.at("kind"_w), value}));
+        }
+    });
 }
 
 }  // namespace quillgen

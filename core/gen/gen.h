@@ -170,8 +170,6 @@ public:
     // The graph for another generator with the same `use_params`, which this one has to outlive: the texts of values
     // stay here. Nothing can be evaluated here from then on.
     Graph release_graph();
-    // The parameters that were declared, in that order; of two with one name the later counts.
-    [[nodiscard]] const std::vector<Parameter>& parameters() const { return parameters_; }
     // The statements, each ended by a line feed, and where each ends.
     [[nodiscard]] Text body() const { return body_.text(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
@@ -219,7 +217,6 @@ private:
     Buffer buffer_;  // for a text that is written before it is kept
     Buffer body_;
     std::vector<std::size_t> line_ends_;
-    std::vector<Parameter> parameters_;
     int k_ = 0;  // the counter of `tmp`
     const Offset* boff_ = nullptr;
 };

@@ -19,8 +19,6 @@ struct Source {
 // A tweakable input of the Custom expression.
 struct Parameter {
     Value name;
-    Value kind;
-    Value value;
     Value record;
 };
 

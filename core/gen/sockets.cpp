@@ -141,22 +141,18 @@ void Gen::declare_again(Parameter& parameter) {
         return;
     }
     parameter.record = parameter.record.copied_map();
-    if (parameter.value.is_list_or_tuple()) {
-        parameter.value = parameter.value.copied_list();
-        parameter.record.set_item("default"_w, parameter.value);
+    if (const Value value = parameter.record.at("default"_w); value.is_list_or_tuple()) {
+        parameter.record.set_item("default"_w, value.copied_list());
     }
     declare(parameter);
 }
 
-void Gen::declare(const Parameter& parameter) {
-    inputs.set_item(parameter.name, parameter.record);
-    parameters_.push_back(parameter);
-}
+void Gen::declare(const Parameter& parameter) { inputs.set_item(parameter.name, parameter.record); }
 
 Parameter Gen::parameter(Text name, Word kind, const Value& value) const {
     const Value key = Value::text(runtime(), name);
-    const Value word = Value::word(runtime(), kind);
-    return {key, word, value, Value::map(runtime(), {{"name"_w, key}, {"kind"_w, word}, {"default"_w, value}})};
+    return {key,
+            Value::map(runtime(), {{"name"_w, key}, {"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};
 }
 
 Text Gen::param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared) {
