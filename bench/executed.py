@@ -29,9 +29,9 @@ nor broken octaves, and cells give the distance alone.
 
 FXC = """### Compile time of FXC
 
-Seconds of processor time that Microsoft's FXC under Wine takes for shader model 5, parameters as constants; other work
-shared the machine. It is longer than before: four corners side by side are more text than one corner in a loop, and
-frames count for more than a compilation. DXC stays below one second for every material.
+Seconds of processor time that Microsoft's FXC under Wine takes for shader model 5, parameters as constants; the least
+of three. It is longer than before: four corners side by side are more text than one corner in a loop, and frames count
+for more than a compilation. DXC stays below one second for every material.
 """
 
 
