@@ -30,8 +30,8 @@ Value parts(const Module& module, const Value& ir, const Value& mode, bool use_p
 Value assemble(const Module& module, const Value& bodies, const Value& structs, const Value& need,
                const Value& selector, const Value& wrap, const Value& extra_lib);
 
-// The inputs of a result, sorted by name or as a map by name. The list holds the records of `g` themselves; nothing may
-// follow in `g`.
+// The records of the inputs, sorted by name or as a map by name. They hold the values of `g` themselves, so that
+// nothing may be declared in `g` from then on.
 Value input_list(const Gen& g);
 Value input_map(const Gen& g);
 // Adds the kind and the value of each tweakable input to a map.

@@ -48,7 +48,7 @@ double power_of_two(long exponent) {
 }  // namespace
 
 Displacement _displacement(Gen& surface, const Value& params) {
-    Gen g(surface.module(), surface.ir, surface.release_graph(), surface.use_params);
+    Gen g(surface.module(), surface.ir, surface.release_reading(), surface.use_params);
     g.disp_stage = true;
     const Value src = g.ir.at("out"_w).at("displacement"_w);
     const auto [e, t] = g.output(src);

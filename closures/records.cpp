@@ -6,40 +6,54 @@
 
 namespace quillgen {
 
+namespace {
+
+// The record of an input. One that stands in a list has its name in front.
+Value record_of(const Runtime& runtime, const Input& input, bool is_named) {
+    Value record = Value::map(runtime);
+    if (is_named) {
+        record.set_item("name"_w, input.key);
+    }
+    record.set_item("kind"_w, Value::word(runtime, input.kind));
+    if (input.value.present()) {
+        record.set_item("default"_w, input.value);
+    }
+    if (input.rest.present()) {
+        input.rest.for_each_item([&](const Value& key, const Value& item) { record.set_item(key, item); });
+    }
+    return record;
+}
+
+}  // namespace
+
 Value input_list(const Gen& g) {
-    struct Input {
-        Text name;
-        Value record;
-    };
-    std::vector<Input> inputs;
+    std::vector<const Input*> inputs;
     inputs.reserve(g.inputs.expected_size());
-    std::string storage;  // stays empty: the names of inputs are ASCII
-    g.inputs.for_each_item([&](const Value& name, const Value& record) {
-        inputs.push_back({name.text(storage), record});
-    });
+    g.inputs.for_each([&](const Input& input) { inputs.push_back(&input); });
     std::size_t step = 0;
-    std::sort(inputs.begin(), inputs.end(), [&step](const Input& a, const Input& b) {
+    std::sort(inputs.begin(), inputs.end(), [&step](const Input* a, const Input* b) {
         check_signals_at(step++);  // hundreds of thousands of inputs take a third of a second
-        return a.name < b.name;
+        return a->name < b->name;
     });
     Value list = Value::list(g.runtime());
-    for (const Input& input : inputs) {
-        list.append(input.record);
+    step = 0;
+    for (const Input* const input : inputs) {
+        list.append(record_of(g.runtime(), *input, true));
+        check_signals_at(step++);
     }
     return list;
 }
 
 Value input_map(const Gen& g) {
     Value map = Value::map(g.runtime());
-    g.inputs.for_each_item(
-        [&](const Value& name, const Value& record) { map.set_item(name, record.without("name"_w)); });
+    g.inputs.for_each([&](const Input& input) { map.set_item(input.key, record_of(g.runtime(), input, false)); });
     return map;
 }
 
 void add_parameters(const Gen& g, const Value& params) {
-    g.inputs.for_each_item([&](const Value& name, const Value& record) {
-        if (const Value value = record.find("default"_w); value.present()) {
-            params.set_item(name, Value::list(g.runtime(), {record.at("kind"_w), value}));
+    g.inputs.for_each([&](const Input& input) {
+        if (input.value.present()) {
+            params.set_item(input.key, Value::list(g.runtime(), {Value::word(g.runtime(), input.kind), input.value}));
         }
     });
 }

@@ -29,11 +29,6 @@ void raise_recursion_error() {
     raise(PyExc_RecursionError, "maximum recursion depth exceeded while a node graph was evaluated");
 }
 
-void check_signals_at(std::size_t step) {
-    constexpr std::size_t kInterval = 4096;
-    if (step % kInterval == kInterval - 1) {
-        checked(PyErr_CheckSignals());
-    }
-}
+void check_signals() { checked(PyErr_CheckSignals()); }
 
 }  // namespace quillgen

@@ -108,11 +108,6 @@ Value Value::find(Word key) const {
     return contains(key) ? at(key) : Value();
 }
 
-Value Value::find(const Value& key) const {
-    PyObject* item = looked_up(object_.get(), key.object());
-    return item != nullptr ? share(item) : Value();
-}
-
 bool Value::contains(Word key) const { return checked(PySequence_Contains(object_.get(), runtime_->word(key))); }
 
 bool Value::contains(const Value& item) const { return checked(PySequence_Contains(object_.get(), item.object())); }
@@ -294,14 +289,6 @@ void Value::set_item(Word key, const Value& item) const {
 
 void Value::set_item(const Value& key, const Value& item) const {
     checked(PyDict_SetItem(object_.get(), key.object(), item.object()));
-}
-
-Value Value::copied_map() const { return own(PyDict_Copy(object_.get())); }
-
-Value Value::without(Word key) const {
-    Value copy = copied_map();
-    checked(PyDict_DelItem(copy.object(), runtime_->word(key)));
-    return copy;
 }
 
 }  // namespace quillgen

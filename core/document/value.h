@@ -35,7 +35,6 @@ public:
     [[nodiscard]] Value item(Py_ssize_t index) const;  // value[index], IndexError
     [[nodiscard]] Value get(Word key) const;           // value.get(key), absent where there is none
     [[nodiscard]] Value find(Word key) const;          // value[key] if key in value, else absent
-    [[nodiscard]] Value find(const Value& key) const;  // the same of a map of our own; TypeError without a hash
     [[nodiscard]] bool contains(Word key) const;       // key in value
     [[nodiscard]] bool contains(const Value& item) const;
     [[nodiscard]] Py_ssize_t index_of(const Value& item) const;  // value.index(item)
@@ -62,8 +61,6 @@ public:
     [[nodiscard]] Value sorted() const;                         // sorted(value)
     [[nodiscard]] Value joined() const;                         // "\n".join(value)
     [[nodiscard]] Value copied_list() const;                    // list(value), and what it holds `unshared`
-    [[nodiscard]] Value copied_map() const;                     // dict(value)
-    [[nodiscard]] Value without(Word key) const;                // a copy of a map that has the key
     // The value, or a deep copy of a list, map or set, so that a result shares none with its document.
     [[nodiscard]] Value unshared() const;
 

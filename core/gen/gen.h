@@ -13,6 +13,7 @@
 #include "core/gen/arena.h"
 #include "core/gen/format.h"
 #include "core/gen/graph.h"
+#include "core/gen/inputs.h"
 #include "core/gen/module.h"
 #include "core/gen/signal.h"
 
@@ -34,13 +35,19 @@ struct Uses {
     bool coat = false;
 };
 
+// What has been read of a document: its graph, and the inputs that the values of sockets have become.
+struct Reading {
+    Graph graph;
+    Inputs inputs = {};
+};
+
 class Gen {
 public:
     // `uv_bias` is absent, none, or a pair of numbers that is added to every UV coordinate. KeyError where the
     // document, or a node record of it, lacks a mandatory key.
     Gen(const Module& module, const Value& document, bool with_params, Value uv_bias = {});
-    // With a graph that has been read of the document before.
-    Gen(const Module& module, Value document, Graph graph, bool with_params, Value uv_bias = {});
+    // For another text of the document that `reading` is of.
+    Gen(const Module& module, Value document, Reading reading, bool with_params, Value uv_bias = {});
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
@@ -142,12 +149,11 @@ public:
     QUILLGEN_OWN_FRAME Text convert(Text expr, const SocketType& from, const SocketType& to);
     // A tweakable input of that name or, without use_params, a literal. The value is a document's number or sequence;
     // nothing and none count as 0.0. TypeError or ValueError where it does not convert to a float.
-    // `socket` is an identifier. Where a parameter is declared, `declared` gets it.
-    Text param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared = nullptr);
-    Text param_name(Node& n, Text socket);
-    // A tweakable input of the kind "scalar" or "vector".
-    [[nodiscard]] Parameter parameter(Text name, Word kind, const Value& value) const;
-    void declare(const Parameter& parameter);
+    // `ident` is an identifier. Where the value is that of a socket, `socket` keeps the number of the input.
+    Text param(Node& n, Text ident, const SocketType& type, const Value& value, Socket* socket = nullptr);
+    Text param_name(Node& n, Text ident);
+    // Declares a tweakable input of the kind "scalar" or "vector".
+    void declare_parameter(Text name, Word kind, const Value& value, Socket* socket = nullptr);
 
     // ---- geometry signals (signals.cpp) -----------------------------------------------------
     Text geo(Signal what);
@@ -155,7 +161,9 @@ public:
     Text deriv(Signal what, char axis);
     // A linked vector socket, else the signal.
     Text vector_or(Node& n, Word ident, Signal coord);
+    // An input of another kind, with a map of what else the kind needs.
     void declare_input(Word name, Word kind);
+    void declare_input(Text name, Word kind, const Value& rest);
 
     // ---- evaluation at moved positions (offset.cpp) -----------------------------------------
     // Evaluates what feeds a linked input once more with the signals moved, and gives the name of a new variable that
@@ -167,9 +175,9 @@ public:
     [[nodiscard]] const Module& module() const { return module_; }
     [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
     [[nodiscard]] Node* find_node(const Value& id);  // null where there is none
-    // The graph for another generator with the same `use_params`, which this one has to outlive: the texts of values
-    // stay here. Nothing can be evaluated here from then on.
-    Graph release_graph();
+    // For another generator with the same `use_params`, which this one has to outlive: the texts of values stay here.
+    // Nothing can be evaluated here from then on.
+    Reading release_reading();
     // The statements, each ended by a line feed, and where each ends.
     [[nodiscard]] Text body() const { return body_.text(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
@@ -179,8 +187,8 @@ public:
     const Value uv_bias;
     const Value need;      // set of str: library functions
     const Value structs;   // set of str: structs of the library
-    const Value inputs;    // dict: name of an input -> its record, the name itself first
     const Value warnings;  // list of str
+    Inputs inputs;
     Uses uses;
     Text n_override;          // replaces the shading normal, once a bump by displacement has made it
     bool disp_stage = false;  // normals come from vertex data while displacement is compiled
@@ -207,8 +215,6 @@ private:
     Text frame_vector(Signal what);
     Text uv_signal(int index);
     Text axis_signal(Signal what);
-    void declare_input(Text name, std::initializer_list<Value::Item> record);
-    QUILLGEN_OWN_FRAME void declare_again(Parameter& parameter);
 
     const Module& module_;
     const std::uintptr_t stack_entry_ = stack_position();

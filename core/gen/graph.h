@@ -16,12 +16,6 @@ struct Source {
     int output = -1;  // number of the output's name: see output_name
 };
 
-// A tweakable input of the Custom expression.
-struct Parameter {
-    Value name;
-    Value record;
-};
-
 // An entry of a node's inputs.
 struct Socket {
     int name = -1;  // index of a word, or -1 for a name that no handler asks for
@@ -31,8 +25,8 @@ struct Socket {
     // The type that the entry, or the link, says. It is read once, and so is a value, though bumps have most sockets
     // read three times: that takes a third off the translation of a material with bumps. No name before the reading.
     SocketType type = {};
-    Text text = {};            // what the value of an unlinked socket has come to; empty before the reading
-    Parameter parameter = {};  // if it has become one
+    Text text = {};  // what the value of an unlinked socket has come to; empty before the reading
+    int input = -1;  // number of the input that it has become, or -1
 };
 
 // What an output evaluates to.

@@ -54,25 +54,18 @@ static_assert(std::size(kAxes) == Signal::oz - Signal::vx + 1);
 }  // namespace
 
 void Gen::declare_input(Word name, Word kind) {
-    if (!inputs.contains(name)) {
-        inputs.set_item(name, Value::map(runtime(), {{"name"_w, Value::word(runtime(), name)},
-                                                     {"kind"_w, Value::word(runtime(), kind)}}));
+    if (inputs.find(name.text()) == nullptr) {
+        inputs.declare({.name = name.text(), .key = Value::word(runtime(), name), .kind = kind});
     }
 }
 
-void Gen::declare_input(Text name, std::initializer_list<Value::Item> record) {
-    const Value key = Value::text(runtime(), name);
-    const Value named = Value::map(runtime(), {{"name"_w, key}});
-    for (const Value::Item& item : record) {
-        named.set_item(item.key, item.value);
-    }
-    inputs.set_item(key, named);
+void Gen::declare_input(Text name, Word kind, const Value& rest) {
+    inputs.declare({.name = name, .key = Value::text(runtime(), name), .kind = kind, .rest = rest});
 }
 
 Text Gen::uv_signal(int index) {
     const Text uv = text("uv$0", index);
-    declare_input(uv,
-                  {{"kind"_w, Value::word(runtime(), "texcoord"_w)}, {"index"_w, Value::integer(runtime(), index)}});
+    declare_input(uv, "texcoord"_w, Value::map(runtime(), {{"index"_w, Value::integer(runtime(), index)}}));
     if (uv_bias.truthy()) {
         const Text bx = _f(uv_bias.item(0));
         const Text by = _f(uv_bias.item(1));
@@ -83,10 +76,9 @@ Text Gen::uv_signal(int index) {
 
 Text Gen::axis_signal(Signal what) {
     const AxisSignal& axis = kAxes[what.kind() - Signal::vx];
-    if (!inputs.contains(axis.input)) {
-        inputs.set_item(axis.input, Value::map(runtime(), {{"name"_w, Value::word(runtime(), axis.input)},
-                                                           {"kind"_w, Value::word(runtime(), axis.kind)},
-                                                           {"axis"_w, Value::word(runtime(), axis.axis)}}));
+    if (inputs.find(axis.input.text()) == nullptr) {
+        const Value letter = Value::map(runtime(), {{"axis"_w, Value::word(runtime(), axis.axis)}});
+        declare_input(axis.input.text(), axis.kind, letter);
     }
     return axis.expr;
 }
@@ -189,7 +181,7 @@ Text Gen::deriv(Signal what, char axis) {
     const Word kind = axis == 'x' ? "ddx"_w : "ddy"_w;
     const Text letter = axis == 'x' ? "x" : "y";
     const auto declare = [&](Text name, std::initializer_list<Value::Item> of) {
-        declare_input(name, {{"kind"_w, Value::word(runtime(), kind)}, {"of"_w, Value::map(runtime(), of)}});
+        declare_input(name, kind, Value::map(runtime(), {{"of"_w, Value::map(runtime(), of)}}));
         return name;
     };
     if (what.kind() == Signal::uv) {

@@ -71,10 +71,8 @@ Text Gen::inp(Node& n, Word ident, const SocketType& want, Text fallback) {
     if (socket->link.present()) {
         return read_link(*socket, want);
     }
-    if (socket->text.empty()) {
+    if (socket->text.empty() || (socket->input >= 0 && !inputs.declare_again(socket->input, *socket))) {
         read_value(n, ident, *socket);
-    } else if (socket->parameter.name.present()) {
-        declare_again(socket->parameter);
     }
     if (is_value_type(socket->type)) {
         return convert(socket->text, socket->type, want);
@@ -99,7 +97,7 @@ void Gen::read_value(Node& n, Word ident, Socket& socket) {
     socket.type = type.is_str() ? socket_type(type) : SocketType{};
     socket.text = "0.0";
     if (is_value_type(socket.type)) {
-        socket.text = param(n, ident.identifier(), socket.type, socket.entry.get("v"_w), &socket.parameter);
+        socket.text = param(n, ident.identifier(), socket.type, socket.entry.get("v"_w), &socket);
     }
 }
 
@@ -124,49 +122,32 @@ Text Gen::convert(Text expr, const SocketType& from, const SocketType& to) {
 
 // ---- parameters -----------------------------------------------------------------------------
 
-Text Gen::param_name(Node& n, Text socket) {
+Text Gen::param_name(Node& n, Text ident) {
     if (n.parameter_prefix.empty()) {
         std::string storage;
         std::string prefix = "P_";
         append_identifier(prefix, n.id.formatted(storage));
         n.parameter_prefix = keep(prefix + "__");
     }
-    return arena_.keep(n.parameter_prefix, socket);
+    return arena_.keep(n.parameter_prefix, ident);
 }
 
-// A parameter of another node may have come to the same name meanwhile, or the graph may have come from another
-// generator, whose records are of its own result.
-void Gen::declare_again(Parameter& parameter) {
-    if (inputs.find(parameter.name).object() == parameter.record.object()) {
-        return;
+void Gen::declare_parameter(Text name, Word kind, const Value& value, Socket* socket) {
+    const int number = inputs.declare(
+        {.name = name, .key = Value::text(runtime(), name), .kind = kind, .value = value, .socket = socket});
+    if (socket != nullptr) {
+        socket->input = number;
     }
-    parameter.record = parameter.record.copied_map();
-    if (const Value value = parameter.record.at("default"_w); value.is_list_or_tuple()) {
-        parameter.record.set_item("default"_w, value.copied_list());
-    }
-    declare(parameter);
 }
 
-void Gen::declare(const Parameter& parameter) { inputs.set_item(parameter.name, parameter.record); }
-
-Parameter Gen::parameter(Text name, Word kind, const Value& value) const {
-    const Value key = Value::text(runtime(), name);
-    return {key,
-            Value::map(runtime(), {{"name"_w, key}, {"kind"_w, Value::word(runtime(), kind)}, {"default"_w, value}})};
-}
-
-Text Gen::param(Node& n, Text socket, const SocketType& type, const Value& value, Parameter* declared) {
+Text Gen::param(Node& n, Text ident, const SocketType& type, const Value& value, Socket* socket) {
     const bool is_scalar = !is_float3(type) && !is_closure(type);
     const Value made = is_scalar ? scalar_value(runtime(), value) : vector_value(runtime(), value);
     if (!use_params) {
         return is_scalar ? _f(made) : _v3(made);
     }
-    const Text name = param_name(n, socket);
-    const Parameter made_parameter = parameter(name, is_scalar ? "scalar"_w : "vector"_w, made);
-    declare(made_parameter);
-    if (declared != nullptr) {
-        *declared = made_parameter;
-    }
+    const Text name = param_name(n, ident);
+    declare_parameter(name, is_scalar ? "scalar"_w : "vector"_w, made, socket);
     return is_scalar ? name : arena_.keep(name, ".xyz");
 }
 

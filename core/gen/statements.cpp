@@ -7,24 +7,25 @@
 namespace quillgen {
 
 Gen::Gen(const Module& module, const Value& document, bool with_params, Value bias)
-    : Gen(module, document, read_graph(document), with_params, std::move(bias)) {}
+    : Gen(module, document, {read_graph(document)}, with_params, std::move(bias)) {}
 
-Gen::Gen(const Module& module, Value document, Graph graph, bool with_params, Value bias)
+Gen::Gen(const Module& module, Value document, Reading reading, bool with_params, Value bias)
     : ir(std::move(document)),
       use_params(with_params),
       uv_bias(std::move(bias)),
       need(Value::set(module.runtime)),
       structs(Value::set(module.runtime)),
-      inputs(Value::map(module.runtime)),
       warnings(Value::list(module.runtime)),
+      inputs(std::move(reading.inputs)),
       module_(module),
-      graph_(std::move(graph)) {}
+      graph_(std::move(reading.graph)) {}
 
-Graph Gen::release_graph() {
+Reading Gen::release_reading() {
     for (Node& n : graph_.nodes) {
         n.forget_evaluation();
     }
-    return std::move(graph_);
+    inputs.withdraw_all();
+    return {std::move(graph_), std::move(inputs)};
 }
 
 Node* Gen::find_node(const Value& id) {

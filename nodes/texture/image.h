@@ -13,7 +13,7 @@ std::string tex_input(const Runtime& runtime, const Value& image_name);
 
 struct DeclaredImage {
     Text t;      // the texture input
-    Value spec;  // its record, which an earlier node may have made
+    Value spec;  // what else the input needs, as the first node to use the image told it
     Value info;  // the image's record
 };
 

@@ -33,18 +33,15 @@ DeclaredImage _image_spec(Gen& g, Node& n, const Value& img) {
     const Value info = g.ir.at("images"_w).at(img);
     const Value extension = property_or(g, p, "extension"_w, "REPEAT");
     const Value interpolation = property_or(g, p, "interpolation"_w, "Linear");
-    const Value name = Value::text(runtime, t);
-    Value spec = g.inputs.find(name);
-    if (!spec.present()) {
-        spec = Value::map(runtime, {{"name"_w, name},
-                                    {"kind"_w, Value::word(runtime, "texture"_w)},
-                                    {"image"_w, img},
-                                    {"srgb"_w, Value::boolean(runtime, false)},
-                                    {"float"_w, Value::boolean(runtime, info.get("float"_w).truthy())},
-                                    {"extension"_w, extension},
-                                    {"interpolation"_w, interpolation}});
-        g.inputs.set_item(name, spec);
+    if (g.inputs.find(t) == nullptr) {
+        g.declare_input(t, "texture"_w,
+                        Value::map(runtime, {{"image"_w, img},
+                                             {"srgb"_w, Value::boolean(runtime, false)},
+                                             {"float"_w, Value::boolean(runtime, info.get("float"_w).truthy())},
+                                             {"extension"_w, extension},
+                                             {"interpolation"_w, interpolation}}));
     }
+    const Value spec = g.inputs.find(t)->rest;
     if (!spec.at("extension"_w).equals(extension) || !spec.at("interpolation"_w).equals(interpolation)) {
         g.warn("image $0 is used with different extension / interpolation settings - Unreal uses the first",
                g.formatted(img));

@@ -38,7 +38,7 @@ QUILLGEN_OWN_FRAME Text stop_colour(Gen& g, Node& n, int j, const Value& colour)
         return literal_colour(g, colour);
     }
     const Text name = g.param_name(n, g.text("stop$0_col", j));
-    g.declare(g.parameter(name, "vector"_w, colour.copied_list()));
+    g.declare_parameter(name, "vector"_w, colour.copied_list());
     return name;
 }
 

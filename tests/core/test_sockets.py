@@ -7,7 +7,7 @@ import pytest
 
 import quillgen
 from edge_cases import body, surface, translated, unsupported
-from golden.documents import link, material, node
+from golden.documents import bare, link, material, node
 
 FLOATS, VECTORS = ("VALUE", "INT", "BOOLEAN", "STRING"), ("VECTOR", "ROTATION")
 LUMA = "dot({e}, float3(0.2126, 0.7152, 0.0722))"
@@ -263,3 +263,33 @@ def test_the_displacement_reads_a_shared_name_last():
     displaced = {one["name"]: one.get("default") for one in result["displacement"]["inputs"]}
     assert values["P_A_1__Value"] == 2.0 and displaced["P_A_1__Value"] == 1.0
     assert result["params"]["P_A_1__Value"] == ["scalar", 1.0]
+
+
+def test_both_texts_declare_a_socket_that_both_read():
+    """Each with a list of its own; the parameter's is that of the text that came last."""
+    read = node("VectorMath", {"Vector": [1.0, 2.0, 3.0]}, id="Read")
+    shader = node("BsdfPrincipled", {"Base Color": link(read)})
+    moved = node("Displacement", {"Height": link(read), "Scale": 0.5})
+    given = material(shader, moved, read, displacement=moved, settings={"displacement": "BOTH"})
+    result = quillgen.compile(given)
+    [surface], [displaced] = (
+        [one for one in inputs if one["name"] == "P_Read__Vector"]
+        for inputs in (result["inputs"], result["displacement"]["inputs"])
+    )
+    assert surface == displaced == {"name": "P_Read__Vector", "kind": "vector", "default": [1.0, 2.0, 3.0, 0.0]}
+    assert surface["default"] is not displaced["default"]
+    assert result["params"]["P_Read__Vector"] == ["vector", displaced["default"]]
+
+
+@pytest.mark.parametrize("count", [10, 32, 33, 64, 300, 3000])
+def test_names_are_told_apart_and_met_again_among_many(count):
+    """That many names, each of two nodes, read by a tree of sums."""
+    read = [node("Value", props={"value": float(i)}, id=f"A{mark}{i}") for mark in ". " for i in range(count)]
+    for i in range(2 * count - 1):
+        terms = dict(zip(("Value", "Value_001", "Value_002"), map(link, (*read[2 * i : 2 * i + 2], read[2 * i]))))
+        read.append(bare("Math", terms, id=f"Sum {i}"))
+    given = material(*reversed(read))
+    expected = {f"P_A_{i}__value": {"kind": "scalar", "default": float(i)} for i in range(count)}
+    assert quillgen.parts(given, "emission", use_params=True)["inputs"] == expected
+    records = [{"name": name, **record} for name, record in sorted(expected.items())]
+    assert quillgen.compile(given, "emission")["inputs"] == records
