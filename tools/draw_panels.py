@@ -61,7 +61,7 @@ def drawing() -> str:
     assert outcome
     remarks = [remark for remark in outcome.remarks if remark["node"] == "My Wire"][:1]
     outcome = replace(outcome, at=43200.0, seconds=0.012, changed="all", inputs=9, parameters=7, remarks=remarks)
-    state.keep(material, outcome)
+    state.keep(material.session_uid, outcome)
     state.clock = lambda when: "12:00:00"
     try:
         layouts = [drawn(panel, context_of(panel, material, WIDTH)) for panel in panels.CLASSES[:3]]

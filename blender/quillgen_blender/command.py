@@ -13,7 +13,7 @@ from .passes import Options
 from .pipeline import Settings
 
 DONE, FAILED, REFUSED, STOPPED = 0, 1, 2, 130
-RUN = ".quillgen-run.json"
+RUN = ".quillgen_run.json"  # no name of a temporary file: those go where an export finds them an hour later
 WIDTH = 30  # letters of the bar
 
 EPILOG = """exit codes:
@@ -123,7 +123,7 @@ def chosen_materials(file: Path, names: Sequence[str]) -> list[Any]:
     missing = [name for name in names if name not in bpy.data.materials]
     if missing:
         raise Refused(f"{file} has no material {', '.join(missing)}")
-    return [bpy.data.materials[name] for name in dict.fromkeys(names)]
+    return [material for name in dict.fromkeys(names) for material in bpy.data.materials if material.name == name]
 
 
 def told(outcome: Any) -> str:

@@ -4,10 +4,10 @@ import re
 import tempfile
 import time
 import traceback
-from collections.abc import Collection, Generator, Iterable, Sequence
+from collections.abc import Callable, Generator, Iterable, Mapping, Sequence
 from dataclasses import dataclass, field, replace
 from pathlib import Path
-from typing import Any
+from typing import Any, NamedTuple
 
 import bpy
 
@@ -45,13 +45,21 @@ class Outcome:
         return f"{self.name}, {self.node}" if self.node else self.name
 
 
+class Start(NamedTuple):
+    """All that an export starts from but the pixels of pictures. `fingerprint` is that of the labels."""
+
+    document: dict[str, Any]
+    settings: Settings
+    fingerprint: list[Any]
+
+
 @dataclass
 class Memory:
-    """What the last export of a material started from, for the next one to know what is as it was."""
+    """What the last export of a material that succeeded started from, and the stamps of the files that it left, for
+    the next one to know what is as it was."""
 
-    document: dict[str, Any] | None = None
-    settings: Settings | None = None
-    fingerprint: list[Any] | None = None
+    start: Start | None = None
+    stamps: tuple[write.Stamp, ...] = ()
 
 
 class Unchanged(Exception):
@@ -59,12 +67,15 @@ class Unchanged(Exception):
 
 
 Steps = Generator[str, None, Outcome]
+Wanted = Callable[[str, Any], bool]  # whether a picture is saved, by its name in the document and Blender's image
 
 
 def exportable(material: Any) -> str:
     """Why a material can't be exported, "" where it can."""
     if material is None:
         return "There is no material here"
+    if material.is_missing:
+        return f"{material.name} isn't in {library_of(material)} any more, or that library isn't there"
     if material.is_grease_pencil:
         return f"{material.name} is a Grease Pencil material"
     if material.node_tree is None or (bpy.app.version < (5, 0) and not material.use_nodes):
@@ -91,22 +102,23 @@ def steps(
     material: Any,
     target: Target | None,
     settings: Settings,
-    textures: bool | Collection[str] = True,
+    textures: bool | Wanted = True,
     memory: Memory | None = None,
 ) -> Steps:
     """Exports one material to a target, or just translates it where that is None. `textures`: whether its pictures
-    are saved, or the names of those that are. `memory` is that of the last export of this material to this target.
+    are saved, or what tells this of each. `memory` is that of the last export of this material to this target.
     Yields what it is about to do, and never raises but for errors of the program that started it."""
     began = time.perf_counter()
     library = library_of(material)
     outcome = Outcome(material.name, library, at=time.time())
-    paths: dict[str, tuple[str, ...]] = {}
+    wanted = textures if callable(textures) else lambda name, picture: bool(textures)
     try:
-        made, paths = yield from translation(material, settings, target is not None, memory, not textures)
+        last = known(memory, target, material)
+        made, reading, start = yield from translation(material, settings, target is not None, last, wanted)
         inputs = write.inputs(made.result)
         outcome = replace(
             outcome,
-            paths=paths,
+            paths=reading.paths,
             changed="text",
             remarks=write.remarks(made.result["warnings"], made.notes, made.document),
             parameters=len(made.result["params"]),
@@ -114,7 +126,10 @@ def steps(
             textures=sum(entry["kind"] == "texture" for entry in inputs),
         )
         if target is not None:
-            written = yield from writing(made, target, textures)
+            saved = {name: picture for name, picture in reading.pictures.items() if wanted(name, picture)}
+            written = yield from writing(made, target, saved)
+            if memory:
+                memory.start, memory.stamps = start, target.stamps((made.name, made.library))
             outcome = replace(
                 outcome,
                 folder=str(written.folder),
@@ -124,35 +139,46 @@ def steps(
     except Unchanged:
         outcome = replace(outcome, changed="nothing")
     except Failed as error:
-        outcome = replace(outcome, error=str(error), node=error.node, paths=paths, changed="")
+        outcome = replace(outcome, error=str(error), node=error.node, changed="")
     except OSError as error:
         outcome = replace(outcome, error=f"{error.strerror or error}: {error.filename or ''}".strip(": "), changed="")
     except ReferenceError:  # the material was removed
         raise
+    except RecursionError:
+        outcome = replace(
+            outcome, error="too many of its nodes, or turns of repeat zones, follow one another", changed=""
+        )
     except Exception as error:  # one material's trouble is none of the others'
         traceback.print_exc()
         outcome = replace(outcome, error=f"{type(error).__name__}: {error} (the console tells more)", changed="")
     return replace(outcome, seconds=time.perf_counter() - began)
 
 
+def known(memory: Memory | None, target: Target | None, material: Any) -> Start | None:
+    """What the last export started from, if the files are still what it wrote."""
+    if memory is None or target is None or memory.stamps != target.stamps((material.name, library_of(material))):
+        return None
+    return memory.start
+
+
 def translation(
-    material: Any,
-    settings: Settings,
-    with_labels: bool = True,
-    memory: Memory | None = None,
-    may_be_unchanged: bool = False,
-) -> Generator[str, None, tuple[Material, dict[str, tuple[str, ...]]]]:
-    """Reads and translates a material. Raises Failed, and Unchanged where `memory` says that nothing has changed."""
+    material: Any, settings: Settings, with_labels: bool, last: Start | None, wanted: Wanted
+) -> Generator[str, None, tuple[Material, read.Reading, Start]]:
+    """Reads and translates a material. Labels that are those of the last export aren't made again. Raises Failed, and
+    Unchanged where all is what it was and no picture is to be saved."""
     yield "reading"
     why = exportable(material)
     if why:
         raise Failed(why)
     reading = read.flatten(material)
     yield "comparing"
-    same = labels_are_as_before(material, reading, settings, memory, may_be_unchanged)
-    yield "translating"
     if settings.options.parameters in ("auto", "named"):
         settings = replace(settings, named={*settings.named, *marked(material, reading)})
+    start = Start(reading.document, settings, labels.fingerprint(material) if with_labels else [])
+    same = last is not None and last.fingerprint == start.fingerprint
+    if last == start and not any(wanted(name, picture) for name, picture in reading.pictures.items()):
+        raise Unchanged
+    yield "translating"
     try:
         made = pipeline.translate(material.name, reading.document, reading.notes, settings)
     except Failed as error:
@@ -161,8 +187,8 @@ def translation(
     found: labels.Labels = {}
     if with_labels and not same:
         live = made.result["params"].keys()
-        wanted = {origin for name, origin in write.origins(made.document).items() if name in live}
-        for more in labels.by_node(material, made.document, reading.paths, wanted):
+        sockets = {origin for name, origin in write.origins(made.document).items() if name in live}
+        for more in labels.by_node(material, made.document, reading.paths, sockets):
             yield "labels"
             found.update(more)
     made = replace(
@@ -171,7 +197,7 @@ def translation(
         labels=None if same else found,
         made_by={**made.made_by, "blender": ".".join(map(str, bpy.app.version))},
     )
-    return made, reading.paths
+    return made, reading, start
 
 
 def marked(material: Any, reading: read.Reading) -> set[str]:
@@ -187,50 +213,36 @@ def marked(material: Any, reading: read.Reading) -> set[str]:
     return found
 
 
-def labels_are_as_before(
-    material: Any, reading: read.Reading, settings: Settings, memory: Memory | None, may_be_unchanged: bool
-) -> bool:
-    """Whether the labels are those of the last export. Raises Unchanged where all else is as well."""
-    if memory is None:
-        return False
-    now = labels.fingerprint(material)
-    same = memory.fingerprint == now
-    if same and may_be_unchanged and memory.settings == settings and memory.document == reading.document:
-        raise Unchanged
-    memory.document, memory.settings, memory.fingerprint = reading.document, settings, now
-    return same
-
-
 def shown(node: str, paths: dict[str, tuple[str, ...]]) -> str:
     """A node as an artist knows it."""
     return " / ".join(paths.get(node, (node,)))
 
 
-def writing(made: Material, target: Target, textures: bool | Collection[str]) -> Generator[str, None, write.Written]:
-    wanted = {entry["image"] for entry in write.inputs(made.result) if entry["kind"] == "texture"}
-    if textures is not True:
-        wanted &= set(textures or ())
+def writing(made: Material, target: Target, images: Mapping[str, Any]) -> Generator[str, None, write.Written]:
+    """`images`: those that are saved where the text reads them."""
+    used = {entry["image"] for entry in write.inputs(made.result) if entry["kind"] == "texture"}
+    images = {name: images[name] for name in sorted(used & images.keys())}
     yield "naming"
     made = write.named(target, made)
-    if not wanted:
+    if not images:
         yield "comparing"
         prepared = write.prepare(target, made)
     else:
         yield "saving pictures"
         with tempfile.TemporaryDirectory(prefix="quillgen-") as folder:
-            prepared = write.prepare(target, save_pictures(wanted, Path(folder), made))
+            prepared = write.prepare(target, save_pictures(images, Path(folder), made))
     yield "writing"
     return write.commit(target, prepared)
 
 
-def save_pictures(images: Iterable[str], folder: Path, made: Material) -> Material:
+def save_pictures(images: Mapping[str, Any], folder: Path, made: Material) -> Material:
     """Saves pictures to a folder. One that can't be saved is left out and told."""
     found: dict[str, Picture] = {}
     notes = list(made.notes)
-    for place, name in enumerate(sorted(images)):
+    for place, (name, image) in enumerate(images.items()):
         try:
-            file, record = pictures.save_picture(bpy.data.images[name], folder, str(place))
-        except (OSError, RuntimeError) as error:
+            file, record = pictures.save_picture(image, folder, str(place))
+        except (OSError, RuntimeError, ReferenceError) as error:  # the last where it was removed meanwhile
             reason = getattr(error, "strerror", None) or str(error)
             notes.append(Note("", f"the picture {name} isn't exported: {reason}", "lost"))
         else:
@@ -256,14 +268,17 @@ def target_folder(folder: str) -> tuple[Path | None, str]:
     path = Path(bpy.path.abspath(folder))
     if not path.is_absolute() or re.match("^[\\\\/]+$", folder):
         return None, f"{folder} is no folder"
-    if path.exists() and not path.is_dir():
-        return None, f"{path} is a file"
+    try:
+        if path.exists() and not path.is_dir():
+            return None, f"{path} is a file"
+    except OSError as error:
+        return None, f"{path}: {error.strerror}"
     return path, ""
 
 
 def text(material: Any, settings: Settings) -> str:
     """The HLSL of a material. Raises Failed."""
-    job = translation(material, settings)
+    job = translation(material, settings, False, None, lambda name, picture: False)
     while True:
         try:
             next(job)

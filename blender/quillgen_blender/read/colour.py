@@ -78,9 +78,9 @@ def pixels(picture: Any) -> np.ndarray:
     return found.reshape(picture.size[1], picture.size[0], 4)
 
 
-def stored(picture: Any) -> np.ndarray:
+def stored(picture: Any, file: Path) -> np.ndarray:
     """The same of the picture's file, with nothing multiplied by alpha or divided by it, as Cycles reads it."""
-    copy = bpy.data.images.load(bpy.path.abspath(picture.filepath))
+    copy = bpy.data.images.load(str(file))
     try:
         copy.alpha_mode = "CHANNEL_PACKED"
         copy.colorspace_settings.name = picture.colorspace_settings.name

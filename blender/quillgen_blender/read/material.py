@@ -9,15 +9,18 @@ from ..notes import Note
 from . import working_space
 from .writer import Writer
 
+NODE = re.compile(r'nodes\["((?:[^"\\]|\\.)*)"\]')  # the beginning of a path to a value of a node
+
 
 class Reading(NamedTuple):
     """What flatten finds. `document` is plain data, as JSON has it. `paths` leads from the id of a record to the
     names of its node, behind those of the group nodes around it, the outermost first; nodes that the reader puts in
-    have the path of the node that they feed."""
+    have the path of the node that they feed. `pictures` has Blender's image for each name in the document."""
 
     document: dict[str, Any]
     notes: list[Note]
     paths: dict[str, tuple[str, ...]]
+    pictures: dict[str, Any]
 
 
 def flatten(material: Any, mesh: Any = None) -> Reading:
@@ -43,7 +46,7 @@ def flatten(material: Any, mesh: Any = None) -> Reading:
         "settings": writer.settings,
         "host": host(end, mesh, writer),
     }
-    return Reading(document, writer.notes, writer.paths)
+    return Reading(document, writer.notes, writer.paths, writer.pictures)
 
 
 def worn_by(material: Any) -> Any:
@@ -66,10 +69,12 @@ def settings(material: Any) -> dict[str, Any]:
 
 
 def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
-    """What stands beside the graph: the version, whether there is a volume, which nodes are driven or animated, the
-    colours of the mesh."""
+    """What stands beside the graph: the version, whether there is a Material Output and what is linked to it, which
+    nodes are driven or animated, the colours of the mesh."""
     found = {
         "blender": list(bpy.app.version),
+        "output": bool(end),
+        "surface": bool(end and end.inputs["Surface"].is_linked),
         "volume": bool(end and end.inputs["Volume"].is_linked),
         "drivers": driven(writer),
     }
@@ -82,11 +87,22 @@ def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
 
 def driven(writer: Writer) -> list[str]:
     """The ids of the nodes with a value that a driver or an animation changes from frame to frame."""
-    names = {place: driven_in(place.tree) for place in writer.root.all() if place.tree.animation_data}
+    names = {place: driven_in(place.tree.animation_data) for place in writer.root.all() if place.tree.animation_data}
     return sorted(identity for (place, name), identity in writer.ids.items() if name in names.get(place, ()))
 
 
-def driven_in(tree: Any) -> set[str]:
-    data = tree.animation_data
-    curves = [*data.drivers, *(getattr(data.action, "fcurves", ()) if data.action else ())]
-    return {name for curve in curves for name in re.findall(r'^nodes\["(.*?)"\]', curve.data_path)}
+def driven_in(data: Any) -> set[str]:
+    """The names of the nodes that the animation data of a tree changes."""
+    found = (NODE.match(curve.data_path) for curve in (*data.drivers, *animated(data)))
+    return {bpy.utils.unescape_identifier(match[1]) for match in found if match}
+
+
+def animated(data: Any) -> list[Any]:
+    """The curves of the action; since Blender 4.4 they lie in a slot of its own for each thing that it animates."""
+    if data.action is None:
+        return []
+    if not hasattr(data, "action_slot"):
+        return list(data.action.fcurves)
+    strips = (strip for layer in data.action.layers for strip in layer.strips)
+    bags = (strip.channelbag(data.action_slot) for strip in strips if data.action_slot)
+    return [curve for bag in bags if bag for curve in bag.fcurves]

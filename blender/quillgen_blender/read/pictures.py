@@ -77,7 +77,12 @@ def missing(picture: Any) -> bool:
     """Whether the picture's file is not there; Blender then shows magenta."""
     if picture.source != "FILE" or picture.packed_file or picture.is_dirty:
         return False
-    return not Path(bpy.path.abspath(picture.filepath)).is_file()
+    return not file_of(picture).is_file()
+
+
+def file_of(picture: Any) -> Path:
+    """Where the file lies; the path of a linked image is relative to its library."""
+    return Path(bpy.path.abspath(picture.filepath, library=picture.library))
 
 
 def untouched(picture: Any) -> bool:
@@ -94,7 +99,7 @@ def from_file(picture: Any) -> bool:
 def as_read(picture: Any, found: dict[str, Any]) -> np.ndarray:
     """The numbers [height, width, 4] that the text expects of an image."""
     space = picture.colorspace_settings.name
-    values = colour.stored(picture) if from_file(picture) else colour.pixels(picture)
+    values = colour.stored(picture, file_of(picture)) if from_file(picture) else colour.pixels(picture)
     if picture.is_float:  # in the working space already
         if untouched(picture):
             values[..., :3] *= colour.CYCLES_OWN.get(space, 1)

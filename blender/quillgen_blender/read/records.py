@@ -112,9 +112,9 @@ def add_image(writer: Any, node: Any, record: dict[str, Any]) -> None:
     picture = node.image
     if picture is None:
         return
-    record["props"]["image"] = picture.name
-    if picture.name not in writer.images:
-        writer.images[picture.name] = pictures.record(picture)
+    name = record["props"]["image"] = writer.image(picture)
+    if name not in writer.images:
+        writer.images[name] = pictures.record(picture)
     if pictures.missing(picture):
         writer.note(record["id"], f"the file of {picture.name} is missing: Blender shows magenta")
     if picture.source in MOVING:

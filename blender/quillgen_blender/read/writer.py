@@ -19,6 +19,7 @@ class Writer:
         self.root = Place()
         self.nodes: list[dict[str, Any]] = []
         self.images: dict[str, dict[str, Any]] = {}
+        self.pictures: dict[str, Any] = {}
         self.notes: list[Note] = []
         self.paths: dict[str, tuple[str, ...]] = {}
         self.ids: dict[tuple[Place, str], str] = {}
@@ -81,6 +82,14 @@ class Writer:
         identity = self.fresh(f"{reader} {identifier}")
         self.paths[identity] = self.paths[reader]
         return identity
+
+    def image(self, picture: Any) -> str:
+        """What the document calls an image: its name, with a number where an image of another file has it already."""
+        name, count = picture.name, 1
+        while self.pictures.setdefault(name, picture) != picture:
+            count += 1
+            name = f"{picture.name} {count}"
+        return name
 
     def aov_outputs(self) -> None:
         """Notes on what goes to render passes of its own, in the trees that were read."""

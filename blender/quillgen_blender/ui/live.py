@@ -2,10 +2,14 @@
 
 The handler of Blender's dependency graph only notes what changed. A timer does the work, in steps of a few milliseconds
 with a chance for Blender to draw between them.
+
+The handler listens all the time and asks the scene whether live update is on. To come and go with the switch it would
+have to hear of each way in which that changes, and Blender calls no update function for an undo, a new scene or a file.
 """
 
+import contextlib
 import time
-from collections.abc import Collection, Iterator
+from collections.abc import Iterator
 from typing import Any, NamedTuple
 
 import bpy
@@ -19,21 +23,23 @@ SOON = 0.01  # seconds until the next slice
 
 
 class Job(NamedTuple):
-    """Work in steps. `material`: the one that is exported, None while materials are looked for."""
+    """Work in steps. `uid`: the material that is exported, None while materials are looked for. `edited`: what it takes
+    up, as `Waiting` has it."""
 
-    material: Any
+    uid: int | None
+    edited: dict[int, float]
     steps: Iterator[str]
 
 
 class Waiting:
-    """What was edited and isn't exported yet."""
+    """What was edited and isn't exported yet. All keys are session_uids: an undo may leave no reference valid."""
 
     def __init__(self) -> None:
-        self.materials: dict[int, float] = {}  # session_uid -> when it was edited last
+        self.materials: dict[int, float] = {}  # when each was edited last
         self.shared: dict[int, float] = {}  # the same of groups and images, whose materials aren't known yet
-        self.images: set[str] = set()  # names of those whose pixels may have changed
+        self.images: set[int] = set()  # those whose pixels may have changed
         self.target: write.Target | None = None
-        self.memories: dict[int, exporting.Memory] = {}  # session_uid -> what was exported last
+        self.memories: dict[int, exporting.Memory] = {}  # by material
         self.job: Job | None = None
 
     def forget(self) -> None:
@@ -45,37 +51,28 @@ _waiting = Waiting()
 
 def register() -> None:
     bpy.app.handlers.load_post.append(loaded)
-    switched(any(scene.quillgen.live for scene in getattr(bpy.data, "scenes", ())))
+    bpy.app.handlers.depsgraph_update_post.append(changed)
 
 
 def unregister() -> None:
-    switched(False)
+    bpy.app.handlers.depsgraph_update_post.remove(changed)
     bpy.app.handlers.load_post.remove(loaded)
+    if bpy.app.timers.is_registered(tick):
+        bpy.app.timers.unregister(tick)
+    _waiting.forget()
 
 
 @bpy.app.handlers.persistent
 def loaded(*_: Any) -> None:
     state.forget()
     _waiting.forget()
-    switched(any(scene.quillgen.live for scene in bpy.data.scenes))
-
-
-def switched(on: bool) -> None:
-    """Starts or stops to listen."""
-    handlers = bpy.app.handlers.depsgraph_update_post
-    if on and changed not in handlers:
-        handlers.append(changed)
-    if not on:
-        if changed in handlers:
-            handlers.remove(changed)
-        if bpy.app.timers.is_registered(tick):
-            bpy.app.timers.unregister(tick)
-        _waiting.forget()
 
 
 @bpy.app.handlers.persistent
 def changed(scene: Any, depsgraph: Any) -> None:
     """Notes what an update is about."""
+    if not scene.quillgen.live:
+        return
     now = time.monotonic()
     noted = False
     for update in depsgraph.updates:
@@ -85,7 +82,7 @@ def changed(scene: Any, depsgraph: Any) -> None:
         elif isinstance(found, (bpy.types.ShaderNodeTree, bpy.types.Image)) and not found.is_embedded_data:
             _waiting.shared[found.session_uid] = now
             if isinstance(found, bpy.types.Image):
-                _waiting.images.add(found.name)
+                _waiting.images.add(found.session_uid)
         else:
             continue
         noted = True
@@ -112,6 +109,9 @@ def parts_of(node: Any) -> list[Any]:
 def tick() -> float | None:
     """A slice of work. The seconds until the next one, None where nothing is left."""
     context = bpy.context
+    if not context.scene.quillgen.live:
+        _waiting.forget()
+        return None
     rest = preferences.of(context).rest
     until = time.perf_counter() + SLICE
     while time.perf_counter() < until:
@@ -128,14 +128,15 @@ def begin(context: Any, rest: float) -> bool:
     """Takes up what has rested; whether there was something."""
     now = time.monotonic()
     if _waiting.shared and now - max(_waiting.shared.values()) >= rest:
-        _waiting.job = Job(None, users(_waiting.shared))
+        _waiting.job = Job(None, _waiting.shared, users(_waiting.shared))
         _waiting.shared = {}
         return True
     ready = [uid for uid, edited in _waiting.materials.items() if now - edited >= rest]
     if not ready:
         return False
-    del _waiting.materials[ready[0]]
-    material = next((each for each in bpy.data.materials if each.session_uid == ready[0]), None)
+    uid = ready[0]
+    edited = _waiting.materials.pop(uid)
+    material = next((each for each in bpy.data.materials if each.session_uid == uid), None)
     target = current_target(context)
     if material is None or target is None or exporting.exportable(material) or not preferences.of(context).live:
         return True
@@ -143,44 +144,44 @@ def begin(context: Any, rest: float) -> bool:
     before = target.manifest(folder) if folder else None
     if before is None:
         return True
-    textures: bool | Collection[str] = False
-    if context.scene.quillgen.textures:
-        textures = changed_images(material, before)
-    memory = _waiting.memories.setdefault(material.session_uid, exporting.Memory())
-    _waiting.job = Job(material, exporting.steps(material, target, settings.chosen(context), textures, memory))
-    return True
-
-
-def changed_images(material: Any, before: dict[str, Any]) -> set[str]:
-    """The images of a material that the target hasn't got as they are."""
     kept = {record["image"] for record in before["textures"] if record["file"]}
-    used = {node.image.name for node in labels.all_nodes(material.node_tree) if getattr(node, "image", None)}
-    return (used - kept) | (used & _waiting.images)
+
+    def wanted(name: str, image: Any) -> bool:
+        return name not in kept or image.session_uid in _waiting.images
+
+    memory = _waiting.memories.setdefault(uid, exporting.Memory())
+    chosen, textures = settings.chosen(context), wanted if context.scene.quillgen.textures else False
+    _waiting.job = Job(uid, {uid: edited}, exporting.steps(material, target, chosen, textures, memory))
+    return True
 
 
 def step() -> None:
     """One step of the job under way."""
     if _waiting.job is None:
         return
-    material, steps = _waiting.job
+    uid, edited, steps = _waiting.job
     try:
         next(steps)
     except StopIteration as end:
         _waiting.job = None
-        if material is not None and end.value.changed != "nothing":
-            state.keep(material, end.value)
-        if not _waiting.materials:
+        if uid is not None and end.value.changed != "nothing":
+            state.keep(uid, end.value)
+        if not _waiting.materials and not _waiting.shared:
             _waiting.images.clear()  # all of their materials have them
-    except ReferenceError:  # the material was removed meanwhile
+    except ReferenceError:  # something was removed meanwhile, or an undo has put new data in the place of the old
         _waiting.job = None
+        waiting = _waiting.shared if uid is None else _waiting.materials
+        waiting.update(edited | waiting)
 
 
 def current_target(context: Any) -> write.Target | None:
-    """The target as it was looked at before, or looked at anew where it is another or has got new folders."""
+    """The target as it was looked at before, or looked at anew where it is another or has got new folders. None where
+    it can't be looked at."""
     path, _ = exporting.target_folder(settings.folder_of(context))
     if path is None or not path.is_dir():
         _waiting.target = None
     elif _waiting.target is None or _waiting.target.path != path or write.stamp(path) != _waiting.target.looked:
-        _waiting.target = write.look(path)
-        _waiting.memories.clear()
+        _waiting.target = None
+        with contextlib.suppress(OSError):
+            _waiting.target = write.look(path)
     return _waiting.target

@@ -81,13 +81,14 @@ class Export(bpy.types.Operator):
 
     def jobs(self, target: write.Target, chosen: pipeline.Settings, textures: bool) -> Iterator[str]:
         for material in self.materials:
+            uid = material.session_uid
             job = exporting.steps(material, target, chosen, textures)
             while True:
                 try:
                     step = next(job)
                 except StopIteration as end:
                     self.outcomes.append(end.value)
-                    state.keep(material, end.value)
+                    state.keep(uid, end.value)
                     break
                 yield f"{material.name}: {step}"
 
@@ -171,7 +172,7 @@ class Check(MaterialOperator, bpy.types.Operator):
     def execute(self, context: Any) -> set[str]:
         material = shown_material(context)
         outcome = exporting.finish(exporting.steps(material, None, settings.chosen(context)))
-        state.keep(material, outcome)
+        state.keep(material.session_uid, outcome)
         if outcome.error:
             self.report({"ERROR"}, f"{outcome.where}: {outcome.error}")
             return {"CANCELLED"}
@@ -241,10 +242,11 @@ class SelectNode(bpy.types.Operator):
     bl_options = {"REGISTER", "UNDO", "INTERNAL"}
 
     material: bpy.props.StringProperty()
+    library: bpy.props.StringProperty(description="The path of the file that the material is linked from")
     path: bpy.props.StringProperty(description="The names of the groups around the node, and its own, as JSON")
 
     def execute(self, context: Any) -> set[str]:
-        material = bpy.data.materials.get(self.material)
+        material = bpy.data.materials.get((self.material, self.library or None))
         chain = exporting.nodes_on(material, json.loads(self.path)) if material else ()
         if not chain:
             self.report({"ERROR"}, f"{self.material}: the node is no longer there")
@@ -266,8 +268,9 @@ def show_node(context: Any, material: Any, chain: tuple[Any, ...]) -> bool:
         if area.type != "NODE_EDITOR" or space.tree_type != "ShaderNodeTree":
             continue
         if space.id != material:
-            if context.object and material.name in context.object.material_slots:
-                context.object.active_material_index = context.object.material_slots.find(material.name)
+            slots = [slot.material for slot in context.object.material_slots] if context.object else []
+            if material in slots:
+                context.object.active_material_index = slots.index(material)
             else:
                 space.pin = True
                 space.node_tree = material.node_tree

@@ -20,12 +20,6 @@ PARAMETERS = (
 )
 
 
-def switch_live(self: Any, context: Any) -> None:
-    from . import live
-
-    live.switched(self.live)
-
-
 class QuillgenSceneSettings(bpy.types.PropertyGroup):
     folder: bpy.props.StringProperty(
         name="Folder",
@@ -59,7 +53,6 @@ class QuillgenSceneSettings(bpy.types.PropertyGroup):
         name="Live Update",
         description="Export a material again shortly after it was edited, if it is in the folder already",
         default=False,
-        update=switch_live,
     )
 
 

@@ -18,8 +18,9 @@ clock = local_clock
 _outcomes: dict[int, Outcome] = {}  # by the material's session_uid
 
 
-def keep(material: Any, outcome: Outcome) -> None:
-    _outcomes[material.session_uid] = outcome
+def keep(uid: int, outcome: Outcome) -> None:
+    """`uid`: the material's session_uid. The material itself may be gone by now."""
+    _outcomes[uid] = outcome
     log.tell(outcome)
     redraw()
 

@@ -8,12 +8,13 @@ The format is told in docs/exchange.md.
 
 from .manifest import Material, remarks
 from .parameters import inputs, origins
-from .target import Target, Written, commit, look, named, prepare, stamp, write_material
+from .target import Stamp, Target, Written, commit, look, named, prepare, stamp, write_material
 from .textures import Picture
 
 __all__ = [
     "Material",
     "Picture",
+    "Stamp",
     "Target",
     "Written",
     "commit",

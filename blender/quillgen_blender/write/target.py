@@ -37,6 +37,11 @@ class Target:
             self.manifests[folder] = (now, found)
         return self.manifests[folder][1]
 
+    def stamps(self, identity: Identity) -> tuple[Stamp, ...]:
+        """Of the files of a material that every export of something new writes."""
+        folder = self.path / self.materials.get(identity, "")
+        return stamp(folder / manifest.MANIFEST), stamp(folder / manifest.VALUES)
+
 
 class Written(NamedTuple):
     """What an export did: `changed` says which files are new."""

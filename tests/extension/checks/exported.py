@@ -97,19 +97,3 @@ def check_nothing_in_the_file_changes():
     bpy.ops.quillgen.copy_hlsl()
     found = sorted(each.name for kind in (bpy.data.images, bpy.data.node_groups, bpy.data.materials) for each in kind)
     assert found == names
-
-
-def check_a_linked_material_has_a_folder_of_its_own():
-    out = setting()
-    library = str(out / "library.blend")
-    bpy.ops.wm.save_as_mainfile(filepath=library, copy=True)
-    with bpy.data.libraries.load(library, link=True) as (_, wanted):
-        wanted.materials = ["Oak"]
-    bpy.context.object.data.materials.append(wanted.materials[0])
-    target = out / "exported"
-    bpy.context.scene.quillgen.folder = str(target)
-    bpy.ops.quillgen.export(scope="FILE")
-    found = sorted(
-        (manifest(path)["name"], manifest(path)["library"]) for path in target.iterdir() if path.name[0] != "_"
-    )
-    assert ("Oak", "") in found and ("Oak", "library.blend") in found
