@@ -64,7 +64,7 @@ def translate(
 def explained(message: str, document: Mapping[str, Any]) -> Failed:
     """What an artist can do about a graph that has no translation."""
     if message == "no surface output":
-        return Failed("nothing is connected to the Surface of the Material Output")
+        return Failed(surfaceless(document.get("host", {})))
     for node in document["nodes"]:
         if message.startswith(f"{node['type']}: no input"):
             return Failed(f"the node has {message.partition(': ')[2]}, which its type needs", node["id"])
@@ -77,6 +77,15 @@ def explained(message: str, document: Mapping[str, Any]) -> Failed:
     if re.match("a (shader|.* value) plugged into", message):
         return Failed("the Surface of the Material Output takes a shader, and a value is connected to it")
     return Failed(message)
+
+
+def surfaceless(host: Mapping[str, Any]) -> str:
+    """Why a material has no surface. `host`: what the reader saw beside the graph."""
+    if not host.get("output", True):
+        return "it has no Material Output whose target is All or Cycles"
+    if host.get("surface"):
+        return "what is connected to the Surface of the Material Output gives no shader: it is muted, or an empty group"
+    return "nothing is connected to the Surface of the Material Output"
 
 
 def export_document(

@@ -41,8 +41,8 @@ def by_node(
     paths: dict[str, tuple[str, ...]],
     wanted: Container[tuple[str, str]] | None = None,
 ) -> Iterator[Labels]:
-    """The same, node by node, for those who have no time for all at once."""
-    chains: dict[tuple[str, ...], tuple[Any, ...]] = {}
+    """The same, node by node, for those who have no time for all at once. Nodes are looked up by their names each time:
+    meanwhile the artist may have removed them."""
     ranges: dict[str, tuple[float | None, float | None]] = {}
     for record in document["nodes"]:
         path = paths.get(record["id"])
@@ -51,15 +51,20 @@ def by_node(
         asked = [socket for socket in sockets_of(record) if wanted is None or (record["id"], socket) in wanted]
         if not asked:
             continue
-        chain = chains.get(path)
-        if chain is None:
-            chain = chains[path] = nodes_on(material.node_tree, path)
+        chain = nodes_on(material.node_tree, path)
         if not chain:
             continue
-        if chain[-1].bl_idname != record["type"] or record["id"].rpartition("/")[2] != chain[-1].name:
+        if is_put_in(record["id"], paths):
             yield of_helper(record, chain, ranges)
         else:
             yield of_node(record, chain, asked, ranges)
+
+
+def is_put_in(identity: str, paths: Mapping[str, tuple[str, ...]]) -> bool:
+    """Whether the reader put a node in for a socket of another. Its id is that node's and the socket's identifier, and
+    it has that node's path."""
+    path, words = paths[identity], identity.split(" ")
+    return any(paths.get(" ".join(words[:count])) == path for count in range(1, len(words)))
 
 
 def sockets_of(record: dict[str, Any]) -> list[str]:

@@ -136,6 +136,7 @@ def draw_remark(layout: Any, remark: dict[str, str], material: Any, outcome: Out
     if path:
         button = row.operator("quillgen.select_node", text="", icon="RESTRICT_SELECT_OFF", emboss=False)
         button.material, button.path = material.name, json.dumps(path)
+        button.library = material.library.filepath if material.library else ""
 
 
 def placed(name: str, where: type, what: type, parent: str = "") -> type:

@@ -2,6 +2,8 @@
 
 SUBJECTS = (
     "exported",
+    "linked",
+    "unusual",
     "artists_read",
     "drawn_panels",
     "many_materials",

@@ -2,6 +2,7 @@
 
 import contextlib
 import io
+import os
 
 import bpy
 
@@ -87,6 +88,15 @@ def check_command_goes_on_where_it_was_interrupted():
     assert code == 130 and "stopped after 2 of 6" in errors
     code, told, _ = ran(file, "--out", out)
     assert code == 0 and "2 of 6 are done" in told and "4 exported, 0 unchanged, 0 failed, 2 done before" in told, told
+    exporting.finish = interrupted
+    done.clear()
+    try:
+        ran(file, "--out", out)
+    finally:
+        exporting.finish = whole
+    for path in (file.parent / "out").glob(".*"):
+        os.utime(path, (0, 0))
+    assert "2 of 6 are done" in ran(file, "--out", out)[1], "however long ago that was"
     exporting.finish = interrupted
     done.clear()
     try:

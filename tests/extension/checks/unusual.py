@@ -1,0 +1,95 @@
+"""Materials that are unusual: names in other scripts, nodes that move, graphs without an end or without end."""
+
+import inspect
+import sys
+
+import bpy
+from materials import fresh
+
+from quillgen_blender import exporting, read
+from quillgen_blender.exporting import Settings
+from quillgen_blender.read import labels
+
+from .setting import setting
+
+
+def exported(material):
+    return exporting.finish(exporting.steps(material, None, Settings()))
+
+
+def check_a_material_for_another_render_engine_says_so():
+    setting()
+    material, tree, _ = fresh("Elm")
+    tree.nodes["Material Output"].target = "EEVEE"
+    assert exported(material).error == "it has no Material Output whose target is All or Cycles"
+
+
+def check_what_gives_no_shader_is_not_called_nothing():
+    setting()
+    material, tree, shader = fresh("Elm")
+    shader.mute = True
+    assert "what is connected to the Surface of the Material Output gives no shader" in exported(material).error
+    shader.mute = False
+    group = tree.nodes.new("ShaderNodeGroup")
+    group.node_tree = bpy.data.node_groups.new("Empty", "ShaderNodeTree")
+    group.node_tree.interface.new_socket("Shader", in_out="OUTPUT", socket_type="NodeSocketShader")
+    tree.links.new(group.outputs[0], tree.nodes["Material Output"].inputs["Surface"])
+    assert "gives no shader" in exported(material).error
+    tree.links.clear()
+    assert "nothing is connected to the Surface" in exported(material).error
+
+
+def check_a_graph_that_is_too_deep_is_told_in_words():
+    setting()
+    material, tree, shader = fresh("Elm")
+    end = tree.nodes.new("ShaderNodeTexNoise").outputs[0]
+    for _ in range(60):
+        reroute = tree.nodes.new("NodeReroute")
+        tree.links.new(end, reroute.inputs[0])
+        end = reroute.outputs[0]
+    tree.links.new(end, shader.inputs["Roughness"])
+    limit = sys.getrecursionlimit()
+    sys.setrecursionlimit(len(inspect.stack()) + 120)
+    try:
+        outcome = exported(material)
+    finally:
+        sys.setrecursionlimit(limit)
+    assert outcome.error == "too many of its nodes, or turns of repeat zones, follow one another"
+
+
+def check_labels_of_nodes_whose_names_have_other_letters():
+    """Parameters are named by letters from A to Z, so that ids of other scripts get numbers; labels don't."""
+    setting()
+    material, tree, shader = fresh("Elm")
+    for name, socket in (("Шум", "Roughness"), ("Вал", "Metallic"), ("Wood / Fine", "IOR"), ("Math Value", "Alpha")):
+        node = tree.nodes.new("ShaderNodeMath" if name == "Math Value" else "ShaderNodeTexNoise")
+        node.name = name
+        node.label = f"My {name}"
+        tree.links.new(node.outputs[0], shader.inputs[socket])
+    reading = read.flatten(material)
+    assert "Шум 2" in reading.paths and "Шум" not in reading.paths
+    found = labels.labels(material, reading.document, reading.paths)
+    for identity, path in reading.paths.items():
+        if path[0] in ("Шум", "Вал", "Wood / Fine"):
+            label = found[identity, "Roughness"]
+            assert (label.header, label.node, label.minimum, label.maximum) == (f"My {path[0]}", path[0], 0.0, 1.0)
+    assert found["Math Value", "Value"].header == "My Math Value"
+
+
+def check_animated_and_driven_nodes_are_found():
+    setting()
+    material, tree, shader = fresh("Elm")
+    noise = tree.nodes.new("ShaderNodeTexNoise")
+    noise.name = 'My "Best" [Noise] \\'
+    tree.links.new(noise.outputs[0], shader.inputs["Metallic"])
+    tree.links.new(tree.nodes.new("ShaderNodeTexVoronoi").outputs[0], shader.inputs["IOR"])
+    assert read.flatten(material).document["host"]["drivers"] == []
+    noise.inputs["Scale"].driver_add("default_value")
+    shader.inputs["Roughness"].keyframe_insert("default_value", frame=1)
+    assert read.flatten(material).document["host"]["drivers"] == sorted([noise.name, "Principled BSDF"])
+
+
+def check_a_folder_that_no_file_system_takes_is_told():
+    setting()
+    folder, why = exporting.target_folder("/" + "a" * 5000)
+    assert folder is None and "too long" in why
