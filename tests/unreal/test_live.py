@@ -1,6 +1,7 @@
 """Updates in place, live and by the menu: what is touched, what is compiled, what stays."""
 
 import json
+import shutil
 
 import pytest
 
@@ -152,6 +153,25 @@ def test_another_text_rebuilds_the_material_in_place(paint):
 def test_force_builds_anew(paint):
     (outcome,) = paint.plugin.import_all(paint.folder, force=True)
     assert outcome.status == "updated" and paint.editor.compiled == [M]
+
+
+def test_an_instance_whose_material_was_deleted_gets_the_new_one(paint):
+    """Unreal leaves the instance without a parent."""
+    del paint.editor.assets[M]
+    paint.editor.assets[MI]._values["parent"] = None
+    (outcome,) = paint.plugin.import_all(paint.folder)
+    assert outcome.status == "updated" and not paint.editor.texts("log_error")
+    assert paint.editor.assets[MI].parent is paint.editor.assets[M]
+
+
+def test_an_instance_keeps_the_parent_that_somebody_gave_it(paint):
+    """One between it and the material, for example."""
+    tools = paint.unreal.AssetToolsHelpers.get_asset_tools()
+    other = tools.create_asset("M_Other", "/Game", paint.unreal.Material, paint.unreal.MaterialFactoryNew())
+    paint.editor.assets[MI].set_editor_property("parent", other)
+    export(paint.folder, another_text)
+    paint.plugin.import_all(paint.folder)
+    assert paint.editor.assets[MI].parent is other
 
 
 def test_settings_that_a_material_no_longer_has_are_taken_back(start, tmp_path):
@@ -307,8 +327,29 @@ def test_the_menu(start, tmp_path):
     edit(tmp_path / "out" / "Car Paint", lambda m: put(m, "version", 7))
     command(ue, "Import Again")
     assert "version 7" in ue.editor.messages[-1]
+    other = test_inputs.export(tmp_path / "out", ({"kind": "vertex_normal"},), "Zinc")
+    command(ue, "Write Texts for the Clipboard")
+    assert (other / "paste.txt").is_file(), "one that fails stops no other"
+    assert "1 texts are written" in ue.editor.messages[-1] and "version 7" in ue.editor.messages[-1]
     command(ue, "Build the Checklist Level")
     assert ue.editor.level == "/Game/BlenderChecklist/L_Checklist"
+
+
+def test_the_menu_says_so_where_a_folder_has_no_materials(start, tmp_path):
+    ue = start()
+    folder = test_inputs.export(tmp_path / "out", ({"kind": "vertex_normal"},), "Zinc")
+    ue.settings.save(ue.settings.Settings(folder=str(folder)))
+    ue.menu.run("again")
+    assert ue.editor.messages[-1] == f"There is no material below {folder}: choose the folder that Blender exports to."
+    assert not ue.editor.assets
+
+
+def test_the_texts_of_the_menu_name_the_textures_that_an_import_makes(start, examples, tmp_path):
+    shutil.copytree(examples, tmp_path / "out")
+    ue = start()
+    ue.settings.save(ue.settings.Settings(folder=str(tmp_path / "out"), content_path="/Game/Mine"))
+    ue.menu.run("paste_texts")
+    assert "'/Game/Mine/Textures/T_" in (tmp_path / "out" / "Pbr Crate" / "paste.txt").read_text(encoding="utf-8")
 
 
 def test_the_start_up_script_never_stops_the_editor(start):

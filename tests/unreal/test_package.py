@@ -244,6 +244,26 @@ def test_what_stays_to_be_done_by_hand_is_said(start, examples, tmp_path):
     assert all(str(path.name) in notes for path in (tmp_path / "copy" / "_textures").glob("Crate*"))
 
 
+def test_the_pasted_graph_has_the_values_of_now(start, tmp_path):
+    """Where only values have changed, the records keep the defaults of the export before."""
+    from quillgen_blender import pipeline, write
+
+    document = materials.document("car_paint")
+    pipeline.export_document(write.look(tmp_path), "Car Paint", document)
+    shader = next(node for node in document["nodes"] if node["type"] == "ShaderNodeBsdfPrincipled")
+    shader["in"]["Coat Roughness"]["v"] = 0.625
+    assert pipeline.export_document(write.look(tmp_path), "Car Paint", document).changed == "parameters"
+    assert "DefaultValue=0.625000" in start().clipboard.write(tmp_path / "Car Paint").read_text(encoding="utf-8")
+
+
+def test_pictures_come_first_in_what_is_done_by_hand(start, examples, tmp_path):
+    ue = start()
+    shutil.copytree(examples, tmp_path / "copy")
+    ue.clipboard.write(tmp_path / "copy" / "Pbr Crate")
+    notes = (tmp_path / "copy" / "Pbr Crate" / "paste_by_hand.txt").read_text(encoding="utf-8")
+    assert notes.index("/Game/Blender/Textures/T_") < notes.index("copy all of paste.txt")
+
+
 def test_texts_are_quoted(start):
     ue = start()
     nasty = 'a "b" \\ c\n\td'

@@ -253,7 +253,7 @@ def test_pictures_that_were_not_exported_this_time(start, crate):
     assert ue.plugin.import_material(crate).status == "updated"
     again = {e.texture for e in ue.editor.assets["/Game/Blender/M_Pbr_Crate"]._expressions if "texture" in e._types}
     assert again == used and None not in again
-    with pytest.raises(ue.errors.Refused, match="wasn't exported"):
+    with pytest.raises(ue.errors.Refused, match="wasn't exported.*is the picture there in Blender, and Textures on"):
         ue.plugin.import_material(crate, "/Game/Elsewhere")
 
 

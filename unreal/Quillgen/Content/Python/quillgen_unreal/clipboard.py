@@ -200,23 +200,27 @@ def quoted(content: str) -> str:
 
 
 def by_hand(export: exchange.Export, plan: Plan, paths: Mapping[str, str]) -> list[str]:
-    """What stays to be done, one line each."""
-    lines = [f"Make a new material, open it, copy all of {FILE}, and paste it into the graph."]
+    """What stays to be done, one line each, in the order in which it is done."""
+    lines = []
+    if export.pictures:
+        lines.append("Import these pictures, each with sRGB off, no mipmaps, Never Stream on,")
+        lines.append("compression VectorDisplacementmap (pictures in bytes) or HDR F32 (pictures in floats):")
+    for picture in export.pictures:
+        lines.append(f"  {picture.path or picture.image} as {paths[picture.name]}")
+    lines.append(f"Make a new material, open it, copy all of {FILE}, and paste it into the graph.")
     lines.append("In the material's own details:")
     for key, content in plan.settings:
         lines.append(f"  {_spelled(key)} = {_written(content)}")
     lines.append("Then the output of MakeMaterialAttributes is wired to the material.")
-    if export.pictures:
-        lines.append("Before pasting, these pictures are imported, each with sRGB off, no mipmaps, Never Stream on,")
-        lines.append("compression VectorDisplacementmap (pictures in bytes) or HDR F32 (pictures in floats):")
-    for picture in export.pictures:
-        lines.append(f"  {picture.path or picture.image} as {paths[picture.name]}")
     return lines + [f"Not in this version: {remark}" for remark in plan.remarks]
 
 
 def write(folder: str | Path, version: tuple[int, ...] = NEWEST, content_path: str = "/Game/Blender") -> Path:
     """Writes the text into the folder of its material, and beside it what stays to be done. Returns its path."""
     export = exchange.read(folder)
+    # There is no instance to hold the values, so that the graph itself has those of now.
+    parameters = tuple(p._replace(default=export.values[p.name]) for p in export.parameters)
+    export = export._replace(parameters=parameters)
     paths = {p.name: texture_names.path(p, naming.content_path(content_path)) for p in export.pictures}
     plan = build.plan(export, paths, engine.Features.of_version(*version[:2]))
     target = Path(folder) / FILE

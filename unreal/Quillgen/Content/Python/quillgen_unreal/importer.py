@@ -80,6 +80,8 @@ def bring(
     made = not instance
     if made:
         instance = _make_instance(export, instance_path, material)
+    elif not instance.get_editor_property("parent"):  # the material was deleted, and is made anew
+        unreal.MaterialEditingLibrary.set_material_instance_parent(instance, material)
     changed = instances.update(instance, export)
     status = "made" if made else "updated" if rebuilt or imported else "values" if changed else "unchanged"
     return Outcome(export.name, status, where, instance_path, _remarks(export, plan))

@@ -60,6 +60,8 @@ def again() -> str:
     if not chosen.folder:
         return choose()
     outcomes = importer.bring_all(chosen.folder, chosen.content_path, chosen.instanced)
+    if not outcomes:
+        return f"There is no material below {chosen.folder}: choose the folder that Blender exports to."
     failed = [o for o in outcomes if o.status == "failed"]
     return "\n\n".join(text for o in failed for text in o.remarks)
 
@@ -85,8 +87,15 @@ def paste_texts() -> str:
     chosen = settings.load()
     if not chosen.folder:
         return "First choose a folder, by Import from a Folder."
-    written = [clipboard.write(folder) for folder in importer.folders(chosen.folder)]
-    return f"{len(written)} texts are written, each as {clipboard.FILE} in the folder of its material."
+    written, failed = 0, []
+    for folder in importer.folders(chosen.folder):
+        try:
+            clipboard.write(folder, content_path=chosen.content_path)
+            written += 1
+        except Refused as error:
+            failed.append(str(error))
+    done = f"{written} texts are written, each as {clipboard.FILE} in the folder of its material."
+    return "\n\n".join([done, *failed])
 
 
 def checklist() -> str:

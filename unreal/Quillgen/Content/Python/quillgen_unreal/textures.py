@@ -69,7 +69,8 @@ def _kept(export: Export, picture: Picture, material: unreal.Material | None) ->
     where = json.loads(known or "{}").get(picture.name, "")
     if not where or not unreal.EditorAssetLibrary.does_asset_exist(where):
         what = f"the picture {picture.image!r} wasn't exported, and there is none from an earlier import"
-        raise Refused(export.name, export.folder, f"{what}; switch pictures on in Blender and export again")
+        hint = "is the picture there in Blender, and Textures on in the options of the export?"
+        raise Refused(export.name, export.folder, f"{what}; {hint}")
     return where
 
 
