@@ -2,6 +2,7 @@
 
 import argparse
 import contextlib
+import importlib
 import json
 import sys
 import time
@@ -14,6 +15,10 @@ from .pipeline import Settings
 
 DONE, FAILED, REFUSED, STOPPED = 0, 1, 2, 130
 RUN = ".quillgen_run.json"  # no name of a temporary file: those go where an export finds them an hour later
+NEEDED = {
+    "bpy": "install it, or run Blender in background",
+    "quillgen": "install it (pip install .), or name the folder with its build in PYTHONPATH",
+}
 WIDTH = 30  # letters of the bar
 
 EPILOG = """exit codes:
@@ -44,11 +49,12 @@ def parser() -> argparse.ArgumentParser:
 
 def main(words: Sequence[str]) -> int:
     options = parser().parse_args(words)
-    try:
-        import bpy  # noqa: F401
-    except ImportError:
-        print("quillgen_blender: this Python has no bpy; install it, or run Blender in background", file=sys.stderr)
-        return REFUSED
+    for module, hint in NEEDED.items():
+        try:
+            importlib.import_module(module)
+        except ImportError:
+            print(f"quillgen_blender: this Python has no {module}: {hint}", file=sys.stderr)
+            return REFUSED
     try:
         return run(options)
     except Refused as error:

@@ -256,6 +256,19 @@ def test_the_pasted_graph_has_the_values_of_now(start, tmp_path):
     assert "DefaultValue=0.625000" in start().clipboard.write(tmp_path / "Car Paint").read_text(encoding="utf-8")
 
 
+def test_the_command_line_says_what_is_wrong_in_a_line(start, tmp_path, capsys):
+    ue = start()
+    for words, told in (
+        ([str(tmp_path)], f"{tmp_path / 'material.json'}"),
+        ([str(tmp_path), "--unreal", "five"], "five"),
+        ([str(tmp_path), "--unreal", "6"], "6"),
+    ):
+        with pytest.raises(SystemExit) as ended:
+            ue.clipboard.main(words)
+        assert ended.value.code == 2
+        assert told in capsys.readouterr().err.splitlines()[-1]
+
+
 def test_pictures_come_first_in_what_is_done_by_hand(start, examples, tmp_path):
     ue = start()
     shutil.copytree(examples, tmp_path / "copy")

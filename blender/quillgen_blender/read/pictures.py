@@ -13,8 +13,10 @@ import numpy as np
 from . import colour
 
 MODES_COUNT = bpy.app.version >= (5, 1, 0)  # whether Cycles goes by the alpha modes of images
-# Formats that are copied as they are: what Unreal reads as the same bytes or floats.
-BYTES, FLOATS = ("PNG", "TARGA", "TARGA_RAW", "BMP", "JPEG"), ("OPEN_EXR", "HDR")
+# Formats that are copied as they are, since Unreal reads the same bytes or floats from them, and the endings by which it
+# knows them. The file's own may be another: Blender goes by what is in a file.
+BYTES = {"PNG": ".png", "TARGA": ".tga", "TARGA_RAW": ".tga", "BMP": ".bmp", "JPEG": ".jpg"}
+FLOATS = {"OPEN_EXR": ".exr", "HDR": ".hdr"}
 
 
 def record(picture: Any) -> dict[str, Any]:
@@ -59,7 +61,7 @@ def save_picture(picture: Any, folder: Path, stem: str) -> tuple[Path, dict[str,
     found = record(picture)
     stored = Path(bpy.path.abspath(picture.filepath_from_user())) if picture.filepath else None
     if plain(picture, found) and stored and stored.is_file():
-        path = folder / (stem + stored.suffix.lower())
+        path = folder / (stem + {**BYTES, **FLOATS}[picture.file_format])
         shutil.copyfile(stored, path)
         return path, found
     path = folder / (stem + (".exr" if found["float"] else ".png"))

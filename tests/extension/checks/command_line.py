@@ -3,6 +3,7 @@
 import contextlib
 import io
 import os
+import sys
 
 import bpy
 
@@ -59,6 +60,19 @@ def check_command_refuses_what_is_not_there():
     assert ran(file.parent / "text.blend", "--out", file.parent / "out")[0] == 2
     assert ran(file, "--out", file)[0] == 2
     assert ran(file)[0] == 2
+
+
+def check_command_names_the_module_that_is_not_there():
+    file = saved()
+    there = sys.modules.pop("quillgen", None)
+    sys.modules["quillgen"] = None  # as where it isn't installed
+    try:
+        code, _, errors = ran(file, "--out", file.parent / "out")
+    finally:
+        del sys.modules["quillgen"]
+        sys.modules.update({"quillgen": there} if there else {})
+    assert code == 2 and errors.startswith("quillgen_blender: this Python has no quillgen: "), errors
+    assert not (file.parent / "out").exists()
 
 
 def check_command_tells_failures_by_its_exit_code():

@@ -2,6 +2,7 @@
 
 import bpy
 
+from quillgen_blender.read import pictures
 from quillgen_blender.ui import state
 
 from .setting import active, manifest, refused, setting
@@ -46,6 +47,18 @@ def check_a_picture_is_saved_once():
     picture.colorspace_settings.name = "Non-Color"
     assert [round(part, 2) for part in picture.pixels[:4]] == [0.25, 0.5, 0.75, 1.0], picture.pixels[:4]
     assert saved.name.startswith("Paint_ing-")
+
+
+def check_a_picture_is_called_by_its_format():
+    """Unreal goes by a file's ending, Blender by what is in it."""
+    out = setting()
+    image = bpy.data.images["Paint ing.png"]
+    for kind, name, ending in (("PNG", "one.dat", ".png"), ("JPEG", "two", ".jpg"), ("BMP", "three.png", ".bmp")):
+        image.file_format = kind
+        image.save(filepath=str(out / name))
+        loaded = bpy.data.images.load(str(out / name))
+        assert pictures.save_picture(loaded, out, "saved")[0].name == f"saved{ending}"
+        assert (out / f"saved{ending}").read_bytes() == (out / name).read_bytes()
 
 
 def check_a_picture_that_is_gone_is_told():

@@ -10,10 +10,12 @@ from __future__ import annotations
 
 import argparse
 import hashlib
+import re
 from collections.abc import Iterator, Mapping, Sequence
 from pathlib import Path
 
 from . import build, engine, exchange, layout, naming, texture_names
+from .errors import Refused
 from .layout import Box
 from .plan import Color, Displacement, Enum, Expression, Graph, Inputs, Outputs, Plan, Source, Texture
 
@@ -236,8 +238,13 @@ def main(arguments: Sequence[str] | None = None) -> None:
     parser.add_argument("--unreal", default="5.7", help="the version of Unreal, such as 5.4")
     parser.add_argument("--content", default="/Game/Blender", help="where the textures are in the content browser")
     options = parser.parse_args(arguments)
-    version = tuple(int(part) for part in options.unreal.split(".")[:2])
-    print(write(options.folder, version, options.content))
+    version = re.fullmatch(r"(\d+)\.(\d+)(\.\d+)*", options.unreal)
+    if not version:
+        parser.error(f"a version of Unreal is written 5.4, not {options.unreal}")
+    try:
+        print(write(options.folder, (int(version[1]), int(version[2])), options.content))
+    except (Refused, OSError) as error:
+        parser.exit(2, f"{parser.prog}: {error}\n")
 
 
 if __name__ == "__main__":
