@@ -165,6 +165,14 @@ def group_without_links_inside(tree):
     return add(tree, "VectorMath", {0: use(tree, inner).outputs[0]}).outputs[0]
 
 
+def group_input_outside_of_groups(tree):
+    """As it comes with nodes that are copied from a group. Up to 4.5 there is no link then, from 5.0 on it is zero."""
+    tree.interface.new_socket("Stray", in_out="INPUT", socket_type="NodeSocketVector").default_value = (0.9, 0.1, 0.2)
+    node = add(tree, "VectorMath", {0: (0.4, 0.5, 0.6), 1: vector(tree)})
+    tree.links.new(tree.nodes.new("NodeGroupInput").outputs[0], node.inputs[0])
+    return node.outputs[0]
+
+
 def reroutes(tree):
     first = add(tree, "NodeReroute")
     tree.links.new(vector(tree), first.inputs[0])

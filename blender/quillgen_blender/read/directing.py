@@ -21,6 +21,8 @@ def reroute(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
 
 
 def group_input(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
+    if place.outer is None:  # in no group: Blender sees no link up to 4.5, and then zero
+        return None if s.BORDERS_CONVERT else s.Constant("VALUE", 0.0)
     return sources.border(s.named(place.node.inputs, out.identifier), place.outer, named=True)
 
 

@@ -13,8 +13,8 @@ import numpy as np
 from . import colour
 
 MODES_COUNT = bpy.app.version >= (5, 1, 0)  # whether Cycles goes by the alpha modes of images
-# Formats that are copied as they are, since Unreal reads the same bytes or floats from them, and the endings by which it
-# knows them. The file's own may be another: Blender goes by what is in a file.
+# Formats that are copied as they are, since Unreal reads the same bytes or floats from them, and the endings by which
+# it knows them. The file may have another: Blender goes by what is in it.
 BYTES = {"PNG": ".png", "TARGA": ".tga", "TARGA_RAW": ".tga", "BMP": ".bmp", "JPEG": ".jpg"}
 FLOATS = {"OPEN_EXR": ".exr", "HDR": ".hdr"}
 
