@@ -34,7 +34,8 @@ def flatten(material: Any, mesh: Any = None) -> Reading:
         writer.note("", f"{mesh.name}: the UV map for rendering is not the first one, which Unreal takes", "near")
     writer.root.tree = material.node_tree
     end = material.node_tree.get_output_node("CYCLES")
-    out = {name.lower(): writer.output(end.inputs[name]) for name in ("Surface", "Displacement")} if end else {}
+    ends = end.inputs if end else {}  # those of a world or a light, if such an output is the active one, are fewer
+    out = {name.lower(): writer.output(ends[name]) for name in ("Surface", "Displacement") if name in ends}
     writer.finish()
     writer.aov_outputs()
     working_space.to_rec709(writer)
@@ -74,8 +75,8 @@ def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
     found = {
         "blender": list(bpy.app.version),
         "output": bool(end),
-        "surface": bool(end and end.inputs["Surface"].is_linked),
-        "volume": bool(end and end.inputs["Volume"].is_linked),
+        "surface": is_linked(end, "Surface"),
+        "volume": is_linked(end, "Volume"),
         "drivers": driven(writer),
     }
     if mesh:
@@ -83,6 +84,11 @@ def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
         index = mesh.color_attributes.render_color_index
         found["active_color"] = mesh.color_attributes[index].name if index >= 0 else ""
     return found
+
+
+def is_linked(end: Any, name: str) -> bool:
+    """Whether something is linked to a socket of the output, which may be none."""
+    return end is not None and name in end.inputs and end.inputs[name].is_linked
 
 
 def driven(writer: Writer) -> list[str]:

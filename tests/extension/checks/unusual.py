@@ -24,6 +24,19 @@ def check_a_material_for_another_render_engine_says_so():
     assert exported(material).error == "it has no Material Output whose target is All or Cycles"
 
 
+def check_an_output_of_a_world_is_no_error():
+    """It may come with nodes that are copied; Blender takes it for the material's where it is the active one."""
+    setting()
+    for kind in ("ShaderNodeOutputWorld", "ShaderNodeOutputLight"):
+        material, tree, shader = fresh("Elm")
+        other = tree.nodes.new(kind)
+        tree.nodes.remove(tree.nodes["Material Output"])
+        other.is_active_output = True
+        tree.links.new(shader.outputs[0], other.inputs["Surface"])
+        read_too = tree.get_output_node("CYCLES") == other
+        assert exported(material).error == ("" if read_too else "it has no Material Output whose target is All or Cycles")
+
+
 def check_what_gives_no_shader_is_not_called_nothing():
     setting()
     material, tree, shader = fresh("Elm")
