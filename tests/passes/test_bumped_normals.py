@@ -81,6 +81,19 @@ def test_parameters_are_the_same_and_serve_both():
     assert write.origins(prepared)["P_Math_001__Value_001"] == ("Math.001", "Value_001")
 
 
+def test_a_remark_on_a_copy_is_one_on_its_original():
+    for name, copied in (("Odd.001", "Odd\u00b7001"), ("Odd", "Odd Displacement")):
+        before = moss()
+        by_id(before)["Separate XYZ"]["in"]["Vector"]["link"][:2] = [name, "Vector"]
+        unknown = node(name, "Unknown", {"Normal": link("Geometry", "Normal", "VECTOR")})
+        before["nodes"].append(unknown | {"outs": {"Vector": "VECTOR"}})
+        prepared, notes = prepare(before)
+        warnings = quillgen.compile(prepared)["warnings"]
+        assert any(text.startswith(f"{copied} (") for text in warnings)
+        found = write.remarks(warnings, notes, prepared)
+        assert [remark["node"] for remark in found if "Odd" in remark["node"]] == [name], found
+
+
 def test_a_name_without_a_separator_has_no_second_spelling():
     prepared, notes = bumped_normals.run(moss("Math"), Options())
     fixed = by_id(prepared)["Math Displacement"]

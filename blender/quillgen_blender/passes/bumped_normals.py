@@ -50,7 +50,7 @@ def run(document: Record, options: Options) -> tuple[Record, list[Note]]:
         elif identity not in divided:
             nodes.append(relinked(node, copies))
         else:
-            copy = relinked(node, copies) | {"id": copies[identity]}
+            copy = relinked(node, copies) | {"id": copies[identity], "copy_of": identity}
             nodes += [node, copy if respelled[identity] else copy | {"made": True}]
             if not respelled[identity] and holds_values(node):
                 text = "feeds the surface and the displacement; in the displacement its values are fixed"

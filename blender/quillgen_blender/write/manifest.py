@@ -135,10 +135,12 @@ def remarks(warnings: Sequence[str], notes: Sequence[Note], document: Mapping[st
     types = {node["id"]: node["type"] for node in document["nodes"]}
     lost = {row.type: row.text for row in support.rows() if not row.feature and row.loss == "lost"}
     ids = sorted(types, key=len, reverse=True)
+    originals = {node["id"]: node["copy_of"] for node in document["nodes"] if "copy_of" in node}
     found = [{"node": note.node, "text": note.text, "loss": note.loss} for note in notes]
     for warning in warnings:
         node = next((name for name in ids if warning.startswith((f"{name}: ", f"{name} ("))), "")
         text = warning[len(node) :].removeprefix(": ").strip() if node else warning
+        node = originals.get(node, node)
         if types.get(node) in lost:
             found.append({"node": node, "text": lost[types[node]], "loss": "lost"})
         else:
