@@ -144,10 +144,6 @@ def steps(
         outcome = replace(outcome, error=f"{error.strerror or error}: {error.filename or ''}".strip(": "), changed="")
     except ReferenceError:  # the material was removed
         raise
-    except RecursionError:
-        outcome = replace(
-            outcome, error="too many of its nodes, or turns of repeat zones, follow one another", changed=""
-        )
     except Exception as error:  # one material's trouble is none of the others'
         traceback.print_exc()
         outcome = replace(outcome, error=f"{type(error).__name__}: {error} (the console tells more)", changed="")
@@ -170,7 +166,10 @@ def translation(
     why = exportable(material)
     if why:
         raise Failed(why)
-    reading = read.flatten(material)
+    try:
+        reading = read.flatten(material)
+    except RecursionError as error:
+        raise Failed(pipeline.TOO_DEEP) from error
     yield "comparing"
     if settings.options.parameters in ("auto", "named"):
         settings = replace(settings, named={*settings.named, *marked(material, reading)})

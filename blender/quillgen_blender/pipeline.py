@@ -13,6 +13,8 @@ from .notes import Note
 from .passes import Options
 from .write import Material, Picture, Target, Written
 
+TOO_DEEP = "too many of its nodes, or turns of repeat zones, follow one another"
+
 
 @dataclass(frozen=True)
 class Settings:
@@ -50,6 +52,8 @@ def translate(
         result: Any = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
     except quillgen.Unsupported as error:
         raise explained(str(error), document) from error
+    except RecursionError as error:
+        raise Failed(TOO_DEEP) from error
     result, last = passes.finish(result, document, settings.named, settings.options)
     return Material(
         name=name,

@@ -1,5 +1,6 @@
 """Socket values as plain numbers and lists, and the conversions that Blender makes between socket types."""
 
+import math
 from typing import Any
 
 import bpy
@@ -75,4 +76,6 @@ def convert(value: Any, source: str, target: str) -> Any:
         return [*value[:3], 1.0] if target == "RGBA" else value[:3]
     if target == "BOOLEAN":
         return value > 0
-    return int(value) if target == "INT" else float(value)
+    if target == "INT":
+        return int(value) if math.isfinite(value) else 0
+    return float(value)

@@ -8,9 +8,9 @@ from materials import fresh
 
 from quillgen_blender import exporting, read
 from quillgen_blender.exporting import Settings
-from quillgen_blender.read import labels
+from quillgen_blender.read import labels, values
 
-from .setting import setting
+from .setting import refused, setting
 
 
 def exported(material):
@@ -55,6 +55,7 @@ def check_what_gives_no_shader_is_not_called_nothing():
 def check_a_graph_that_is_too_deep_is_told_in_words():
     setting()
     material, tree, shader = fresh("Elm")
+    bpy.context.object.active_material = material
     end = tree.nodes.new("ShaderNodeTexNoise").outputs[0]
     for _ in range(60):
         reroute = tree.nodes.new("NodeReroute")
@@ -65,9 +66,11 @@ def check_a_graph_that_is_too_deep_is_told_in_words():
     sys.setrecursionlimit(len(inspect.stack()) + 120)
     try:
         outcome = exported(material)
+        copied = refused(bpy.ops.quillgen.copy_hlsl)
     finally:
         sys.setrecursionlimit(limit)
     assert outcome.error == "too many of its nodes, or turns of repeat zones, follow one another"
+    assert outcome.error in copied and "Traceback" not in copied
 
 
 def check_labels_of_nodes_whose_names_have_other_letters():
@@ -100,6 +103,11 @@ def check_animated_and_driven_nodes_are_found():
     noise.inputs["Scale"].driver_add("default_value")
     shader.inputs["Roughness"].keyframe_insert("default_value", frame=1)
     assert read.flatten(material).document["host"]["drivers"] == sorted([noise.name, "Principled BSDF"])
+
+
+def check_a_constant_that_is_no_number_crosses_into_an_integer():
+    for number in (float("nan"), float("inf"), -float("inf")):
+        assert values.convert(number, "VALUE", "INT") == 0
 
 
 def check_a_folder_that_no_file_system_takes_is_told():
