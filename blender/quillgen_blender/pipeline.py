@@ -88,7 +88,10 @@ def surfaceless(host: Mapping[str, Any]) -> str:
     if not host.get("output", True):
         return "it has no Material Output whose target is All or Cycles"
     if host.get("surface"):
-        return "what is connected to the Surface of the Material Output gives no shader: it is muted, or an empty group"
+        return (
+            "what is connected to the Surface of the Material Output gives no shader: "
+            "it is muted, for example, or an empty group"
+        )
     return "nothing is connected to the Surface of the Material Output"
 
 

@@ -257,6 +257,22 @@ def test_pictures_are_shared_and_go_when_nobody_needs_them(tmp_path):
     }
 
 
+@pytest.mark.parametrize("other", ["Elm", "Ash"], ids=["there before", "new"])
+def test_a_picture_stays_that_somebody_else_has_begun_to_use(tmp_path, other):
+    """Live update keeps what it knows of the folder while the buttons export to it."""
+    out = tmp_path / "out"
+    first, second = tmp_path / "first.png", tmp_path / "second.png"
+    first.write_bytes(b"first")
+    second.write_bytes(b"second")
+    export(out, "Oak", pictured(), pictures={"Bark.png": first})
+    export(out, "Elm", pictured(), pictures={"Bark.png": second})
+    known = write.look(out)
+    export(out, other, pictured(), pictures={"Bark.png": first})
+    made = write.Material("Oak", pictured(), quillgen.compile(pictured()), pictures={"Bark.png": write.Picture(second)})
+    write.write_material(known, made)
+    assert (out / other / valid(out / other)["textures"][0]["file"]).is_file()
+
+
 def test_a_picture_that_someone_changed_stays(tmp_path):
     out, picture = tmp_path / "out", tmp_path / "bark.png"
     picture.write_bytes(b"first")

@@ -37,6 +37,11 @@ class Target:
             self.manifests[folder] = (now, found)
         return self.manifests[folder][1]
 
+    def pictures(self) -> set[str]:
+        """The files of pictures that the manifests name now, whoever has written them."""
+        found = filter(None, (self.manifest(entry.name) for entry in self.path.iterdir()))
+        return {record["file"] for each in found for record in each["textures"]}
+
     def stamps(self, identity: Identity) -> tuple[Stamp, ...]:
         """Of the files of a material that every export of something new writes."""
         folder = self.path / self.materials.get(identity, "")
@@ -139,8 +144,9 @@ def commit(target: Target, prepared: Prepared) -> Written:
     if changed == "all":
         target.manifests[name] = (stamp(target.path / name / manifest.MANIFEST), made)
     if before and changed == "all":
-        used = {record["file"] for _, found in target.manifests.values() for record in found["textures"]}
-        textures.remove_unused(target.path, before["textures"], used)
+        left = textures.left(before["textures"], made["textures"])
+        if left:
+            textures.remove_unused(target.path, left, target.pictures())
     return Written(target.path / name, changed, made)
 
 

@@ -75,11 +75,17 @@ def details(file: str | None, sha256: str | None, is_float: bool, colorspace: st
     }
 
 
-def remove_unused(target: Path, before: list[dict[str, Any]], used: set[str]) -> None:
-    """Removes the pictures of the last export that no material of the target needs any more, if they still are what
-    the export wrote. `used`: the files that the materials name."""
-    for record in before:
-        if record["file"] is None or record["file"] in used:
+def left(before: list[dict[str, Any]], now: list[dict[str, Any]]) -> list[dict[str, Any]]:
+    """Those of the last export's records whose file the material no longer names."""
+    named = {None, *(record["file"] for record in now)}
+    return [record for record in before if record["file"] not in named]
+
+
+def remove_unused(target: Path, records: list[dict[str, Any]], used: set[str]) -> None:
+    """Removes the pictures of records that no material of the target needs any more, if they still are what the export
+    wrote. `used`: the files that the materials name."""
+    for record in records:
+        if record["file"] in used:
             continue
         path = target / names.TEXTURES / record["file"].rpartition("/")[2]
         if path.is_file() and files.checksum_of(path) == record["sha256"]:
