@@ -147,6 +147,8 @@ def steps(
     except Exception as error:  # one material's trouble is none of the others'
         traceback.print_exc()
         outcome = replace(outcome, error=f"{type(error).__name__}: {error} (the console tells more)", changed="")
+    if memory and outcome.error:
+        memory.start = None  # the next export tells all of the material anew
     return replace(outcome, seconds=time.perf_counter() - began)
 
 

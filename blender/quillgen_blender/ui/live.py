@@ -164,7 +164,7 @@ def step() -> None:
         next(steps)
     except StopIteration as end:
         _waiting.job = None
-        if uid is not None and end.value.changed != "nothing":
+        if uid is not None and (end.value.changed != "nothing" or state.has_failed(uid)):
             state.keep(uid, end.value)
         if not _waiting.materials and not _waiting.shared:
             _waiting.images.clear()  # all of their materials have them

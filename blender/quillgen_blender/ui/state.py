@@ -29,6 +29,11 @@ def last(material: Any) -> Outcome | None:
     return _outcomes.get(material.session_uid) if material else None
 
 
+def has_failed(uid: int) -> bool:
+    """Whether the last export ended with an error."""
+    return uid in _outcomes and bool(_outcomes[uid].error)
+
+
 def forget() -> None:
     _outcomes.clear()
 

@@ -197,6 +197,26 @@ def check_what_could_not_be_written_is_written_the_next_time():
     assert scale_in(out) == 8.5
 
 
+def check_a_graph_that_is_whole_again_is_no_longer_called_broken():
+    """Also where it is what was exported before, and there is nothing to write."""
+    setting()
+    material = active("Wire")
+    bpy.ops.quillgen.export()
+    bpy.context.scene.quillgen.live = True
+    tree = material.node_tree
+    shader, end = tree.nodes["Principled BSDF"].outputs[0], tree.get_output_node("CYCLES").inputs["Surface"]
+    for _ in range(2):
+        tree.links.remove(end.links[0])
+        bpy.context.view_layer.update()
+        run_timers()
+        assert "nothing is connected" in state.last(material).error
+        tree.links.new(shader, end)
+        bpy.context.view_layer.update()
+        run_timers()
+        outcome = state.last(material)
+        assert (outcome.error, outcome.changed) == ("", "nothing") and outcome.parameters and outcome.remarks
+
+
 def check_a_material_that_is_removed_meanwhile():
     setting()
     material = active("Oak")
