@@ -78,7 +78,7 @@ public:
     QUILLGEN_OWN_FRAME Text text(Format<sizeof...(Args)> format, const Args&... args) {
         buffer_.clear();
         fill(buffer_, format, args...);
-        return keep(buffer_.text());
+        return keep_buffer();
     }
     Text formatted(const Value& value);  // format(value)
     // A float literal, and a float3 of the first three of a sequence's items, padded with zeros. TypeError or
@@ -196,10 +196,11 @@ public:
 private:
     class MovedEvaluation;
 
-    void begin_line() { body_.append("  "); }
+    void begin_line();
     void end_line();
     Text begin_declaration(Text type, Text prefix);
     void end_declaration();
+    Text keep_buffer();
 
     Bound output(const Source& source, const Value& names);
     void node(Node& n, const Value& names);

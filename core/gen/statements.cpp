@@ -43,6 +43,8 @@ void Gen::emit(Text line) {
     end_line();
 }
 
+void Gen::begin_line() { body_.append("  "); }
+
 void Gen::end_line() {
     body_.append("\n");
     line_ends_.push_back(body_.size());
@@ -68,6 +70,8 @@ Text Gen::var_with_prefix(Text prefix, Text type, Text expr) {
 }
 
 // ---- texts ----------------------------------------------------------------------------------
+
+Text Gen::keep_buffer() { return keep(buffer_.text()); }
 
 Text Gen::formatted(const Value& value) {
     std::string storage;
@@ -115,7 +119,7 @@ Text Gen::fill_template(const Template& row, std::initializer_list<Text> operand
         buffer_.append(piece.plain, operands.begin()[piece.operand]);
     }
     buffer_.append(row.rest);
-    return keep(buffer_.text());
+    return keep_buffer();
 }
 
 }  // namespace quillgen
