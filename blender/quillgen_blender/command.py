@@ -24,7 +24,7 @@ WIDTH = 30  # letters of the bar
 EPILOG = """exit codes:
   0    all materials were exported
   1    some were not: each is told with its reason
-  2    nothing was done: the file, a material or the folder isn't there, or an argument is wrong
+  2    nothing was done: the file or a material isn't there, the folder can't be made, or an argument is wrong
   130  interrupted; the same command goes on where it stopped
 """
 

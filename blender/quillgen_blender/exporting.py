@@ -95,7 +95,16 @@ def all_materials() -> list[Any]:
 
 
 def library_of(material: Any) -> str:
-    return Path(material.library.filepath.replace("\\", "/")).name if material.library else ""
+    """The name of the file that a material is linked from, "" for the open file's own. Where two of those files have one
+    name, Blender's own for the library, which has a number then."""
+    if not material.library:
+        return ""
+    name = file_name(material.library)
+    return material.library.name if [file_name(each) for each in bpy.data.libraries].count(name) > 1 else name
+
+
+def file_name(library: Any) -> str:
+    return Path(library.filepath.replace("\\", "/")).name
 
 
 def steps(

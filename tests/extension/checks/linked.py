@@ -29,6 +29,25 @@ def check_a_linked_material_has_a_folder_of_its_own():
     assert ("Oak", "") in found and ("Oak", "library.blend") in found
 
 
+def check_libraries_of_one_name_are_told_apart():
+    out = setting()
+    libraries = [out / name / "library.blend" for name in ("one", "two")]
+    for library in libraries:
+        library.parent.mkdir()
+        bpy.ops.wm.save_as_mainfile(filepath=str(library), copy=True)
+    bpy.ops.wm.read_factory_settings(use_empty=True)
+    bpy.ops.mesh.primitive_cube_add()
+    for library in libraries:
+        with bpy.data.libraries.load(str(library), link=True) as (_, wanted):
+            wanted.materials = ["Oak"]
+        bpy.context.object.data.materials.append(wanted.materials[0])
+    bpy.context.scene.quillgen.folder = str(out / "exported")
+    bpy.ops.quillgen.export(scope="FILE")
+    found = [manifest(path) for path in (out / "exported").iterdir()]
+    assert len({each["library"] for each in found}) == 2 and {each["name"] for each in found} == {"Oak"}
+    assert "library.blend" in {each["library"] for each in found}, "the first has its file's name"
+
+
 def with_a_library():
     """A file with the material Wood and the picture wood.png beside it, and links to a material and a group of another
     file in another folder, with a picture of the same name. Gives the folder."""
