@@ -95,7 +95,7 @@ def all_materials() -> list[Any]:
 
 
 def library_of(material: Any) -> str:
-    """The name of the file that a material is linked from, "" for the open file's own. Where two of those files have one
+    """The name of the file that a material is linked from, "" for the open file's own. Where two such files have one
     name, Blender's own for the library, which has a number then."""
     if not material.library:
         return ""
