@@ -253,7 +253,7 @@ def save_pictures(images: Mapping[str, Any], folder: Path, made: Material) -> Ma
         try:
             file, record = pictures.save_picture(image, folder, str(place))
         except (OSError, RuntimeError, ReferenceError) as error:  # the last where it was removed meanwhile
-            reason = getattr(error, "strerror", None) or str(error)
+            reason = getattr(error, "strerror", None) or str(error).removeprefix("Error: ").strip()
             notes.append(Note("", f"the picture {name} isn't exported: {reason}", "lost"))
         else:
             found[name] = Picture(file, record["float"], record["colorspace"])

@@ -72,6 +72,18 @@ def check_a_picture_that_is_gone_is_told():
     assert any("gone.png isn't exported" in remark["text"] for remark in state.last(material).remarks)
 
 
+def check_what_blender_says_of_a_picture_is_told_in_a_line():
+    out = setting()
+    material = active("Poster")
+    bpy.data.images["Paint ing.png"].save(filepath=str(out / "there.png"))
+    material.node_tree.nodes["Image Texture"].image = image = bpy.data.images.load(str(out / "there.png"))
+    assert len(image.pixels)
+    (out / "there.png").unlink()
+    bpy.ops.quillgen.export()
+    (text,) = [remark["text"] for remark in state.last(material).remarks if "isn't exported" in remark["text"]]
+    assert text.startswith("the picture there.png isn't exported: Cannot read") and text == text.strip(), repr(text)
+
+
 def check_options_change_what_is_exported():
     out = setting()
     scene = bpy.context.scene.quillgen
