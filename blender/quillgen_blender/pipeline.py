@@ -47,14 +47,14 @@ def translate(
     method = document.get("settings", {}).get("displacement", "BUMP")
     if not settings.displacement and method != "BUMP":
         document = document | {"settings": document["settings"] | {"displacement": "BUMP"}}
-    document, more = passes.prepare(document, settings.options)
     try:
+        document, more = passes.prepare(document, settings.options)
         result: Any = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
+        result, last = passes.finish(result, document, settings.named, settings.options)
     except quillgen.Unsupported as error:
         raise explained(str(error), document) from error
     except RecursionError as error:
         raise Failed(TOO_DEEP) from error
-    result, last = passes.finish(result, document, settings.named, settings.options)
     return Material(
         name=name,
         document=document,

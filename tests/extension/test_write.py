@@ -294,6 +294,27 @@ def test_without_pictures_those_of_the_last_export_stay(tmp_path):
     assert valid(folder)["textures"][0]["file"].startswith("../_textures/Bark-")
 
 
+def test_a_displacement_that_is_too_deep_is_told_in_words():
+    made = displaced()
+    last = made["out"]["displacement"]
+    for place in range(600):
+        entries = {"Vector": {"t": "VECTOR", "link": [*last, "VECTOR"]}, "Vector_001": {"t": "VECTOR", "v": [0, 0, 0]}}
+        name = f"Add {place}"
+        made["nodes"].append(
+            {
+                "id": name,
+                "type": "ShaderNodeVectorMath",
+                "in": entries,
+                "outs": {"Vector": "VECTOR"},
+                "props": {"operation": "ADD"},
+            }
+        )
+        last = [name, "Vector"]
+    made["out"]["displacement"] = last
+    with pytest.raises(pipeline.Failed, match="follow one another"):
+        pipeline.translate("Deep", made)
+
+
 def test_remarks_name_the_node_in_the_artists_words(tmp_path):
     lost = {"id": "Script", "type": "ShaderNodeScript", "in": {}, "outs": {"BSDF": "SHADER"}, "props": {}}
     unknown = lost | {"id": "New (one)", "type": "ShaderNodeOfTomorrow"}
