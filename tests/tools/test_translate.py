@@ -169,6 +169,130 @@ def test_what_changes_while_the_first_translation_runs_is_translated_again(folde
     assert rounds == [["a"], ["b"]]
 
 
+def test_a_document_is_not_overwritten_by_a_result(folder, capsys):
+    place = folder(a=GOOD, deep__b=GOOD)
+    documents = place / "documents"
+    before = {path: path.read_bytes() for path in documents.rglob("*.json")}
+    assert translate.main([str(documents), "--out", str(documents)]) == 1
+    assert translate.main([str(documents / "deep" / "b.json"), "--out", str(documents / "deep")]) == 1
+    assert {path: path.read_bytes() for path in documents.rglob("*") if path.is_file()} == before
+    assert f"{documents / 'a.json'}: its result would overwrite the document" in capsys.readouterr().err
+
+
+@pytest.mark.parametrize("second", ["a", "a.displacement"])
+def test_two_documents_that_would_have_the_same_files(folder, capsys, second):
+    place = folder(**{"one__a": GOOD, f"two__{second}": GOOD, "two__c": GOOD})
+    folders = [str(place / "documents" / name) for name in ("two", "one")]
+    assert translate.main([*folders, "--out", str(place / "out"), "--literals"]) == 1
+    said = capsys.readouterr().err
+    assert "one/a.json: its files would take the place of those of" in said and f"two/{second}.json" in said
+    assert written(place) == sorted(f"{stem}.{end}" for stem in (second, "c") for end in ("hlsl", "json", "md"))
+
+
+def test_names_alike_in_different_folders_are_no_clash(folder):
+    place = folder(one__a=GOOD, two__a=GOOD)
+    assert run(place, "--quiet") == 0
+
+
+@pytest.mark.parametrize("encoding", ["utf-8-sig", "utf-16"])
+def test_a_byte_order_mark_is_no_mistake(folder, encoding):
+    place = folder(a=GOOD)
+    (place / "documents" / "a.json").write_text(json.dumps(GOOD), encoding=encoding)
+    assert run(place) == 0 and "a.hlsl" in written(place)
+
+
+def test_a_file_of_endless_lists_is_no_document(folder):
+    place = folder(a=GOOD)
+    (place / "documents" / "deep.json").write_text("[" * 100_000)
+    assert run(place) == 0
+
+
+def test_a_folder_that_cannot_be_written_is_told(folder, capsys):
+    place = folder(a=GOOD, deep__b=GOOD)
+    (place / "out").write_text("a file")
+    assert run(place) == 2
+    assert f"quillgen-translate: {place / 'out'} is no folder" in capsys.readouterr().err
+    (place / "out").unlink()
+    (place / "out").mkdir()
+    (place / "out" / "deep").write_text("a file")
+    assert run(place) == 1
+    assert "b.json: can't be written: " in capsys.readouterr().err and "a.hlsl" in written(place)
+
+
+def test_a_file_that_cannot_be_read_is_told(folder, capsys, monkeypatch):
+    place = folder(a=GOOD)
+    monkeypatch.setattr(files, "read", fails_with(PermissionError(13, "Permission denied")))
+    assert translate.main([str(place / "documents" / "a.json"), "--out", str(place / "out")]) == 1
+    assert "a.json: can't be read: Permission denied" in capsys.readouterr().err
+
+
+def test_a_path_that_no_system_takes_is_a_mistake_of_the_command_line(capsys):
+    assert translate.main(["x" * 5000]) == 2
+    assert capsys.readouterr().err.endswith(": File name too long\n")
+
+
+def fails_with(error):
+    def call(*arguments, **named):
+        raise error
+
+    return call
+
+
+def test_text_that_no_encoding_takes_is_written_as_escapes(folder):
+    ramp = {"id": "Lone \ud800", "type": "ShaderNodeOdd", "in": {}, "outs": {"Color": "RGBA"}}
+    place = folder(a={"nodes": [ramp], "out": {"surface": ["Lone \ud800", "Color"]}})
+    assert run(place) == 0
+    assert json.loads((place / "out" / "a.json").read_text("utf-8"))["warnings"][0].startswith("Lone \ud800 ")
+
+
+def test_names_that_the_terminal_cannot_show_are_told_as_escapes(folder):
+    place = folder(**{"b\udcff\n": GOOD})
+    out = place / "\u00fc\udcff"
+    command = [sys.executable, "-m", "quillgen_tools.translate", str(place / "documents"), "--out", str(out)]
+    ended = subprocess.run(command, env=environment() | {"PYTHONIOENCODING": "ascii"}, capture_output=True)
+    assert (ended.returncode, ended.stderr) == (0, b"")
+    assert b"1 translated into" in ended.stdout and b"\\xfc\\udcff" in ended.stdout
+    assert len(list(out.iterdir())) == 3
+
+
+def test_a_reader_that_went_away_is_no_error_of_the_translation(folder):
+    place = folder(a=GOOD, b=WARNS)
+    command = [sys.executable, "-m", "quillgen_tools.translate", str(place / "documents"), "--out", str(place / "out")]
+    reader, writer = os.pipe()
+    os.close(reader)
+    ended = subprocess.run(command, env=environment(), stdout=writer, stderr=subprocess.PIPE)
+    os.close(writer)
+    assert b"Error" not in ended.stderr and ended.returncode == 1
+    assert {"a.hlsl", "b.hlsl"} <= set(written(place))
+
+
+@pytest.mark.parametrize("options, status", [([], 130), (["--watch"], 0)])
+def test_an_interruption_ends_it_without_a_traceback(folder, monkeypatch, options, status):
+    place = folder(a=GOOD)
+    monkeypatch.setattr(translate, "translate", fails_with(KeyboardInterrupt()))
+    assert run(place, *options) == status
+
+
+def test_watch_outlives_a_folder_that_goes_while_it_is_read(folder, monkeypatch):
+    place = folder(a=GOOD)
+    looks = []
+    look = Path.rglob
+
+    def rglob(self, pattern):
+        looks.append(self)
+        if len(looks) == 2:
+            raise FileNotFoundError(2, "No such file or directory", str(self))
+        return look(self, pattern)
+
+    def sleep(seconds):
+        if len(looks) > 2:
+            raise KeyboardInterrupt
+
+    monkeypatch.setattr(Path, "rglob", rglob)
+    monkeypatch.setattr(translate.time, "sleep", sleep)
+    assert run(place, "--watch", "--quiet") == 0 and len(looks) == 3
+
+
 def test_watch_translates_what_changes(folder):
     place = folder(a=GOOD)
     command = [sys.executable, "-u", "-m", "quillgen_tools.translate", "--watch", str(place / "documents")]

@@ -11,12 +11,16 @@ from typing import Any, NamedTuple
 from .tables import page
 from .types import Result
 
+ENDINGS = (".hlsl", ".displacement.hlsl", ".md", ".json")  # of the files of a result
+
 
 class Job(NamedTuple):
-    """One document to translate. `name`: its place below the output folder, without a suffix."""
+    """One document to translate. `name`: its place below the output folder, without a suffix. `rival`: an earlier
+    document that has files of the same names, None where there is none."""
 
     path: Path
     name: Path
+    rival: Path | None = None
 
 
 def jobs(paths: Iterable[Path]) -> Iterator[Job]:
@@ -26,28 +30,39 @@ def jobs(paths: Iterable[Path]) -> Iterator[Job]:
     named is one whatever it holds.
     """
     seen: set[Path] = set()
+    taken: dict[str, Path] = {}
     for path in paths:
-        found = (
-            [
-                Job(one, one.relative_to(path).with_suffix(""))
-                for one in sorted(path.rglob("*.json"))
-                if is_document(one)
-            ]
-            if path.is_dir()
-            else [Job(path, Path(path.stem))]
-        )
+        found = in_folder(path) if os.path.isdir(path) else [Job(path, Path(path.stem))]
         for job in found:
-            if job.path.resolve() not in seen:
-                seen.add(job.path.resolve())
-                yield job
+            if job.path.resolve() in seen:
+                continue
+            seen.add(job.path.resolve())
+            names = {os.path.normcase(f"{job.name}{ending}") for ending in ENDINGS}
+            rival = next((taken[name] for name in sorted(names & taken.keys())), None)
+            if rival is None:
+                taken |= dict.fromkeys(names, job.path)
+            yield job._replace(rival=rival)
+
+
+def in_folder(folder: Path) -> list[Job]:
+    try:
+        paths = sorted(folder.rglob("*.json"))
+    except FileNotFoundError:  # a folder went away while it was read
+        return []
+    return [Job(path, path.relative_to(folder).with_suffix("")) for path in paths if is_document(path)]
+
+
+def read(path: Path) -> Any:
+    """What a JSON file holds, in UTF-8, UTF-16 or UTF-32, with a byte order mark or without."""
+    return json.loads(path.read_bytes())
 
 
 def is_document(path: Path) -> bool:
     try:
-        read = json.loads(path.read_text(encoding="utf-8"))
-    except (OSError, ValueError):
+        found = read(path)
+    except (OSError, ValueError, RecursionError):
         return False
-    return isinstance(read, dict) and "nodes" in read and "out" in read
+    return isinstance(found, dict) and "nodes" in found and "out" in found
 
 
 def texts(name: str, result: Result) -> dict[str, str]:
@@ -77,8 +92,11 @@ def write(folder: Path, name: str, result: Result) -> list[Path]:
 
 
 def put(path: Path, text: str) -> bool:
-    """Writes a file as a whole: a reader sees the old one or the new one. False where it said the same already."""
-    data = text.encode("utf-8")
+    """Writes a file as a whole: a reader sees the old one or the new one. False where it said the same already.
+
+    What UTF-8 doesn't have, a lone surrogate from a document or from the name of a file, is written as JSON's escape.
+    """
+    data = text.encode("utf-8", "backslashreplace")
     try:
         if path.read_bytes() == data:
             return False

@@ -4,14 +4,18 @@ DOCUMENT is a JSON file, or a folder in which every JSON file with the keys "nod
 the output folder gets NAME.hlsl, the text of the Custom expression; NAME.md, what to wire to it; NAME.json, the same
 for programs; and NAME.displacement.hlsl where the material has real displacement.
 
+A document is never overwritten; of two documents that would have the same files, the second is an error.
+
 Exit status: 0 when all documents were translated; 1 when one could not be, or has warnings under --strict; 2 when the
-command line is wrong or there is no document.
+command line is wrong or there is no document; 130 when Ctrl-C ended it, but 0 under --watch.
 """
 
 from __future__ import annotations
 
 import argparse
+import io
 import json
+import os
 import sys
 import time
 from collections.abc import Sequence
@@ -38,9 +42,21 @@ class Outcome:
 def main(arguments: Sequence[str] | None = None) -> int:
     """The command `quillgen-translate`. Returns the exit status."""
     options = parse(arguments)
-    missing = [str(path) for path in options.documents if not path.exists()]
-    if missing:
-        print(f"quillgen-translate: no such file or folder: {', '.join(missing)}", file=sys.stderr)
+    if isinstance(sys.stdout, io.TextIOWrapper):
+        sys.stdout.reconfigure(errors="backslashreplace")  # names of files may have what the terminal doesn't show
+    try:
+        return run(options)
+    except KeyboardInterrupt:
+        return 0 if options.watch else 130
+    except BrokenPipeError:  # whoever read the output has gone; what is left of it is flushed at the exit
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        return 1
+
+
+def run(options: argparse.Namespace) -> int:
+    mistake = wrong_paths(options)
+    if mistake:
+        print(f"quillgen-translate: {mistake}", file=sys.stderr)
         return 2
     work = list(files.jobs(options.documents))
     if not work and not options.watch:
@@ -49,11 +65,25 @@ def main(arguments: Sequence[str] | None = None) -> int:
     seen = stamps(work)  # ahead of the translation: what changes while it runs is translated again
     outcome = translate_all(work, options)
     if options.watch:
-        try:
-            watch(options, seen)
-        except KeyboardInterrupt:
-            return 0
+        watch(options, seen)
     return 1 if outcome.failed or (options.strict and outcome.warnings) else 0
+
+
+def wrong_paths(options: argparse.Namespace) -> str:
+    """What is wrong with the paths of the command line, "" where nothing is."""
+    missing = []
+    for path in options.documents:
+        try:
+            path.stat()
+        except (FileNotFoundError, NotADirectoryError):
+            missing.append(str(path))
+        except OSError as error:
+            return f"{path}: {error.strerror}"
+    if missing:
+        return f"no such file or folder: {', '.join(missing)}"
+    if os.path.exists(options.out) and not os.path.isdir(options.out):
+        return f"{options.out} is no folder"
+    return ""
 
 
 def parse(arguments: Sequence[str] | None) -> argparse.Namespace:
@@ -90,14 +120,25 @@ def translate_all(work: Sequence[Job], options: argparse.Namespace) -> Outcome:
 
 
 def translate(job: Job, options: argparse.Namespace, outcome: Outcome) -> list[str]:
-    """Translates one document; what there is to say of it."""
-    try:
-        document = json.loads(job.path.read_text(encoding="utf-8"))
-        result = quillgen.compile(document, options.mode, not options.literals)
-    except Exception as error:  # whatever is wrong with one document, the others are translated
+    """Translates one document; what there is to say of it. Whatever is wrong with it, the others are translated."""
+
+    def failed(why: str) -> list[str]:
         outcome.failed.append(str(job.path))
-        return [f"{job.path}: {reason(error)}"]
-    outcome.written += len(files.write(options.out / job.name.parent, job.name.name, result))
+        return [f"{job.path}: {why}"]
+
+    folder, name = options.out / job.name.parent, job.name.name
+    if job.rival:
+        return failed(f"its files would take the place of those of {job.rival}")
+    if files.is_document(folder / f"{name}.json"):
+        return failed(f"its result would overwrite the document {folder / name}.json")
+    try:
+        result = quillgen.compile(files.read(job.path), options.mode, not options.literals)
+    except Exception as error:
+        return failed(reason(error))
+    try:
+        outcome.written += len(files.write(folder, name, result))
+    except OSError as error:
+        return failed(f"can't be written: {error}")
     outcome.translated += 1
     outcome.warnings += len(result["warnings"])
     return [] if options.quiet else [f"{job.path}: warning: {warning}" for warning in result["warnings"]]
@@ -107,6 +148,8 @@ def reason(error: Exception) -> str:
     """The error in words. A document is nowhere checked as a whole: a KeyError names the key that it lacks."""
     if isinstance(error, quillgen.Unsupported):
         return f"can't be translated: {error}"
+    if isinstance(error, OSError):
+        return f"can't be read: {error.strerror or error}"
     if isinstance(error, json.JSONDecodeError | UnicodeDecodeError):
         return f"is no JSON: {error}"
     if isinstance(error, KeyError):
@@ -129,7 +172,7 @@ def watch(options: argparse.Namespace, seen: dict[Job, tuple[int, int]]) -> None
         print("watching; Ctrl-C ends it", flush=True)
     while True:
         time.sleep(POLL)
-        now = stamps(list(files.jobs(path for path in options.documents if path.exists())))
+        now = stamps(list(files.jobs(path for path in options.documents if os.path.exists(path))))
         changed = [job for job, stamp in now.items() if seen.get(job) != stamp]
         if changed:
             translate_all(changed, options)
