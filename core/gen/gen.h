@@ -156,6 +156,7 @@ public:
     void declare_parameter(Text name, Word kind, const Value& value, Socket* socket = nullptr);
 
     // ---- geometry signals (signals.cpp) -----------------------------------------------------
+    // As it is, or at the moved position (offset.cpp).
     Text geo(Signal what);
     // The screen-space derivative along 'x' or 'y'. Unsupported "no derivative for {what}".
     Text deriv(Signal what, char axis);

@@ -1,6 +1,7 @@
 """Makes the gallery: docs/gallery.md, its pictures, and the one of the README.
 
-    .venv/bin/python -m examples.gallery.make [--steps=values,text,cycles] [--blender=PYTHON] [NAME ...]
+    PYTHONPATH=build/g++ .venv/bin/python -m examples.gallery.make [--steps=values,text,cycles] [--blender=PYTHON]
+        [NAME ...]
 
 Steps, for the named or all materials: "values" compares the base colour with Blender's on a flat square (a strip of
 Blender's, ours and ten times the difference), "text" renders the picture of the text, "cycles" that of Cycles, for

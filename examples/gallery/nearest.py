@@ -1,6 +1,6 @@
 """Makes docs/assets/nearest.png: shaders that Unreal lacks, in Cycles, without and with their nearest.
 
-    .venv/bin/python -m examples.gallery.nearest [BLENDER'S PYTHON]
+    PYTHONPATH=build/g++ .venv/bin/python -m examples.gallery.nearest [BLENDER'S PYTHON]
 
 A row for each material of nearest_in_blender.py: Cycles on the left, in the middle the text of the document as it
 is, on the right that of the document with the nearest shaders put in, both lit by the gallery's own renderer.

@@ -12,9 +12,9 @@ HEAD = """# Gallery
 
 The example materials, from Blender's pictures and values on one side and the generated text on the other.
 All of it is made by one command, on a machine without a GPU but with Blender 5.2 as a Python package
-(`tools/setup blender=5.2`):
+(`tools/setup blender=5.2`), after `tools/test --part build`:
 
-    .venv/bin/python -m examples.gallery.make
+    PYTHONPATH=build/g++ .venv/bin/python -m examples.gallery.make
 
 **The pictures** are 512 pixels wide. One is Cycles of Blender 5.2, which has the material rebuilt from its document,
 with 16 samples a pixel and Blender's denoiser. The other shows all outputs of the text (base colour, metallic,

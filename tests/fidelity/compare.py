@@ -1,8 +1,8 @@
 """Compares the generated text with Cycles: translates every case of the reference data, compiles it with DXC,
 runs it on the CPU's Vulkan device and looks at each pixel.
 
-    .venv/bin/python tests/fidelity/compare.py [part of a name ...]   # a table and what disagrees
-    .venv/bin/python tests/fidelity/compare.py --write                # the table into docs/fidelity.md
+    PYTHONPATH=build/g++ .venv/bin/python tests/fidelity/compare.py [part of a name ...]   # a table, what disagrees
+    PYTHONPATH=build/g++ .venv/bin/python tests/fidelity/compare.py --write                # writes docs/fidelity.md
 """
 
 import json
