@@ -8,7 +8,8 @@
 // A point brought to where float32 resolves cells, where one of its coordinates is 100000 or more: the remainder by
 // 100000 with its sign, and half a cell more from a million on, where most coordinates are integers and the noise would
 // be zero. The squared length is one test for all; a smaller coordinate that comes along stays as it is.
-// Exact up to 2e12, as the first step leaves what the second can take without rounding (409600000 = 4096 * 100000).
+// Exact up to 2e12, fused or not: 409600000 = 4096 * 100000 = 2^17 * 3125, so the products of quotients up to 5368 have
+// 24 bits, and the first step leaves the second quotients below 4096.
 // Not the operator %, which FXC makes twice as many instructions of. What is infinite or no number ends up somewhere.
 // @each DIM 1 2 3 4
 floatDIM noise_wrapDIM(floatDIM p) {
@@ -266,8 +267,9 @@ float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness,
 
 // Where the noise is read for the components of the distortion and for the second and third channel of the colour:
 // offsets in 100 to 200 that keep them apart from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s,
-// j), rounded once as Blender does from 5.1 on, in one dimension 100 + 100 * hash_float_to_float(s). Choices, as an array costs memory at each use; and typed
-// values, as a choice of plain literals loses digits in one of the two targets of the compiler.
+// j), rounded once as Blender does from 5.1 on, in one dimension 100 + 100 * hash_float_to_float(s). Choices, as an
+// array costs memory at each use; and typed values, as a choice of plain literals loses digits in one of the two
+// targets of the compiler.
 float noise_offset1(int s) {
   float3 o = float3(158.24258, 114.83605, 188.4887);
   return s == 0 ? o.x : s == 1 ? o.y : o.z;
@@ -299,6 +301,8 @@ floatDIM noise_turnDIM(int turn, floatDIM moved) {
 // else 0.
 // Turns below 0 make the components of the distortion, the last one first, so that each pushes the others to its
 // place; turn 0 makes the value and turns 1 and 2 the other channels.
+// Compilers keep a loop that the text says to keep, be it of one turn: the break leaves its counter and test out where
+// the value is all that is wanted. fastopt keeps FXC from playing the turns through.
 // @each DIM 1 2 3 4
 // @each TYPE FBM MULTIFRACTAL HYBRID_MULTIFRACTAL RIDGED_MULTIFRACTAL HETERO_TERRAIN
 float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain,
@@ -307,13 +311,17 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
   float plain = 0.0;
   float value = 0.0;
   colour = 0.0;
-  [loop]
-  for (int turn = distortion != 0.0 ? -DIM : 0; turn <= (want_colour != 0.0 ? 2 : 0); turn++) {
+  int turn = distortion != 0.0 ? -DIM : 0;
+  int last = want_colour != 0.0 ? 2 : 0;
+  [loop] [fastopt]
+  while (turn <= last) {
     floatDIM p = co + noise_turnDIM(turn, (floatDIM)moved);
     if (want_colour != 0.0 && turn > 0) p += turn == 1 ? noise_offsetDIM(DIM) : noise_offsetDIM(DIM + 1);
     value = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize, plain);
     if (want_colour == 0.0 || turn < 0) moved = float4(distortion * plain, moved.xyz);
     if (want_colour != 0.0) colour = float3(colour.yz, value);
+    if (distortion == 0.0 && want_colour == 0.0) break;
+    turn++;
   }
   return want_colour != 0.0 ? colour.x : value;
 }
