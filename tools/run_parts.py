@@ -41,14 +41,18 @@ class Outcome:
 
 def main(arguments: Sequence[str]) -> int:
     arguments, further = split(arguments)
-    options = parse(arguments)
+    options = parse(arguments, further)
     if options.list:
         return show_list()
     LOGS.mkdir(parents=True, exist_ok=True)
     chosen, outcome = choose(options)
     started = time.monotonic()
-    setup(chosen, options, outcome)
-    run_all(chosen, options, further, outcome)
+    try:
+        setup(chosen, options, outcome)
+        run_all(chosen, options, further, outcome)
+    except KeyboardInterrupt:  # what ran has got the same signal
+        tell_now("== interrupted")
+        return 130
     return tell(outcome, time.monotonic() - started)
 
 
@@ -59,7 +63,7 @@ def split(arguments: Sequence[str]) -> tuple[list[str], list[str]]:
     return list(arguments[:at]), list(arguments[at + 1 :])
 
 
-def parse(arguments: Sequence[str]) -> argparse.Namespace:
+def parse(arguments: Sequence[str], further: Sequence[str] = ()) -> argparse.Namespace:
     parser = argparse.ArgumentParser(
         prog="tools/test", description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter
     )
@@ -75,6 +79,8 @@ def parse(arguments: Sequence[str]) -> argparse.Namespace:
     parser.add_argument("--verbose", action="store_true", help="the parts' output as it comes, one after the other")
     parser.add_argument("--jobs", type=int, default=2, metavar="N", help="how many parts run side by side (2)")
     options = parser.parse_args(arguments)
+    if further and not options.parts:
+        parser.error("arguments behind -- are for a part: --part NAME")
     options.jobs = 1 if options.verbose else max(1, options.jobs)
     options.choice = options.choice or "default"
     options.blender = (options.blender or BLENDERS).replace(",", " ")

@@ -154,6 +154,19 @@ def test_arguments_take_the_place_of_the_tests_of_a_part():
     assert line.endswith("'tests/golden/test_golden.py::test_x'") and "tests/golden '" not in line
 
 
+def test_an_interruption_ends_it_without_a_traceback(table, capfd):
+    table(row("one", "kill -INT $PPID; sleep 0.5"), row("two", "true", after=("one",)))
+    assert run_parts.main([]) == 130
+    assert capfd.readouterr().out.endswith("== interrupted\n")
+
+
+def test_arguments_without_a_part_are_a_mistake(table, capfd):
+    table(row("one", "true"))
+    with pytest.raises(SystemExit, match="2"):
+        run_parts.main(["--fast", "--", "-k", "noise"])
+    assert "arguments behind -- are for a part: --part NAME" in capfd.readouterr().err
+
+
 def test_without_pytest_the_driver_needs_the_standard_library_only():
     sources = [(ROOT / "tools" / name).read_text() for name in ("run_parts.py", "parts.py")]
     names = {line.split()[1].split(".")[0] for text in sources for line in text.splitlines()
