@@ -17,7 +17,10 @@ def wires(inputs: list[Input]) -> dict[str, str]:
 
 
 def main(folder: Path) -> None:
-    for path in sorted(folder.glob("*.json")):
+    paths = sorted(folder.glob("*.json"))
+    if not paths:
+        sys.exit(f"no documents in {folder}")
+    for path in paths:
         document: Document = json.loads(path.read_text(encoding="utf-8"))
         try:
             result: Result = quillgen.compile(document)

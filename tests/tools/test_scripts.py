@@ -1,12 +1,16 @@
 """The scripts of tools/: what they say where something is missing or a path is wrong."""
 
 import importlib.util
+import os
 import shutil
 import subprocess
+import sys
 from importlib.machinery import SourceFileLoader
 from pathlib import Path
 
 import pytest
+
+import quillgen
 
 ROOT = Path(__file__).resolve().parents[2]
 
@@ -30,6 +34,36 @@ def test_what_has_to_be_there_first_is_told(tmp_path, script, first):
     assert ended.returncode == 2 and ended.stdout == ""
     (line,) = ended.stderr.splitlines()
     assert line.startswith(f"tools/{name} needs ") and first in line
+
+
+@pytest.mark.parametrize("arguments", [["--help"], ["folder", "--tset"], ["folder", "--test", "more"], []])
+def test_a_wrong_command_line_makes_no_machine(tmp_path, arguments):
+    (tmp_path / "tools").mkdir()
+    shutil.copy(ROOT / "tools" / "bare-machine", tmp_path / "tools")
+    stub = tmp_path / "bin" / "debootstrap"
+    stub.parent.mkdir()
+    stub.write_text("#!/bin/sh\nexit 3\n")
+    stub.chmod(0o755)
+    ended = subprocess.run(
+        [tmp_path / "tools" / "bare-machine", *arguments],
+        env={**os.environ, "PATH": f"{stub.parent}:{os.environ['PATH']}"},
+        capture_output=True,
+        text=True,
+    )
+    assert (ended.returncode, ended.stdout) == (2, "")
+    assert ended.stderr == "usage: tools/bare-machine FOLDER [--test]\n"
+
+
+def test_the_example_for_pipelines_tells_of_a_folder_without_documents(tmp_path):
+    example = ROOT / "examples" / "pipeline.py"
+    folders = [str(Path(quillgen.__file__).parent), str(ROOT / "binding" / "python")]
+    ended = subprocess.run(
+        [sys.executable, example, tmp_path / "nowhere"],
+        env={**os.environ, "PYTHONPATH": os.pathsep.join(folders)},
+        capture_output=True,
+        text=True,
+    )
+    assert ended.returncode == 1 and ended.stderr == f"no documents in {tmp_path / 'nowhere'}\n"
 
 
 @pytest.fixture
