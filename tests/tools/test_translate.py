@@ -1,5 +1,6 @@
 """The command quillgen-translate."""
 
+import io
 import json
 import os
 import subprocess
@@ -142,6 +143,22 @@ def test_the_bar_is_shown_on_a_terminal_only(folder):
     os.close(terminal)
     shown = os.read(controller, 100_000).decode()
     assert "[" + " " * 30 + "] 0/2 a" in shown and "1/2 b" in shown and shown.endswith("\x1b[K")
+
+
+def test_the_bar_keeps_to_the_width_of_the_terminal(monkeypatch):
+    monkeypatch.setenv("COLUMNS", "60")
+    stream = io.StringIO()
+    translate.Bar(2, stream, shown=True).show("a" * 100)
+    assert len(stream.getvalue().removeprefix("\r\x1b[K")) == 59  # a full line would go on in the next
+
+
+def test_an_interruption_takes_the_bar_away(folder, monkeypatch):
+    place = folder(a=GOOD, b=GOOD)
+    monkeypatch.setattr(sys, "stderr", io.StringIO())
+    monkeypatch.setattr(sys.stderr, "isatty", lambda: True)
+    monkeypatch.setattr(translate, "translate", fails_with(KeyboardInterrupt()))
+    assert run(place) == 130
+    assert "0/2 a" in sys.stderr.getvalue() and sys.stderr.getvalue().endswith("\r\x1b[K")
 
 
 def environment():

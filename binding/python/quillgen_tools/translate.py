@@ -16,6 +16,7 @@ import argparse
 import io
 import json
 import os
+import shutil
 import sys
 import time
 from collections.abc import Sequence
@@ -106,14 +107,16 @@ def translate_all(work: Sequence[Job], options: argparse.Namespace) -> Outcome:
     outcome = Outcome()
     bar = Bar(len(work), sys.stderr, shown=not options.quiet and sys.stderr.isatty())
     started = time.perf_counter()
-    for job in work:
-        bar.show(str(job.name))
-        lines = translate(job, options, outcome)
-        if lines:
-            bar.clear()
-            print("\n".join(lines), file=sys.stderr, flush=True)
-        bar.step()
-    bar.clear()
+    try:
+        for job in work:
+            bar.show(str(job.name))
+            lines = translate(job, options, outcome)
+            if lines:
+                bar.clear()
+                print("\n".join(lines), file=sys.stderr, flush=True)
+            bar.step()
+    finally:
+        bar.clear()
     if not options.quiet:
         print(summary(outcome, options.out, time.perf_counter() - started), flush=True)
     return outcome
@@ -205,7 +208,8 @@ class Bar:
         if self.shown:
             full = self.WIDTH * self.done // self.total
             line = f"[{'#' * full}{' ' * (self.WIDTH - full)}] {self.done}/{self.total} {what}"
-            self.stream.write(f"\r\x1b[K{line[:100]}")
+            width = shutil.get_terminal_size().columns - 1  # a full line would go on in the next
+            self.stream.write(f"\r\x1b[K{line[:width]}")
             self.stream.flush()
 
     def step(self) -> None:
