@@ -302,6 +302,63 @@ def conversion_of_nothing(tree):
     return add(tree, "VectorMath", {0: node.outputs[0], 1: (1.0, 2.0, 3.0)}).outputs[0]
 
 
+def returned(tree, kind, fill):
+    """What nodes that read nothing but constants give through a group's output of a type."""
+    inner = group("Fixed", [], [("Out", kind)], lambda tree, begin, end: tree.links.new(fill(tree), end[0]))
+    return add(tree, "VectorMath", {0: vector(tree), 1: use(tree, inner).outputs[0]}, operation="MULTIPLY").outputs[0]
+
+
+def fixed_colour(tree):
+    number = add(tree, "CombineXYZ", {0: 1.0, 1: 0.25}).outputs[0]
+    node = add(tree, "ValToRGB", {0: number})
+    node.color_ramp.elements[0].color, node.color_ramp.elements[1].color = (0.9, 0.1, 0.3, 1.0), (0.2, 0.5, 0.7, 1.0)
+    return node.outputs[0]
+
+
+def worked_out_as_a_number(tree):
+    return returned(tree, "Float", fixed_colour)
+
+
+def worked_out_as_a_whole_number(tree):
+    """A vector, so that its mean counts."""
+    return returned(tree, "Int", lambda tree: add(tree, "CombineXYZ", {0: 3.5, 1: 2.0, 2: 1.0}).outputs[0])
+
+
+def worked_out_as_a_truth(tree):
+    """A vector is true unless all of it is zero."""
+    return returned(tree, "Bool", lambda tree: add(tree, "CombineXYZ", {0: -3.5, 1: 0.25}).outputs[0])
+
+
+def constant_vector_as_a_truth(tree):
+    """Without a node that holds it, from one group into another."""
+    inner = group(
+        "Truth", [("In", "Bool")], [("Out", "Color")], lambda tree, begin, end: tree.links.new(begin[0], end[0])
+    )
+
+    def fill(tree, begin, end):
+        tree.links.new(use(tree, inner, {0: begin[0]}).outputs[0], end[0])
+
+    outer = group("Holder", [("V", "Vector")], [("Out", "Color")], fill)
+    found = use(tree, outer, {0: (-1.0, 0.25, 0.5)}).outputs[0]
+    return add(tree, "VectorMath", {0: vector(tree), 1: found}, operation="MULTIPLY").outputs[0]
+
+
+def texture_worked_out(tree):
+    """A texture reads the same coordinate everywhere: 1 and a bit as a whole number."""
+
+    def fill(tree):
+        where = add(tree, "CombineXYZ", {0: 0.3}).outputs[0]
+        shade = add(tree, "TexGradient", {"Vector": where}).outputs[1]
+        return add(tree, "Math", {0: shade, 1: 1.0}).outputs[0]
+
+    return returned(tree, "Int", fill)
+
+
+def texture_with_its_own_coordinate(tree):
+    """This one is no constant, and keeps its fraction."""
+    return returned(tree, "Int", lambda tree: add(tree, "Math", {0: add(tree, "TexGradient").outputs[1]}).outputs[0])
+
+
 FIRST = {"joined_bundles": (5, 1), "joined_bundles_in_another_order": (5, 1)} | dict.fromkeys(
     (
         "constants",
@@ -313,7 +370,21 @@ FIRST = {"joined_bundles": (5, 1), "joined_bundles_in_another_order": (5, 1)} | 
     ),
     (5, 2),
 )
-HELPERS = ("menu", "repeat", "closure", "evaluate", "bundle", "separate", "conversion", "named", "add", "use")
+HELPERS = (
+    "menu",
+    "repeat",
+    "closure",
+    "evaluate",
+    "bundle",
+    "separate",
+    "conversion",
+    "named",
+    "add",
+    "use",
+    "group",
+    "returned",
+    "fixed_colour",
+)
 TREES = [
     thing
     for name, thing in list(globals().items())

@@ -6,7 +6,7 @@ Two generations of Blender disagree about what happens on the way:
   the border's type (a colour that passes through a float socket comes out grey), and a reroute or muted node
   with nothing behind it yields zero;
 * from 5.0 on the groups are dissolved before anything is evaluated. Only the two real ends count, unless the
-  value is a constant, and a dead end is as if there were no link.
+  value is a constant or made of constants alone (folding.py), and a dead end is as if there were no link.
 """
 
 from collections.abc import Callable, Mapping
@@ -111,7 +111,7 @@ class Sources:
 def cross(found: Linked | Constant, socket: Any) -> Linked | Constant:
     if isinstance(found, Constant):
         return found._replace(type=socket.type, value=values.convert(found.value, found.type, socket.type))
-    return found._replace(borders=(*found.borders, socket.type)) if BORDERS_CONVERT else found
+    return found._replace(borders=(*found.borders, socket.type))
 
 
 def named(sockets: Any, identifier: str) -> Any:

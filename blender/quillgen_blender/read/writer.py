@@ -4,7 +4,7 @@ import re
 from typing import Any
 
 from ..notes import Loss, Note
-from . import directing, losses, node_types, records, sources, values, versions
+from . import directing, folding, losses, node_types, records, sources, values, versions
 from .places import Place
 
 NOT_A_LETTER = re.compile("[^A-Za-z0-9]")
@@ -15,6 +15,7 @@ class Writer:
 
     def __init__(self, uv_maps: list[str], settings: dict[str, Any]) -> None:
         self.sources = sources.Sources(directing.TABLE, self.note_on)
+        self.folding = folding.Folding(self.sources)
         self.uv_maps, self.settings = uv_maps, settings
         self.root = Place()
         self.nodes: list[dict[str, Any]] = []
@@ -168,9 +169,22 @@ class Writer:
         reference = self.reference(linked)
         if not linked.borders:
             return reference
+        if not sources.BORDERS_CONVERT:
+            return self.folded(linked, reference, socket.identifier, identity)
         seen, spread, whole = sources.narrow(linked.borders, linked.socket.type, socket.type)
         reference[2] = seen
         return self.number(reference, whole, socket.identifier, identity) if spread or whole else reference
+
+    def folded(self, linked: sources.Linked, reference: list[str], identifier: str, reader: str) -> list[str]:
+        """The link to a node with borders behind it, which convert what is constant."""
+        found, seen = folding.steps(linked.borders, linked.socket.type)
+        if not (found or seen != reference[2]) or not self.folding.constant(linked):
+            return reference
+        for operation, counts_as in found:
+            identity = self.put_in(identifier, reader)
+            self.nodes.append(folding.record(identity, operation, [*reference[:2], counts_as]))
+            reference = [identity, "Value", "VALUE"]
+        return reference if found else [*reference[:2], seen]
 
     def number(self, reference: Any, whole: bool, identifier: str, reader: str) -> list[str]:
         """A node that makes one number of what it reads."""
