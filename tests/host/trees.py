@@ -132,6 +132,19 @@ def constant_for_a_texture(tree):
     return use(tree, inner, {0: (0.25, 0.5, 0.75)}).outputs[0]
 
 
+def numbers_through_truths(tree):
+    """Up to 4.5 a truth is a whole number: 3 stays 3, and 0.75 is nothing."""
+
+    def fill(tree, begin, end):
+        for source, target in zip(begin[:2], end[:2]):
+            tree.links.new(source, target)
+
+    inner = group("Truths", [("A", "Int"), ("B", "Float")], [("A", "Bool"), ("B", "Bool")], fill)
+    found = use(tree, inner, {0: 3, 1: 0.75})
+    factors = add(tree, "CombineXYZ", {0: found.outputs[0], 1: found.outputs[1], 2: 1.0}).outputs[0]
+    return add(tree, "VectorMath", {0: vector(tree), 1: factors}, operation="MULTIPLY").outputs[0]
+
+
 def rim(hidden):
     inner = group(
         "Rim",

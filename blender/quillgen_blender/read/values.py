@@ -67,7 +67,9 @@ def convert(value: Any, source: str, target: str) -> Any:
     """A constant that crosses from a socket of one type into a socket of another."""
     if value is None or kind(target) is None:
         return value if source == target else None
-    if target == "BOOLEAN" and source == "VECTOR" and bpy.app.version >= (5, 0, 0):
+    if target == "BOOLEAN" and bpy.app.version < (5, 0, 0):
+        target = "INT"  # Cycles has whole numbers in its place
+    if target == "BOOLEAN" and source == "VECTOR":
         return any(value[:3])
     if kind(source) == "triple" and kind(target) == "scalar":
         weights = LUMA if source == "RGBA" else (1 / 3, 1 / 3, 1 / 3)
