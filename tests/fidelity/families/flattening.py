@@ -5,9 +5,18 @@ import trees
 from builder import Case
 
 
+# They read more of the surface than a tile has.
+NOT_ON_TILES = (
+    "second_uv_map",
+    "constant_for_a_normal",
+    "hidden_constant_for_a_normal",
+    "texture_with_its_own_coordinate",
+)
+
+
 def cases():
     for fill in trees.TREES + newer_trees.TREES:
-        if fill.__name__ not in ("second_uv_map", "constant_for_a_normal", "hidden_constant_for_a_normal"):
+        if fill.__name__ not in NOT_ON_TILES:
             yield Case("(groups, reroutes, muted nodes)", fill.__name__.replace("_", " "), whole(fill))
 
 
