@@ -4,7 +4,6 @@ import newer_trees
 import trees
 from builder import Case
 
-
 # They read more of the surface than a tile has.
 NOT_ON_TILES = (
     "second_uv_map",
