@@ -48,6 +48,8 @@ def examined(name):
     material.use_nodes = True
     tree = material.node_tree
     node = tree.nodes.new(name)
+    if hasattr(node, "attribute_name"):
+        node.attribute_name = "Any"  # without one it has no record
     common = node_types.COMMON
     properties = [prop.identifier for prop in node.bl_rna.properties if prop.identifier not in common]
     sockets = [socket.identifier for socket in node.inputs]

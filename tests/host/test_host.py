@@ -144,6 +144,14 @@ def test_directions_have_unit_length(blender):
     assert sum(part * part for part in normal) == pytest.approx(1.0)
 
 
+def test_an_attribute_without_a_name_is_zero(blender):
+    found = nodes(blender[1], "attribute_without_a_name")
+    assert "Attribute" not in found
+    assert [found["Combine XYZ"]["in"][axis].get("v") for axis in "XY"] == [0.0, 1.0]
+    assert found["Vector Math.001"]["in"]["Vector_002"]["v"] == [0.0, 0.0, 0.0]
+    assert "link" in found["Gradient Texture"]["in"]["Vector"]
+
+
 def test_other_uv_maps_go_by_name(blender):
     report = blender[1]
     record = nodes(report, "second_uv_map")["UV Map"]

@@ -247,6 +247,15 @@ def white_noise(tree):
     return add(tree, "TexWhiteNoise", {"Vector": (0.25, 0.5, 1.0)}).outputs["Value"]
 
 
+def attribute_without_a_name(tree):
+    """It finds nothing: 0, also for a texture, and an alpha of 1."""
+    found = add(tree, "Attribute").outputs
+    shade = add(tree, "TexGradient", {"Vector": found["Vector"]}).outputs[1]
+    factors = add(tree, "CombineXYZ", {0: named(found, "Fac"), 1: found["Alpha"], 2: shade}).outputs[0]
+    values = {0: vector(tree), 1: factors, 2: found["Color"]}
+    return add(tree, "VectorMath", values, operation="MULTIPLY_ADD").outputs[0]
+
+
 def second_uv_map(tree):
     return add(tree, "UVMap", uv_map="Second").outputs[0]
 

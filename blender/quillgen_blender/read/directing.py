@@ -38,6 +38,14 @@ def scene_time(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Sourc
     return s.Constant("VALUE", frame if out.identifier == "Frame" else frame / scene.render.fps * scene.render.fps_base)
 
 
+def attribute(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
+    """One without a name finds nothing: 0, and an alpha of 1. The translator takes "" for the vertex colour."""
+    if node.attribute_name or node.attribute_type != "GEOMETRY":
+        return s.Linked(place, node, out)
+    value = 1.0 if out.identifier == "Alpha" else values.zero(out.type)
+    return s.Constant(out.type, value, linked=True)
+
+
 def menu_switch(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
     word = known(sources, node.inputs["Menu"], place)
     words = [item.name for item in node.enum_items]
@@ -186,4 +194,5 @@ TABLE = {
     "NodeClosureInput": closure_input,
     "NodeEvaluateClosure": evaluate_closure,
     "NodeSeparateBundle": separate_bundle,
+    "ShaderNodeAttribute": attribute,
 }

@@ -31,12 +31,14 @@ class Linked(NamedTuple):
 
 class Constant(NamedTuple):
     """A value that no node holds, such as that of an unlinked socket on a group's border; `hidden` where the
-    interface shows no field for it, `named` where it is an artist's choice: an input of a group."""
+    interface shows no field for it, `named` where it is an artist's choice: an input of a group, `linked` where it
+    comes from a node all the same, so that what it feeds is no unlinked socket."""
 
     type: str
     value: Any
     hidden: bool = False
     named: bool = False
+    linked: bool = False
 
 
 Links = dict[int, tuple[Any, Any]]

@@ -162,7 +162,7 @@ class Writer:
     def own(self, found: Any, identifier: str, kind: node_types.NodeType) -> bool:
         """Whether an implicit socket stays with the surface's own value in spite of a group's constant."""
         if sources.BORDERS_CONVERT:
-            return identifier in kind.implicit or identifier in kind.surface
+            return not found.linked and (identifier in kind.implicit or identifier in kind.surface)
         return found.hidden and identifier in kind.surface
 
     def link(self, linked: sources.Linked, socket: Any, identity: str) -> list[str]:
