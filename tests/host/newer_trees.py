@@ -354,6 +354,21 @@ def texture_worked_out(tree):
     return returned(tree, "Int", fill)
 
 
+def float_curves_beyond_their_range(tree):
+    """Of a constant the curve's clipping range leaves 1, unless the curve goes on within it; what varies is not
+    clipped."""
+    varying = add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]
+    curves = [add(tree, "FloatCurve", {"Value": value}) for value in (1.5, varying, 0.5, 1.5)]
+    for one in curves[2:]:  # a roof that stands out of the range
+        one.mapping.curves[0].points.new(0.5, 1.5)
+        for point in one.mapping.curves[0].points:
+            point.handle_type = "VECTOR"
+        one.mapping.update()
+    roof = add(tree, "Math", {0: curves[2].outputs[0], 1: curves[3].outputs[0]}).outputs[0]
+    factors = add(tree, "CombineXYZ", {0: curves[0].outputs[0], 1: curves[1].outputs[0], 2: roof}).outputs[0]
+    return add(tree, "VectorMath", {0: vector(tree), 1: factors}, operation="MULTIPLY").outputs[0]
+
+
 def texture_with_its_own_coordinate(tree):
     """This one is no constant, and keeps its fraction."""
     return returned(tree, "Int", lambda tree: add(tree, "Math", {0: add(tree, "TexGradient").outputs[1]}).outputs[0])

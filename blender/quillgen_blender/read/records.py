@@ -96,6 +96,19 @@ def curve(node: Any) -> dict[str, Any]:
     }
 
 
+def clip(curve: dict[str, Any], mapping: Any) -> None:
+    """Cuts off what lies outside of the clipping range. A curve that leaves it beyond both ends stays at its limits
+    there; of any other the samples at the ends remain, which say how it goes on."""
+    low, high = mapping.clip_min_y, mapping.clip_max_y
+    table = curve["tables"][0]
+    clipped = [min(max(value, low), high) for value in table]
+    if {clipped[0], clipped[-1]} <= {low, high} and (clipped[1], clipped[-2]) == (table[1], table[-2]):
+        curve["extend"] = "HORIZONTAL"
+    elif curve["extend"] == "EXTRAPOLATED":
+        clipped[:2], clipped[-2:] = table[:2], table[-2:]
+    curve["tables"] = [clipped]
+
+
 def sampled(mapping: Any, part: Any, places: list[float]) -> list[float]:
     """A curve at some places. Most channels of most nodes are left as they are, a line from corner to corner, and
     evaluating takes longer than all else in reading."""

@@ -135,6 +135,8 @@ class Writer:
         }
         for add in kind.own:
             add(self, node, found)
+        if kind.name == "ShaderNodeFloatCurve":
+            self.float_curve(place, node, found["curve"])
         for name in kind.unknown:
             self.note(identity, f"{name} is new to this translator and has no effect")
         versions.adapt(self, node, found)
@@ -144,6 +146,12 @@ class Writer:
         """The one texture that has no coordinate of its own: it reads the value of its socket."""
         if "v" in entry and sources.named(node.inputs, "Vector").enabled:
             entry["link"] = self.constant(entry.pop("v"), "Vector", identity)
+
+    def float_curve(self, place: Place, node: Any, curve: dict[str, Any]) -> None:
+        """The one curve node that keeps to its clipping range where Blender works it out ahead, and nowhere else."""
+        ahead = not sources.BORDERS_CONVERT and self.folding.constant(sources.Linked(place, node, node.outputs[0]))
+        if ahead and node.mapping.use_clip:
+            records.clip(curve, node.mapping)
 
     def linked(
         self, socket: Any, identifier: str, kind: node_types.NodeType, place: Place, identity: str
