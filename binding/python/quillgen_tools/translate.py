@@ -13,7 +13,6 @@ command line is wrong or there is no document; 130 when Ctrl-C ended it, but 0 u
 from __future__ import annotations
 
 import argparse
-import io
 import json
 import os
 import shutil
@@ -43,8 +42,9 @@ class Outcome:
 def main(arguments: Sequence[str] | None = None) -> int:
     """The command `quillgen-translate`. Returns the exit status."""
     options = parse(arguments)
-    if isinstance(sys.stdout, io.TextIOWrapper):
-        sys.stdout.reconfigure(errors="backslashreplace")  # names of files may have what the terminal doesn't show
+    reconfigure = getattr(sys.stdout, "reconfigure", None)
+    if reconfigure is not None:
+        reconfigure(errors="backslashreplace")  # names of files may have what the terminal doesn't show
     try:
         return run(options)
     except KeyboardInterrupt:
@@ -72,7 +72,7 @@ def run(options: argparse.Namespace) -> int:
 
 def wrong_paths(options: argparse.Namespace) -> str:
     """What is wrong with the paths of the command line, "" where nothing is."""
-    missing = []
+    missing: list[str] = []
     for path in options.documents:
         try:
             path.stat()
