@@ -10,11 +10,17 @@ from quillgen_blender.ui import live, state
 from .setting import Clock, active, manifest, run_timers, setting, values
 
 
-def check_a_slider_rewrites_its_values_only():
+def watched(name):
+    """Exports a material and switches live update on. Returns the target folder and the material."""
     out = setting()
-    material = active("Oak")
+    material = active(name)
     bpy.ops.quillgen.export()
     bpy.context.scene.quillgen.live = True
+    return out, material
+
+
+def check_a_slider_rewrites_its_values_only():
+    out, material = watched("Oak")
     before = {path: path.stat().st_mtime_ns for path in (out / "Oak").iterdir()}
     material.node_tree.nodes["Noise Texture"].inputs["Scale"].default_value = 7.5
     bpy.context.view_layer.update()
@@ -27,10 +33,7 @@ def check_a_slider_rewrites_its_values_only():
 
 
 def check_an_edit_of_the_graph_rewrites_the_text():
-    out = setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, material = watched("Oak")
     text = (out / "Oak" / "surface.hlsl").read_bytes()
     material.node_tree.nodes["Noise Texture"].noise_dimensions = "4D"
     bpy.context.view_layer.update()
@@ -39,10 +42,7 @@ def check_an_edit_of_the_graph_rewrites_the_text():
 
 
 def check_an_edit_of_a_group_reaches_its_materials():
-    out = setting()
-    active("Wall: brick?")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, _ = watched("Wall: brick?")
     bpy.data.node_groups["Worn"].nodes["Noise Texture"].inputs["Detail"].default_value = 9.0
     bpy.context.view_layer.update()
     run_timers()
@@ -50,10 +50,7 @@ def check_an_edit_of_a_group_reaches_its_materials():
 
 
 def check_a_painted_picture_is_saved_again():
-    out = setting()
-    active("Poster")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, _ = watched("Poster")
     first = manifest(out / "Poster")["textures"][0]["file"]
     image = bpy.data.images["Paint ing.png"]
     image.pixels = [0.5] * 64
@@ -76,10 +73,7 @@ def check_only_what_was_exported_is_updated():
 
 
 def check_an_edit_that_goes_on_waits():
-    out = setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, material = watched("Oak")
     scale = material.node_tree.nodes["Noise Texture"].inputs["Scale"]
     for step in range(5):
         scale.default_value = step
@@ -111,10 +105,7 @@ def check_live_update_ends_with_its_switch_and_with_the_file():
 
 
 def check_each_scene_has_a_switch_of_its_own():
-    out = setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, material = watched("Oak")
     other = bpy.data.scenes.new("Other").quillgen
     other.live = True
     other.live = False
@@ -157,10 +148,7 @@ def check_a_node_that_is_marked_becomes_a_parameter():
 
 def check_what_somebody_else_wrote_is_no_reason_to_write_nothing():
     """An export by the button, between two edits that lead back to what live update wrote last."""
-    out = setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, material = watched("Oak")
     slide(material, 7.5)
     run_timers()
     slide(material, 8.5)
@@ -172,10 +160,7 @@ def check_what_somebody_else_wrote_is_no_reason_to_write_nothing():
 
 
 def check_what_could_not_be_written_is_written_the_next_time():
-    out = setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, material = watched("Oak")
     slide(material, 7.5)
     run_timers()
     whole = exporting.write.commit
@@ -199,10 +184,7 @@ def check_what_could_not_be_written_is_written_the_next_time():
 
 def check_a_graph_that_is_whole_again_is_no_longer_called_broken():
     """Also where it is what was exported before, and there is nothing to write."""
-    setting()
-    material = active("Wire")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    _, material = watched("Wire")
     tree = material.node_tree
     shader, end = tree.nodes["Principled BSDF"].outputs[0], tree.get_output_node("CYCLES").inputs["Surface"]
     for _ in range(2):
@@ -218,10 +200,7 @@ def check_a_graph_that_is_whole_again_is_no_longer_called_broken():
 
 
 def check_a_material_that_is_removed_meanwhile():
-    setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    _, material = watched("Oak")
     material.node_tree.nodes["Noise Texture"].inputs["Scale"].default_value = 7.5
     bpy.context.view_layer.update()
     Clock.now += 0.35
@@ -234,10 +213,7 @@ def check_a_material_that_is_removed_meanwhile():
 
 def check_a_group_is_edited_while_a_material_is_removed():
     """The search for the group's materials begins again."""
-    out = setting()
-    active("Wall: brick?")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, _ = watched("Wall: brick?")
     group = bpy.data.node_groups["Worn"]
     group.nodes["Noise Texture"].inputs["Detail"].default_value = 9.0
     hear_of(group)
@@ -250,10 +226,7 @@ def check_a_group_is_edited_while_a_material_is_removed():
 
 
 def check_an_undo_is_an_edit():
-    out = setting()
-    material = active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, material = watched("Oak")
     bpy.ops.ed.undo_push(message="as it was")
     slide(material, 7.5)
     bpy.ops.ed.undo_push(message="edited")
@@ -282,10 +255,7 @@ def check_an_undo_of_the_switch_counts():
 
 def check_an_undo_in_the_midst_of_an_export():
     """At each of its steps: what is exported at last is what the file holds."""
-    out = setting()
-    active("Oak")
-    bpy.ops.quillgen.export()
-    bpy.context.scene.quillgen.live = True
+    out, _ = watched("Oak")
     for steps in range(1, 10):
         bpy.ops.ed.undo_push(message="as it was")
         tree = bpy.data.materials["Oak"].node_tree
