@@ -2,49 +2,51 @@
 // All arithmetic is on 32-bit words with wrap-around, so every result here is exact: no tolerance.
 
 // Each lane's bits rotated to the left by r places, 0 < r < 32.
-uint4 hash_rotate(uint4 x, uint r) {
+// @each DIM 2 4
+uintDIM hash_rotateDIM(uintDIM x, uint r) {
   return (x << r) | (x >> (32u - r));
 }
 
 // The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that wants one lane takes .x of
 // it, and lanes that share b and c share the steps that depend on those.
 uint4 hash_final(uint4 a, uint4 b, uint4 c) {
-  c = (c ^ b) - hash_rotate(b, 14u);
-  a = (a ^ c) - hash_rotate(c, 11u);
-  b = (b ^ a) - hash_rotate(a, 25u);
-  c = (c ^ b) - hash_rotate(b, 16u);
-  a = (a ^ c) - hash_rotate(c, 4u);
-  b = (b ^ a) - hash_rotate(a, 14u);
-  return (c ^ b) - hash_rotate(b, 24u);
+  c = (c ^ b) - hash_rotate4(b, 14u);
+  a = (a ^ c) - hash_rotate4(c, 11u);
+  b = (b ^ a) - hash_rotate4(a, 25u);
+  c = (c ^ b) - hash_rotate4(b, 16u);
+  a = (a ^ c) - hash_rotate4(c, 4u);
+  b = (b ^ a) - hash_rotate4(a, 14u);
+  return (c ^ b) - hash_rotate4(b, 24u);
 }
 
 // The complement of the same, of which only the low 24 bits count: for those the last rotation is a shift. Fewer
 // instructions, but more that wait for one another: for many lanes at a time. A step is x = (x ^ y) - rotate(y); of
 // complements it is ~x = (~x ^ y) + rotate(y), and a GPU has an exclusive or with an addition behind it as one
 // instruction. c is kept as complement.
-// The first step is the caller's, c = (~c ^ b) + hash_rotate(b, 14u): lanes and turns of a loop share it.
-uint4 hash_last(uint4 a, uint4 b, uint4 c) {
-  a = (a ^ c) + hash_rotate(~c, 11u);
-  b = hash_rotate(a, 25u) - (b ^ a);
-  c = (c ^ b) + hash_rotate(b, 16u);
-  a = (a ^ ~c) + hash_rotate(~c, 4u);
-  b = hash_rotate(a, 14u) - (b ^ a);
+// The first step is the caller's, c = (~c ^ b) + hash_rotateDIM(b, 14u): lanes that agree in b and c share it.
+// @each DIM 2 4
+uintDIM hash_lastDIM(uintDIM a, uintDIM b, uintDIM c) {
+  a = (a ^ c) + hash_rotateDIM(~c, 11u);
+  b = hash_rotateDIM(a, 25u) - (b ^ a);
+  c = (c ^ b) + hash_rotateDIM(b, 16u);
+  a = (a ^ ~c) + hash_rotateDIM(~c, 4u);
+  b = hash_rotateDIM(a, 14u) - (b ^ a);
   return (c ^ b) + (b >> 8);
 }
 
 // The six mixing steps of lookup3 that precede a fourth word, in four independent lanes.
 void hash_mix(inout uint4 a, inout uint4 b, inout uint4 c) {
-  a = (a - c) ^ hash_rotate(c, 4u);
+  a = (a - c) ^ hash_rotate4(c, 4u);
   c += b;
-  b = (b - a) ^ hash_rotate(a, 6u);
+  b = (b - a) ^ hash_rotate4(a, 6u);
   a += c;
-  c = (c - b) ^ hash_rotate(b, 8u);
+  c = (c - b) ^ hash_rotate4(b, 8u);
   b += a;
-  a = (a - c) ^ hash_rotate(c, 16u);
+  a = (a - c) ^ hash_rotate4(c, 16u);
   c += b;
-  b = (b - a) ^ hash_rotate(a, 19u);
+  b = (b - a) ^ hash_rotate4(a, 19u);
   a += c;
-  c = (c - b) ^ hash_rotate(b, 4u);
+  c = (c - b) ^ hash_rotate4(b, 4u);
   b += a;
 }
 

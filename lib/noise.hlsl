@@ -2,8 +2,8 @@
 // Tolerance against Blender: 2e-6 up to detail 4 without distortion; the rounding of the coordinate, which every
 // octave multiplies by the lacunarity, is the larger part beyond that.
 // Everything is inlined where it is called, so each texture calls its fractal at one place and a fractal calls the
-// noise at one place: what differs between octaves, colour channels and components is data of a loop. The corners of a
-// cell aren't: they are side by side.
+// noise at one place: what differs between octaves, colour channels and components is data of a loop. So are the sides
+// of a cell in y and z; two or four of its corners are taken side by side.
 
 // A point brought to where float32 resolves cells, where one of its coordinates is 100000 or more: the remainder by
 // 100000 with its sign, and half a cell more from a million on, where most coordinates are integers and the noise would
@@ -38,13 +38,13 @@ float4 noise_gradient2(uint4 n, float4 x, float4 y) {
   return mad(a, x, b * y);
 }
 
-// The same with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the float 2, 3
-// makes -2, and 0 makes 0.
-float4 noise_gradient3(uint4 n, float4 x, float4 y, float z) {
+// The same for two corners, with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the
+// float 2, 3 makes -2, and 0 makes 0.
+float2 noise_gradient3(uint2 n, float2 x, float y, float z) {
   n = (n << 1) & 31u;
-  float4 g = asfloat(((uint4)0xC4F5F500u << n) & 0xC0000000u) * z;
-  g = mad(asfloat(((uint4)0xDDDD00F5u << n) & 0xC0000000u), y, g);
-  return mad(asfloat(((uint4)0x3100DDDDu << n) & 0xC0000000u), x, g);
+  float2 g = asfloat(((uint2)0xC4F5F500u << n) & 0xC0000000u) * z;
+  g = mad(asfloat(((uint2)0xDDDD00F5u << n) & 0xC0000000u), y, g);
+  return mad(asfloat(((uint2)0x3100DDDDu << n) & 0xC0000000u), x, g);
 }
 
 // A component of each lane: a where its number is above the limit, else b. A choice by vectors is written in different
@@ -53,13 +53,13 @@ float4 noise_above(uint4 n, uint limit, float4 a, float4 b) {
   return float4(n.x > limit ? a.x : b.x, n.y > limit ? a.y : b.y, n.z > limit ? a.z : b.z, n.w > limit ? a.w : b.w);
 }
 
-// The same with one of 32 gradients, +-1 along three of four axes, and the other sign: bits 3 and 4 leave one axis out,
-// the others are signs, all complements.
-float4 noise_gradient4(uint4 n, float4 x, float4 y, float z, float w) {
+// The same for four corners, with one of 32 gradients, +-1 along three of four axes, and the other sign: bits 3 and 4
+// leave one axis out, the others are signs, all complements.
+float4 noise_gradient4(uint4 n, float4 x, float y, float z, float4 w) {
   n &= 31u;
-  float4 g = asfloat(((n << 29) & 0x80000000u) | 0x40000000u) * noise_above(n, 23u, (float4)z, (float4)w);
-  g = mad(asfloat((n << 30) | 0x40000000u), noise_above(n, 15u, y, (float4)z), g);
-  return mad(asfloat((n << 31) | 0x40000000u), noise_above(n, 7u, x, y), g);
+  float4 g = asfloat(((n << 29) & 0x80000000u) | 0x40000000u) * noise_above(n, 23u, (float4)z, w);
+  g = mad(asfloat((n << 30) | 0x40000000u), noise_above(n, 15u, (float4)y, (float4)z), g);
+  return mad(asfloat((n << 31) | 0x40000000u), noise_above(n, 7u, x, (float4)y), g);
 }
 
 // Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word
@@ -73,9 +73,13 @@ float noise_signed1(float p) {
   return 0.25 * lerp(g.y, g.x, noise_fade1(f.x));
 }
 
-// In more dimensions four corners are taken side by side, as lanes in the order (0, 0), (1, 0), (0, 1), (1, 1) of x and
-// y: a GPU that waits for one lane's step does another's meanwhile, where the turns of a loop wait for each other.
-// The square's value between its corners' four; v is the weight of the lower side.
+// In more dimensions two or four corners are taken side by side, as lanes of a vector: a GPU that waits for one lane's
+// step does another's meanwhile, where the turns of a loop wait for each other. But each lane takes registers, of which
+// the number of waves depends, and time of FXC. With four lanes instead of two, noise in 3D takes 3 % fewer cycles, 48
+// registers instead of 32, and a fifth more of FXC's time.
+
+// A square's value between its corners' four, in the order (0, 0), (1, 0), (0, 1), (1, 1); v is the weight of the lower
+// side.
 float noise_between(float4 g, float2 v) {
   float2 row = lerp(g.yw, g.xz, v.x);
   return lerp(row.y, row.x, v.y);
@@ -86,34 +90,41 @@ float noise_signed2(float2 p) {
   float2 f = frac(p);
   uint2 k = 0xDEADBF04u + asuint(int2(floor(p)));
   uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
-  uint4 n = hash_last(k.x + uint4(0u, 1u, 0u, 1u), b, (~0xDEADBF04u ^ b) + hash_rotate(b, 14u));
+  uint4 n = hash_last4(k.x + uint4(0u, 1u, 0u, 1u), b, (~0xDEADBF04u ^ b) + hash_rotate4(b, 14u));
   float4 g = noise_gradient2(n, f.x - float4(0.0, 1.0, 0.0, 1.0), f.y - float4(0.0, 0.0, 1.0, 1.0));
   return 0.3308 * noise_between(g, noise_fade2(f));
 }
 
+// Where a side of the cell is in y and z, 0 or 1 each: the two bits of `side`, 0 to 3, which is the turn of a loop. A
+// product with the bits of 1.0 is made once for all pixels, where a GPU's conversion to float is made for each.
+float2 noise_side(uint side) {
+  return asfloat(uint2(side & 1u, side >> 1) * 0x3F800000u);
+}
+
+// The lanes are the two corners along x.
 float noise_signed3(float3 p) {
   p = noise_wrap3(p);
   float3 f = frac(p);
   float3 v = noise_fade3(f);
   uint3 k = 0xDEADBF08u + asuint(int3(floor(p)));
-  float4 x = f.x - float4(0.0, 1.0, 0.0, 1.0);
-  float4 y = f.y - float4(0.0, 0.0, 1.0, 1.0);
-  uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
-  uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
-  uint4 r = hash_rotate(b, 14u);
+  float2 x = f.x - float2(0.0, 1.0);
+  uint2 a = k.x + uint2(0u, 1u);
   uint c = ~k.z;
   float sum = 0.0;
   [loop] [fastopt]
-  for (uint z = 0u; z < 2u; z++) {
-    uint4 n = hash_last(a, b, ((c - z) ^ b) + r);
-    sum = mad(v.z, noise_between(noise_gradient3(n, x, y, f.z), v.xy), sum);
-    f.z -= 1.0;
-    v.z = 1.0 - v.z;
+  for (uint side = 0u; side < 4u; side++) {
+    uint2 b = k.y + (side & 1u);
+    uint2 n = hash_last2(a, b, ((c - (side >> 1)) ^ b) + hash_rotate2(b, 14u));
+    float2 at = noise_side(side);
+    float2 e = f.yz - at;
+    float2 w = v.yz - at;
+    float2 g = noise_gradient3(n, x, e.x, e.y);
+    sum = mad(abs(w.x * w.y), lerp(g.y, g.x, v.x), sum);
   }
   return 0.491 * sum;
 }
 
-// w is the inner loop: its turns share the mixing of the other three numbers.
+// The lanes are the square's corners in x and w: those that differ in w share the mixing of the other three numbers.
 float noise_signed4(float4 p) {
   p = noise_wrap4(p);
   float4 f = frac(p);
@@ -121,26 +132,19 @@ float noise_signed4(float4 p) {
   uint4 k = asuint(int4(floor(p)));
   k.xyz += 0xDEADBF0Cu;
   float4 x = f.x - float4(0.0, 1.0, 0.0, 1.0);
-  float4 y = f.y - float4(0.0, 0.0, 1.0, 1.0);
+  float4 w = f.w - float4(0.0, 0.0, 1.0, 1.0);
   float sum = 0.0;
   [loop] [fastopt]
-  for (uint z = 0u; z < 2u; z++) {
+  for (uint side = 0u; side < 4u; side++) {
     uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
-    uint4 b = k.y + uint4(0u, 0u, 1u, 1u);
-    uint4 c = k.z + z;
+    uint4 b = k.y + (side & 1u);
+    uint4 c = k.z + (side >> 1);
     hash_mix(a, b, c);
-    a += k.w;
-    c = (~c ^ b) + hash_rotate(b, 14u);
-    uint4 r = hash_rotate(~c, 11u);
-    float2 e = float2(f.w, v.w);
-    [loop] [fastopt]
-    for (uint w = 0u; w < 2u; w++) {
-      uint4 n = hash_last(a + w, b, c);
-      sum = mad(v.z * e.y, noise_between(noise_gradient4(n, x, y, f.z, e.x), v.xy), sum);
-      e = float2(e.x - 1.0, 1.0 - e.y);
-    }
-    f.z -= 1.0;
-    v.z = 1.0 - v.z;
+    uint4 n = hash_last4(a + k.w + uint4(0u, 0u, 1u, 1u), b, (~c ^ b) + hash_rotate4(b, 14u));
+    float2 at = noise_side(side);
+    float2 e = f.yz - at;
+    float2 u = v.yz - at;
+    sum = mad(abs(u.x * u.y), noise_between(noise_gradient4(n, x, e.x, e.y, w), v.xw), sum);
   }
   return -0.4172 * sum;
 }

@@ -13,9 +13,9 @@ float voronoi_edge1(QWKVoronoiParams params, float co)
     return min(abs(left * 0.5 - at), abs(right * 0.5 - at));
 }
 
-// The nearest point is found first, then the nearest of its borders with the others: two walks over the same cells, as
-// turns of a loop. Only one cell around is looked at, so now and then a border is missed, as in Blender. Points nearer
-// to each other than 0.01 make no border.
+// The nearest point is found first, then the nearest of its borders with the others: two walks over the same rows of
+// cells, in one loop, as a loop around two more costs FXC a third of its time. Only one cell around is looked at, so now
+// and then a border is missed, as in Blender. Points nearer to each other than 0.01 make no border.
 // A point at a distance of v makes no border nearer than half of what v is more than the nearest point's distance.
 // @each DIM 2 3 4
 float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
@@ -30,50 +30,51 @@ float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
     float radius = 0.0;
     float edge = 3.402823466e+38;
     float limit = edge;
+    uint rows = DIM < 3 ? 3u : DIM < 4 ? 9u : 27u;
     [loop] [fastopt]
-    for (int walk = 0; walk < 2; walk++)
+    for (uint row = 0u; row < 2u * rows; row++)
     {
-        [loop] [fastopt]
-        for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
+        [branch]
+        if (row == rows)
         {
-            intDIM at = cell_rowDIM(row);
-            float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
-            [branch]
-            if (across <= limit)
+            radius = sqrt(limit);
+            limit = 3.402823466e+38;
+        }
+        intDIM at = cell_rowDIM(row < rows ? row : row - rows);
+        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
+        [branch]
+        if (across <= limit)
+        {
+            intDIM v = base + at * 1664525;
+            int2 growth = hash_rowDIM(v);
+            [loop] [fastopt]
+            for (uint i = 0u; i < 3u; i++)
             {
-                intDIM v = base + at * 1664525;
-                int2 growth = hash_rowDIM(v);
-                [loop] [fastopt]
-                for (uint i = 0u; i < 3u; i++)
+                at.x = cell_offset(i);
+                [branch]
+                if (voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params) <= limit)
                 {
-                    at.x = cell_offset(i);
+                    floatDIM other = mad(voronoi_cellDIM(v, growth, at.x), scale, (floatDIM)at - local);
                     [branch]
-                    if (voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params) <= limit)
+                    if (row < rows)
                     {
-                        floatDIM other = mad(voronoi_cellDIM(v, growth, at.x), scale, (floatDIM)at - local);
-                        [branch]
-                        if (walk == 0)
-                        {
-                            float square = dot(other, other);
-                            int key = cell_keyDIM(at);
-                            bool nearer = square == limit ? key < nearest_key : square < limit;
-                            limit = nearer ? square : limit;
-                            nearest_key = nearer ? key : nearest_key;
-                            nearest = nearer ? other : nearest;
-                        }
-                        else
-                        {
-                            floatDIM apart = other - nearest;
-                            float square = dot(apart, apart);
-                            if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
-                            limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
-                        }
+                        float square = dot(other, other);
+                        int key = cell_keyDIM(at);
+                        bool nearer = square == limit ? key < nearest_key : square < limit;
+                        limit = nearer ? square : limit;
+                        nearest_key = nearer ? key : nearest_key;
+                        nearest = nearer ? other : nearest;
+                    }
+                    else
+                    {
+                        floatDIM apart = other - nearest;
+                        float square = dot(apart, apart);
+                        if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
+                        limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
                     }
                 }
             }
         }
-        radius = sqrt(limit);
-        limit = 3.402823466e+38;
     }
     return edge;
 }
