@@ -1,6 +1,7 @@
 """A Blender material as one flat document: nodes, what links them, images and settings."""
 
 import re
+from collections.abc import Iterator
 from typing import Any, NamedTuple
 
 import bpy
@@ -104,11 +105,25 @@ def driven_in(data: Any) -> set[str]:
 
 
 def animated(data: Any) -> list[Any]:
-    """The curves of the action; since Blender 4.4 they lie in a slot of its own for each thing that it animates."""
-    if data.action is None:
-        return []
-    if not hasattr(data, "action_slot"):
-        return list(data.action.fcurves)
-    strips = (strip for layer in data.action.layers for strip in layer.strips)
-    bags = (strip.channelbag(data.action_slot) for strip in strips if data.action_slot)
+    """The curves of the action that is edited and of those in the strips of the nonlinear animation."""
+    played = (strip for track in data.nla_tracks if not track.mute for strip in strips(track))
+    return [curve for user in (data, *played) if user.action for curve in curves(user)]
+
+
+def strips(owner: Any) -> Iterator[Any]:
+    """The strips of a track, or of a strip that holds others, and those within them."""
+    for strip in owner.strips:
+        if not strip.mute:
+            yield strip
+            yield from strips(strip)
+
+
+def curves(user: Any) -> list[Any]:
+    """The curves of the action that animation data or a strip uses; since Blender 4.4 they lie in a slot of its own for
+    each thing that it animates."""
+    action = user.action
+    if not hasattr(user, "action_slot"):
+        return list(action.fcurves)
+    parts = (strip for layer in action.layers for strip in layer.strips)
+    bags = (part.channelbag(user.action_slot) for part in parts if user.action_slot)
     return [curve for bag in bags if bag for curve in bag.fcurves]

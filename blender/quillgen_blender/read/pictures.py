@@ -56,7 +56,7 @@ def save_picture(picture: Any, folder: Path, stem: str) -> tuple[Path, dict[str,
     that Blender holds, those in foreign colour spaces by way of Blender's colour management. Raises FileNotFoundError
     where there are no pixels.
     """
-    if not picture.has_data and not len(picture.pixels):
+    if not has_pixels(picture):
         raise FileNotFoundError(errno.ENOENT, "A picture has no pixels", picture.filepath or picture.name)
     found = record(picture)
     stored = Path(bpy.path.abspath(picture.filepath_from_user())) if picture.filepath else None
@@ -73,6 +73,12 @@ def plain(picture: Any, found: dict[str, Any]) -> bool:
     """Whether the image's file holds the numbers that the text expects."""
     formats = FLOATS if picture.is_float else BYTES
     return untouched(picture) and picture.file_format in formats and "stored" not in found
+
+
+def has_pixels(picture: Any) -> bool:
+    """Whether there is something to save. A file is read if it was not yet; of a sequence Blender reads what a window
+    shows."""
+    return picture.has_data or len(picture.pixels) > 0
 
 
 def missing(picture: Any) -> bool:

@@ -14,6 +14,7 @@ MOVING = {
     "MOVIE": "is a movie: the picture that is shown now is taken",
     "TILED": "has UDIM tiles: the first one is taken everywhere",
 }
+UNSHOWN = "is a sequence or a movie of which no picture is shown: export from Blender's window, where one is"
 
 
 def own(name: str, pointers: set[str]) -> tuple[Callable[..., None], ...]:
@@ -130,7 +131,9 @@ def add_image(writer: Any, node: Any, record: dict[str, Any]) -> None:
         writer.images[name] = pictures.record(picture)
     if pictures.missing(picture):
         writer.note(record["id"], f"the file of {picture.name} is missing: Blender shows magenta")
-    if picture.source in MOVING:
+    if picture.source in ("SEQUENCE", "MOVIE") and not pictures.has_pixels(picture):
+        writer.note(record["id"], f"{picture.name} {UNSHOWN}")
+    elif picture.source in MOVING:
         writer.note(record["id"], f"{picture.name} {MOVING[picture.source]}", "near")
 
 

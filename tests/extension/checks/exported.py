@@ -72,6 +72,20 @@ def check_a_picture_that_is_gone_is_told():
     assert any("gone.png isn't exported" in remark["text"] for remark in state.last(material).remarks)
 
 
+def check_a_sequence_of_which_nothing_is_shown_is_told():
+    """Without a window Blender reads no picture of it."""
+    out = setting()
+    material = active("Poster")
+    bpy.data.images["Paint ing.png"].save(filepath=str(out / "walk_0001.png"))
+    image = bpy.data.images.load(str(out / "walk_0001.png"))
+    image.source = "SEQUENCE"
+    material.node_tree.nodes["Image Texture"].image = image
+    assert bpy.ops.quillgen.export() == {"FINISHED"}
+    texts = [remark["text"] for remark in state.last(material).remarks]
+    assert any("no picture is shown: export from Blender's window" in text for text in texts), texts
+    assert not any("shown now is taken" in text for text in texts), texts
+
+
 def check_what_blender_says_of_a_picture_is_told_in_a_line():
     out = setting()
     material = active("Poster")

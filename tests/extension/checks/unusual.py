@@ -105,6 +105,23 @@ def check_animated_and_driven_nodes_are_found():
     assert read.flatten(material).document["host"]["drivers"] == sorted([noise.name, "Principled BSDF"])
 
 
+def check_nodes_that_the_nonlinear_animation_moves_are_found():
+    setting()
+    material, tree, shader = fresh("Elm")
+    shader.inputs["Roughness"].keyframe_insert("default_value", frame=1)
+    data = tree.animation_data
+    action, slot = data.action, getattr(data, "action_slot", None)
+    data.action = None
+    assert read.flatten(material).document["host"]["drivers"] == []
+    track = data.nla_tracks.new()
+    strip = track.strips.new("Wear", 1, action)
+    if slot:
+        strip.action_slot = slot
+    assert read.flatten(material).document["host"]["drivers"] == ["Principled BSDF"]
+    track.mute = True
+    assert read.flatten(material).document["host"]["drivers"] == []
+
+
 def check_a_constant_that_is_no_number_crosses_into_an_integer():
     for number in (float("nan"), float("inf"), -float("inf")):
         assert values.convert(number, "VALUE", "INT") == 0
