@@ -30,10 +30,11 @@ nor broken octaves, and cells give the distance alone.
 FXC = """### Compile time of FXC
 
 Seconds of processor time that Microsoft's FXC under Wine takes for shader model 5, parameters as constants; the least
-of three, before and now in turns. FXC takes time for each corner side by side, each branch and each loop around another.
-Noise is below what it was. Voronoi textures are above it, up to half for a small material: leaving out far cells takes a
-branch in each of two loops, and is what frames gain from. With parameters as inputs the four slowest take 4 to 32 % more
-than before, in blocks of instructions that FXC executes. DXC stays below one second for every material.
+of three, before and now in turns. FXC takes time for each corner side by side, each branch and each loop around
+another. Noise is below what it was. Voronoi textures are above it, up to half for a small material: leaving out far
+cells takes a branch in each of two loops, and is what frames gain from. With parameters as inputs the four slowest
+take 4 to 32 % more than before, in blocks of instructions that FXC executes. DXC stays below one second for every
+material.
 """
 
 
