@@ -1,7 +1,7 @@
-// Walks through the cells around a point.
+// Iteration over the cells around a point.
 
-// Each call moves o to the next offset, -r to r in each component, x fastest, and says whether there is one. So one
-// flat loop serves every dimension, and its body stands in the text once.
+// Each call advances o to the next offset, -r to r in each component, x fastest, and returns whether there is one. So
+// one flat loop serves every dimension and contains its body once.
 bool cell_next1(inout int o, int r)
 {
     o += 1;
@@ -38,14 +38,14 @@ bool cell_next_row4(inout int4 o, int r)
     return cell_next3(o.yzw, r);
 }
 
-// Where a nearest point is looked for, cells are counted from the inside out, so that those farther away can be left
-// out: offsets 0, -1, 1 for i = 0, 1, 2.
+// Searches for a nearest point visit cells from the inside out, so that farther ones can be skipped: offsets 0, -1, 1
+// for i = 0, 1, 2.
 int cell_offset(uint i)
 {
     return int(i >> 1) - int(i & 1u);
 }
 
-// The middle cell of a row of cells along x; there are 3, 9 or 27 rows.
+// The offset of the middle cell of a row along x; there are 3, 9 or 27 rows.
 int2 cell_row2(uint row)
 {
     return int2(0, cell_offset(row));
@@ -61,7 +61,7 @@ int4 cell_row4(uint row)
     return int4(0, cell_offset(row % 3u), cell_offset(row / 3u % 3u), cell_offset(row / 9u));
 }
 
-// A number that grows in the order x, y, z, w of offsets -1 to 1, and the offsets of such a number.
+// A key for offsets from -1 to 1, which orders cells with x fastest, then y, z, w; and its inverse.
 int cell_key2(int2 o)
 {
     return o.x + 4 * o.y;
@@ -77,7 +77,7 @@ int cell_key4(int4 o)
     return o.x + 4 * o.y + 16 * o.z + 64 * o.w;
 }
 
-// 85 = 1 + 4 + 16 + 64 makes each two bits of the number an offset plus one.
+// Adding 85 = 1 + 4 + 16 + 64 makes each pair of bits an offset plus one.
 // @each DIM 2 3 4
 intDIM cell_of_keyDIM(int key)
 {

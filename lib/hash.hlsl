@@ -1,14 +1,14 @@
 // Hashes: the word hash of white noise, gradient noise and Gabor noise, and the integer hash of Voronoi cells.
 // All arithmetic is on 32-bit words with wrap-around, so every result here is exact: no tolerance.
 
-// Each lane's bits rotated to the left by r places, 0 < r < 32.
+// Rotates the bits of each lane to the left by r, 0 < r < 32.
 // @each DIM 2 4
 uintDIM hash_rotateDIM(uintDIM x, uint r) {
   return (x << r) | (x >> (32u - r));
 }
 
-// The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that wants one lane takes .x of
-// it, and lanes that share b and c share the steps that depend on those.
+// The last seven steps of Bob Jenkins' lookup3, in four independent lanes. A caller that needs one lane takes .x of the
+// result. Lanes with the same b and c share the steps that depend only on those.
 uint4 hash_final(uint4 a, uint4 b, uint4 c) {
   c = (c ^ b) - hash_rotate4(b, 14u);
   a = (a ^ c) - hash_rotate4(c, 11u);
@@ -19,11 +19,11 @@ uint4 hash_final(uint4 a, uint4 b, uint4 c) {
   return (c ^ b) - hash_rotate4(b, 24u);
 }
 
-// The complement of the same, of which only the low 24 bits count: for those the last rotation is a shift. Fewer
-// instructions, but more that wait for one another: for many lanes at a time. A step is x = (x ^ y) - rotate(y); of
-// complements it is ~x = (~x ^ y) + rotate(y), and a GPU has an exclusive or with an addition behind it as one
+// The complement of the same, valid in the low 24 bits only, for which the last rotation is a shift. It has fewer
+// instructions, but more of them wait for each other, so it suits many lanes at a time. A step x = (x ^ y) - rotate(y)
+// is ~x = (~x ^ y) + rotate(y) on complements, and a GPU has an exclusive or followed by an addition as one
 // instruction. c is kept as complement.
-// The first step is the caller's, c = (~c ^ b) + hash_rotateDIM(b, 14u): lanes that agree in b and c share it.
+// The caller does the first step, c = (~c ^ b) + hash_rotateDIM(b, 14u): lanes with the same b and c share it.
 // @each DIM 2 4
 uintDIM hash_lastDIM(uintDIM a, uintDIM b, uintDIM c) {
   a = (a ^ c) + hash_rotateDIM(~c, 11u);
@@ -77,7 +77,7 @@ float hash_unit(uint h) {
   return float(h) * 2.3283064365386963e-10;
 }
 
-// A float vector's bits hashed to a float from 0 to 1. -0 and +0 differ, and so do NaNs of different bits.
+// Hashes the bits of a float vector to a float from 0 to 1. -0 and +0 differ, and so do NaNs of different bits.
 float hash_float_to_float(float x) {
   return hash_unit(hash_word1(asuint(x)));
 }
@@ -128,10 +128,10 @@ int4 hash_round4(int4 v) {
   return v;
 }
 
-// Integer hash (a PCG generator with as many outputs as inputs) of a Voronoi cell's number: each component from 0 to
-// 1, 1 included. Several times cheaper than the word hash. The shift must be the arithmetic one of signed integers.
-// The factor is 2^-31, as the top bit is cleared.
-// hash_int begins it, hash_cell is what follows the first round, without the factor: 0 to 2^31.
+// Integer hash (a PCG generator with as many outputs as inputs) of the coordinates of a Voronoi cell: each component
+// from 0 to 1, 1 included. Several times cheaper than the word hash. The shift must be the arithmetic shift of signed
+// integers. The factor is 2^-31, as the top bit is cleared.
+// hash_int is the step before the first round. hash_cell is the steps after it, without the factor: 0 to 2^31.
 // @each DIM 2 3 4
 intDIM hash_intDIM(intDIM v) {
   return mad(v, 1664525, 1013904223);
@@ -147,9 +147,10 @@ floatDIM hash_intDIM_to_floatDIM(intDIM v) {
   return hash_cellDIM(hash_roundDIM(hash_intDIM(v))) * 4.656612873077393e-10;
 }
 
-// The first round for a row of cells that differ in x. Integer products cost a GPU four additions each: those that
-// the row shares are made here, and x and y of the round become linear in the cell's place, as x stands in no product
-// before. Gives what they grow by from cell to cell, 1664525 and 1664525 times what y took of x.
+// The lines of the first round that a row of cells along x shares. A GPU's integer product costs as much as four
+// additions, so the shared products are computed here. No product here has two factors that depend on x, so x and y of
+// the round are linear in the cell's position. Returns their increments per cell: 1664525, and 1664525 times the factor
+// of x in y.
 int2 hash_row2(inout int2 v) {
   v = hash_round2(v);
   return int2(1664525, 389569705);  // the square of 1664525, of which 32 bits are left

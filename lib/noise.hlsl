@@ -1,16 +1,17 @@
 // Noise textures: gradient noise of one to four dimensions and the five fractals that sum its octaves.
-// Tolerance against Blender: 2e-6 up to detail 4 without distortion; the rounding of the coordinate, which every
-// octave multiplies by the lacunarity, is the larger part beyond that.
-// Everything is inlined where it is called, so each texture calls its fractal at one place and a fractal calls the
-// noise at one place: what differs between octaves, colour channels and components is data of a loop. So are the sides
-// of a cell in y and z; two or four of its corners are taken side by side.
+// Tolerance against Blender: 2e-6 up to detail 4 without distortion. Beyond that, the larger part of the error is the
+// rounding of the coordinate, which every octave multiplies by the lacunarity.
+// Compilers inline every call. So each texture calls its fractal at one place, and each fractal calls the noise at one
+// place: octaves, colour channels and distortion components are iterations of a loop. So are the sides of a cell in y
+// and z; two or four of its corners are lanes of a vector.
 
-// A point brought to where float32 resolves cells, where one of its coordinates is 100000 or more: the remainder by
-// 100000 with its sign, and half a cell more from a million on, where most coordinates are integers and the noise would
-// be zero. The squared length is one test for all; a smaller coordinate that comes along stays as it is.
-// Exact up to 2e12, fused or not: 409600000 = 4096 * 100000 = 2^17 * 3125, so the products of quotients up to 5368 have
-// 24 bits, and the first step leaves the second quotients below 4096.
-// Not the operator %, which FXC makes twice as many instructions of. What is infinite or no number ends up somewhere.
+// Wraps a point with a coordinate of 100000 or more to where float32 resolves cells: the remainder by 100000 with the
+// coordinate's sign, plus half a cell from a million on, where most coordinates are integers and the noise would be
+// zero. One test of the squared length covers all coordinates; smaller coordinates do not change.
+// Exact up to 2e12, with or without fused multiply-add: 409600000 = 4096 * 100000 = 2^17 * 3125, so the products of
+// quotients up to 5368 have 24 bits, and the first step leaves the second quotients below 4096.
+// The operator % is not used, because FXC compiles it to twice as many instructions. Infinite and NaN coordinates
+// become arbitrary ones.
 // @each DIM 1 2 3 4
 floatDIM noise_wrapDIM(floatDIM p) {
   [branch]
@@ -21,16 +22,16 @@ floatDIM noise_wrapDIM(floatDIM p) {
   return p;
 }
 
-// The weight of a cell's lower side, from the offset f in the cell, 0 to 1: one minus the fade of the fifth order.
+// The weight of a cell's lower side, from the offset f in the cell, 0 to 1: one minus the fifth-order fade.
 // @each DIM 1 2 3 4
 floatDIM noise_fadeDIM(floatDIM f) {
   return mad(f * f * f, mad(f, mad(f, -6.0, 15.0), -10.0), 1.0);
 }
 
-// Twice the products of four corners' gradients and the offsets x, y from the corners; n are the complements of the
-// corners' hashes. The gradient is one of eight, chosen by the low bits of n: +-1 along one axis, +-2 along the other.
-// Each table word holds a component: the eight signs from bit 31 down, the eight lengths from bit 23 down. Brought to
-// bits 31 and 23 they make the float +-2 or +-4.
+// Twice the dot products of four corners' gradients with the offsets x, y from the corners. n holds the complements of
+// the corners' hashes. Its low three bits choose one of eight gradients: +-1 along one axis, +-2 along the other.
+// Each constant is a table of one component: the eight signs from bit 31 down, the eight lengths from bit 23 down.
+// Shifted to bits 31 and 23 they make the float +-2 or +-4.
 float4 noise_gradient2(uint4 n, float4 x, float4 y) {
   n &= 7u;
   float4 a = asfloat((((uint4)0xCAF00000u << n) & 0x80800000u) | 0x40000000u);
@@ -38,8 +39,8 @@ float4 noise_gradient2(uint4 n, float4 x, float4 y) {
   return mad(a, x, b * y);
 }
 
-// The same for two corners, with one of sixteen gradients: +-1 along two of three axes. Two bits for each: 1 makes the
-// float 2, 3 makes -2, and 0 makes 0.
+// The same for two corners, with one of sixteen gradients: +-1 along two of three axes. The tables have two bits for
+// each gradient: 1 makes the float 2, 3 makes -2, and 0 makes 0.
 float2 noise_gradient3(uint2 n, float2 x, float y, float z) {
   n = (n << 1) & 31u;
   float2 g = asfloat(((uint2)0xC4F5F500u << n) & 0xC0000000u) * z;
@@ -47,14 +48,14 @@ float2 noise_gradient3(uint2 n, float2 x, float y, float z) {
   return mad(asfloat(((uint2)0x3100DDDDu << n) & 0xC0000000u), x, g);
 }
 
-// A component of each lane: a where its number is above the limit, else b. A choice by vectors is written in different
-// ways in HLSL 2018 and 2021.
+// Selects per lane: a where n is above the limit, else b. Written out because HLSL 2018 and 2021 have different syntax
+// for a select on vectors.
 float4 noise_above(uint4 n, uint limit, float4 a, float4 b) {
   return float4(n.x > limit ? a.x : b.x, n.y > limit ? a.y : b.y, n.z > limit ? a.z : b.z, n.w > limit ? a.w : b.w);
 }
 
-// The same for four corners, with one of 32 gradients, +-1 along three of four axes, and the other sign: bits 3 and 4
-// leave one axis out, the others are signs, all complements.
+// The same for four corners, with one of 32 gradients, +-1 along three of four axes, and negated. Bits 3 and 4 of n
+// select the axis that is left out, the other bits are signs; all are complemented.
 float4 noise_gradient4(uint4 n, float4 x, float y, float z, float4 w) {
   n &= 31u;
   float4 g = asfloat(((n << 29) & 0x80000000u) | 0x40000000u) * noise_above(n, 23u, (float4)z, w);
@@ -62,9 +63,9 @@ float4 noise_gradient4(uint4 n, float4 x, float y, float z, float4 w) {
   return mad(asfloat((n << 31) | 0x40000000u), noise_above(n, 7u, x, (float4)y), g);
 }
 
-// Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word
-// hash of its cell's numbers. The last factor brings the noise of each dimension to that range; it halves doubled
-// products.
+// Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word hash
+// of its cell coordinates. The last factor scales the noise of each dimension to that range; it also halves products
+// that are doubled.
 float noise_signed1(float p) {
   p = noise_wrap1(p);
   float2 f = float2(frac(p), frac(p) - 1.0);
@@ -73,13 +74,13 @@ float noise_signed1(float p) {
   return 0.25 * lerp(g.y, g.x, noise_fade1(f.x));
 }
 
-// In more dimensions two or four corners are taken side by side, as lanes of a vector: a GPU that waits for one lane's
-// step does another's meanwhile, where the turns of a loop wait for each other. But each lane takes registers, of which
-// the number of waves depends, and time of FXC. With four lanes instead of two, noise in 3D takes 3 % fewer cycles, 48
-// registers instead of 32, and a fifth more of FXC's time.
+// In 2D to 4D, two or four corners are computed side by side as lanes of a vector. Lanes are independent, so a GPU
+// overlaps their latencies, while the iterations of a loop wait for each other. But each lane takes registers, which
+// limit the number of waves (occupancy), and compile time in FXC. In 3D, four lanes instead of two take 3 % fewer
+// cycles, 48 registers instead of 32, and a fifth more of FXC's time.
 
-// A square's value between its corners' four, in the order (0, 0), (1, 0), (0, 1), (1, 1); v is the weight of the lower
-// side.
+// Bilinear interpolation of the values at a square's corners, in the order (0, 0), (1, 0), (0, 1), (1, 1); v is the
+// weight of the lower side.
 float noise_between(float4 g, float2 v) {
   float2 row = lerp(g.yw, g.xz, v.x);
   return lerp(row.y, row.x, v.y);
@@ -95,8 +96,8 @@ float noise_signed2(float2 p) {
   return 0.3308 * noise_between(g, noise_fade2(f));
 }
 
-// Where a side of the cell is in y and z, 0 or 1 each: the two bits of `side`, 0 to 3, which is the turn of a loop. A
-// product with the bits of 1.0 is made once for all pixels, where a GPU's conversion to float is made for each.
+// The y and z of a side of the cell, 0 or 1 each: the two bits of the loop counter `side`, 0 to 3. A GPU multiplies by
+// the bits of 1.0 once for all pixels, but converts to float for each pixel.
 float2 noise_side(uint side) {
   return asfloat(uint2(side & 1u, side >> 1) * 0x3F800000u);
 }
@@ -124,7 +125,8 @@ float noise_signed3(float3 p) {
   return 0.491 * sum;
 }
 
-// The lanes are the square's corners in x and w: those that differ in w share the mixing of the other three numbers.
+// The lanes are the corners of the square in x and w: lanes that differ in w share the mixing of the other three
+// coordinates.
 float noise_signed4(float4 p) {
   p = noise_wrap4(p);
   float4 f = frac(p);
@@ -149,19 +151,19 @@ float noise_signed4(float4 p) {
   return -0.4172 * sum;
 }
 
-// The fractals. Octaves are counted by how much of `detail` is done when one begins: -1 at the first, which is always
-// there. The last counts for as much as remains, below 1 where `detail` is no integer. The loops test at their head:
-// with a test at the foot, Mesa's CPU driver gives the last octave of the longest lane to all. None goes on beyond the
-// 16 octaves that Blender has at most, whatever number it is given.
-// plain: the noise alone of the last octave, which with detail 0 is the only one.
+// The fractals. `done` is how much of `detail` is done when an octave begins: -1 for the first octave, which always
+// runs. The last octave is weighted by the rest of `detail`, which is below 1 (a fractional octave) if `detail` is not
+// an integer. The loops test at their start: with a test at the end, Mesa's CPU driver gives all lanes the last octave
+// of the lane that runs longest. No loop exceeds 16 octaves, Blender's maximum, whatever `detail` is.
+// plain: the noise of the last octave before any weighting. With detail 0, the last octave is the only one.
 
-// The sum of octaves whose amplitude changes by `roughness`; normalize brings it to 0 to 1. The second components are
-// those of one octave earlier: a fractional octave mixes the two results.
-// What is left of `detail` when an octave begins is told as 1 for the first, so that the compiler knows there is one;
-// the 1e-30 keeps the quotient of the octaves before the last finite, where there are none and where their weights add
-// up to 0, as a roughness of -1 makes them: nothing is taken of it unless the last is a broken one.
-// Here the scale grows and the point stays, where the other fractals multiply the point again and again: Blender does
-// so, and the two round differently.
+// The sum of octaves whose amplitude is multiplied by `roughness`; normalize scales it to 0 to 1. The second components
+// are one octave behind: a fractional octave interpolates between the two results.
+// `left` is the rest of `detail` when an octave begins. It starts as the constant 1, so that the compiler knows that
+// the first octave runs. The 1e-30 keeps the quotient of the earlier octaves finite where there are none, and where
+// their weights sum to 0, as with a roughness of -1: a quotient that is multiplied by 0 unless the last octave is
+// fractional.
+// This fractal multiplies the scale, the others multiply the point, each as in Blender: the two round differently.
 // @each DIM 1 2 3 4
 float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain,
     float normalize, out float plain) {
@@ -205,7 +207,8 @@ float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, f
   return value;
 }
 
-// A sum in which each octave counts as far as the ones before it left a signal. A negative signal ends it.
+// A sum in which each octave is weighted by `carry`, the signal that the octaves before it left. A signal of 0.001 or
+// less ends it.
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
@@ -269,11 +272,11 @@ float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness,
   return value;
 }
 
-// Where the noise is read for the components of the distortion and for the second and third channel of the colour:
-// offsets in 100 to 200 that keep them apart from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s,
-// j), rounded once as Blender does from 5.1 on, in one dimension 100 + 100 * hash_float_to_float(s). Choices, as an
-// array costs memory at each use; and typed values, as a choice of plain literals loses digits in one of the two
-// targets of the compiler.
+// Offsets of the point for the components of the distortion and for the second and third channel of the colour: 100 to
+// 200, which decorrelates them from the value. Row s, column j is 100 + 100 * hash_float2_to_float(s, j), rounded once
+// as in Blender from 5.1 on; in one dimension it is 100 + 100 * hash_float_to_float(s). These are conditional
+// expressions, because an array costs memory at each use, on typed values, because a choice between plain literals
+// loses digits in one of DXC's two targets.
 float noise_offset1(int s) {
   float3 o = float3(158.24258, 114.83605, 188.4887);
   return s == 0 ? o.x : s == 1 ? o.y : o.z;
@@ -293,7 +296,7 @@ floatDIM noise_offsetDIM(int s) {
   return (floatDIM)noise_offset(s);
 }
 
-// Where a turn of the texture below reads the noise, from the point. Choices that `turn` cannot meet fall away.
+// What the iteration `turn` of the texture below adds to the point. Cases that DIM excludes are folded away.
 // @each DIM 1 2 3 4
 floatDIM noise_turnDIM(int turn, floatDIM moved) {
   return turn == -1 ? noise_offsetDIM(0) : DIM > 1 && turn == -2 ? noise_offsetDIM(1) :
@@ -301,12 +304,11 @@ floatDIM noise_turnDIM(int turn, floatDIM moved) {
 }
 
 // A noise texture at co, already scaled: detail 0 to 15, roughness not negative, the rest unlimited; normalize and
-// want_colour are 1.0 or 0.0. Gives the value; colour becomes the value and two more channels where it is wanted,
-// else 0.
-// Turns below 0 make the components of the distortion, the last one first, so that each pushes the others to its
-// place; turn 0 makes the value and turns 1 and 2 the other channels.
-// Compilers keep a loop that the text says to keep, be it of one turn: the break leaves its counter and test out where
-// the value is all that is wanted. fastopt keeps FXC from playing the turns through.
+// want_colour are 1.0 or 0.0. Returns the value; colour is the value and two more channels if it is wanted, else 0.
+// Iterations below 0 compute the components of the distortion, the last one first, so that each shifts the others to
+// their places. Iteration 0 computes the value, 1 and 2 the other channels.
+// Compilers keep a loop marked [loop] even if it has one iteration. The break removes its counter and test if only the
+// value is wanted, without distortion. [fastopt] stops FXC from simulating the iterations at compile time.
 // @each DIM 1 2 3 4
 // @each TYPE FBM MULTIFRACTAL HYBRID_MULTIFRACTAL RIDGED_MULTIFRACTAL HETERO_TERRAIN
 float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain,

@@ -1,8 +1,8 @@
-// The Voronoi features that ask for the space between feature points. Only randomness counts of the cell's
-// settings, and distances are Euclidean throughout. Tolerance against Blender: rounding.
+// The Voronoi features that measure the space between feature points. The only setting of the cells that matters is
+// randomness, and distances are always Euclidean. Tolerance against Blender: rounding.
 
-// One octave of the distance to the border between this cell's point and its neighbours'. The cell itself is hashed
-// with the sign of its zero, as Blender does here.
+// One octave of the distance to the border between this cell's point and its neighbours'. The sign of a zero coordinate
+// is part of this cell's hash, as in Blender.
 float voronoi_edge1(QWKVoronoiParams params, float co)
 {
     float c = floor(co);
@@ -13,10 +13,11 @@ float voronoi_edge1(QWKVoronoiParams params, float co)
     return min(abs(left * 0.5 - at), abs(right * 0.5 - at));
 }
 
-// The nearest point is found first, then the nearest of its borders with the others: two walks over the same rows of
-// cells, in one loop, as a loop around two more costs FXC a third of its time. Only one cell around is looked at, so now
-// and then a border is missed, as in Blender. Points nearer to each other than 0.01 make no border.
-// A point at a distance of v makes no border nearer than half of what v is more than the nearest point's distance.
+// The first pass finds the nearest point, the second the nearest of its borders with the others. Both iterate over the
+// same rows of cells in one loop, because a loop around two more costs FXC a third of its time. Only cells at offsets
+// -1 to 1 are searched, so some borders are missed, as in Blender. Points nearer than 0.01 to each other make no
+// border.
+// The border with a point at distance v is at least half the difference of v and the nearest point's distance away.
 // @each DIM 2 3 4
 float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {
@@ -79,8 +80,9 @@ float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
     return edge;
 }
 
-// Distance to the nearest border over detail + 1 octaves; the last counts for its fraction. normalize divides by the
-// blended max_distance. One octave alone gives its distance unblended: the blend, which begins at 8, costs digits.
+// Distance to the nearest border over detail + 1 octaves; the last is weighted by its fraction. normalize divides by
+// the interpolated max_distance. A single octave is not interpolated: the interpolation, which starts at 8, loses
+// digits.
 // @each DIM 1 2 3 4
 float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {
