@@ -1,5 +1,5 @@
-"""Draws the extension's panels from their own definitions, as docs/extension/panels.svg: there is no screen to take a
-picture of. Runs in a Python that has bpy.
+"""Draws the extension's panels from their definitions to docs/extension/panels.svg, because there is no screen to take
+a screenshot of. Runs in a Python with bpy.
 
     .venv-blender-5.2/bin/python tools/draw_panels.py [FILE.svg]
 """
@@ -42,8 +42,7 @@ def main(path: Path = DRAWING) -> None:
 
 
 def drawing() -> str:
-    """The panels of a material that was just exported. The numbers are fixed, so that the same panels give the same
-    drawing."""
+    """The panels of a material that was just exported. The numbers are fixed, to make the drawing reproducible."""
     import bpy
     import materials  # type: ignore[import-not-found]
     from recording import context_of, drawn  # type: ignore[import-not-found]
@@ -86,7 +85,7 @@ def svg(layouts: list[tuple[str, Any]]) -> str:
 
 
 def column(layout: Any, x: float, y: float, width: float) -> tuple[list[str], float]:
-    """The shapes of a layout's items one below the other, and their height."""
+    """The shapes of a layout's items, stacked vertically, and their total height."""
     parts: list[str] = []
     start = y
     gap = 1 if layout.align else GAP
@@ -109,7 +108,7 @@ def shape(item: Any, x: float, y: float, width: float) -> tuple[list[str], float
 
 
 def row(layout: Any, x: float, y: float, width: float) -> tuple[list[str], float]:
-    """Items side by side; a button without a text is as wide as its icon."""
+    """The shapes of items side by side, and their height. A button without text is as wide as its icon."""
     narrow = [item.kind == "operator" and not item.text for item in layout.children]
     gap = 1 if layout.align else GAP
     wide = (width - sum(narrow) * (LINE + gap)) / max(len(narrow) - sum(narrow), 1)
@@ -168,4 +167,4 @@ if __name__ == "__main__":
     quillgen_blender.register()
     main(*map(Path, sys.argv[1:]))
     sys.stdout.flush()
-    os._exit(0)  # bpy 4.2 as a module crashes as it ends, once a property had an update function
+    os._exit(0)  # bpy 4.2 as a module crashes at exit if a property had an update function

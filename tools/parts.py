@@ -1,42 +1,42 @@
-"""The parts of the tests: one row for each, in the order in which they begin. Two run side by side.
+"""The parts of the tests, in the order in which they start. By default two run in parallel.
 
-A row says what to run (a bash command line at the root of the repository), in which choices (`tools/test --fast`,
-`tools/test`, `tools/test --all`), and what has to be there first. In a command line `{python}` is the Python that has
-the packages of tests/requirements.txt; the modules of the GCC build, binding/python and blender are on its path.
+A row holds the command (a bash command line, run in the repository root), the choices that include it (`tools/test
+--fast`, `tools/test`, `tools/test --all`) and its requirements. In a command, `{python}` is the interpreter with the
+packages of tests/requirements.txt; the modules of the GCC build, binding/python and blender are on its path.
 
-A command that leaves something out says so in a line that begins with "left out: "; pytest's skipped tests are found
-without that.
+A command that skips something prints a line that begins with "left out: ". Tests that pytest skips are detected without
+such a line.
 """
 
 from dataclasses import dataclass
 
 FAST = ("fast", "default", "all")
 DEFAULT = ("default", "all")
-SHORT = ("default",)  # a sample of what `--all` does in full
+SHORT = ("default",)  # samples; `--all` runs the full parts instead
 ALL = ("all",)
 
-CPP = "bench binding closures core lib nodes tests tools"  # folders with C++; a copy of the sources may have no git
+CPP = "bench binding closures core lib nodes tests tools"  # folders with C++; listed since a copy may have no git
 
 
 @dataclass(frozen=True)
 class Part:
     name: str
-    does: str  # what is told while it runs
+    does: str  # description, printed when the part starts
     command: str
     choices: tuple[str, ...]
     after: tuple[str, ...] = ()  # parts that must have passed
-    setup: tuple[str, ...] = ("build",)  # what `tools/setup` must have installed, see there
-    option: str = ""  # runs only where this option of `tools/test` is given
+    setup: tuple[str, ...] = ("build",)  # arguments of `tools/setup` that it requires
+    option: str = ""  # runs only with this option of `tools/test`
 
 
 def pytest(name: str, does: str, tests: str, choices: tuple[str, ...], **further: object) -> Part:
-    """A part that is tests for pytest, on the GCC build."""
+    """A part that runs pytest on the GCC build."""
     settings: dict[str, object] = {"after": ("build",), "setup": ("build", "tests"), **further}
     return Part(name, does, f"{{pytest}} {tests}", choices, **settings)  # type: ignore[arg-type]
 
 
 PARTS = (
-    # The loop of development
+    # --fast: during development
     Part(
         "build",
         "GCC, warnings are errors: the build that the tests use",
@@ -79,7 +79,7 @@ PARTS = (
         "tests/extension/test_names.py tests/extension/test_parameters.py tests/extension/test_write.py",
         FAST,
     ),
-    # Before a change is shown
+    # Default: before a change is shown to others
     Part(
         "sanitizers-short",
         "AddressSanitizer and UndefinedBehaviorSanitizer: GCC, some of the tests",
@@ -97,7 +97,7 @@ PARTS = (
         DEFAULT,
         setup=("lint",),
     ),
-    # What decides; the long ones begin first
+    # --all: decides whether a change lands. The longest parts start first.
     Part(
         "sanitizers",
         "AddressSanitizer, UndefinedBehaviorSanitizer, leaks",

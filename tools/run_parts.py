@@ -1,4 +1,4 @@
-"""Runs the parts of the tests (tools/parts.py), and tells as it goes what it does and how long each part took.
+"""Runs the parts of the tests (tools/parts.py). Prints what it does and how long each part took.
 
     tools/test             ten minutes on two processors: what a change should pass before it is shown to others
     tools/test --all       everything, as .ci/run does: also the Blenders, all data, the fuzzers, clang-tidy, wheels
@@ -6,8 +6,8 @@
     tools/test --part NAME [--part NAME ...] [-- ARGUMENTS]   these alone, with arguments for their last command
     tools/test --list      the parts, and which choice has them
 
-Two parts run side by side (--jobs says how many). The output of each is kept in out/test/NAME.log, and shown where the
-part fails. What they need is installed first by tools/setup; QUILLGEN_NO_SETUP=1 leaves that out.
+Two parts run in parallel (--jobs sets the number). The output of each is kept in out/test/NAME.log; if the part fails,
+the end of it is printed. tools/setup installs the requirements first, unless QUILLGEN_NO_SETUP=1 is set.
 """
 
 import argparse
@@ -29,12 +29,12 @@ LOGS = ROOT / "out" / "test"
 PYTHON = ".venv/bin/python"
 SETUP = ("build", "tests", "clang", "lint", "types", "docs", "wheels", "fxc")  # words of tools/setup, in their order
 BLENDERS = "4.2 5.2"
-TAIL = 60  # lines of a failed part that are shown
+TAIL = 60  # number of output lines printed for a failed part
 
 
 @dataclass
 class Outcome:
-    failed: list[str] = field(default_factory=list)  # command lines that repeat what failed
+    failed: list[str] = field(default_factory=list)  # command lines that rerun the failures
     left_out: list[str] = field(default_factory=list)
     passed: set[str] = field(default_factory=set)
 
@@ -50,7 +50,7 @@ def main(arguments: Sequence[str]) -> int:
     try:
         setup(chosen, options, outcome)
         run_all(chosen, options, further, outcome)
-    except KeyboardInterrupt:  # what ran has got the same signal
+    except KeyboardInterrupt:  # the child processes have received the signal too
         tell_now("== interrupted")
         return 130
     return tell(outcome, time.monotonic() - started)
@@ -88,7 +88,7 @@ def parse(arguments: Sequence[str], further: Sequence[str] = ()) -> argparse.Nam
 
 
 def choose(options: argparse.Namespace) -> tuple[list[Part], Outcome]:
-    """The parts to run, with those that must run before them, and what is left out from the start."""
+    """Returns the parts to run, including their dependencies, and an Outcome that lists the parts not chosen."""
     outcome = Outcome()
     wanted: set[str] = set()
     for part in PARTS:
@@ -115,7 +115,7 @@ def with_earlier(part: Part) -> set[str]:
 
 
 def setup(chosen: Iterable[Part], options: argparse.Namespace, outcome: Outcome) -> None:
-    """Installs what the parts need, and notes what can't be had here."""
+    """Installs the requirements of the parts. Records those that tools/setup skipped."""
     if os.environ.get("QUILLGEN_NO_SETUP"):
         return
     needs = {need for part in chosen for need in part.setup}
@@ -136,7 +136,7 @@ def setup(chosen: Iterable[Part], options: argparse.Namespace, outcome: Outcome)
 
 
 def run_all(chosen: Sequence[Part], options: argparse.Namespace, further: Sequence[str], outcome: Outcome) -> None:
-    """Runs the parts side by side, the earlier rows first; each waits for those that it needs."""
+    """Runs the parts in parallel, in the order of the table. A part waits for its dependencies."""
     waiting, ended = list(chosen), set[str]()
     running: dict[Future[None], Part] = {}
     with ThreadPoolExecutor(options.jobs) as pool:
@@ -154,7 +154,7 @@ def run_all(chosen: Sequence[Part], options: argparse.Namespace, further: Sequen
                 waiting.remove(part)
             for done in wait(running, return_when=FIRST_COMPLETED).done:
                 ended.add(running.pop(done).name)
-                done.result()  # an error of this program's own
+                done.result()  # raises if this program itself failed
 
 
 def run(part: Part, options: argparse.Namespace, further: Sequence[str], outcome: Outcome) -> None:
@@ -176,13 +176,13 @@ def run(part: Part, options: argparse.Namespace, further: Sequence[str], outcome
 
 
 def tell_now(text: str) -> None:
-    """In one piece, also where two parts end at once."""
+    """Prints the text and its newline in one write, so that the output of two threads does not mix."""
     sys.stdout.write(text + "\n")
     sys.stdout.flush()
 
 
 def command(part: Part, further: Sequence[str]) -> str:
-    """The command line of a part. Arguments that name tests take the place of those in the table."""
+    """The command line of a part. Arguments that name tests replace the tests in the table."""
     pytest = f"{PYTHON} -m pytest -q -rs -o cache_dir={LOGS / 'cache' / part.name}"
     template = part.command
     if further and template.startswith("{pytest}"):
@@ -205,7 +205,7 @@ def environment(options: argparse.Namespace) -> dict[str, str]:
 
 
 def execute(line: str, log: Path, env: dict[str, str], verbose: bool) -> tuple[int, float]:
-    """The exit status of a command line, and the processor time that it and what it started took, in seconds."""
+    """Runs a command line. Returns its exit status and the CPU time of it and its child processes, in seconds."""
     line = f"set -euo pipefail; {line}"
     if verbose:
         line = f"({line}) 2>&1 | tee '{log}'"
@@ -218,7 +218,7 @@ def execute(line: str, log: Path, env: dict[str, str], verbose: bool) -> tuple[i
 
 
 def left_out(lines: Iterable[str]) -> list[str]:
-    """What a part said that it left out, and the reasons of tests that pytest skipped."""
+    """What a part reported as left out, and pytest's reasons for skipped tests."""
     found: dict[str, int] = {}
     for line in lines:
         if line.startswith("left out: "):
@@ -229,7 +229,7 @@ def left_out(lines: Iterable[str]) -> list[str]:
 
 
 def summary(part: Part, lines: Sequence[str]) -> str:
-    """pytest's last line, without its time."""
+    """The last line of pytest's output, without the time."""
     if "{pytest}" not in part.command or not lines:
         return ""
     counts = re.sub(r" in [\d.]+s.*", "", lines[-1].strip("= "))
@@ -237,7 +237,7 @@ def summary(part: Part, lines: Sequence[str]) -> str:
 
 
 def repetition(part: Part) -> str:
-    """The command line that repeats what failed, and nothing else where pytest knows it."""
+    """The command line that reruns a failed part; only the failed tests if pytest recorded one to three of them."""
     line = f"tools/test --part {part.name}"
     kept = LOGS / "cache" / part.name / "v" / "cache" / "lastfailed"
     if "{pytest}" in part.command and kept.exists():

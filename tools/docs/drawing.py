@@ -1,7 +1,8 @@
-"""The picture of the architecture: the rooms of the repository and who includes or imports whom, read from the sources.
+"""Draws the architecture diagram: the folders of the repository ("rooms") and their includes and imports, read from the
+sources.
 
-A room is a folder. An arrow from A to B says that a file of A includes or imports one of B; its width grows with their
-number. Rooms stand in the order in which a material passes through them.
+An arrow from A to B means that files of A include or import files of B; its width grows with their number. Rooms are
+arranged in the order in which a material passes through them.
 """
 
 from __future__ import annotations
@@ -39,26 +40,26 @@ ROOMS = (
     Room("nodes/surface", 2, 3, "normals, bump, scene"),
     Room("binding/python/quillgen_tools", 2, 5, "wiring, tables, command"),
 )
-# What no include shows: data that passes from room to room.
+# Data that passes between rooms without an include or import.
 FLOWS = (
     ("blender/quillgen_blender", "binding", "document"),
     ("blender/quillgen_blender/write", "unreal", "files"),
     ("core/gen", "lib", "names of functions"),
 )
-COLOURS = {"blender": "#e8f1e4", "unreal": "#fbf0e0"}  # by the first folder; all others are the translator's
+COLOURS = {"blender": "#e8f1e4", "unreal": "#fbf0e0"}  # by top-level folder; all others belong to the translator
 WIDTH, HEIGHT, GAP_X, GAP_Y, MARGIN = 204, 62, 150, 44, 24
 ANY_INCLUDE = re.compile(r'^\s*#include "([^"]+)"', re.MULTILINE)
 RELATIVE = re.compile(r"^\s*from (\.+)([\w.]*) import (\w+)", re.MULTILINE)
 
 
 def room_of(path: str) -> str | None:
-    """The deepest room that holds a path."""
+    """The innermost room that contains a path."""
     fitting = [room.folder for room in ROOMS if path.startswith(room.folder + "/")]
     return max(fitting, key=len) if fitting else None
 
 
 def arrows() -> Counter[tuple[str, str]]:
-    """(from, to) -> how many includes or imports."""
+    """(from, to) -> number of includes or imports."""
     found: Counter[tuple[str, str]] = Counter()
     for room in ROOMS:
         for path in (ROOT / room.folder).rglob("*"):
@@ -129,7 +130,7 @@ def arrow(start: Room, end: Room, words: str, width: float) -> str:
             place = (x + 8, (ay + by + HEIGHT) / 2 + 4, "start")
         else:
             side = ax + WIDTH if start.column < 2 else ax
-            reach = 16 + 14 * abs(start.row - end.row)  # arrows of different lengths don't cover each other
+            reach = 16 + 14 * abs(start.row - end.row)  # keeps arrows of different lengths apart
             bow = side + (reach if start.column < 2 else -reach)
             path = (
                 f"M{side} {ay + HEIGHT / 2} C{bow} {ay + HEIGHT / 2} {bow} {by + HEIGHT / 2} {side} {by + HEIGHT / 2}"

@@ -1,4 +1,4 @@
-"""Hooks of MkDocs: the pages and the picture that are made of the sources join those that are written."""
+"""MkDocs hooks: add the generated pages and the generated diagram to the written pages."""
 
 from __future__ import annotations
 

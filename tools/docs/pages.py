@@ -1,4 +1,4 @@
-"""The pages of the documentation that are made of the sources: nodes, inputs, Python's help, the command line."""
+"""The documentation pages that are generated from the sources: nodes, inputs, Python modules, command line, gallery."""
 
 from __future__ import annotations
 
@@ -84,7 +84,7 @@ def nodes() -> list[Node]:
 
 
 def fidelity() -> tuple[dict[str, list[str]], dict[str, list[list[str]]]]:
-    """The rows of docs/fidelity.md by the node's name: the measured shares, and what differs by design."""
+    """The rows of docs/fidelity.md by node name: the measured shares, and the differences by design."""
     measured: dict[str, list[str]] = {}
     reasons: dict[str, list[list[str]]] = defaultdict(list)
     head: list[str] = []
@@ -97,7 +97,7 @@ def fidelity() -> tuple[dict[str, list[str]], dict[str, list[list[str]]]]:
         elif "Within 1e-4" in head and "Pixels" in head:
             row = dict(zip(head, cells))
             measured[cells[0]] = [row["Cases"], row["Pixels"], row["Within 1e-4"]]
-        elif "Within 1e-4" in head:  # not the table of other versions
+        elif "Within 1e-4" in head:  # skips the table of other Blender versions
             row = dict(zip(head, cells))
             reasons[cells[0]].append([row["Cases"], row["Within 1e-4"], cells[-1]])
     if len(measured) < 20:
@@ -127,7 +127,7 @@ def nodes_index() -> str:
 
 
 def loss(node: Node) -> str:
-    """That of the node as a whole."""
+    """The loss of the node as a whole: exact, near or lost."""
     found = [row.loss for row in support.rows() if row.type == node.type and not row.feature]
     return found[0] if found else "lost"
 
@@ -208,7 +208,7 @@ def signature(function: object) -> str:
 
 
 def text(doc: str | None) -> list[str]:
-    """A docstring as it stands, since its columns are aligned."""
+    """A docstring as a verbatim block, because its columns are aligned."""
     return ["```text", *(doc or "").splitlines(), "```", ""]
 
 
@@ -224,7 +224,7 @@ def command_page() -> str:
 
 
 def gallery_page() -> str:
-    """docs/gallery.md with the two pictures of each material under one slider."""
+    """docs/gallery.md with the two pictures of each material combined in one slider."""
     page = (ROOT / "docs" / "gallery.md").read_text(encoding="utf-8")
     known = json.loads((ROOT / "docs" / "gallery" / "numbers.json").read_text(encoding="utf-8"))
     pair = (

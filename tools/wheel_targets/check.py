@@ -1,7 +1,7 @@
-"""Checks a wheel: what it holds, and that its modules need nothing but CPython and what every such system has.
+"""Checks the contents of a wheel, and that its modules need only CPython and the libraries of every such system.
 
-Each function gives the faults that it finds, as texts. `check` also runs the tools that are made for this: abi3audit
-over every wheel, auditwheel over those for Linux, delvewheel over those for Windows.
+Each function returns or yields the faults that it finds, as texts. `check` also runs abi3audit on every wheel,
+auditwheel on wheels for Linux and delvewheel on wheels for Windows.
 """
 
 import base64
@@ -29,7 +29,7 @@ WINDOWS_LIBRARIES = re.compile(
 )
 MACOS_LIBRARIES = {"/usr/lib/libSystem.B.dylib"}
 GLIBC = (2, 28)
-WINDOWS = (10, 0)  # the oldest Windows that CPython 3.11 and Blender run on is 8.1, and 10 has the C runtime
+WINDOWS = (10, 0)  # the first with the C runtime; CPython 3.11 and Blender run on 8.1 and later
 MACOS = {"ARM64": (11, 0), "X86_64": (10, 15)}
 PROCESSORS = {"manylinux_2_28_x86_64": ["X86_64"], "manylinux_2_28_aarch64": ["AARCH64"], "win_amd64": ["AMD64"],
               "macosx_11_0_arm64": ["ARM64"], "macosx_10_15_universal2": ["ARM64", "X86_64"]}  # fmt: skip
@@ -47,7 +47,7 @@ def check(wheel: Path, target: Target) -> list[str]:
 
 
 def contents(files: dict[str, bytes], target: Target) -> Iterator[str]:
-    """The modules, the packages that pyproject.toml names, the licence, the metadata, the list of files."""
+    """Checks the modules, the packages that pyproject.toml names, the licence, the metadata and RECORD."""
     project = tomllib.loads((ROOT / "pyproject.toml").read_text())
     packages = project["tool"]["scikit-build"]["wheel"]["packages"]
     wanted = [module + target.suffix for module in MODULES]
@@ -74,7 +74,7 @@ def contents(files: dict[str, bytes], target: Target) -> Iterator[str]:
 
 
 def machine_paths(files: dict[str, bytes]) -> Iterator[str]:
-    """Paths of the machine that built it: they would tell of it, and make the bytes differ from machine to machine."""
+    """Checks that no path of the build machine is in a file. It would disclose the machine and change the bytes."""
     for name, content in files.items():
         for path in {str(ROOT), sys.prefix, str(Path.home() / ".cache")}:
             if path.encode() in content:
@@ -82,7 +82,7 @@ def machine_paths(files: dict[str, bytes]) -> Iterator[str]:
 
 
 def binary(content: bytes, module: str, target: Target) -> Iterator[str]:
-    """One module: its processors, what it exports, what it needs, and on how old a system it runs."""
+    """Checks one module: processors, exports, dependencies, and the oldest system that it runs on."""
     parse = {"manylinux": lief.ELF.parse, "win": lief.PE.parse, "macosx": lief.MachO.parse}
     examine = {"manylinux": elf, "win": pe, "macosx": macho}
     kind = target.platform.split("_")[0]
@@ -141,7 +141,7 @@ def macho(module: lief.MachO.Binary, entry: str) -> Iterator[str]:
     minimum = module.build_version.minos if module.has_build_version else module.version_min.version
     if tuple(minimum[:2]) != MACOS[processor]:
         yield f"needs macOS {'.'.join(map(str, minimum))} on {processor}"
-    # The interpreter that loads the module has CPython's names; all others come from a library that is named.
+    # The interpreter provides CPython's symbols. Every other symbol must be bound to a named library.
     anywhere = [symbol.name for symbol in module.imported_symbols
                 if not (symbol.has_binding_info and symbol.binding_info.has_library)]  # fmt: skip
     yield from needs(name for name in anywhere if not re.match("__?Py", name) and name != "dyld_stub_binder")
@@ -171,7 +171,7 @@ def abi3audit(wheel: Path) -> Iterator[str]:
 
 
 def auditors(wheel: Path, target: Target) -> Iterator[str]:
-    """What auditwheel or delvewheel says."""
+    """Runs auditwheel or delvewheel."""
     if target.platform.startswith("manylinux"):
         done = run("auditwheel", "show", str(wheel))
         found = re.search(r'the following platform tag:\s*"manylinux_2_(\d+)_(\w+)"', done.stdout)

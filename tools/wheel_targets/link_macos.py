@@ -1,8 +1,9 @@
 """Links a module for macOS: link_macos.py ZIG TARGET LLD MODULE OBJECT ...
 
-Zig's own linker exports the C++ library's allocation functions whatever it is told, which would let modules of other
-makers see them. So Zig only says which static libraries it would link (it makes them where they are missing), and
-LLVM's linker does the work. What is not in them and in libSystem.tbd comes from the interpreter that loads the module.
+Zig's linker always exports the C++ library's allocation functions, which makes them visible to modules of other
+projects. So Zig only lists the static libraries that it would link (and builds the missing ones), and LLVM's linker
+links the module. The interpreter that loads the module provides all symbols that are neither in these libraries nor in
+libSystem.tbd.
 """
 
 import os

@@ -1,7 +1,7 @@
-"""Makes wheels for machines other than this one as well, and checks them. See tools/wheels.
+"""Builds wheels for this and other platforms, and checks them. See tools/wheels.
 
-A wheel is made as `pip install .` makes it, by scikit-build-core and CMakeLists.txt, so that sources, flags, packages
-and metadata are said in one place. Only the toolchain is another one: zig.cmake.
+A wheel is built like with `pip install .`, by scikit-build-core and CMakeLists.txt, so that sources, flags, packages
+and metadata are defined in one place. Only the toolchain differs: zig.cmake.
 """
 
 import argparse
@@ -47,7 +47,7 @@ def main(arguments: Sequence[str]) -> int:
 
 
 def make(target: Target, out: Path, made: dict[Build, Path]) -> Path:
-    """Makes the wheel of a target. `made` has the wheels of the single builds that are there already."""
+    """Makes the wheel of a target. `made` caches the wheels of the single builds."""
     for build in target.builds:
         if build not in made:
             made[build] = build_wheel(build)
@@ -60,7 +60,7 @@ def make(target: Target, out: Path, made: dict[Build, Path]) -> Path:
 
 
 def build_wheel(build: Build) -> Path:
-    """Builds the modules once, and packs them as the wheel of some platform."""
+    """Builds the modules for one system and processor. The platform tag of the returned wheel is not the final one."""
     work = WORK / build.zig
     wheels = work / "wheel"
     shutil.rmtree(wheels, ignore_errors=True)
@@ -94,7 +94,7 @@ def build_wheel(build: Build) -> Path:
 
 
 def headers(build: Build, work: Path) -> Path:
-    """CPython's headers, with the pyconfig.h of the target where this machine's does not fit."""
+    """The folder of CPython's headers, with the target's own pyconfig.h for Windows."""
     installed = Path(sysconfig.get_path("include"))
     if build.system != "Windows":
         return installed
@@ -105,7 +105,7 @@ def headers(build: Build, work: Path) -> Path:
 
 
 def import_library(work: Path) -> Path:
-    """What python3.dll exports, to link with."""
+    """Makes the import library of python3.dll."""
     definition, library = work / "python3.def", work / "python3.lib"
     definition.write_text(python3_def.text())
     command: list[str | Path] = [ZIG, "dlltool", "-m", "i386:x86-64", "-d", definition, "-l", library]
@@ -114,7 +114,7 @@ def import_library(work: Path) -> Path:
 
 
 def llvm_tool(name: str) -> str:
-    """One of LLVM's programs; Debian gives some of them no name without a version."""
+    """The path of an LLVM program. Debian installs some of them under versioned names only."""
     path = shutil.which(
         name, path=os.pathsep.join([os.environ["PATH"], *map(str, Path("/usr/lib").glob("llvm-*/bin"))])
     )
@@ -122,8 +122,8 @@ def llvm_tool(name: str) -> str:
 
 
 def write_wheel(path: Path, target: Target, wheels: Sequence[Path]) -> None:
-    """Writes a wheel with the contents of `wheels`, which differ in their modules only, in a form that tells nothing of
-    when and where it was made."""
+    """Merges `wheels`, which differ only in their modules, into one. The result is independent of the build's time and
+    machine."""
     contents = [read_wheel(wheel) for wheel in wheels]
     files = dict(contents[0])
     for module in MODULES:
@@ -138,7 +138,7 @@ def write_wheel(path: Path, target: Target, wheels: Sequence[Path]) -> None:
     files[f"{info}/RECORD"] = record(files, f"{info}/RECORD")
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
         for name in sorted(files, key=lambda name: (name.startswith(info), name)):
-            entry = zipfile.ZipInfo(name)  # of 1980, the first date that there is
+            entry = zipfile.ZipInfo(name)  # the default date, 1980-01-01, is the earliest that zip can hold
             entry.external_attr = (0o100755 if name.endswith((".so", ".pyd")) else 0o100644) << 16
             entry.compress_type = zipfile.ZIP_DEFLATED
             archive.writestr(entry, files[name])
@@ -150,7 +150,7 @@ def read_wheel(path: Path) -> dict[str, bytes]:
 
 
 def record(files: dict[str, bytes], own_name: str) -> bytes:
-    """The list of a wheel's files, with checksums."""
+    """The contents of RECORD, the list of a wheel's files with checksums."""
 
     def lines() -> Iterable[str]:
         for name, content in sorted(files.items()):
@@ -162,7 +162,7 @@ def record(files: dict[str, bytes], own_name: str) -> bytes:
 
 
 def join(binaries: Sequence[bytes], work: Path) -> bytes:
-    """One universal binary for macOS, of binaries for one processor each."""
+    """Joins binaries of one processor each to a universal binary for macOS."""
     work.mkdir(parents=True, exist_ok=True)
     parts = [work / f"part-{index}" for index in range(len(binaries))]
     for part, binary in zip(parts, binaries):

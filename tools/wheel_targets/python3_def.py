@@ -1,4 +1,4 @@
-"""What python3.dll of Windows exports since 3.11, as a module definition file: the stable ABI."""
+"""The exports of python3.dll on Windows in CPython 3.11 (the stable ABI), as a module definition file."""
 
 from abi3info import DATAS, FUNCTIONS
 from abi3info.models import PyVersion

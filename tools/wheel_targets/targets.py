@@ -1,13 +1,13 @@
-"""The table of targets: a wheel for every machine that Blender runs on."""
+"""The table of targets: a wheel for every platform that Blender runs on."""
 
 from dataclasses import dataclass
 
 
 @dataclass(frozen=True)
 class Build:
-    """One build of the modules: a system and a processor, in the words of Zig and of CMake."""
+    """One build of the modules: a system and a processor, in Zig's and CMake's terms."""
 
-    zig: str  # the version of the system behind the dot is the oldest that the modules run on
+    zig: str  # a version after the first dot is the oldest system version that the modules run on
     system: str
     processor: str
 
@@ -15,9 +15,9 @@ class Build:
 @dataclass(frozen=True)
 class Target:
     key: str  # as in `tools/wheels KEY`
-    platform: str  # the last part of the wheel's tag
+    platform: str  # platform tag of the wheel
     suffix: str  # of the modules' file names
-    builds: tuple[Build, ...]  # more than one are joined to universal binaries
+    builds: tuple[Build, ...]  # several builds are joined to universal binaries
 
 
 LINUX_X86_64 = Build("x86_64-linux-gnu.2.28", "Linux", "x86_64")

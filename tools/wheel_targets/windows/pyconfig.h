@@ -1,5 +1,5 @@
-// What CPython's headers ask about the target, for 64-bit Windows. An installed pyconfig.h tells it of the machine that
-// builds. Covers what the limited API needs.
+// pyconfig.h of CPython for 64-bit Windows, because the installed one describes the build machine. Covers what the
+// limited API needs.
 #ifndef Py_CONFIG_H
 #define Py_CONFIG_H
 
@@ -9,7 +9,7 @@
 #define NT_THREADS
 #define WITH_THREAD
 
-// Functions and data come from python3.dll.
+// Functions and data are imported from python3.dll.
 #define HAVE_DECLSPEC_DLL
 #define MS_COREDLL
 #define Py_ENABLE_SHARED
