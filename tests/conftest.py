@@ -1,4 +1,4 @@
-"""Puts the harness (tests/gpu) where every test can import it; the switch that renews the golden results."""
+"""Makes the test harness (tests/gpu) importable for every test; adds the option that rewrites the golden results."""
 
 import os
 import pathlib
@@ -8,8 +8,8 @@ import sys
 import pytest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent / "gpu"))
-# A shell that runs the tests in the background has them ignore Ctrl-C, and what they start inherits that: tests that
-# interrupt a call would wait for ever.
+# A shell starts background jobs with SIGINT ignored, and child processes inherit that. Tests that interrupt a call
+# would then wait for ever.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 
 

@@ -1,11 +1,11 @@
-"""Makes the reference data of the example materials: builds each from its documents on the flat square that its meta
-file describes and writes what Cycles shows there. Runs inside Blender.
+"""Makes the reference data of the example materials: rebuilds each from its documents, renders it with Cycles on the
+flat square that its meta file describes, and writes the values. Runs inside Blender.
 
     .venv-blender-5.2/bin/python tests/make_references.py [--into=FOLDER] [name ...]
 
-Without --into the data in examples/materials/reference are replaced, but for two materials whose documents don't tell
-all that their trees had. To see that data are made as before, make them into a folder with the Blender of their meta
-file: they are the same then, but for these two and a few last bits.
+Without --into it replaces the data in examples/materials/reference, except for two materials whose documents don't hold
+all of their trees. To check that the data are reproducible, write them to a folder with the Blender version in their
+meta file: they are the same except for these two materials and a few last bits.
 """
 
 import json
@@ -27,17 +27,17 @@ import render
 from rebuild import rebuild
 
 SIDE = 64
-# The inputs of a Principled BSDF that an array holds: colour or number, and strength.
+# Array -> inputs of a Principled BSDF whose value it holds: a colour or number, and its strength.
 ARRAYS = {
     "emission": ("Emission Color", "Emission Strength"),
     "metallic": ("Metallic", None),
     "roughness": ("Roughness", None),
     "alpha": ("Alpha", None),
 }
-OTHERS = {"Roughness": 0.5}  # what shaders without the input count as, where not 0
+OTHERS = {"Roughness": 0.5}  # value for shaders without the input, if not 0
 CHANNELS = {"value": slice(3), "emission": slice(3), "uv": slice(2)}  # the others are numbers
-# Stay as they are: their documents don't tell all that their trees had, the points of the curves and the directions in
-# which hues run.
+# Not replaced: their documents lack parts of their trees, namely the points of curves and the directions of hue
+# interpolation.
 KEPT = {"glazed_vase", "ramp_banner"}
 
 Json = dict[str, Any]
@@ -57,7 +57,7 @@ def main(words: list[str]) -> None:
 
 
 def stage() -> bpy.types.Object:
-    """The square below its camera: two UV maps, a layer of colours."""
+    """Builds the square, with two UV maps and a colour attribute, and the camera above it."""
     mesh = render.squares(1, 1)
     corners = np.array([0, 0, 1, 0, 1, 1, 0, 1], "f")
     mesh.uv_layers.new(name="DetailUV").data.foreach_set("uv", 2 * corners)
@@ -74,7 +74,7 @@ def stage() -> bpy.types.Object:
 
 
 def documents(name: str, present: list[str]) -> Iterator[tuple[str, Json]]:
-    """(array, a document whose surface is an emission of it)"""
+    """Yields (array name, a document that emits its values)."""
     whole = json.loads((EXAMPLES / f"{name}.json").read_text())
     for key in present:
         if key == "value":
@@ -93,13 +93,13 @@ def emission(name: str, colour: Json, strength: Json | None = None) -> Json:
 
 
 def glowing(document: Json, colour: str, strength: str | None) -> Json:
-    """Each Principled BSDF emits the value of an input instead, a transparent shader what it counts as."""
+    """Replaces each Principled BSDF by an emission of one of its inputs, each transparent shader by a constant."""
     nodes = []
     for record in document["nodes"]:
         kind = record["type"]
         if kind == "ShaderNodeBsdfPrincipled":
             given = record["in"][colour]
-            if given["t"] == "VALUE":  # through a number's socket: what is linked may be a colour
+            if given["t"] == "VALUE":  # through a float socket, because the linked output may be a colour
                 terms = {"Value": given, "Value_001": {"t": "VALUE", "v": 0.0}}
                 number = record["id"] + " number"
                 nodes.append({"id": number, "type": "ShaderNodeMath", "props": {"operation": "ADD"}, "in": terms})
@@ -115,7 +115,7 @@ def glowing(document: Json, colour: str, strength: str | None) -> Json:
 
 
 def shown(square: bpy.types.Object, document: Json) -> np.ndarray:
-    """[SIDE, SIDE, 3], row 0 at the bottom."""
+    """The rendered pixels of a document: [SIDE, SIDE, 3], row 0 at the bottom."""
     for name, facts in document.get("images", {}).items():
         if name not in bpy.data.images:
             image = bpy.data.images.load(str(EXAMPLES / "textures" / name))
@@ -126,7 +126,7 @@ def shown(square: bpy.types.Object, document: Json) -> np.ndarray:
 
 
 def described(name: str, value: np.ndarray) -> str:
-    """The meta file's text with what this Blender gives."""
+    """The text of the meta file, updated with this Blender's value range and version."""
     text = (REFERENCE / f"{name}.meta.json").read_text()
     spread = json.dumps([float(value.min()), float(value.max())])
     text = re.sub(r'"value_range": \[.*\]', f'"value_range": {spread}', text)

@@ -1,5 +1,4 @@
-// A module of the tests' own, made of the core and one node type: it shows that the core needs none of what is built on
-// it.
+// A test module of the core and one node type. It shows that the core doesn't depend on the code that uses it.
 #include "core/gen/gen.h"
 
 namespace quillgen {
@@ -10,7 +9,7 @@ void _twice(Gen& g, Node& n) { g.set(n, "Value"_w, VALUE, "2.0 * $0", g.inp(n, "
 
 const node nodes[] = {{{"Twice"}, _twice}};
 
-// translate(document): the statements of the output that `surface` names, and its text.
+// translate(document) returns the statements of the output that `surface` names, and the expression of that output.
 PyObject* translate(PyObject* /*self*/, PyObject* document) {
     try {
         const Module module({"Closure", "no_closure()"});

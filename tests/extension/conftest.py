@@ -1,4 +1,4 @@
-"""Puts the extension's package where its tests find it."""
+"""Makes the extension's package importable for its tests."""
 
 import sys
 from pathlib import Path

@@ -1,4 +1,4 @@
-"""The example materials as pixel shaders of Direct3D 11."""
+"""Fixture: the example materials as pixel shaders for Direct3D 11."""
 
 import pytest
 
@@ -10,7 +10,8 @@ WORDS = {1: "float", 2: "float2", 3: "float3", 4: "float4"}
 
 
 def pixel_shader(result):
-    """The text in a pixel shader; its inputs come from one constant buffer and vary with a coordinate."""
+    """A pixel shader that calls the text. The inputs come from a constant buffer, scaled by a coordinate so that they
+    vary."""
     head, values, call = [], [], []
     for name, record in custom_expression.inputs_of(result):
         if record["kind"] == "texture":
@@ -44,7 +45,7 @@ def pixel_shader(result):
 
 @pytest.fixture(scope="session")
 def shaders():
-    """Name -> text of a pixel shader, for each example material."""
+    """Name of each example material -> text of its pixel shader."""
     return {
         name: pixel_shader(quillgen.compile(example(name))) for name in sorted(p.stem for p in EXAMPLES.glob("*.json"))
     }

@@ -1,5 +1,5 @@
-// Calls D3DCompile for each file: "NAME ok|failed SECONDS BYTES", behind a failure the compiler's own words. Made for
-// Windows and run by Wine, as the compiler is a DLL. Only what is used of the interface of a blob is declared.
+// Calls D3DCompile for each file and prints "NAME ok|failed SECONDS BYTES", after a failure also the error messages.
+// Built for Windows and run by Wine, because the compiler is a DLL. Declares only the used part of the blob interface.
 #include <windows.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -15,7 +15,7 @@ struct Blob {
 typedef HRESULT(WINAPI *Compile)(const void*, SIZE_T, const char*, const void*, void*, const char*, const char*, UINT,
                                  UINT, Blob**, Blob**);
 
-// Row-major matrices, older syntax allowed, the highest level of optimisation: as Unreal asks for.
+// Row-major matrices, older syntax allowed, highest optimization level: the flags that Unreal uses.
 enum { FLAGS = 0x9008 };
 
 static double processor_time(void) {

@@ -1,4 +1,4 @@
-"""The passes need no Blender. The tests that translate need the modules: tools/test has them on its path."""
+"""The passes don't need Blender. Tests that translate need the modules, which tools/test puts on the path."""
 
 import sys
 from pathlib import Path

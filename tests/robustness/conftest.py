@@ -1,6 +1,6 @@
-"""The seed of what is drawn by chance: shown also when all goes well, and another one each time.
+"""The seed of random tests. It differs in each run and is always printed, also when the tests pass.
 
-QUILLGEN_SEED=N pytest ...    draws the same again
+QUILLGEN_SEED=N pytest ...    repeats a run
 """
 
 import os

@@ -1,5 +1,5 @@
-/* A program with Python inside, as Blender is one: translates in the main interpreter, in two more at once, and again
-   after everything has been finalised and initialised anew. Prints what each of them got. */
+/* Embeds Python, as Blender does. Translates in the main interpreter and in two subinterpreters that exist at the same
+   time, then finalizes and initializes Python again, three rounds in all. Prints a hash of the results of each. */
 #include <Python.h>
 
 #include <stdio.h>

@@ -1,5 +1,4 @@
-/* Memory that ends when a test says so: loaded ahead of the C library (LD_PRELOAD), it lets some
-   allocations of the calling thread fail. */
+/* Makes allocations of the calling thread fail on request. Loaded ahead of the C library with LD_PRELOAD. */
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <stddef.h>

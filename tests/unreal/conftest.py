@@ -1,4 +1,4 @@
-"""Loads the plugin's scripts with a double of the editor in the place of the editor."""
+"""Loads the plugin's scripts with a test double in place of the editor."""
 
 import importlib
 import pathlib
@@ -26,7 +26,8 @@ def _forget():
 
 @pytest.fixture
 def start(tmp_path):
-    """start(version): an editor of that version with the plugin loaded; `.editor`, `.unreal`, and its modules."""
+    """start(version) loads the plugin in a double of that editor version. Returns a namespace with `unreal`, `editor`,
+    `plugin` and the plugin's modules."""
 
     def started(version=NEWEST):
         _forget()
@@ -46,7 +47,7 @@ def start(tmp_path):
 
 @pytest.fixture(scope="session")
 def examples(tmp_path_factory):
-    """A folder with the exports of all example materials."""
+    """The folder to which all example materials were exported."""
     from quillgen_blender import pipeline
 
     folder = tmp_path_factory.mktemp("examples")
