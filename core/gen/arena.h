@@ -1,5 +1,5 @@
-// The texts of one translation: a text that is kept here stays where it is until the arena goes, so that expressions
-// can be handed about as plain views.
+// Storage of the strings of one translation. A string never moves while the arena exists, so expressions are passed
+// around as plain views.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace quillgen {
 
 class Arena {
 public:
-    // Keeps the two texts as one.
+    // Stores the concatenation of the two strings.
     std::string_view keep(std::string_view text, std::string_view behind = {}) {
         const std::size_t size = text.size() + behind.size();
         if (size > room_) {
@@ -27,7 +27,7 @@ public:
 
 private:
     void grow(std::size_t wanted) {
-        constexpr std::size_t kBlock = std::size_t{16} * 1024;  // of a material of some fifty nodes
+        constexpr std::size_t kBlock = std::size_t{16} * 1024;  // enough for a material of about fifty nodes
         room_ = std::max(wanted, kBlock);
         blocks_.push_back(std::make_unique_for_overwrite<char[]>(room_));
         next_ = blocks_.back().get();
@@ -35,7 +35,7 @@ private:
 
     std::vector<std::unique_ptr<char[]>> blocks_;
     char* next_ = nullptr;
-    std::size_t room_ = 0;  // behind `next_`
+    std::size_t room_ = 0;  // bytes left at `next_`
 };
 
 }  // namespace quillgen

@@ -1,5 +1,5 @@
-// A text that is written piece by piece. Most pieces have a few characters: room is made once for all pieces of a call,
-// where std::string would look for it at each.
+// A string builder. Most appended pieces are a few characters long, so the capacity is checked once for all pieces of a
+// call, where std::string would check it for each piece.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace quillgen {
 
 class Buffer {
 public:
-    // Appends the pieces. None of them may be of this buffer.
+    // Appends the pieces. None of them may point into this buffer.
     template <class... Pieces>
     void append(const Pieces&... pieces) {
         append_texts(std::string_view(pieces)...);

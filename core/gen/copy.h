@@ -1,4 +1,4 @@
-// Copying of short texts.
+// Copying of short strings.
 #pragma once
 
 #include <cstring>
@@ -6,12 +6,12 @@
 
 namespace quillgen {
 
-// Copies the text and gives the end of the copy. Nearly all pieces of HLSL are shorter than sixteen characters, for
-// which a call of memcpy takes several times as long as the copy.
+// Copies the string and returns the end of the copy. Nearly all pieces of HLSL are shorter than sixteen characters, for
+// which a call of memcpy takes several times as long as the copy itself.
 inline char* copy(std::string_view text, char* to) {
     const char* const from = text.data();
     const std::size_t size = text.size();
-    // Two halves that may overlap, each of a size that the compiler knows.
+    // Copies the first and the last `Half` bytes, which may overlap. Their size is a compile-time constant.
     const auto copy_halves = [&]<std::size_t Half>() {
         char first[Half];
         char last[Half];

@@ -1,5 +1,5 @@
-// Formats: HLSL with `$0` to `$9` and `$(10)` up standing for the arguments. HLSL has no dollar sign, and its braces
-// stay plain. A format that does not fit its arguments does not compile.
+// Formats: HLSL with the placeholders `$0` to `$9`, and `$(10)` and up, for the arguments. HLSL has no dollar sign, and
+// its braces need no escape. A format whose placeholders do not match its arguments does not compile.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 #include "core/gen/buffer.h"
 
-// A handler's frame stays on the stack while the graph above it is evaluated, so the arguments of a format stand in a
-// frame of their own.
+// Keeps a function out of line. A handler's frame stays on the stack while the upstream graph is evaluated, so the
+// arguments of a format must not enlarge it.
 #if defined(_MSC_VER)
 #define QUILLGEN_OWN_FRAME __declspec(noinline)
 #else
@@ -17,11 +17,12 @@
 
 namespace quillgen {
 
-// A format of that many arguments, each of which stands in it at least once.
+// A format with `Count` arguments, each of which appears at least once.
 template <std::size_t Count>
 class Format;
 
-// What a format takes: a text, or an integer in decimal digits. It is made where it is used, and stays there.
+// An argument of a format: a string, or an integer in decimal digits. It cannot be copied, because `text_` may point
+// into `digits_`.
 class Argument {
 public:
     // NOLINTBEGIN(google-explicit-constructor): arguments are written as what they are
@@ -42,10 +43,10 @@ private:
 
 struct Placeholder {
     std::size_t index;  // of the argument
-    std::size_t end;    // behind the placeholder
+    std::size_t end;    // offset after the placeholder
 };
 
-// The placeholder whose dollar sign stands at `start`.
+// The placeholder whose dollar sign is at `start`.
 constexpr Placeholder read_placeholder(std::string_view format, std::size_t start) {
     std::size_t at = start + 1;
     if (format[at] != '(') {

@@ -1,9 +1,9 @@
-// The generator: one instance translates one graph of one document into HLSL statements, and everything that a node's
-// handler does, it does through the operations here.
+// The generator: one instance translates one graph of one document into HLSL statements. The handlers of nodes work
+// only through the operations declared here.
 //
-// Evaluation is pull-based. Nothing walks the list of nodes: one output is read, its node's handler reads the inputs
-// that it needs, and so on up the graph, each node once. Statements are appended as evaluation goes, so the order of
-// reading in a handler is the order of lines and of the numbers in names.
+// Evaluation is pull-based. Nothing iterates over the list of nodes: an output is read, its node's handler reads the
+// inputs that it needs, and so on up the graph, each node once. Statements are appended during evaluation, so the order
+// in which a handler reads its inputs is the order of lines and of the numbers in names.
 #pragma once
 
 #include <string>
@@ -19,15 +19,15 @@
 
 namespace quillgen {
 
-// How far the signals are moved while a graph is evaluated again beside the shaded point. Each member names a variable:
-// `w` a world-space offset, `a` and `b` the same offset in screen steps in x and y.
+// The offset of the geometry signals while a graph is evaluated again beside the shaded point. Each member names an
+// HLSL variable: `w` is the offset in world space, `a` and `b` are the same offset in screen steps along x and y.
 struct Offset {
     Text w;
     Text a;
     Text b;
 };
 
-// What a shader node has touched; a flag only ever goes from false to true.
+// Features that the shader nodes used. Flags are set, never cleared.
 struct Uses {
     bool normal = false;
     bool alpha = false;
@@ -35,7 +35,7 @@ struct Uses {
     bool coat = false;
 };
 
-// What has been read of a document: its graph, and the inputs that the values of sockets have become.
+// What is read from a document once: its graph, and the inputs that were declared for socket values.
 struct Reading {
     Graph graph;
     Inputs inputs = {};
@@ -43,16 +43,16 @@ struct Reading {
 
 class Gen {
 public:
-    // `uv_bias` is absent, none, or a pair of numbers that is added to every UV coordinate. KeyError where the
-    // document, or a node record of it, lacks a mandatory key.
+    // `uv_bias` is absent, None, or a pair of numbers that is added to every UV coordinate. KeyError where the
+    // document or one of its node records lacks a mandatory key.
     Gen(const Module& module, const Value& document, bool with_params, Value uv_bias = {});
-    // For another text of the document that `reading` is of.
+    // Generates another text from the same document. `reading` comes from `release_reading` of an earlier generator.
     Gen(const Module& module, Value document, Reading reading, bool with_params, Value uv_bias = {});
     Gen(const Gen&) = delete;
     Gen& operator=(const Gen&) = delete;
 
     // ---- statements (statements.cpp) --------------------------------------------------------
-    // A fresh name: the prefix and the next number of the one counter.
+    // A new name: the prefix and the next number of a counter that all prefixes share.
     Text tmp(Text prefix = "t");
     void emit(Text line);
     template <class... Args>
@@ -61,7 +61,7 @@ public:
         fill(body_, line, args...);
         end_line();
     }
-    // Declares a variable and gives its name. The type "closure" stands for the closure record.
+    // Declares a variable and returns its name. The type "closure" stands for the closure struct.
     Text var(Text type, Text expr) { return var_with_prefix("v", type, expr); }
     Text var_with_prefix(Text prefix, Text type, Text expr);
     template <class... Args>
@@ -72,7 +72,7 @@ public:
         return name;
     }
 
-    // A text that lives as long as the generator.
+    // A copy of the string that lives as long as the generator.
     Text keep(Text text) { return arena_.keep(text); }
     template <class... Args>
     QUILLGEN_OWN_FRAME Text text(Format<sizeof...(Args)> format, const Args&... args) {
@@ -81,12 +81,12 @@ public:
         return keep_buffer();
     }
     Text formatted(const Value& value);  // format(value)
-    // A float literal, and a float3 of the first three of a sequence's items, padded with zeros. TypeError or
-    // ValueError where a value does not convert to a float.
+    // `_f` returns a float literal, `_v3` a float3 of the first three items of a sequence, padded with zeros. TypeError
+    // or ValueError where a value does not convert to a float.
     Text _f(double number);
     Text _f(const Value& value) { return _f(value.as_float()); }
     Text _v3(const Value& value);
-    // The float literals of a sequence's items, with ", " between them.
+    // The items of a sequence as float literals, separated by ", ".
     Text literals(const Value& items);
 
     void warn(Text warning) { warnings.append(Value::text(runtime(), warning)); }
@@ -96,7 +96,7 @@ public:
     }
     [[noreturn]] void unsupported(Text message) const { runtime().raise_unsupported(message); }
 
-    // Asks for library functions; one whose name is composed from the document is given as a text.
+    // Requests library functions. A name that is composed from the document is passed as a Text.
     template <class... Words>
     void use(Word name, Words... names) {
         need.add(Value::word(runtime(), name));
@@ -104,19 +104,19 @@ public:
     }
     void use(Text name) { need.add(Value::text(runtime(), name)); }
     void use_struct(Word name) { structs.add(Value::word(runtime(), name)); }
-    // The library's word for the type of a coordinate of `d` dimensions. KeyError where it has none.
+    // The HLSL type of a coordinate of `d` dimensions, from the library. KeyError where the library has none.
     Text types(int d);
-    // The template of an operation, or of `fallback` where the operation is absent; null for one without a template.
+    // The template of an operation, or of `fallback` where the operation is absent. Null if the table has none.
     [[nodiscard]] const Template* find_template(const TemplateTable& table, const Value& operation,
                                                 Text fallback) const;
-    // Its HLSL with the operands in it; asks for the library functions that it calls.
+    // Returns the template's HLSL with the operands filled in, and requests the library functions that it calls.
     Text fill_template(const Template& row, std::initializer_list<Text> operands);
 
     // ---- output sockets (outputs.cpp) -------------------------------------------------------
     // Whether anything in the document reads the output.
     static bool is_used(Node& n, Word out) { return n.find_output(static_cast<int>(out.index())) != nullptr; }
-    // Binds an output. `set` makes a variable of it; `bind` leaves the text as it is, to be pasted by each reader. An
-    // output that nothing reads costs nothing.
+    // Binds an output to an expression. `set` stores the expression in a new variable; with `bind`, each reader repeats
+    // the expression. Both do nothing for an output that nothing reads.
     void set(Node& n, Word out, const SocketType& type, Text expr);
     static void bind(Node& n, Word out, const SocketType& type, Text expr);
     template <class... Args>
@@ -131,55 +131,55 @@ public:
             bind(n, out, type, text(expr, args...));
         }
     }
-    // The same for an output whose name the document gives.
+    // The same for an output name that comes from the document.
     void bind(Node& n, const Value& out, const SocketType& type, Text expr);
-    // Reads the output that a source names (its first items are a node's id and an output), evaluating its node if that
-    // has not happened yet. Unsupported "{type} has no output {out}"; KeyError for a node that the document lacks.
+    // Reads the output that `source` names (its first two items are a node id and an output name), and evaluates the
+    // node first if necessary. Unsupported "{type} has no output {out}"; KeyError for a node that the document lacks.
     Bound output(const Value& source) { return output(find_source(graph_, source), source); }
 
     // ---- input sockets (sockets.cpp) --------------------------------------------------------
-    // The socket as text of the type `want`: the output that it is linked to, a parameter or literal, or `fallback`
-    // where the record lacks the socket. Unsupported "{type}: no input {ident}".
+    // The value of a socket as an expression of the type `want`: the linked output, a parameter or a literal, or
+    // `fallback` where the record lacks the socket. Unsupported "{type}: no input {ident}" if there is no fallback.
     Text inp(Node& n, Word ident, const SocketType& want, Text fallback = {});
     static bool has_input(Node& n, Word ident) { return n.find_socket(ident) != nullptr; }
     static bool linked(Node& n, Word ident);
-    // The value that is stored for a socket, also for a linked one; absent where there is none.
+    // The default value of a socket, whether it is linked or not. Absent where the record has none.
     static Value stored(Node& n, Word ident);
-    // Unsupported where a shader meets a value.
+    // Converts an expression to another type. Unsupported between a shader and a value.
     QUILLGEN_OWN_FRAME Text convert(Text expr, const SocketType& from, const SocketType& to);
-    // A tweakable input of that name or, without use_params, a literal. The value is a document's number or sequence;
-    // nothing and none count as 0.0. TypeError or ValueError where it does not convert to a float.
-    // `ident` is an identifier. Where the value is that of a socket, `socket` keeps the number of the input.
+    // A tweakable input of that name or, without use_params, a literal. The value is a number or a sequence of the
+    // document; an absent value and None count as 0.0. TypeError or ValueError where it does not convert to a float.
+    // `ident` is a valid identifier. If the value belongs to a socket, `socket` records the number of the input.
     Text param(Node& n, Text ident, const SocketType& type, const Value& value, Socket* socket = nullptr);
     Text param_name(Node& n, Text ident);
     // Declares a tweakable input of the kind "scalar" or "vector".
     void declare_parameter(Text name, Word kind, const Value& value, Socket* socket = nullptr);
 
     // ---- geometry signals (signals.cpp) -----------------------------------------------------
-    // As it is, or at the moved position (offset.cpp).
+    // The signal at the shaded point, or at the moved position (offset.cpp).
     Text geo(Signal what);
     // The screen-space derivative along 'x' or 'y'. Unsupported "no derivative for {what}".
     Text deriv(Signal what, char axis);
     // A linked vector socket, else the signal.
     Text vector_or(Node& n, Word ident, Signal coord);
-    // An input of another kind, with a map of what else the kind needs.
+    // Declares an input of another kind. `rest` is a map of the further keys that the kind needs.
     void declare_input(Word name, Word kind);
     void declare_input(Text name, Word kind, const Value& rest);
 
     // ---- evaluation at moved positions (offset.cpp) -----------------------------------------
-    // Evaluates what feeds a linked input once more with the signals moved, and gives the name of a new variable that
-    // holds the input's value there. All else is as before.
+    // Evaluates the graph upstream of a linked input again with the signals moved, and returns the name of a new
+    // variable that holds the input's value there. Afterwards the evaluation state is as before.
     Text inp_offset(Node& n, Word ident, const SocketType& want, const Offset& offset);
-    // A node that is none of the document's, with one socket that is linked to the source.
+    // A node that is not part of the document, with one socket that is linked to the source.
     Node reader(Word ident, const Value& source);
 
     [[nodiscard]] const Module& module() const { return module_; }
     [[nodiscard]] const Runtime& runtime() const { return module_.runtime; }
     [[nodiscard]] Node* find_node(const Value& id);  // null where there is none
-    // For another generator with the same `use_params`, which this one has to outlive: the texts of values stay here.
-    // Nothing can be evaluated here from then on.
+    // Passes the reading on to another generator with the same `use_params`. This generator must outlive that one,
+    // because it owns the strings of the socket values, and it can evaluate nothing afterwards.
     Reading release_reading();
-    // The statements, each ended by a line feed, and where each ends.
+    // The statements, each ended by a line feed, and the offset after each.
     [[nodiscard]] Text body() const { return body_.text(); }
     [[nodiscard]] const std::vector<std::size_t>& line_ends() const { return line_ends_; }
 
@@ -191,7 +191,7 @@ public:
     const Value warnings;  // list of str
     Inputs inputs;
     Uses uses;
-    Text n_override;          // replaces the shading normal, once a bump by displacement has made it
+    Text n_override;          // replaces the shading normal; set by the bump of the displacement output
     bool disp_stage = false;  // normals come from vertex data while displacement is compiled
 
 private:
@@ -222,7 +222,7 @@ private:
     const std::uintptr_t stack_entry_ = stack_position();
     Graph graph_;
     Arena arena_;
-    Buffer buffer_;  // for a text that is written before it is kept
+    Buffer buffer_;  // scratch for a string that is then kept in the arena
     Buffer body_;
     std::vector<std::size_t> line_ends_;
     int k_ = 0;  // the counter of `tmp`

@@ -1,5 +1,5 @@
-// The graph of a document as a translation reads it: the nodes by their ids, the sockets by their names, and which
-// outputs are read at all. Everything is looked up once, here; from then on nodes and sockets are told by numbers.
+// The graph of a document as a translation uses it: nodes, sockets, and the outputs that something reads. Ids and names
+// are looked up once, here. From then on, nodes and outputs are identified by numbers.
 #pragma once
 
 #include <vector>
@@ -10,23 +10,23 @@
 
 namespace quillgen {
 
-// What a link names, or an output of the material.
+// The node output that a link or an output of the material refers to.
 struct Source {
     int node = -1;    // index in Graph::nodes; -1 for a node that the document lacks
     int output = -1;  // number of the output's name: see output_name
 };
 
-// An entry of a node's inputs.
+// An input socket of a node.
 struct Socket {
-    int name = -1;  // index of a word, or -1 for a name that no handler asks for
+    int name = -1;  // index of a word, or -1 for a name that no handler reads
     Value entry = {};
     Value link = {};  // absent where the socket is unlinked
     Source source = {};
-    // The type that the entry, or the link, says. It is read once, and so is a value, though bumps have most sockets
-    // read three times: that takes a third off the translation of a material with bumps. No name before the reading.
+    // The type that the entry or the link states; its name is empty before the first read. Types and values are cached
+    // because bumps read most sockets three times: a material with bumps translates in a third less time.
     SocketType type = {};
-    Text text = {};  // what the value of an unlinked socket has come to; empty before the reading
-    int input = -1;  // number of the input that it has become, or -1
+    Text text = {};  // the expression of an unlinked socket's value; empty before the first read
+    int input = -1;  // number of the input that was declared for the value, or -1
 };
 
 // What an output evaluates to.
@@ -42,16 +42,16 @@ struct Output {
     Bound bound = {};
 };
 
-// A node record, and how far its evaluation is.
+// A node record and the state of its evaluation.
 struct Node {
     Value record;
     Value id;
     std::vector<Socket> sockets = {};
     std::vector<Output> outputs = {};
-    Handler handler = nullptr;   // once it has been looked up
+    Handler handler = nullptr;   // null before it is looked up
     bool done = false;           // its handler has started
     Text parameter_prefix = {};  // P_{id}__, once a parameter has been named
-    Value type_entry = {};       // of the record, once it has been read
+    Value type_entry = {};       // the record's, once it has been read
     Value props_entry = {};
 
     // KeyError where the record lacks them.
@@ -60,7 +60,7 @@ struct Node {
 
     Socket* find_socket(Word name);
     Output* find_output(int name);
-    // What the values of sockets have come to stays.
+    // Resets the evaluation state. The cached expressions of socket values stay.
     void forget_evaluation();
 
 private:
@@ -74,19 +74,19 @@ private:
 
 struct Graph {
     std::vector<Node> nodes;
-    Index indices;             // node id -> index in nodes; of two nodes with one id the later
-    Index other_output_names;  // names of outputs that are no words -> number, behind those of the words
+    Index indices;             // node id -> index in nodes; the last node where several share an id
+    Index other_output_names;  // output names that are not words -> number, after the numbers of the words
 };
 
-// Reads all nodes and links. An output counts as read by a link of any node, also of one that evaluation never
-// reaches, and by an output of the material. KeyError where the document or a node lacks a mandatory key.
+// Reads all nodes and links. An output counts as read if any node links to it, even a node that is never evaluated, or
+// if an output of the material refers to it. KeyError where the document or a node lacks a mandatory key.
 Graph read_graph(const Value& document);
 
-// A number for the name of an output; equal names have equal numbers. TypeError where the name has no hash.
+// A number for the name of an output; equal names have equal numbers. TypeError where the name is not hashable.
 int output_name(Graph& graph, const Value& name);
-// What the first two items of a sequence name.
+// The source that the first two items of a sequence name: a node id and an output.
 Source find_source(Graph& graph, const Value& source);
-// The indices of a node and of every node that feeds it, through any link; none for the node -1.
+// The indices of a node and of all nodes upstream of it; empty for node -1.
 std::vector<int> upstream(const Graph& graph, int node);
 
 }  // namespace quillgen

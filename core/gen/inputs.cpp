@@ -41,8 +41,8 @@ void Inputs::withdraw_all() {
     }
 }
 
-// The slot that holds the number of that name, or the free one that would. At least half of the slots are free, so it
-// is near.
+// The slot that holds the number of that name, or the free slot for it. The probing is linear and short, because at
+// least half of the slots are free.
 std::size_t Inputs::find_slot(Text name) const {
     const std::size_t last = slots_.size() - 1;
     std::size_t slot = std::hash<Text>()(name) & last;

@@ -1,4 +1,4 @@
-// The inputs of the Custom expression that a text reads.
+// The inputs of the Custom expression that the generated text reads.
 #pragma once
 
 #include <algorithm>
@@ -16,25 +16,24 @@ struct Input {
     Value key;  // the name as a str
     Word kind;
     Value value = {};                // of a tweakable input: a float or a list of four; absent for any other
-    Value rest = {};                 // a map of what else the kind needs; absent where it needs nothing
-    const Socket* socket = nullptr;  // whose value it is, if a socket's
+    Value rest = {};                 // a map of the further keys of the kind; absent where it has none
+    const Socket* socket = nullptr;  // the socket that the value belongs to, if any
     bool is_declared = true;         // false once it has been withdrawn
 };
 
-// Inputs by their names, in the order in which they were declared first. They have a table of their own, as a large
-// part of most documents becomes an input: beside std::unordered_map, which allocates each entry, it takes 4 % off the
-// translation of the example materials.
+// Inputs by name, in the order of their first declaration. Most documents declare many inputs, and std::unordered_map
+// allocates each entry: this hash table takes 4 % off the translation of the example materials.
 class Inputs {
 public:
-    // Declares an input in the place of one of the same name, if there is one, and gives its number. The name's text
-    // has to live as long as this.
+    // Declares an input, which replaces one of the same name, and returns its number. The characters of the name must
+    // outlive this object.
     int declare(const Input& input);
     // Null where none of that name is declared.
     [[nodiscard]] const Input* find(Text name) const;
-    // Declares an input again that the socket has declared as that number. False where it is another socket's by now,
-    // whose name has come to the same.
+    // Redeclares the input that the socket declared under that number. Returns false where another socket with the same
+    // input name has replaced it.
     bool declare_again(int number, const Socket& socket);
-    // Nothing is declared any more; the numbers stay, for `declare_again`.
+    // Marks all inputs as not declared. Their numbers stay valid for `declare_again`.
     void withdraw_all();
 
     // visit(input) for each one that is declared.
@@ -47,7 +46,7 @@ public:
             check_signals_at(i);
         }
     }
-    // Not less than the number of those that are declared.
+    // An upper bound of the number of declared inputs.
     [[nodiscard]] std::size_t expected_size() const { return inputs_.size(); }
 
 private:
@@ -56,7 +55,7 @@ private:
     void grow();
 
     std::vector<Input> inputs_;
-    std::vector<int> slots_;  // a power of two of them: a number where the hash of its name leads, or -1
+    std::vector<int> slots_;  // hash table of input numbers, -1 for a free slot; its size is a power of two
 };
 
 }  // namespace quillgen

@@ -1,4 +1,4 @@
-// One interpreter's copy of the module: what does not change from its load on.
+// One interpreter's copy of the module. It does not change after it is loaded.
 #pragma once
 
 #include "core/gen/registry.h"

@@ -1,5 +1,5 @@
-// Evaluation at moved positions. Bump mapping needs the height beside the shaded point, and the height is whatever a
-// graph computes: so the text of that graph is written again while the signals read moved positions.
+// Evaluation at moved positions. Bump mapping needs the height beside the shaded point. A graph computes the height, so
+// the HLSL of that graph is generated again with the signals at moved positions.
 #include <utility>
 
 #include "core/gen/gen.h"
@@ -31,8 +31,7 @@ Text Gen::geo(Signal what) {
     }
 }
 
-// While it exists, the nodes upstream count as not evaluated and the signals are moved. All of it is restored on every
-// way out.
+// While it exists, the given nodes count as not evaluated and the signals are moved. The destructor restores the state.
 class Gen::MovedEvaluation {
 public:
     MovedEvaluation(Gen& g, const std::vector<int>& nodes, const Offset& offset)

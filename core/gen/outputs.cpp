@@ -1,4 +1,4 @@
-// Output sockets: binding them, and evaluating the node of one that is read.
+// Output sockets: binding them, and evaluating the node of an output that is read.
 #include "core/gen/gen.h"
 
 namespace quillgen {
@@ -27,7 +27,7 @@ void Gen::no_output(Node& n, const Value& name) {
     unsupported(text("$0 has no output $1", formatted(n.type()), formatted(name)));
 }
 
-// `names` are the items that the source has been found by.
+// `names` is the sequence that `source` was found by; errors quote its items.
 Bound Gen::output(const Source& source, const Value& names) {
     if (source.node < 0) {
         raise_key_error(names.item(0).object());
@@ -60,7 +60,7 @@ void Gen::node(Node& n, const Value& names) {
     }
 }
 
-// A node type without a handler: a warning, and zeros for the outputs that its record declares.
+// For a node type without a handler: warns, and binds the outputs that its record declares to zero.
 void Gen::fall_back(Node& n, const Value& id) {
     warn("$0 ($1) has no Unreal equivalent - its outputs are 0", formatted(id), formatted(n.type()));
     const Value outs = n.record.get("outs"_w);

@@ -1,5 +1,5 @@
-// Properties of nodes: the items of an enumeration as words, which a document has, and as the integers that the
-// library's functions take.
+// Enumeration properties of nodes. Documents hold their items as identifiers, and the library's functions take them as
+// integers.
 #pragma once
 
 #include <span>
@@ -13,8 +13,8 @@ struct EnumItem {
     int number;
 };
 
-// The number of the property `key`, or of `fallback` where the properties lack it. KeyError for a word that is not
-// among the items.
+// The number of the property `key`, or of `fallback` where the properties lack it. KeyError for an identifier that is
+// not among the items.
 int enum_number(const Value& props, Word key, Text fallback, std::span<const EnumItem> items);
 
 // Whether the property `key`, or `fallback` where the properties lack it, equals `identifier`.

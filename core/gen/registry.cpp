@@ -6,7 +6,7 @@ namespace quillgen {
 
 namespace {
 
-// Written by the constructors of static objects only. They are constants once the binary is loaded.
+// Written only by the constructors of static objects, and constant once the binary is loaded.
 constinit const node* last_node = nullptr;
 constinit const TemplateTable* last_table = nullptr;
 

@@ -1,7 +1,7 @@
-// The registry: the handlers of the node types, and the tables of templates that some of them read.
+// The registry: the handlers of the node types, and the tables of templates that some handlers use.
 //
-// A file of nodes registers its own by static objects, while the binary is loaded. What they say never changes again;
-// each interpreter's copy of the module makes a Registry of it.
+// Each file of nodes registers its handlers and tables with static objects while the binary is loaded. They never
+// change afterwards. Each interpreter's copy of the module builds a Registry from them.
 #pragma once
 
 #include <initializer_list>
@@ -26,7 +26,7 @@ struct node {
 
     const std::vector<Text> types;
     const Handler handler;
-    const node* const next;  // of all that are registered
+    const node* const next;  // in the list of all registered handlers
 };
 
 // One operation of a table: its HLSL with single letters for the operands.
@@ -34,11 +34,11 @@ struct TemplateRow {
     Text operation;
     Text hlsl;
     std::vector<Word> needs = {};  // the library names that the HLSL calls
-    bool is_scalar = false;        // of a table whose rows give vectors or scalars
+    bool is_scalar = false;        // the result is a scalar; used by tables of vector operations
 };
 
-// The rows of the operations of a node type: a static object, too. `letters` are the operands in the order of a call's
-// arguments; they are found in the rows as whole words.
+// The operations of a node type, also a static object. `letters` are the operands in the order of a call's arguments.
+// In the rows, a letter is an operand only as a whole word.
 struct TemplateTable {
     TemplateTable(Text operand_letters, std::initializer_list<TemplateRow> table_rows);
     TemplateTable(const TemplateTable&) = delete;
@@ -50,14 +50,14 @@ struct TemplateTable {
     const TemplateTable* const next;
 };
 
-// A row that is cut at its letters.
+// A row, split at its operands.
 struct Template {
     struct Piece {
         std::string plain;
-        std::size_t operand;  // behind the plain text
+        std::size_t operand;  // index of the operand after the plain text
     };
     std::vector<Piece> pieces;
-    std::string rest;  // behind the last operand
+    std::string rest;  // plain text after the last operand
     const TemplateRow* row;
 };
 
@@ -65,11 +65,11 @@ class Registry {
 public:
     explicit Registry(const Runtime& runtime);
 
-    // The handler of a node type, or null. TypeError where the type has no hash.
+    // The handler of a node type, or null. TypeError where the type is not hashable.
     [[nodiscard]] Handler find(const Value& type) const;
-    // The template of an operation, or null. TypeError where the operation has no hash.
+    // The template of an operation, or null. TypeError where the operation is not hashable.
     [[nodiscard]] const Template* find(const TemplateTable& table, const Value& operation) const;
-    // All node types, in the order of their names: a list of str.
+    // All node types: a sorted list of str.
     [[nodiscard]] Value types() const;
 
 private:

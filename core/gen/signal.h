@@ -1,4 +1,4 @@
-// Geometry signals: the words for what a shader reads from the scene.
+// Geometry signals: the names of the quantities that a shader reads from the scene.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ namespace quillgen {
 class Signal {
 public:
     enum Kind : unsigned char {
-        // signals that are one input and a fixed expression
+        // signals of one input and a fixed expression
         P,
         Pcr,
         Pobj,
@@ -27,7 +27,7 @@ public:
         pdepth,
         tanfov,
         vsize,
-        // signals that are made of others, or of several inputs
+        // signals that are composed of other signals or several inputs
         Nf,
         Nobj,
         Nl,

@@ -1,5 +1,5 @@
-// Geometry signals: what each word declares and reads. Unreal's left-handed centimetres become
-// Blender's right-handed metres here: y is negated, lengths are multiplied by 0.01.
+// Geometry signals: the inputs that each signal declares, and its expression. This is where Unreal's left-handed
+// centimetres become Blender's right-handed metres: y is negated, lengths are multiplied by 0.01.
 #include "core/gen/gen.h"
 
 namespace quillgen {
@@ -39,8 +39,8 @@ struct AxisSignal {
     Text expr;
 };
 
-// By Signal::Kind, from vx to oz. The whole of the object's y axis is negated, on top of the flip of
-// each vector's y component.
+// By Signal::Kind, from vx to oz. The object's y axis is also negated as a whole, in addition to the y component of
+// each vector.
 constexpr AxisSignal kAxes[] = {
     {"vaxx"_w, "view_axis"_w, "x"_w, "float3(vaxx.x, -vaxx.y, vaxx.z)"},
     {"vaxy"_w, "view_axis"_w, "y"_w, "float3(vaxy.x, -vaxy.y, vaxy.z)"},
@@ -83,8 +83,7 @@ Text Gen::axis_signal(Signal what) {
     return axis.expr;
 }
 
-// The normal, tangent or bitangent of the vertex in object space. All three inputs are declared,
-// whichever is wanted.
+// The normal, tangent or bitangent of the vertex in object space. All three inputs are declared in each case.
 Text Gen::frame_vector(Signal what) {
     use("rot_to_obj"_w, "safe_normalize"_w);
     const Text normal = geo("Nv");
@@ -98,8 +97,8 @@ Text Gen::frame_vector(Signal what) {
     return what == Signal("Nl") ? text("L.safe_normalize($0)", v) : v;
 }
 
-// The signal at the shaded point. Signals that are made of others read those through `geo`, so that
-// they move with them.
+// The signal at the shaded point. Composed signals read their parts through `geo`, so that an offset of the parts moves
+// them too.
 Text Gen::_geo(Signal what) {
     switch (what.kind()) {
     case Signal::uv:
@@ -112,8 +111,8 @@ Text Gen::_geo(Signal what) {
         return text("($0 * (($1 < 0.0) ? -1.0 : 1.0))", n, geo("twosided"));
     }
     case Signal::N: {
-        // With an override, Nf is the override itself and N the one with the sign of the side: the
-        // reverse of the plain case.
+        // With an override, Nf is the override itself, and N has the sign of the side applied. Without an override it
+        // is the other way round.
         if (!n_override.empty()) {
             return text("($0 * (($1 < 0.0) ? -1.0 : 1.0))", n_override, geo("twosided"));
         }
@@ -154,7 +153,7 @@ Text Gen::_geo(Signal what) {
     case Signal::bmax:
         declare_input("bmin"_w, "local_bounds_min"_w);
         declare_input("bmax"_w, "local_bounds_max"_w);
-        // The y bounds cross over: negation reverses their order.
+        // The negation of y swaps its two bounds.
         return what == Signal("bmin") ? "(float3(bmin.x, -bmax.y, bmin.z) * 0.01)"
                                       : "(float3(bmax.x, -bmin.y, bmax.z) * 0.01)";
     case Signal::generated: {

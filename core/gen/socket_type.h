@@ -1,4 +1,4 @@
-// The types of sockets, and the three HLSL words that they come down to.
+// The types of sockets, and the three HLSL types that they map to.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@ namespace quillgen {
 struct SocketType {
     enum Kind : unsigned char { value, integer, boolean, vector, rgba, shader, rotation, unknown };
     Kind kind = unknown;
-    std::string_view name = {};  // as documents write it
+    std::string_view name = {};  // as in documents
 
     constexpr bool operator==(const SocketType& other) const { return kind == other.kind; }
 };
@@ -23,7 +23,7 @@ inline constexpr SocketType ROTATION{SocketType::rotation, "ROTATION"};
 
 inline constexpr SocketType kSocketTypes[] = {VALUE, INT, BOOLEAN, VECTOR, RGBA, SHADER, ROTATION};
 
-// The HLSL type word of each kind; an unknown type counts as a float.
+// The HLSL type of each kind. An unknown type counts as a float.
 inline constexpr std::string_view HL[] = {"float", "float", "float", "float3", "float3", "closure", "float3", "float"};
 
 inline constexpr std::string_view hlsl(const SocketType& type) { return HL[type.kind]; }
@@ -37,7 +37,7 @@ inline constexpr bool have_same_hlsl(const SocketType& a, const SocketType& b) {
     return is_float3(a) == is_float3(b) && is_closure(a) == is_closure(b);
 }
 
-// How the text writes what a shader socket carries: the word for the type "closure", and one that is empty.
+// The HLSL for the value of a shader socket: the name of the closure struct, and the expression of an empty closure.
 struct ClosureText {
     std::string_view type;
     std::string_view none;

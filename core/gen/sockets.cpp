@@ -1,11 +1,11 @@
-// Input sockets: where the graph is walked, where a value becomes a parameter or a literal, and where types meet.
+// Input sockets: following links, turning values into parameters or literals, and converting types.
 #include "core/gen/gen.h"
 
 namespace quillgen {
 
 namespace {
 
-// The value of a scalar parameter: a float. IndexError for a sequence of no items.
+// The value of a scalar parameter: a float. IndexError for an empty sequence.
 Value scalar_value(const Runtime& runtime, const Value& value) {
     const Value item = value.is_list_or_tuple() ? value.item(0) : value;
     return item.is_none() ? Value::number(runtime, 0.0) : item.to_float();
@@ -20,7 +20,7 @@ Value vector_value(const Runtime& runtime, const Value& value) {
         const Value x = value.truthy() ? value.to_float() : Value::number(runtime, 0.0);
         items = Value::list(runtime, {x, x, x});
     }
-    // A list of three gets 0.0 for its fourth; only an empty one reaches the 1.0.
+    // A list of three is padded with 0.0; only an empty list is padded up to the 1.0.
     for (const double pad : {0.0, 0.0, 0.0, 1.0}) {
         if (items.size() >= 4) {
             break;
@@ -31,14 +31,14 @@ Value vector_value(const Runtime& runtime, const Value& value) {
     return items;
 }
 
-// The frames of Gen::inp and what it calls stay on the stack while the graph above is evaluated: what is needed for a
-// moment only has a frame of its own, here and in Gen::no_input.
+// The frames of Gen::inp and its callees stay on the stack while the upstream graph is evaluated. To keep them small,
+// code with temporary objects is out of line, here and in Gen::no_input.
 QUILLGEN_OWN_FRAME Value link_type(const Value& link) { return link.unpack3()[2]; }
 
 }  // namespace
 
-// The type that a word of the document stands for. One that no table knows keeps its text, which messages quote.
-// TypeError where the word has no hash, as for any look into a table.
+// The type that a string of the document names. An unknown one is kept as the name of the type, for messages.
+// TypeError where the object is not hashable, as for a dict lookup.
 SocketType Gen::socket_type(const Value& word) {
     if (word.is_str()) {
         std::string storage;
@@ -88,7 +88,7 @@ Text Gen::read_link(Socket& socket, const SocketType& want) {
     if (type.truthy()) {
         socket.type = socket_type(type);
     }
-    // The document is believed over the handler.
+    // The type in the document takes precedence over the type that the handler bound.
     return convert(bound.text, socket.type.name.empty() ? bound.type : socket.type, want);
 }
 

@@ -1,4 +1,4 @@
-// Writing: names, statements, texts and literals, and what they ask of the library.
+// Output: names, statements, strings and literals, and what they need from the library.
 #include <utility>
 
 #include "core/document/number.h"
