@@ -12,7 +12,7 @@ namespace {
 }  // namespace
 
 void raise_key_error(PyObject* key) {
-    // A tuple given as it is would be taken for the arguments of the exception.
+    // PyErr_SetObject takes a tuple for the arguments of the exception, so a key that is a tuple is wrapped.
     if (const Ref arguments = Ref::steal(PyTuple_Pack(1, key))) {
         PyErr_SetObject(PyExc_KeyError, arguments.get());
     }

@@ -1,4 +1,4 @@
-// Python's errors, raised as Python does: the error is set, and PythonError thrown.
+// Raising of Python errors: the functions set the error in the interpreter and throw PythonError.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,8 @@ namespace quillgen {
 [[noreturn]] void raise_runtime_error(const char* message);
 [[noreturn]] void raise_recursion_error();
 
-// Lets a waiting Ctrl-C through; now and then, in step after step of a loop whose length the document decides.
+// Handles a pending Ctrl-C. `check_signals_at` does so at regular intervals in a loop whose trip count depends on the
+// document.
 void check_signals();
 inline void check_signals_at(std::size_t step) {
     constexpr std::size_t kInterval = 4096;

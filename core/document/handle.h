@@ -1,4 +1,4 @@
-// The reference handle, and the one exception that carries a Python error through C++.
+// The owning reference to a Python object, and the C++ exception that stands for a Python error.
 #pragma once
 
 #ifndef Py_LIMITED_API
@@ -11,10 +11,11 @@
 
 namespace quillgen {
 
-// Thrown where an error is set in the interpreter. The entries of the module let Python go on with that error.
+// Thrown after an error has been set in the interpreter. The module's functions catch it and return null, so that
+// Python raises that error.
 struct PythonError {};
 
-// One owned reference to a Python object, or none.
+// An owned reference to a Python object, or null.
 class Ref {
 public:
     Ref() = default;
@@ -23,7 +24,7 @@ public:
         Py_XINCREF(object);
         return Ref(object);
     }
-    // Owns the new reference that a call of the C API has returned. PythonError where it has returned null.
+    // Takes ownership of a new reference that the C API returned. Throws PythonError if it is null.
     static Ref checked(PyObject* object) {
         if (object == nullptr) {
             throw PythonError{};
@@ -54,7 +55,7 @@ private:
     PyObject* object_ = nullptr;
 };
 
-// The answer of a call of the C API that is negative where it has set an error; PythonError in that case.
+// The result of a C API call as a bool. Throws PythonError if it is negative, which means that an error is set.
 inline bool checked(int answer) {
     if (answer < 0) {
         throw PythonError{};

@@ -1,4 +1,4 @@
-// Numbers by the objects of a document, as Python's equality tells those apart: a dict of integers.
+// A map from objects of a document to numbers, with Python's equality: a dict of integers.
 #pragma once
 
 #include "core/document/handle.h"
@@ -9,12 +9,12 @@ class Index {
 public:
     Index() : numbers_(Ref::checked(PyDict_New())) {}
 
-    // Gives the key a number, in the place of one that it has. TypeError where the key has no hash.
+    // Sets or replaces the number of the key. TypeError where the key is not hashable.
     void set(PyObject* key, std::size_t number) {
         const Ref object = Ref::checked(PyLong_FromSize_t(number));
         checked(PyDict_SetItem(numbers_.get(), key, object.get()));
     }
-    // The number of the key, or -1. TypeError where the key has no hash.
+    // The number of the key, or -1. TypeError where the key is not hashable.
     [[nodiscard]] int find(PyObject* key) const {
         PyObject* const number = PyDict_GetItemWithError(numbers_.get(), key);
         if (number == nullptr && PyErr_Occurred() != nullptr) {

@@ -13,8 +13,8 @@ namespace {
 #if defined(__cpp_lib_to_chars)
 
 void append_repr(std::string& out, double number) {
-    // repr writes a number by its digits alone from 1e-4 up to below 1e16, and with an exponent beyond. 24 characters
-    // are the most: a sign, 17 digits, the point, and four zeros or an exponent.
+    // repr uses positional notation from 1e-4 up to below 1e16, and an exponent otherwise. The longest result has 24
+    // characters: a sign, 17 digits, the point, and four zeros or an exponent.
     const double size = std::abs(number);
     const bool is_positional = size == 0.0 || (size >= 1e-4 && size < 1e16);
     const auto form = is_positional ? std::chars_format::fixed : std::chars_format::scientific;
@@ -29,8 +29,8 @@ void append_repr(std::string& out, double number) {
 
 #else
 
-// A C++ library that does not write floating-point numbers, or does so only on newer systems than the target, such as
-// macOS before 13.3. The interpreter's own function takes several times as long.
+// For C++ libraries without std::to_chars of floating-point numbers, and for targets older than the first system that
+// has it, such as macOS before 13.3. The interpreter's own function takes several times as long.
 void append_repr(std::string& out, double number) {
     char* const text = PyOS_double_to_string(number, 'r', 0, Py_DTSF_ADD_DOT_0, nullptr);
     if (text == nullptr) {

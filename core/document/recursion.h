@@ -1,4 +1,4 @@
-// The bound of the depth of evaluation.
+// The limit on the depth of evaluation.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +11,8 @@
 
 namespace quillgen {
 
-// About where the stack ends at the moment: where the frame of the running function lies. The address of a local
-// object would not tell, as sanitizers place those elsewhere.
+// The approximate stack pointer: the address of the current function's frame. The address of a local object would not
+// do, because sanitizers place local objects elsewhere.
 inline std::uintptr_t stack_position() {
 #if defined(_MSC_VER)
     return reinterpret_cast<std::uintptr_t>(_AddressOfReturnAddress());
@@ -21,14 +21,15 @@ inline std::uintptr_t stack_position() {
 #endif
 }
 
-// One level of evaluation, while it exists. It counts once against the interpreter's recursion limit, and against a
-// budget of the stack of C: the limit says nothing about the latter, since a host may have set it to any number and a
-// thread may have a stack of 1 MiB. RecursionError beyond either. A level takes some 500 to 850 bytes in a release
-// build, so the budget is not reached under the interpreter's own limit of 1000; what it leaves of 1 MiB is for the
-// host's frames below the call and for what the deepest level calls, which is some 10 KiB each.
+// One level of evaluation, while it exists. It counts once against the interpreter's recursion limit, and its stack
+// position is checked against a budget of C stack; beyond either, RecursionError is raised. The recursion limit does
+// not protect the C stack, because a host may set it to any number and a thread may have a stack of 1 MiB. A level
+// takes about 500 to 850 bytes in a release build, so the budget is not reached under the interpreter's default limit
+// of 1000. The rest of 1 MiB is for the host's frames below the call and for the functions that the deepest level
+// calls, about 10 KiB each.
 class RecursionLevel {
 public:
-    // `entry` is the position of the stack where the call came in.
+    // `entry` is the stack position at the start of the translation.
     explicit RecursionLevel(std::uintptr_t entry) {
         const std::uintptr_t position = stack_position();
         if ((position < entry ? entry - position : position - entry) > kMostStack) {

@@ -1,5 +1,5 @@
-// What one interpreter's copy of the module holds of the interpreter's: the words as strings, and the functions of the
-// standard library and of quillgen_lib that are called.
+// The Python objects that one interpreter's copy of the module owns: the words as interned strings, the modules of the
+// standard library that it calls, quillgen_lib, and the exception type.
 #pragma once
 
 #include <vector>
@@ -17,20 +17,20 @@ public:
     Runtime();
 
     [[nodiscard]] PyObject* word(Word word) const { return words_[word.index()].get(); }
-    // The index of the word that equals the object, or -1. TypeError where the object has no hash.
+    // The index of the word that equals the object, or -1. TypeError where the object is not hashable.
     [[nodiscard]] int find_word(PyObject* object) const { return word_index_.find(object); }
-    // How many words there are.
+    // The number of words.
     [[nodiscard]] std::size_t word_count() const { return words_.size(); }
 
     // re.sub(pattern, replacement, text)
     [[nodiscard]] std::string re_sub(Text pattern, Text replacement, Text text) const;
-    // The first digits of the SHA-1 of a name's UTF-8 bytes. UnicodeEncodeError for a lone surrogate.
+    // The first hexadecimal digits of the SHA-1 of a name's UTF-8 bytes. UnicodeEncodeError for a lone surrogate.
     [[nodiscard]] std::string sha1_digits(PyObject* name, std::size_t digits) const;
-    // ceil(ln(value) / ln(2)), by the standard library's own functions.
+    // ceil(ln(value) / ln(2)), computed with Python's math module.
     [[nodiscard]] long ceil_log2(double value) const;
-    // An entry of quillgen_lib, as it stands there at this moment.
+    // The current value of an attribute of quillgen_lib.
     [[nodiscard]] Value library_entry(Word name) const;
-    // The exception type.
+    // The exception type quillgen.Unsupported.
     [[nodiscard]] PyObject* Unsupported() const { return unsupported_.get(); }
     [[noreturn]] void raise_unsupported(Text message) const;
 

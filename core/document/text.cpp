@@ -4,7 +4,7 @@ namespace quillgen {
 
 namespace {
 
-// The UTF-8 of a str that has lone surrogates, which the interpreter has just refused to encode.
+// The UTF-8 of a str with lone surrogates. Called after the interpreter refused to encode it; other errors are thrown.
 Text encoded_with_surrogates(PyObject* string, std::string& storage) {
     if (PyErr_ExceptionMatches(PyExc_UnicodeEncodeError) == 0) {
         throw PythonError{};
@@ -22,7 +22,7 @@ bool is_identifier_character(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-// Whether the byte is the first of a character.
+// Whether the byte is the first byte of a character.
 bool begins_character(char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Text, and its way from and to Python's strings.
+// Text, and its conversion from and to Python strings.
 #pragma once
 
 #include <string>
@@ -8,16 +8,16 @@
 
 namespace quillgen {
 
-// UTF-8. Lone surrogates, which Blender hands out for names that were not UTF-8, are the three bytes that UTF-8 would
-// give them.
+// UTF-8. A lone surrogate, which Blender returns for names that are not valid UTF-8, is encoded in three bytes, as by
+// Python's "surrogatepass".
 using Text = std::string_view;
 
 Ref to_python(Text text);
-// The text of a str object. `storage` holds it where the object cannot: where it has lone surrogates.
+// The text of a str object. The object owns it, or `storage` if the str has lone surrogates.
 Text to_text(PyObject* string, std::string& storage);
-// Appends what format(object) gives.
+// Appends format(object).
 void append_formatted(std::string& out, PyObject* object);
-// Appends the text with "_" for each character that is no ASCII letter, digit or underscore.
+// Appends the text, with "_" for each character other than an ASCII letter, digit or underscore.
 void append_identifier(std::string& out, Text text);
 
 }  // namespace quillgen

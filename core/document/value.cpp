@@ -6,7 +6,7 @@ namespace quillgen {
 
 namespace {
 
-// The item of a plain map, borrowed; null where the key is not there.
+// A borrowed reference to the item of a dict; null if the key is missing.
 PyObject* looked_up(PyObject* map, PyObject* key) {
     PyObject* item = PyDict_GetItemWithError(map, key);
     if (item == nullptr && PyErr_Occurred() != nullptr) {
@@ -15,7 +15,7 @@ PyObject* looked_up(PyObject* map, PyObject* key) {
     return item;
 }
 
-// Whether an object of a document could be changed through a result that holds it.
+// Whether the object is a mutable container, which a document and a result must not share.
 bool is_container(PyObject* object) {
     return PyList_CheckExact(object) || PyDict_CheckExact(object) || Py_IS_TYPE(object, &PySet_Type) != 0;
 }
@@ -94,7 +94,7 @@ Value Value::get(Word key) const {
         PyObject* item = looked_up(object_.get(), name);
         return item != nullptr ? share(item) : Value();
     }
-    // What tells "not there" from "there and none" is a default that nothing else holds.
+    // A new object as the default distinguishes a missing key from a key whose value is None.
     const Ref missing = Ref::checked(PyList_New(0));
     const Ref item = Ref::checked(PyObject_CallMethod(object_.get(), "get", "OO", name, missing.get()));
     return item.get() == missing.get() ? Value() : Value(item, *runtime_);
@@ -137,7 +137,7 @@ std::array<Value, Count> Value::unpack() const {
         }
         return result;
     }
-    // One item more than fits is enough to know: other sequences may have no end.
+    // At most one item too many is read, because the iterator may be infinite.
     const Ref iterator = Ref::checked(PyObject_GetIter(object_.get()));
     for (std::size_t i = 0; i <= Count; ++i) {
         const Ref item = Ref::steal(PyIter_Next(iterator.get()));
@@ -192,13 +192,13 @@ Value Value::copied_list() const {
     return list;
 }
 
-// Containers are copied one by one, each once, without recursion: they may be nested to any depth, or hold themselves.
+// Each container is copied once, without recursion, because containers may be nested to any depth or hold themselves.
 Value Value::unshared() const {
     if (!is_container(object_.get())) {
         return *this;
     }
     std::vector<Ref> copies;
-    std::unordered_map<PyObject*, std::size_t> indices;  // of the copy of each container met so far
+    std::unordered_map<PyObject*, std::size_t> indices;  // container -> index of its copy
     const auto copy_of = [&](PyObject* item) {
         if (!is_container(item)) {
             return Ref::borrow(item);

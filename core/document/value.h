@@ -1,5 +1,5 @@
-// A plain value of a document or of a result, with Python's own meaning of every operation: what a subscript, a
-// comparison or a conversion does, and how it fails, is what Python does.
+// A value of a document or of a result. Every operation (subscript, comparison, conversion) behaves and fails as it
+// does in Python.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ public:
     Value() = default;
     Value(Ref object, const Runtime& runtime) : object_(std::move(object)), runtime_(&runtime) {}
 
-    // An absent value (of a key that is not there) is not the same as none, but counts as none.
+    // An absent value (of a missing key) is distinct from None, but `is_none` is true for both.
     [[nodiscard]] bool present() const { return static_cast<bool>(object_); }
     [[nodiscard]] bool is_none() const { return !present() || object_.get() == Py_None; }
     [[nodiscard]] bool truthy() const;
@@ -28,27 +28,27 @@ public:
     [[nodiscard]] bool is_list_or_tuple() const;
     [[nodiscard]] bool is_float() const { return PyFloat_CheckExact(object_.get()) != 0; }
     [[nodiscard]] bool is_str() const { return present() && PyUnicode_Check(object_.get()) != 0; }
-    void check_hashable() const;  // TypeError where it is not
+    void check_hashable() const;  // TypeError if it is not hashable
 
     [[nodiscard]] Value at(Word key) const;            // value[key], KeyError
     [[nodiscard]] Value at(const Value& key) const;    // value[key]
     [[nodiscard]] Value item(Py_ssize_t index) const;  // value[index], IndexError
-    [[nodiscard]] Value get(Word key) const;           // value.get(key), absent where there is none
+    [[nodiscard]] Value get(Word key) const;           // value.get(key), absent if the key is missing
     [[nodiscard]] Value find(Word key) const;          // value[key] if key in value, else absent
     [[nodiscard]] bool contains(Word key) const;       // key in value
     [[nodiscard]] bool contains(const Value& item) const;
     [[nodiscard]] Py_ssize_t index_of(const Value& item) const;  // value.index(item)
     [[nodiscard]] Py_ssize_t size() const;                       // len(value)
-    // What to make room for: the size of a plain list or map, and 0 of anything else, which may say anything.
+    // The size to reserve: that of a plain list or dict. 0 for any other type, because its __len__ may return anything.
     [[nodiscard]] std::size_t expected_size() const;
-    // What `a, b = value` gives; ValueError where there are not as many items.
+    // The items as in `a, b = value`. ValueError if their number differs.
     [[nodiscard]] std::array<Value, 2> unpack2() const;
     [[nodiscard]] std::array<Value, 3> unpack3() const;
 
-    // Calls `visit(item)` for each item in the order of Python's `for`. A list may change meanwhile.
+    // Calls `visit(item)` for each item in the order of Python's `for`. A list may change during the iteration.
     template <class Visit>
     void for_each(Visit visit) const;
-    // visit(key, item) over value.items(). RuntimeError where a dict changes its size meanwhile.
+    // Calls `visit(key, item)` over value.items(). RuntimeError if a dict changes its size during the iteration.
     template <class Visit>
     void for_each_item(Visit visit) const;
 
@@ -60,13 +60,13 @@ public:
     [[nodiscard]] Value remainder(const Value& operand) const;  // value % operand
     [[nodiscard]] Value sorted() const;                         // sorted(value)
     [[nodiscard]] Value joined() const;                         // "\n".join(value)
-    [[nodiscard]] Value copied_list() const;                    // list(value), and what it holds `unshared`
-    // The value, or a deep copy of a list, map or set, so that a result shares none with its document.
+    [[nodiscard]] Value copied_list() const;                    // list(value), with its items `unshared`
+    // The value, or a deep copy of a list, dict or set, so that a result shares no container with its document.
     [[nodiscard]] Value unshared() const;
 
-    // The text of a str; `storage` holds it where the object cannot. TypeError for anything else.
+    // The text of a str; see `to_text` for `storage`. TypeError for any other type.
     [[nodiscard]] Text text(std::string& storage) const;
-    [[nodiscard]] Text formatted(std::string& storage) const;  // the same of format(value), for any value
+    [[nodiscard]] Text formatted(std::string& storage) const;  // the text of format(value), for any value
 
     [[nodiscard]] PyObject* object() const { return object_.get(); }
     [[nodiscard]] const Runtime& runtime() const { return *runtime_; }

@@ -8,7 +8,7 @@ namespace quillgen {
 
 namespace {
 
-// Written by the constructors of static objects only. It is a constant once the binary is loaded.
+// Written only by the constructors of static objects, and constant once the binary is loaded.
 constinit const WordEntry* last_entry = nullptr;
 
 std::string identifier_of(std::string_view word) {

@@ -1,6 +1,7 @@
-// Words: texts of the system's own that documents and results are full of, such as keys, sockets and kinds. A word is
-// written where it is used, as "Base Color"_w. All words are gathered and numbered while the binary is loaded, and
-// never change again; each interpreter has an interned string for each (see Runtime), so that a lookup hashes nothing.
+// Words: the fixed strings that occur in documents and results, such as keys, socket names and kinds. A word is written
+// where it is used, as "Base Color"_w. All words are registered and numbered while the binary is loaded, and never
+// change afterwards. Each interpreter has an interned string for each word (see Runtime), so that lookups compute no
+// hash.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +10,7 @@
 
 namespace quillgen {
 
-// A text as an argument of a template.
+// A string as a template argument.
 template <std::size_t Size>
 struct FixedText {
     char characters[Size] = {};
@@ -19,7 +20,7 @@ struct FixedText {
     [[nodiscard]] constexpr std::string_view view() const { return {characters, Size - 1}; }
 };
 
-// There is one of each word.
+// A registered word. There is one entry per word.
 class WordEntry {
 public:
     explicit WordEntry(std::string_view word);
@@ -27,11 +28,11 @@ public:
     WordEntry& operator=(const WordEntry&) = delete;
 
     const std::string_view text;
-    const std::string identifier;  // the text as it stands in the name of a parameter
+    const std::string identifier;  // the text as it appears in the name of a parameter
     const std::size_t index;
     const WordEntry* const next;
 
-    // The entry that was made last, from which `next` leads to all others.
+    // The entry that was registered last: the head of the list that `next` links.
     static const WordEntry* last();
 };
 
