@@ -1,4 +1,4 @@
-"""Reading Blender: a material as a plain document. This room imports bpy."""
+"""Reads a Blender material as a plain document. This package imports bpy."""
 
 from .material import Reading, flatten
 

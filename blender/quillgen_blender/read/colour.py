@@ -1,4 +1,4 @@
-"""Colour spaces: the numbers of a picture or a socket as Linear Rec.709, in which the translated text computes."""
+"""Colour spaces: converts pictures and socket values to Linear Rec.709, the space of the generated HLSL."""
 
 from __future__ import annotations
 
@@ -14,29 +14,30 @@ from mathutils import Color
 
 LINEAR = "Linear Rec.709"
 WORKING = "scene_linear"
-# Spaces that hold no colours, and those whose pictures the text decodes itself.
+# DATA: spaces that hold no colours. AS_BYTES, AS_FLOATS: spaces that the generated HLSL decodes itself.
 DATA = ("Non-Color", "Raw", "Generic Data", "Data")
-# Blender scales what it loads from these so that a white of 203 nits is 1; Cycles, where it loads by itself, leaves a
-# white of 100 nits there.
+# Blender scales images in these spaces so that white at 203 nits is 1. Cycles, where it loads the file itself, maps 100
+# nits to 1.
 CYCLES_OWN = {"Rec.2100-HLG": 2.03, "Rec.2100-PQ": 2.03}
 AS_BYTES, AS_FLOATS = ("sRGB", LINEAR, "Linear"), (LINEAR, "Linear")
 
 
 def working_space() -> str:
-    """What the numbers of sockets and of loaded float pictures are in; a choice of the file since Blender 5.0."""
+    """The colour space of socket values and of loaded float pictures; a setting of the file since Blender 5.0."""
     data = getattr(bpy.data, "colorspace", None)
     return data.working_space if data else LINEAR
 
 
 def to_rec709() -> np.ndarray | None:
-    """The matrix from the working space to Linear Rec.709, for rows of colours; None where they are the same."""
+    """The matrix from the working space to Linear Rec.709, for rows of colours; None if the two are the same."""
     if working_space() == LINEAR:
         return None
     return np.array([Color(unit).from_scene_linear_to_rec709_linear()[:] for unit in np.eye(3).tolist()], np.float64)
 
 
 def converted(space: str, is_float: bool) -> bool:
-    """Whether pictures in a space have to be converted as they are saved: the text reads all but a few as linear."""
+    """Whether pictures in a space must be converted when they are saved. The generated HLSL reads all but a few spaces
+    as linear."""
     if space == WORKING:
         return working_space() != LINEAR
     return space not in DATA and space not in (AS_FLOATS if is_float else AS_BYTES)
@@ -44,16 +45,17 @@ def converted(space: str, is_float: bool) -> bool:
 
 @cache
 def fits(space: str, working: str) -> bool:
-    """Whether all bytes in a space are colours between 0 and 1 of Rec.709, so that bytes can hold them. `working` is
-    the working space of the file: what comes out depends on the colour management alone, not on a document."""
+    """Whether all byte colours of a space lie between 0 and 1 in Rec.709, so that bytes can hold them. `working`, the
+    working space of the file, is only part of the cache key: the result depends on colour management, not on the
+    document."""
     corners = np.array(list(itertools.product((0, 0.5, 1), repeat=3)), np.float64)
     found = linear(corners, space)
     return bool(found.min() > -0.5 / 255 and found.max() < 1 + 0.5 / 255)
 
 
 def linear(colours: np.ndarray, space: str) -> np.ndarray:
-    """Colours [n, 3] in a space as Linear Rec.709, by Blender's own colour management: it converts a float picture as
-    it loads one."""
+    """Converts colours [n, 3] from a space to Linear Rec.709 with Blender's own colour management: Blender converts a
+    float picture when it loads it."""
     with tempfile.TemporaryDirectory() as folder:
         path = Path(folder) / "colours.exr"
         save(np.column_stack([colours, np.ones(len(colours))])[None], path, True)
@@ -66,7 +68,7 @@ def linear(colours: np.ndarray, space: str) -> np.ndarray:
 
 
 def encoded(colours: np.ndarray) -> np.ndarray:
-    """Linear Rec.709 as sRGB."""
+    """Encodes Linear Rec.709 as sRGB."""
     colours = np.clip(colours, 0, 1)
     return np.where(colours < 0.0031308, colours * 12.92, 1.055 * colours ** (1 / 2.4) - 0.055)
 
@@ -79,7 +81,7 @@ def pixels(picture: Any) -> np.ndarray:
 
 
 def stored(picture: Any, file: Path) -> np.ndarray:
-    """The same of the picture's file, with nothing multiplied by alpha or divided by it, as Cycles reads it."""
+    """The same for the picture's file, as Cycles reads it: colours are neither multiplied nor divided by alpha."""
     copy = bpy.data.images.load(str(file))
     try:
         copy.alpha_mode = "CHANNEL_PACKED"
@@ -90,10 +92,10 @@ def stored(picture: Any, file: Path) -> np.ndarray:
 
 
 def save(values: np.ndarray, path: Path, is_float: bool) -> None:
-    """Saves [height, width, 4] as they stand: as OpenEXR with 32 bits, or as PNG with 8."""
+    """Saves [height, width, 4] unchanged, as OpenEXR with 32 bits or as PNG with 8."""
     copy = bpy.data.images.new("quillgen copy", values.shape[1], values.shape[0], alpha=True, float_buffer=is_float)
     try:
-        copy.alpha_mode = "CHANNEL_PACKED"  # nothing is multiplied on the way
+        copy.alpha_mode = "CHANNEL_PACKED"  # no multiplication by alpha
         copy.colorspace_settings.name = "Non-Color"
         copy.pixels.foreach_set(np.ascontiguousarray(values, np.float32).ravel())
         copy.file_format = "OPEN_EXR" if is_float else "PNG"

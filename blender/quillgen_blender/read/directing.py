@@ -1,8 +1,8 @@
-"""Nodes that direct values instead of computing them: reroutes, and from Blender 5.0 on menus, repeat zones, closures
+"""Nodes that route values instead of computing them: reroutes, and from Blender 5.0 on menus, repeat zones, closures
 and bundles.
 
-Blender resolves them before it renders, and so they are here: what they direct has to be known without running the
-shader.
+Blender resolves these nodes before it renders, and so does this module: whatever controls the routing has to be known
+without evaluating the shader.
 """
 
 from typing import Any
@@ -13,7 +13,7 @@ from . import sources as s
 from . import values
 from .places import Place
 
-MOST_TURNS = 128  # of one repeat zone; each turn is written out
+MOST_TURNS = 128  # iterations of one repeat zone; they are unrolled
 
 
 def reroute(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
@@ -21,13 +21,13 @@ def reroute(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
 
 
 def group_input(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
-    if place.outer is None:  # in no group: Blender sees no link up to 4.5, and then zero
+    if place.outer is None:  # outside of a group: unlinked up to 4.5, zero from 5.0 on
         return None if s.BORDERS_CONVERT else s.Constant("VALUE", 0.0)
     return sources.border(s.named(place.node.inputs, out.identifier), place.outer, named=True)
 
 
 def implicit_conversion(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
-    """Converts a constant, as a border does, and nothing else."""
+    """Converts constants only, as a group border does."""
     return through(sources, node.inputs[0], out, place)
 
 
@@ -39,7 +39,8 @@ def scene_time(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Sourc
 
 
 def attribute(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
-    """One without a name finds nothing: 0, and an alpha of 1. The translator takes "" for the vertex colour."""
+    """Without a name no attribute is found: the value is 0 and alpha is 1. The translator reads "" as the vertex
+    colour."""
     if node.attribute_name or node.attribute_type != "GEOMETRY":
         return s.Linked(place, node, out)
     value = 1.0 if out.identifier == "Alpha" else values.zero(out.type)
@@ -60,7 +61,7 @@ def menu_switch(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Sour
 
 
 def repeat_output(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
-    """What a repeat zone gives: its input after no turn, else what its last turn hands on."""
+    """The output of a repeat zone: its input if there are no iterations, else the result of the last one."""
     start = partner(node)
     if start is None:
         return nothing(out)
@@ -74,7 +75,7 @@ def repeat_output(sources: s.Sources, node: Any, out: Any, place: Place) -> s.So
 
 
 def after(sources: s.Sources, zone: Any, start: Any, identifier: str, place: Place, turns: int) -> s.Source:
-    """An item of a zone after a number of turns."""
+    """An item of a repeat zone after a number of iterations."""
     if turns <= 0:
         socket = s.named(start.inputs, identifier)
         return through(sources, socket, socket, place)
@@ -91,7 +92,7 @@ def repeat_input(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Sou
 
 
 def evaluate_closure(sources: s.Sources, node: Any, out: Any, place: Place) -> s.Source:
-    """Goes on inside the closure, at the item of the same name."""
+    """Continues inside the closure, at the item of the same name."""
     closure = sources.source(node.inputs["Closure"], place)
     if not isinstance(closure, s.Linked) or closure.node.bl_idname != "NodeClosureOutput":
         sources.note(place, node, "the closure that it calls is not known ahead: it gives 0")
@@ -118,7 +119,7 @@ def separate_bundle(sources: s.Sources, node: Any, out: Any, place: Place) -> s.
 
 
 def in_bundle(sources: s.Sources, bundle: Any, name: str) -> Any:
-    """(socket, place) of what a bundle holds under a name."""
+    """(socket, place) of the bundle's item with this name, None if it has none."""
     if not isinstance(bundle, s.Linked):
         return None
     node, place = bundle.node, bundle.place
@@ -135,7 +136,7 @@ def in_bundle(sources: s.Sources, bundle: Any, name: str) -> Any:
 
 
 def through(sources: s.Sources, socket: Any, out: Any, place: Place) -> s.Source:
-    """What a socket reads, or its own value: it is the end of a way, not a stop on it."""
+    """What a socket reads, or its own value if it reads nothing."""
     found = sources.source(socket, place)
     if found is None:
         found = s.Constant(socket.type, values.default(socket), socket.hide_value)
@@ -147,7 +148,7 @@ def nothing(out: Any) -> s.Source:
 
 
 def known(sources: s.Sources, socket: Any, place: Place) -> Any:
-    """The value of a socket where it is the same everywhere, else None."""
+    """The value of a socket if it is a constant, else None."""
     found = sources.source(socket, place)
     if found is None:
         return values.default(socket)

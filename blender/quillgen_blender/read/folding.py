@@ -1,7 +1,6 @@
-"""What Blender works out ahead, from 5.0 on: a node that reads nothing but constants becomes a constant itself before
-anything is rendered. Such a value converts at every border that it crosses, as constants do, where that of any other
-node counts by its two real ends only.
-"""
+"""Constant folding in Blender 5.0 and later: a node that reads only constants becomes a constant before rendering. Its
+value is converted at every group border that it crosses, like any constant. The value of any other node is converted
+only from the type of its output to the type of the input that reads it."""
 
 from typing import Any
 
@@ -9,8 +8,8 @@ from . import values
 from .places import Place
 from .sources import Linked, Sources, named
 
-# The types that Blender works out; all others stay nodes, whatever they read. A texture stands among them where its
-# coordinate comes by a link: its own differs from place to place.
+# The node types that Blender folds; all others stay nodes, whatever they read. A texture is folded only if its
+# coordinate is linked or not used: the default coordinate varies over the surface.
 TYPES = frozenset(
     (
         "FunctionNodeInputBool",
@@ -49,10 +48,11 @@ TYPES = frozenset(
 class Folding:
     def __init__(self, sources: Sources) -> None:
         self.sources = sources
-        self.kept: dict[tuple[Place, str], bool] = {}  # False, too, for nodes that are being looked at
+        self.kept: dict[tuple[Place, str], bool] = {}  # also False for nodes that are being visited
 
     def constant(self, linked: Linked) -> bool:
-        """Whether nothing varies among all that a node reads. A list instead of recursion: chains may be long."""
+        """Whether Blender folds a node: all that it reads is constant. Uses a stack, not recursion: chains may be
+        long."""
         waiting = [linked]
         while waiting:
             one = waiting[-1]
@@ -84,14 +84,16 @@ class Folding:
 
 
 def steps(borders: tuple[str, ...], source: str) -> tuple[list[tuple[str, str]], str]:
-    """What the borders make of a constant: [(operation, type that its input counts as)], and the type that the value
-    counts as at last."""
+    """The conversions that the borders apply to a constant: [(operation, type of its input)], and the final type of the
+    value."""
     found: list[tuple[str, str]] = []
-    now = held = source  # as what it counts, and as what the last step gives it: a number spreads by itself
+    # `now`: the type at the last border. `held`: the type that the last step returns; a number becomes a vector without
+    # a step.
+    now = held = source
     for border in borders:
         before = held
         if border == "BOOLEAN" and now != "BOOLEAN":
-            if now == "VECTOR":  # true unless all of it is zero
+            if now == "VECTOR":  # true if any component is not zero
                 found.append(("LENGTH" if values.kind(held) == "triple" else "ABSOLUTE", held))
                 before = "VALUE"
             found.append(("GREATER_THAN", before))
@@ -109,7 +111,7 @@ def steps(borders: tuple[str, ...], source: str) -> tuple[list[tuple[str, str]],
 
 
 def record(identity: str, operation: str, link: list[Any]) -> dict[str, Any]:
-    """A node that does one step."""
+    """The record of a node that performs one step."""
     if operation == "LENGTH":
         kind, reads, others = "ShaderNodeVectorMath", "Vector", {}
     else:

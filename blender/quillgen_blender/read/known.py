@@ -1,14 +1,14 @@
-"""Which properties and sockets the reader knows on the nodes that can be translated.
+"""The properties and sockets that the reader knows, for the node types that can be translated.
 
-A newer Blender may add one. What is not in this table is told by a note, and tests/host fails where the Blender at hand
-has something that the table lacks: then it is either handed over and translated, or gets its reason here.
+A newer Blender may add some. The reader adds a note for each that this table lacks, and tests/host fails if the
+installed Blender has one: it is then either handed over and translated, or listed in IGNORED with the reason.
 """
 
 from collections.abc import Iterable
 from functools import cache
 
-# Node type: properties | sockets, all without blanks. They are handed over; what the translation makes of them is
-# written down in passes/support.py.
+# Node type: properties | sockets, with underscores for blanks. They are handed to the translator; passes/support.py
+# says how they are translated.
 _KNOWN = """
 AddShader: | Shader Shader_001
 AmbientOcclusion: inside only_local | Color Normal
@@ -101,7 +101,7 @@ Wavelength: | Wavelength
 Wireframe: use_pixel_size | Size
 """
 
-# What is on purpose not read, or makes no difference to what is rendered: (node type or "*", name): why.
+# Properties and sockets that are deliberately not read or do not affect rendering: (node type or "*", name): reason.
 IGNORED = {
     ("*", "Weight"): "a shader's weight is hidden and set by the render engine",
     ("*", "color_mapping"): "Cycles ignores it",
@@ -117,7 +117,7 @@ IGNORED = {
 
 @cache
 def names(node_type: str) -> frozenset[str] | None:
-    """The names that are known on a node type; None where nothing of it is translated."""
+    """The known names of a node type; None if the type is not translated."""
     known = _table().get(node_type.removeprefix("ShaderNode"))
     if known is None:
         return None
@@ -134,6 +134,6 @@ def _table() -> dict[str, frozenset[str]]:
 
 
 def unknown(node_type: str, found: Iterable[str]) -> tuple[str, ...]:
-    """Those of the names, properties and sockets of a node type, that are not known."""
+    """The given properties and sockets of a node type that are not known."""
     known = names(node_type)
     return () if known is None else tuple(name for name in found if name.replace(" ", "_") not in known)

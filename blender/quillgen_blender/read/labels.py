@@ -1,4 +1,4 @@
-"""What an artist reads at the sockets that become parameters: names, ranges, tooltips."""
+"""Labels of the sockets that become parameters: names, ranges, tooltips."""
 
 from collections.abc import Container, Iterator, Mapping
 from typing import Any
@@ -7,7 +7,7 @@ import bpy
 
 from ..labels import Label
 
-# Nodes whose header reads what they do, by the property that says it.
+# Node types whose header shows their operation: the property that holds it.
 OPERATIONS = {
     "ShaderNodeMath": "operation",
     "ShaderNodeVectorMath": "operation",
@@ -15,7 +15,7 @@ OPERATIONS = {
 }
 NO_LIMIT = 10000.0  # the soft range of a socket that has none
 OWN_VALUES = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color"}
-HOPS = 100  # links that are followed outwards, at most
+HOPS = 100  # maximum number of links followed outwards
 
 
 Labels = dict[tuple[str, str], Label]
@@ -27,8 +27,8 @@ def labels(
     paths: dict[str, tuple[str, ...]],
     wanted: Container[tuple[str, str]] | None = None,
 ) -> Labels:
-    """Node id and socket -> label, for the values in a document that `read.flatten` made of the material, or for those
-    that are wanted. Where a value comes from outside of a group, the label is that of the group node's socket."""
+    """Labels by node id and socket, for all values of a document that `read.flatten` made of the material, or for those
+    that are wanted. A value that comes from outside of a group has the label of the group node's socket."""
     found: Labels = {}
     for more in by_node(material, document, paths, wanted):
         found.update(more)
@@ -41,8 +41,8 @@ def by_node(
     paths: dict[str, tuple[str, ...]],
     wanted: Container[tuple[str, str]] | None = None,
 ) -> Iterator[Labels]:
-    """The same, node by node, for those who have no time for all at once. Nodes are looked up by their names each time:
-    meanwhile the artist may have removed them."""
+    """The same, one node at a time, for callers that must not block. Nodes are looked up by name each time, because the
+    artist may remove them in between."""
     ranges: dict[str, tuple[float | None, float | None]] = {}
     for record in document["nodes"]:
         path = paths.get(record["id"])
@@ -61,14 +61,14 @@ def by_node(
 
 
 def is_put_in(identity: str, paths: Mapping[str, tuple[str, ...]]) -> bool:
-    """Whether the reader put a node in for a socket of another. Its id is that node's and the socket's identifier, and
-    it has that node's path."""
+    """Whether the reader inserted a node for a socket of another node. The id of the inserted node is the other node's
+    id followed by the socket's identifier, and both have the same path."""
     path, words = paths[identity], identity.split(" ")
     return any(paths.get(" ".join(words[:count])) == path for count in range(1, len(words)))
 
 
 def sockets_of(record: dict[str, Any]) -> list[str]:
-    """What of a node may become a parameter."""
+    """The values of a node that may become parameters."""
     found = [socket for socket, entry in record["in"].items() if "link" not in entry]
     if record["type"] in OWN_VALUES:
         found.append(OWN_VALUES[record["type"]])
@@ -78,8 +78,8 @@ def sockets_of(record: dict[str, Any]) -> list[str]:
 
 
 def fingerprint(material: bpy.types.Material) -> list[Any]:
-    """Changes with all that labels depend on but the records of the document: names and headers of nodes, and what
-    reaches a group from outside."""
+    """Changes with everything that labels depend on apart from the document's records: names and headers of nodes, and
+    what feeds a group from outside."""
     found: list[Any] = []
     waiting, seen = [material.node_tree], set()
     while waiting:
@@ -109,7 +109,7 @@ def fingerprint(material: bpy.types.Material) -> list[Any]:
 
 
 def nodes_on(tree: Any, path: tuple[str, ...]) -> tuple[Any, ...]:
-    """The nodes of a path, the outermost first; none where the path leads nowhere."""
+    """The nodes of a path, the outermost first; empty if the path does not exist."""
     chain = []
     for name in path:
         node = tree.nodes.get(name) if tree else None
@@ -131,7 +131,7 @@ def of_node(
     found = {}
     counts: dict[str, int] = {}
     sockets = list(enumerate(node.inputs))
-    sockets.sort(key=lambda item: not item[1].enabled)  # the hidden ones are numbered behind those that the node shows
+    sockets.sort(key=lambda item: not item[1].enabled)  # hidden sockets are numbered after the visible ones
     for order, socket in sockets:
         name = socket.label or socket.name
         counts[name] = counts.get(name, 0) + 1
@@ -154,7 +154,7 @@ def of_node(
 def of_helper(
     record: dict[str, Any], chain: tuple[Any, ...], ranges: dict[str, tuple[float | None, float | None]]
 ) -> Labels:
-    """Labels of a node that the reader put in: it holds the value of a socket of the node that it feeds."""
+    """Labels of a node that the reader inserted: it holds the value of a socket of the node that it feeds."""
     for order, socket in enumerate(chain[-1].inputs):
         if record["id"].endswith(f" {socket.identifier}"):
             outer = outwards(socket, chain[:-1], ranges) if socket.is_linked else None
@@ -170,8 +170,8 @@ def of_helper(
 def outwards(
     socket: Any, groups: tuple[Any, ...], ranges: dict[str, tuple[float | None, float | None]]
 ) -> Label | None:
-    """The label of the group node's socket that the value of a socket comes from; None where the value is the
-    socket's own."""
+    """The label of the group node's socket that supplies the value of a socket; None if the value is the socket's
+    own."""
     found = None
     for _ in range(HOPS):
         if not socket.is_linked or not socket.links:
@@ -199,7 +199,7 @@ def outwards(
 def of_socket(
     socket: Any, base: Label, shown: str, order: int, ranges: dict[str, tuple[float | None, float | None]]
 ) -> Label:
-    """The label of a socket, with `base` of its node."""
+    """The label of a socket; `base` is the label of its node."""
     kind = socket.bl_idname
     if kind not in ranges:
         ranges[kind] = soft_range(socket)
@@ -213,7 +213,7 @@ def header_label(chain: tuple[Any, ...]) -> Label:
 
 
 def header(node: Any) -> str:
-    """What the node's header reads."""
+    """The text in the node's header."""
     if node.label:
         return node.label
     tree = getattr(node, "node_tree", None)
@@ -228,7 +228,7 @@ def header(node: Any) -> str:
 
 
 def soft_range(socket: Any) -> tuple[float | None, float | None]:
-    """The range of the slider of sockets of this kind, None where they have none."""
+    """The slider range of sockets of this kind; (None, None) if they have none."""
     value = socket.bl_rna.properties.get("default_value")
     if value is None or value.type != "FLOAT" or socket.type == "RGBA":
         return None, None
@@ -237,7 +237,7 @@ def soft_range(socket: Any) -> tuple[float | None, float | None]:
 
 
 def interface_range(tree: Any, identifier: str) -> tuple[float | None, float | None, str]:
-    """The range and the tooltip that the group's author gave to a socket."""
+    """The range and the tooltip that the group's author set for a socket."""
     for item in tree.interface.items_tree:
         if item.item_type == "SOCKET" and item.in_out == "INPUT" and item.identifier == identifier:
             low, high = getattr(item, "min_value", None), getattr(item, "max_value", None)

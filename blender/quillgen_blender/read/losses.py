@@ -1,4 +1,4 @@
-"""What a node does in Blender and the document can't say: a note for each."""
+"""Notes on features of nodes that the document cannot express."""
 
 from collections.abc import Iterator
 from typing import Any
@@ -7,7 +7,7 @@ from ..notes import Loss
 
 
 def tell(writer: Any, record: dict[str, Any]) -> None:
-    """The notes on a record that is complete."""
+    """Adds the notes on a complete record."""
     kind = record["type"]
     if kind in _TELLERS:
         for text, loss in _TELLERS[kind](writer, record["props"], record["in"]):

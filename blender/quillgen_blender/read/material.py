@@ -1,4 +1,4 @@
-"""A Blender material as one flat document: nodes, what links them, images and settings."""
+"""Converts a Blender material to one flat document: nodes, links, images and settings."""
 
 import re
 from collections.abc import Iterator
@@ -10,13 +10,13 @@ from ..notes import Note
 from . import working_space
 from .writer import Writer
 
-NODE = re.compile(r'nodes\["((?:[^"\\]|\\.)*)"\]')  # the beginning of a path to a value of a node
+NODE = re.compile(r'nodes\["((?:[^"\\]|\\.)*)"\]')  # the start of the data path of a node's value
 
 
 class Reading(NamedTuple):
-    """What flatten finds. `document` is plain data, as JSON has it. `paths` leads from the id of a record to the
-    names of its node, behind those of the group nodes around it, the outermost first; nodes that the reader puts in
-    have the path of the node that they feed. `pictures` has Blender's image for each name in the document."""
+    """The result of flatten. `document` is plain data, as in JSON. `paths` maps the id of a record to the name of its
+    node, preceded by the names of the enclosing group nodes, the outermost first; nodes that the reader inserted have
+    the path of the node that they feed. `pictures` maps the image names of the document to Blender's images."""
 
     document: dict[str, Any]
     notes: list[Note]
@@ -25,7 +25,8 @@ class Reading(NamedTuple):
 
 
 def flatten(material: Any, mesh: Any = None) -> Reading:
-    """The document of a material. `mesh` gives the UV maps (by default the first mesh that wears the material)."""
+    """Returns the document of a material. `mesh` supplies the UV maps (by default the first mesh that uses the
+    material)."""
     if material.node_tree is None:
         raise ValueError(f"{material.name} has no nodes")
     mesh = mesh or worn_by(material)
@@ -35,7 +36,7 @@ def flatten(material: Any, mesh: Any = None) -> Reading:
         writer.note("", f"{mesh.name}: the UV map for rendering is not the first one, which Unreal takes", "near")
     writer.root.tree = material.node_tree
     end = material.node_tree.get_output_node("CYCLES")
-    ends = end.inputs if end else {}  # those of a world or a light, if such an output is the active one, are fewer
+    ends = end.inputs if end else {}  # a World or Light Output, if it is the active one, has fewer inputs
     out = {name.lower(): writer.output(ends[name]) for name in ("Surface", "Displacement") if name in ends}
     writer.finish()
     writer.aov_outputs()
@@ -71,8 +72,8 @@ def settings(material: Any) -> dict[str, Any]:
 
 
 def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
-    """What stands beside the graph: the version, whether there is a Material Output and what is linked to it, which
-    nodes are driven or animated, the colours of the mesh."""
+    """Facts beside the node graph: the version, whether there is a Material Output and what is linked to it, which
+    nodes are driven or animated, and the colour attributes of the mesh."""
     found = {
         "blender": list(bpy.app.version),
         "output": bool(end),
@@ -88,30 +89,30 @@ def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
 
 
 def is_linked(end: Any, name: str) -> bool:
-    """Whether something is linked to a socket of the output, which may be none."""
+    """Whether a socket of the material's output is linked; False if there is no output."""
     return end is not None and name in end.inputs and end.inputs[name].is_linked
 
 
 def driven(writer: Writer) -> list[str]:
-    """The ids of the nodes with a value that a driver or an animation changes from frame to frame."""
+    """The ids of the nodes with a value that a driver or an animation changes."""
     names = {place: driven_in(place.tree.animation_data) for place in writer.root.all() if place.tree.animation_data}
     return sorted(identity for (place, name), identity in writer.ids.items() if name in names.get(place, ()))
 
 
 def driven_in(data: Any) -> set[str]:
-    """The names of the nodes that the animation data of a tree changes."""
+    """The names of the nodes that a tree's animation data changes."""
     found = (NODE.match(curve.data_path) for curve in (*data.drivers, *animated(data)))
     return {bpy.utils.unescape_identifier(match[1]) for match in found if match}
 
 
 def animated(data: Any) -> list[Any]:
-    """The curves of the action that is edited and of those in the strips of the nonlinear animation."""
+    """The F-curves of the active action and of the actions in unmuted strips of the nonlinear animation."""
     played = (strip for track in data.nla_tracks if not track.mute for strip in strips(track))
     return [curve for user in (data, *played) if user.action for curve in curves(user)]
 
 
 def strips(owner: Any) -> Iterator[Any]:
-    """The strips of a track, or of a strip that holds others, and those within them."""
+    """The unmuted strips of a track or of a meta strip, including nested ones."""
     for strip in owner.strips:
         if not strip.mute:
             yield strip
@@ -119,8 +120,8 @@ def strips(owner: Any) -> Iterator[Any]:
 
 
 def curves(user: Any) -> list[Any]:
-    """The curves of the action that animation data or a strip uses; since Blender 4.4 they lie in a slot of its own for
-    each thing that it animates."""
+    """The F-curves of the action that animation data or a strip uses. Since Blender 4.4 an action has a slot with
+    curves for each animated data-block."""
     action = user.action
     if not hasattr(user, "action_slot"):
         return list(action.fcurves)

@@ -1,5 +1,4 @@
-"""What is the same for all nodes of a type, looked up once a session: it belongs to Blender, not to a
-document."""
+"""Facts about node types, looked up once per session: they depend on Blender, not on the document."""
 
 from collections.abc import Callable
 from typing import Any, NamedTuple
@@ -10,8 +9,8 @@ from . import known, records, values
 
 PLAIN = ("ENUM", "BOOLEAN", "INT", "FLOAT", "STRING")
 COMMON = frozenset(bpy.types.ShaderNode.bl_rna.properties.keys())
-# Sockets that mean "the surface's own" while nothing is linked to them, so that a group's constant can't be
-# handed over as their value: it has to arrive by a link.
+# While unlinked, these sockets mean "the surface's own". A constant from a group therefore can't be stored as their
+# value: it has to arrive by a link.
 COORDINATE_TEXTURES = (
     "ShaderNodeTexGradient",
     "ShaderNodeTexChecker",
@@ -27,10 +26,10 @@ SURFACE_NAMES = ("Normal", "Coat Normal", "Clearcoat Normal", "Tangent")
 
 
 class NodeType(NamedTuple):
-    """`properties` are (name, convert) pairs, `convert` None where the value is plain already. `inputs` and `outputs`
-    are (identifier, type) pairs, those of inputs with the form of their values; `implicit` and `surface` are the inputs
-    that stand for a coordinate or a direction of the surface while nothing is linked to them. `own` adds what else a
-    record holds, `unknown` are properties and sockets that no table of ours has."""
+    """`properties` are (name, convert) pairs; `convert` is None if the value is plain data already. `inputs` and
+    `outputs` are (identifier, type) pairs; inputs also have the form of their value. `implicit` and `surface` are the
+    inputs that stand for a coordinate or a direction of the surface while unlinked. `own` are functions that add
+    further data to a record. `unknown` are properties and sockets that known.py lacks."""
 
     name: str
     properties: tuple[tuple[str, Callable[[Any], Any] | None], ...]
@@ -45,7 +44,7 @@ class NodeType(NamedTuple):
 
 KEPT: dict[str, NodeType] = {}
 BLENDERS_OWN = ("ShaderNode", "Node", "FunctionNode", "GeometryNode")
-VARYING = ("ShaderNodeScript", "ShaderNodeRaycast")  # types whose nodes have sockets of their own
+VARYING = ("ShaderNodeScript", "ShaderNodeRaycast")  # types whose sockets differ from node to node
 
 
 def of(node: Any) -> NodeType:
@@ -53,7 +52,7 @@ def of(node: Any) -> NodeType:
     found = KEPT.get(name)
     if found is None:
         found = look(node)
-        if name.startswith(BLENDERS_OWN) and name not in VARYING:  # what an add-on defines may vary
+        if name.startswith(BLENDERS_OWN) and name not in VARYING:  # nodes of an add-on may vary
             KEPT[name] = found
     return found
 
@@ -77,7 +76,7 @@ def look(node: Any) -> NodeType:
 
 
 def converter(prop: Any) -> Callable[[Any], Any] | None:
-    """What makes plain data of a property's value; None where it is plain."""
+    """The function that converts a property's value to plain data; None if it is plain."""
     if getattr(prop, "is_array", False):
         return list
     return sorted if prop.type == "ENUM" and prop.is_enum_flag else None

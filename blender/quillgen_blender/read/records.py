@@ -1,4 +1,4 @@
-"""A node's own settings as plain data: ramps, curves, images, and what some nodes have instead of properties."""
+"""A node's own settings as plain data: ramps, curves, images, and the values that some nodes store in their outputs."""
 
 from collections.abc import Callable
 from typing import Any
@@ -7,7 +7,7 @@ from mathutils import Vector
 
 from . import pictures
 
-SAMPLES = 257  # what Cycles samples a curve with; a table of another size bends at other places
+SAMPLES = 257  # samples of a curve in Cycles; a table of another size bends at other places
 CURVES = ("ShaderNodeRGBCurve", "ShaderNodeVectorCurve", "ShaderNodeFloatCurve")
 MOVING = {
     "SEQUENCE": "is a sequence of pictures: the one that is shown now is taken",
@@ -18,8 +18,8 @@ UNSHOWN = "is a sequence or a movie of which no picture is shown: export from Bl
 
 
 def own(name: str, pointers: set[str]) -> tuple[Callable[..., None], ...]:
-    """The functions that add to the record of a node type what it holds beside sockets and plain properties.
-    `pointers`: its properties that are no plain values."""
+    """The functions that add what a node type has besides sockets and plain properties to its record. `pointers`: its
+    properties that are not plain values."""
     found = [OUTPUT_VALUES[name]] if name in OUTPUT_VALUES else []
     found += [add for pointer, add in POINTERS.items() if pointer in pointers]
     return (*found, add_curve) if name in CURVES else tuple(found)
@@ -34,7 +34,7 @@ def add_colour(writer: Any, node: Any, record: dict[str, Any]) -> None:
 
 
 def add_direction(writer: Any, node: Any, record: dict[str, Any]) -> None:
-    """A direction, however long the stored vector is."""
+    """The stored vector, normalized: only its direction counts."""
     record["props"]["normal"] = list(Vector(node.outputs[0].default_value).normalized())
 
 
@@ -68,7 +68,7 @@ def combined(identity: str, value: Any) -> dict[str, Any]:
 
 
 def ramp(node: Any) -> dict[str, Any]:
-    """A colour ramp as it stands: the stops in the order of their list, the words that rule what lies between."""
+    """A colour ramp as Blender stores it: the stops in list order and the interpolation settings."""
     band = node.color_ramp
     return {
         "stops": [[stop.position, list(stop.color)] for stop in band.elements],
@@ -79,8 +79,8 @@ def ramp(node: Any) -> dict[str, Any]:
 
 
 def curve(node: Any) -> dict[str, Any]:
-    """The curves as tables over the range of all control points. An RGB curve's common curve is applied
-    before those of the channels, as Blender does."""
+    """The curves as tables over the range of all control points. The common curve of an RGB Curves node is applied
+    before the curves of the channels, as in Blender."""
     mapping = node.mapping
     mapping.update()
     parts = list(mapping.curves)
@@ -98,8 +98,8 @@ def curve(node: Any) -> dict[str, Any]:
 
 
 def clip(curve: dict[str, Any], mapping: Any) -> None:
-    """Cuts off what lies outside of the clipping range. A curve that leaves it beyond both ends stays at its limits
-    there; of any other the samples at the ends remain, which say how it goes on."""
+    """Clips a table to the clipping range. A curve that leaves the range beyond both ends stays at the limits there.
+    For any other extrapolated curve the two samples at each end are kept, because they define the extrapolation."""
     low, high = mapping.clip_min_y, mapping.clip_max_y
     table = curve["tables"][0]
     clipped = [min(max(value, low), high) for value in table]
@@ -111,8 +111,8 @@ def clip(curve: dict[str, Any], mapping: Any) -> None:
 
 
 def sampled(mapping: Any, part: Any, places: list[float]) -> list[float]:
-    """A curve at some places. Most channels of most nodes are left as they are, a line from corner to corner, and
-    evaluating takes longer than all else in reading."""
+    """Samples a curve. Most channels of most nodes are the default line from corner to corner, which is not evaluated:
+    evaluating takes longer than the rest of reading."""
     if len(part.points) == 2 and min(places) >= part.points[0].location[0]:
         one, two = (tuple(point.location) for point in part.points)
         plain = all(point.handle_type in ("AUTO", "VECTOR") for point in part.points)
@@ -138,7 +138,7 @@ def add_image(writer: Any, node: Any, record: dict[str, Any]) -> None:
 
 
 def moved(mapping: Any) -> bool:
-    """Whether a texture's own mapping does anything."""
+    """Whether a texture's own mapping has an effect."""
     return (
         tuple(mapping.translation) != (0, 0, 0)
         or tuple(mapping.rotation) != (0, 0, 0)

@@ -1,12 +1,12 @@
-"""What feeds a socket, once groups, reroutes, muted nodes and all that only directs values are out of the way.
+"""Finds what feeds a socket. Looks through groups, reroutes, muted nodes and other nodes that only route values.
 
-Two generations of Blender disagree about what happens on the way:
+Blender versions differ in how they convert a value on its way:
 
-* up to 4.5 every border of a group, reroute and muted node is a socket of its own. A value that crosses takes
-  the border's type (a colour that passes through a float socket comes out grey), and a reroute or muted node
-  with nothing behind it yields zero;
-* from 5.0 on the groups are dissolved before anything is evaluated. Only the two real ends count, unless the
-  value is a constant or made of constants alone (folding.py), and a dead end is as if there were no link.
+* up to 4.5 every border of a group, reroute and muted node is a socket of its own. A value that crosses it is converted
+  to the border's type (a colour that passes through a float socket becomes grey), and a reroute or muted node without
+  input yields zero;
+* from 5.0 on groups are dissolved before evaluation. Only the types of the two real ends count, unless the value is a
+  constant or depends on constants alone (folding.py), and a dead end counts as no link.
 """
 
 from collections.abc import Callable, Mapping
@@ -21,7 +21,7 @@ BORDERS_CONVERT = bpy.app.version < (5, 0, 0)
 
 
 class Linked(NamedTuple):
-    """An output of a real node, and the types of the borders behind it, the nearest to the node first."""
+    """An output of a real node, and the types of the borders that its value crosses, the nearest to the node first."""
 
     place: Place
     node: Any
@@ -30,9 +30,9 @@ class Linked(NamedTuple):
 
 
 class Constant(NamedTuple):
-    """A value that no node holds, such as that of an unlinked socket on a group's border; `hidden` where the
-    interface shows no field for it, `named` where it is an artist's choice: an input of a group, `linked` where it
-    comes from a node all the same, so that what it feeds is no unlinked socket."""
+    """A value that no node holds, such as that of an unlinked socket on a group's border. `hidden`: the interface shows
+    no field for it. `named`: the artist chose it, as an input of a group. `linked`: it comes from a node nevertheless,
+    so the socket that it feeds counts as linked."""
 
     type: str
     value: Any
@@ -46,8 +46,8 @@ Source = Linked | Constant | None
 
 
 class Sources:
-    """Finds sources within one material. `directing` has a function for each node type that only hands on what it
-    reads; `note(place, node, text, loss)` hears of what can't be resolved."""
+    """Finds sources within one material. `directing` has a function for each node type that only routes values;
+    `note(place, node, text, loss)` is called for what can't be resolved."""
 
     def __init__(self, directing: "Directing", note: Callable[..., None]) -> None:
         self.directing, self.note = directing, note
@@ -55,9 +55,9 @@ class Sources:
         self.zones: dict[int, set[int]] = {}
 
     def links(self, tree: Any) -> Links:
-        """{input: (node, output)} of a tree, the inputs by pointer. To ask a socket for its links costs a walk over the
-        whole tree, so they are sorted once. A link counts that is neither muted nor part of a cycle nor on a socket
-        that the node doesn't show in its present mode."""
+        """{input: (node, output)} of a tree, the inputs as pointers. Reading a socket's links walks the whole tree, so
+        they are indexed once. Ignores links that are muted, part of a cycle, or on a socket that the node doesn't show
+        in its current mode."""
         found = self.trees.get(tree)
         if found is None:
             found = self.trees[tree] = {}
@@ -69,7 +69,7 @@ class Sources:
         return found
 
     def source(self, socket: Any, place: Place) -> Source:
-        """The Linked or Constant that an input reads, or None where it is left with its own value."""
+        """The Linked or Constant that an input reads, or None if the input uses its own value."""
         if not socket.is_linked:
             return None
         if place.links is None:
@@ -96,14 +96,14 @@ class Sources:
         return self.border(named(end.inputs, out.identifier), place.group(node))
 
     def passage(self, inner: Any, out: Any, place: Place) -> Source:
-        """Through a node that hands on what it reads, such as a reroute."""
+        """Follows a node that passes on what it reads, such as a reroute."""
         found = self.source(inner, place)
         if found is None:
             return Constant(out.type, values.zero(out.type)) if BORDERS_CONVERT else None
         return cross(found, out)
 
     def border(self, socket: Any, place: Place, named: bool = False) -> Source:
-        """Into or out of a group; the border's own value stands in where nothing is linked."""
+        """Follows a link into or out of a group; the border's own value is used if nothing is linked."""
         found = self.source(socket, place)
         if found is None:
             return Constant(socket.type, values.default(socket), socket.hide_value, named)
@@ -121,15 +121,15 @@ def named(sockets: Any, identifier: str) -> Any:
 
 
 def group_end(tree: Any) -> Any:
-    """The Group Output that counts."""
+    """The active Group Output."""
     ends = [node for node in tree.nodes if node.bl_idname == "NodeGroupOutput"] if tree else []
     return next((node for node in ends if node.is_active_output), None)
 
 
 def narrow(borders: tuple[str, ...], source: str, target: str) -> tuple[str, bool, bool]:
-    """What the borders leave of a value on its way from a socket type to another, as (type, narrowed, whole):
-    the type that the value counts as at last, whether it shrank to a single number on the way and has to
-    spread again, and whether it lost its fraction."""
+    """What the borders do to a value on its way from one socket type to another, as (type, narrowed, whole): the final
+    type of the value, whether it was reduced to a single number and has to become a vector again, and whether it lost
+    its fraction."""
     now, narrowed, whole = source, False, False
     for border in borders:
         if values.kind(border) == "scalar":

@@ -12,7 +12,7 @@ KINDS = {
     **dict.fromkeys(("VECTOR", "RGBA", "ROTATION"), "triple"),
 }
 LUMA = luma.weights(bpy.app.version)
-# Nodes that hold a constant, by the attribute that holds it.
+# Node types that hold a constant: the attribute that holds it.
 HOLDERS = {
     "FunctionNodeInputInt": "integer",
     "FunctionNodeInputBool": "boolean",
@@ -27,7 +27,7 @@ def kind(socket_type: str) -> str | None:
 
 
 def default(socket: Any) -> Any:
-    """The value that the socket holds while nothing is linked to it; None where it has none."""
+    """The value of an unlinked socket; None if it has none."""
     socket_type = socket.type
     form = KINDS.get(socket_type)
     if form == "scalar":
@@ -64,11 +64,11 @@ def zero(socket_type: str) -> Any:
 
 
 def convert(value: Any, source: str, target: str) -> Any:
-    """A constant that crosses from a socket of one type into a socket of another."""
+    """Converts a constant from one socket type to another."""
     if value is None or kind(target) is None:
         return value if source == target else None
     if target == "BOOLEAN" and bpy.app.version < (5, 0, 0):
-        target = "INT"  # Cycles has whole numbers in its place
+        target = "INT"  # Cycles uses an integer instead
     if target == "BOOLEAN" and source == "VECTOR":
         return any(value[:3])
     if kind(source) == "triple" and kind(target) == "scalar":

@@ -1,5 +1,5 @@
-"""Nodes that the document has by another name: those of older Blenders by their successors, constants of newer ones as
-plain values, and those whose formula another Blender has changed, with what makes up for it."""
+"""Nodes that the document stores differently: nodes of older Blenders as their successors, constants of newer ones as
+plain values, and nodes whose formula depends on the version with a compensation."""
 
 import math
 from typing import Any
@@ -9,7 +9,7 @@ import bpy
 from . import records, values
 
 VERSION = bpy.app.version
-# Old node: (its successor, mode, sockets that are called otherwise).
+# Old node -> (successor, mode, renamed sockets).
 SUCCESSORS = {
     "ShaderNodeSeparateRGB": (
         "ShaderNodeSeparateColor",
@@ -29,7 +29,7 @@ OUTPUT_NAMES = frozenset((*SUCCESSORS, *NUMBERS, "ShaderNodeUVMap"))
 
 
 def output_name(writer: Any, node: Any, name: str) -> Any:
-    """What the document calls an output of a node whose type is among OUTPUT_NAMES."""
+    """The document's name of an output of a node whose type is in OUTPUT_NAMES."""
     kind = node.bl_idname
     if kind in SUCCESSORS:
         return SUCCESSORS[kind][2].get(name, name)
@@ -39,7 +39,7 @@ def output_name(writer: Any, node: Any, name: str) -> Any:
 
 
 def adapt(writer: Any, node: Any, record: dict[str, Any]) -> None:
-    """Changes a record whose node the translator knows by another name or formula."""
+    """Changes a record if the translator knows its node by another name or formula."""
     change = CHANGES.get(record["type"])
     if change:
         change(writer, node, record)
@@ -62,7 +62,7 @@ def vector(writer: Any, node: Any, record: dict[str, Any]) -> None:
 
 
 def uv_map(writer: Any, node: Any, record: dict[str, Any]) -> None:
-    """A UV Map node that doesn't ask for the first map: as an attribute, which is looked up by its name."""
+    """A UV Map node that reads another map than the first becomes an Attribute node, which looks the map up by name."""
     name = other_uv_map(writer, node)
     if name is not None:
         record |= {
@@ -74,14 +74,14 @@ def uv_map(writer: Any, node: Any, record: dict[str, Any]) -> None:
 
 
 def other_uv_map(writer: Any, node: Any) -> Any:
-    """The name of the UV map that a UV Map node asks for, unless it is the first, which needs no name."""
+    """The UV map that a UV Map node reads, if it is not the first, which needs no name; else None."""
     name = node.uv_map if node.bl_idname == "ShaderNodeUVMap" else ""
     return name if name in writer.uv_maps[1:] else None
 
 
 def magic(writer: Any, node: Any, record: dict[str, Any]) -> None:
-    """Up to 5.1 the remainder by a whole turn is taken of the coordinate, since then of coordinate times Scale. They
-    differ where coordinates leave the first turn, unless 5 times Scale is whole."""
+    """Up to 5.1 Blender takes the coordinate modulo 2 pi, since 5.2 coordinate times Scale. The results differ for
+    coordinates outside of the first period, unless 5 times Scale is an integer."""
     coordinate, scale = record["in"]["Vector"], record["in"]["Scale"]
     if "link" not in coordinate or ("v" in scale and float(5 * scale["v"]).is_integer()):
         return

@@ -1,7 +1,7 @@
-"""A document whose stored colours are in the working space of the file, brought to Linear Rec.709.
+"""Converts the stored colours of a document from the working space of the file to Linear Rec.709.
 
-Colours that a material mixes, adds and scales come out the same in either space. What bends colours channel by channel
-doesn't: those nodes get a note.
+Mixing, adding and scaling colours gives the same result in both spaces. Nonlinear operations on single channels don't:
+their nodes get a note.
 """
 
 from typing import Any
@@ -21,7 +21,7 @@ STRAIGHT = ("MIX", "ADD", "SUBTRACT")
 
 
 def to_rec709(writer: Any) -> None:
-    """Changes the records of a writer that is done."""
+    """Converts the records of a writer that has finished."""
     matrix = colour.to_rec709()
     if matrix is None:
         return

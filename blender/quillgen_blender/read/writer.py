@@ -1,4 +1,4 @@
-"""Collects the records of a document, from the nodes that are asked for on to what feeds them."""
+"""Collects the records of a document: the nodes that are asked for and all that feed them."""
 
 import re
 from typing import Any
@@ -11,7 +11,7 @@ NOT_A_LETTER = re.compile("[^A-Za-z0-9]")
 
 
 class Writer:
-    """`uv_maps`: the names of the mesh's; `settings`: those of the material, as the document has them."""
+    """`uv_maps`: the names of the mesh's UV maps; `settings`: those of the material, as in the document."""
 
     def __init__(self, uv_maps: list[str], settings: dict[str, Any]) -> None:
         self.sources = sources.Sources(directing.TABLE, self.note_on)
@@ -31,12 +31,12 @@ class Writer:
     # What readers of the document ask for
 
     def output(self, socket: Any) -> list[str] | None:
-        """[id, output] of what feeds a socket of the material's output; None where no node does."""
+        """[id, output] of what feeds a socket of the material's output; None if no node does."""
         found = self.sources.source(socket, self.root)
         return self.reference(found)[:2] if isinstance(found, sources.Linked) else None
 
     def finish(self) -> None:
-        """Records what is waiting and all that feeds it, each node when its first reader's turn comes."""
+        """Records the waiting nodes and all that feed them, depth first."""
         self.waiting.reverse()
         while self.waiting:
             self.record(*self.waiting.pop())
@@ -57,7 +57,7 @@ class Writer:
     # Ids
 
     def identity(self, place: Place, node: Any) -> str:
-        """The node's id: its name, behind the names of the groups around it."""
+        """The node's id: its name, preceded by the names of the enclosing groups."""
         name = node.name
         found = self.ids.get((place, name))
         if found is None:
@@ -67,8 +67,8 @@ class Writer:
         return found
 
     def fresh(self, wish: str) -> str:
-        """An id that no other node has. Parameters are named by the id's letters and digits only, so two ids
-        have to differ in these."""
+        """An id that no other node has. Parameter names use only the letters and digits of an id, so two ids have to
+        differ in these."""
         name, count = wish, 0
         spelling = NOT_A_LETTER.sub("_", name)
         while spelling in self.spellings:
@@ -79,13 +79,13 @@ class Writer:
         return name
 
     def put_in(self, identifier: str, reader: str) -> str:
-        """The id of a node that feeds a reader's socket and that Blender hasn't got."""
+        """The id of an inserted node that feeds a reader's socket and does not exist in Blender."""
         identity = self.fresh(f"{reader} {identifier}")
         self.paths[identity] = self.paths[reader]
         return identity
 
     def image(self, picture: Any) -> str:
-        """What the document calls an image: its name, with a number where an image of another file has it already."""
+        """The document's name of an image: its own name, numbered if an image of another file has that name already."""
         name, count = picture.name, 1
         while self.pictures.setdefault(name, picture) != picture:
             count += 1
@@ -93,7 +93,7 @@ class Writer:
         return name
 
     def aov_outputs(self) -> None:
-        """Notes on what goes to render passes of its own, in the trees that were read."""
+        """Adds notes on nodes that write to render passes of their own, in the trees that were read."""
         for place in self.root.all():
             for node in place.tree.nodes:
                 if node.bl_idname == "ShaderNodeOutputAOV" and not node.mute and any(s.is_linked for s in node.inputs):
@@ -143,12 +143,12 @@ class Writer:
         losses.tell(self, found)
 
     def white_noise(self, node: Any, identity: str, entry: Any) -> None:
-        """The one texture that has no coordinate of its own: it reads the value of its socket."""
+        """White Noise is the only texture without a default coordinate: an unlinked socket has its own value."""
         if "v" in entry and sources.named(node.inputs, "Vector").enabled:
             entry["link"] = self.constant(entry.pop("v"), "Vector", identity)
 
     def float_curve(self, place: Place, node: Any, curve: dict[str, Any]) -> None:
-        """The one curve node that keeps to its clipping range where Blender works it out ahead, and nowhere else."""
+        """Float Curve is the only curve node that respects its clipping range when Blender folds it, and only then."""
         ahead = not sources.BORDERS_CONVERT and self.folding.constant(sources.Linked(place, node, node.outputs[0]))
         if ahead and node.mapping.use_clip:
             records.clip(curve, node.mapping)
@@ -156,7 +156,7 @@ class Writer:
     def linked(
         self, socket: Any, identifier: str, kind: node_types.NodeType, place: Place, identity: str
     ) -> dict[str, Any] | None:
-        """The entry of an input that reads a link; None where nothing comes by it."""
+        """The entry of a linked input; None if nothing arrives by the link."""
         found = self.sources.source(socket, place)
         if isinstance(found, sources.Linked):
             return {"t": socket.type, "link": self.link(found, socket, identity)}
@@ -168,7 +168,7 @@ class Writer:
         return {"t": socket.type, "v": value} | ({"named": True} if found.named else {})
 
     def own(self, found: Any, identifier: str, kind: node_types.NodeType) -> bool:
-        """Whether an implicit socket stays with the surface's own value in spite of a group's constant."""
+        """Whether an implicit socket keeps the surface's own value in spite of a group's constant."""
         if sources.BORDERS_CONVERT:
             return not found.linked and (identifier in kind.implicit or identifier in kind.surface)
         return found.hidden and identifier in kind.surface
@@ -184,7 +184,7 @@ class Writer:
         return self.number(reference, whole, socket.identifier, identity) if spread or whole else reference
 
     def folded(self, linked: sources.Linked, reference: list[str], identifier: str, reader: str) -> list[str]:
-        """The link to a node with borders behind it, which convert what is constant."""
+        """The link to a node across borders, which convert its value if Blender folds the node."""
         found, seen = folding.steps(linked.borders, linked.socket.type)
         if not (found or seen != reference[2]) or not self.folding.constant(linked):
             return reference
@@ -195,7 +195,7 @@ class Writer:
         return reference if found else [*reference[:2], seen]
 
     def number(self, reference: Any, whole: bool, identifier: str, reader: str) -> list[str]:
-        """A node that makes one number of what it reads."""
+        """Inserts a node that converts what it reads to one number."""
         identity = self.put_in(identifier, reader)
         self.nodes.append(
             {
@@ -209,7 +209,7 @@ class Writer:
         return [identity, "Value", "VALUE"]
 
     def constant(self, value: Any, identifier: str, reader: str) -> list[str]:
-        """A node that holds a vector."""
+        """Inserts a node that holds a vector."""
         identity = self.put_in(identifier, reader)
         self.nodes.append(records.combined(identity, value))
         return [identity, "Vector", "VECTOR"]
