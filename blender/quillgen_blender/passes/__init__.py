@@ -1,4 +1,4 @@
-"""What changes a document on its way to the translator: one pass a file, plain Python without bpy."""
+"""Passes that change a document before translation or a result after it: one file each, plain Python without bpy."""
 
 from collections.abc import Collection
 from typing import Any
@@ -9,16 +9,16 @@ from .options import Options
 
 __all__ = ["PASSES", "Options", "finish", "prepare"]
 
-# In this order. Each takes a document and the options, and returns a document (the same one where nothing changes,
-# never one changed in place) and notes.
+# The order matters. Each pass takes a document and the options, and returns a document and notes. It returns the same
+# document if nothing changes, and never changes one in place.
 PASSES = (losses.run, ramps.run, shaders.run, bumped_normals.run, luma.run)
-# What follows the translation, likewise: each takes a result, the document that was translated, the names of the
-# parameters that the artist marked, and the options.
+# The passes after the translation. Each takes a result, the document that was translated, the names of the parameters
+# that the artist marked, and the options.
 RESULT_PASSES = (displacement.set_magnitude, parameters.name_parameters)
 
 
 def prepare(document: dict[str, Any], options: Options | None = None) -> tuple[dict[str, Any], list[Note]]:
-    """The document that the translator takes, and the notes of all passes."""
+    """Returns the document for the translator, and the notes of all passes."""
     options = options or Options()
     notes: list[Note] = []
     for run in PASSES:
@@ -30,8 +30,8 @@ def prepare(document: dict[str, Any], options: Options | None = None) -> tuple[d
 def finish(
     result: dict[str, Any], document: dict[str, Any], named: Collection[str] = (), options: Options | None = None
 ) -> tuple[dict[str, Any], list[Note]]:
-    """The result as it is exported, and notes. `document` is what `prepare` returned and the translator took;
-    `named` holds names of parameters (`P_Node__Socket`) that the artist marked."""
+    """Returns the result for the export, and notes. `document` is what `prepare` returned and the translator took;
+    `named` holds the names of parameters (`P_Node__Socket`) that the artist marked."""
     options = options or Options()
     notes: list[Note] = []
     for run in RESULT_PASSES:

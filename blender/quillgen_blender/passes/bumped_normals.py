@@ -1,9 +1,9 @@
 """Nodes that read the shading normal and feed both the surface and the displacement.
 
-Blender's displacement sees the plain normal, and its surface the one that the displacement has bent. The translator
-evaluates such a node once, for the displacement, so its surface sees the plain normal as well: moss that grows on what
-faces up ignores the relief. This pass gives the displacement nodes of its own. A copy's id is spelled such that the
-names of its parameters are those of the original: what is set in Unreal is set for both.
+In Blender the displacement reads the undisplaced normal, and the surface reads the normal after displacement. The
+translator evaluates such a node once, for the displacement, so the surface reads the undisplaced normal as well: moss
+that grows on upward faces ignores the relief. This pass duplicates these nodes for the displacement. The id of a copy
+is chosen so that its parameters have the names of the original's: a value set in Unreal applies to both.
 """
 
 from collections.abc import Iterable
@@ -13,7 +13,7 @@ from ..notes import Note
 from . import made
 from .options import Options
 
-# The outputs that follow the shading normal, by node type; None for all of them.
+# The outputs that depend on the shading normal, by node type; None for all outputs.
 READERS: dict[str, frozenset[str] | None] = {
     "ShaderNodeNewGeometry": frozenset({"Normal", "Tangent"}),
     "ShaderNodeTexCoord": frozenset({"Normal", "Reflection"}),
@@ -24,7 +24,7 @@ READERS: dict[str, frozenset[str] | None] = {
     "ShaderNodeNormalMap": None,
     "ShaderNodeTangent": None,
 }
-SEPARATOR = "\u00b7"  # names of parameters have an underscore for it, as for a space or a point
+SEPARATOR = "\u00b7"  # becomes an underscore in parameter names, as a space or a point does
 
 Record = dict[str, Any]
 
@@ -77,7 +77,7 @@ def upstream(records: dict[str, Record], identity: str) -> set[str]:
 
 
 def following_the_normal(records: dict[str, Record], shared: set[str]) -> set[str]:
-    """Those of the shared nodes that give something else where the normal is bent."""
+    """The shared nodes whose value depends on the shading normal."""
     read = {link for node in records.values() for link in links(node)}
 
     def follows(source: str, output: str) -> bool:
@@ -99,14 +99,14 @@ def following_the_normal(records: dict[str, Record], shared: set[str]) -> set[st
 
 
 def same_parameters(identity: str, records: dict[str, Record]) -> str | None:
-    """Another id with the same names of parameters; None for an id of letters and digits alone."""
+    """Another id with the same parameter names; None for an id of letters and digits alone."""
     places = [place for place, character in enumerate(identity) if made.NOT_A_LETTER.match(character)]
     spellings = (identity[:place] + SEPARATOR + identity[place + 1 :] for place in reversed(places))
     return next((name for name in spellings if name not in records), None)
 
 
 def relinked(node: Record, copies: dict[str, str]) -> Record:
-    """The record with its links to divided nodes led to their copies."""
+    """The record with its links to divided nodes redirected to their copies."""
     changed = {
         socket: entry | {"link": [copies[entry["link"][0]], *entry["link"][1:]]}
         for socket, entry in node["in"].items()

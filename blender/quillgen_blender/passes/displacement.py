@@ -1,9 +1,9 @@
-"""The magnitude of real displacement, from the numbers that the graph can give.
+"""Computes the magnitude of real displacement from the ranges of the values that feed it.
 
-The translator knows the range of a Displacement node whose Scale and Midlevel are plain values, with a height from
-0 to 1. This pass over a result follows what feeds the displacement, through constants and textures, and sets the
-magnitude that holds it: neither are offsets clipped, nor is most of the range left unused. The text stays as it is
-but for its last number, and the sliders behind Scale and Midlevel stay live.
+The translator knows the range of a Displacement node whose Scale and Midlevel are plain values, for a height from 0 to
+1. This pass over a result computes the range from what feeds the displacement, through constants and textures, and sets
+a magnitude that fits it: offsets are not clipped, and most of the range is used. Only the last number of the generated
+HLSL changes, and the parameters for Scale and Midlevel stay live.
 """
 
 import math
@@ -18,12 +18,12 @@ from .scalar_intervals import Interval, Maybe, hull, mathematics, multiply, subt
 
 HEADROOM = 1.25  # textures can overshoot their range a little, and sliders move
 SMALLEST = -4  # the least magnitude is 2 to this power, in centimetres
-LARGEST = 16  # of a range that can be meant: beyond 650 m nothing is known
+LARGEST = 16  # power of the largest plausible magnitude: above 650 m the range counts as unknown
 UNKNOWN = "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are clipped)"
 
 
 class Along(NamedTuple):
-    """How far a displacement goes along the normal, in metres; whether a height of unknown range was taken to lie
+    """The range of a displacement along the normal, in metres; `assumed`: a height of unknown range was assumed to lie
     between 0 and 1."""
 
     metres: Interval
@@ -55,7 +55,8 @@ def set_magnitude(
 
 
 def fitting(metres: Interval) -> float | None:
-    """The least power of two, in centimetres, whose half on either side holds the range and some headroom."""
+    """The smallest power of two, in centimetres, of which one half on either side contains the range and some
+    headroom."""
     most = 2.0 * max(abs(metres[0]), abs(metres[1])) * 100.0 * HEADROOM
     if not math.isfinite(most):
         return None
@@ -64,7 +65,7 @@ def fitting(metres: Interval) -> float | None:
 
 
 def along(at: Intervals, source: str, output: str) -> Along | None:
-    """Of an output that is read as a displacement."""
+    """The range of an output that is read as a displacement."""
     node = at.nodes.get(source)
     rule = RULES.get(node["type"]) if node else None
     if rule and node:
@@ -75,7 +76,7 @@ def along(at: Intervals, source: str, output: str) -> Along | None:
 
 
 def any_way(vector: list[Maybe]) -> Along | None:
-    """Of a vector in whatever direction: as far as it is long, to either side."""
+    """The range of a vector in an unknown direction: its maximum length, to both sides."""
     parts = [mathematics("ABSOLUTE", [part]) for part in vector]
     if any(part is None for part in parts):
         return None
@@ -95,7 +96,7 @@ def _displacement(at: Intervals, node: dict[str, Any]) -> Along | None:
     metres = multiply(subtract(height or (0.0, 1.0), middle), scale)
     if metres is None:
         return None
-    if "link" in node["in"].get("Normal", ()):  # along another direction than the mesh's own normal
+    if "link" in node["in"].get("Normal", ()):  # along a direction other than the mesh's own normal
         most = max(abs(metres[0]), abs(metres[1]))
         metres = -most, most
     return Along(metres, height is None)
@@ -106,7 +107,7 @@ def _vector_displacement(at: Intervals, node: dict[str, Any]) -> Along | None:
     vector = [part or (0.0, 1.0) for part in at.vector(node, "Vector")]
     assumed = None in at.vector(node, "Vector")
     parts = [multiply(subtract(part, middle), scale) for part in vector]
-    if node["props"].get("space", "TANGENT") == "TANGENT":  # y is the one along the normal
+    if node["props"].get("space", "TANGENT") == "TANGENT":  # y is along the normal
         return None if parts[1] is None else Along(parts[1], assumed)
     found = any_way(parts)
     return found and found._replace(assumed=assumed)
@@ -129,7 +130,7 @@ def _vector_math(at: Intervals, node: dict[str, Any]) -> Along | None:
 
 
 def multiplied(at: Intervals, node: dict[str, Any], socket: str, by: str) -> Along | None:
-    """A displacement times a vector. The same factor for all axes keeps the direction."""
+    """The range of a displacement times a vector. Equal factors on all axes keep the direction."""
     found, factors = input_along(at, node, socket), at.vector(node, by, 0.0)
     if found is None or any(factor is None for factor in factors):
         return None

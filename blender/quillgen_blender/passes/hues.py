@@ -1,20 +1,20 @@
-"""Ways round the circle of hues.
+"""Hue interpolation of colour ramps.
 
-Between two stops of a ramp in HSV or HSL Blender goes round the circle the near way, the far way or in a set
-direction. The document knows only the straight way from one hue to the other, which never passes the seam at
-red (hue 0 and 1). Where the way does pass it, two stops of the same place are put in: the hue at one end of
-the range, then at the other.
+Between two stops of a ramp in HSV or HSL, Blender goes around the hue circle the near way, the far way or in a fixed
+direction. The document only has linear interpolation from one hue to the other, which never crosses the seam at red
+(hue 0 and 1). Where the way crosses it, two stops with the same position are inserted: the hue at one end of the range,
+then at the other.
 """
 
 import colorsys
 
 from .ramp_values import Colour, Stop
 
-EDGE = 1e-5  # how far from the seam the new stops stay, since hue 1 is the colour of hue 0
+EDGE = 1e-5  # distance of the new stops from the seam, because hue 1 is the same colour as hue 0
 
 
 def through_the_seam(stops: list[Stop], mode: str, way: str) -> list[Stop]:
-    """The stops with those put in that the way needs."""
+    """The stops, with those that the way requires inserted."""
     found = stops[:1]
     for (start, first), (end, second) in zip(stops, stops[1:]):
         one, two = split(first, mode), split(second, mode)
@@ -30,7 +30,7 @@ def through_the_seam(stops: list[Stop], mode: str, way: str) -> list[Stop]:
 
 
 def turned(one: float, two: float, way: str) -> int:
-    """The whole turns, -1, 0 or 1, that the second hue lies beyond the first one's round."""
+    """The full turns to add to the second hue for the way: -1, 0 or 1."""
     if way == "NEAR":
         return (two - one < -0.5) - (two - one > 0.5)
     if way == "FAR":

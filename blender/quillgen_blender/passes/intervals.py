@@ -1,7 +1,7 @@
-"""Between which numbers an output of a graph lies.
+"""Interval arithmetic: bounds for the values of the outputs of a graph.
 
-Constants are followed exactly, whatever nodes they go through; textures lie between the numbers that they are made
-to give. What nothing is known of has no interval.
+Constants are computed exactly, through all nodes that are supported; textures are bounded by their nominal ranges.
+Unknown values have no interval.
 """
 
 from typing import Any
@@ -15,7 +15,7 @@ TRIPLES = ("VECTOR", "RGBA", "ROTATION")
 
 
 class Intervals:
-    """Of one document. Every output is looked at once."""
+    """The intervals of one document. Each output is computed once."""
 
     def __init__(self, document: dict[str, Any]) -> None:
         self.nodes = {node["id"]: node for node in document["nodes"]}
@@ -24,11 +24,11 @@ class Intervals:
         self.found: dict[tuple[str, str], Value] = {}
 
     def number(self, node: dict[str, Any], socket: str, default: float | None = None) -> Interval | None:
-        """Of an input that is read as a number."""
+        """The interval of an input that is read as a number."""
         return self.input(node, socket, 1, default)[0]
 
     def vector(self, node: dict[str, Any], socket: str, default: float | None = None) -> Value:
-        """Of the three components of an input."""
+        """The intervals of an input's three components."""
         return self.input(node, socket, 3, default)
 
     def input(self, node: dict[str, Any], socket: str, width: int, default: float | None) -> Value:
@@ -45,7 +45,7 @@ class Intervals:
         return self.fitted([(float(part), float(part)) for part in parts[:3]], entry["t"], width)
 
     def fitted(self, value: Value, kind: str | None, width: int) -> Value:
-        """A value as a number or as three, converted as links convert."""
+        """Converts a value to one number or to three, as links do."""
         if len(value) == width:
             return value
         if width == 3:
@@ -56,7 +56,7 @@ class Intervals:
     def output(self, source: str, output: str) -> Value:
         key = source, output
         if key not in self.found:
-            self.found[key] = [None]  # what a circle of links reads
+            self.found[key] = [None]  # the value that a cycle of links reads
             node = self.nodes.get(source)
             rule = RULES.get(node["type"]) if node else None
             self.found[key] = rule(self, node, output) if rule and node else [None]
@@ -105,7 +105,7 @@ def clamped(interval: Interval | None) -> Interval | None:
 
 
 def mixed(factor: Interval | None, one: Interval | None, two: Interval | None) -> Interval | None:
-    """Of a + t (b - a); with t between 0 and 1 it lies between a and b."""
+    """The interval of a + t (b - a). With t between 0 and 1 it lies between a and b."""
     if factor is not None and factor[0] == factor[1]:
         return add(multiply(one, subtract((1.0, 1.0), factor)), multiply(two, factor))
     if factor is not None and factor[0] >= 0.0 and factor[1] <= 1.0:

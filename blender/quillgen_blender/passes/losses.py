@@ -1,4 +1,4 @@
-"""What is lost without a word of the translator: a note with the node's name for each."""
+"""Notes on what is lost without a warning from the translator, with the node's name."""
 
 from collections.abc import Iterator
 from functools import cached_property
@@ -14,7 +14,7 @@ Node = dict[str, Any]
 
 
 def run(document: dict[str, Any], options: Options) -> tuple[dict[str, Any], list[Note]]:
-    """The same document."""
+    """Returns the same document, and the notes."""
     material = Material(document)
     notes = [found for node in document["nodes"] if node["type"] in TELLERS for found in told(material, node)]
     host = document.get("host", {})
@@ -30,7 +30,7 @@ def told(material: "Material", node: Node) -> Iterator[Note]:
 
 
 class Material:
-    """What the notes ask of a document as a whole."""
+    """Facts about a document as a whole that the notes depend on."""
 
     def __init__(self, document: dict[str, Any]) -> None:
         self.document = document
@@ -49,8 +49,8 @@ class Material:
 
     @cached_property
     def vertex_colour(self) -> str:
-        """The name of the attribute that goes to Unreal as the vertex colour: the mesh's active one, if the material
-        asks for it, else the first one that it asks for and the mesh has; "" where it asks for none."""
+        """The name of the attribute that is exported to Unreal as the vertex colour: the mesh's active one if the
+        material reads it, else the first one that the material reads and the mesh has; "" if it reads none."""
         host = self.document.get("host", {})
         active, layers = host.get("active_color", ""), host.get("color_attributes")
         asked = [name for node in self.document["nodes"] if (name := attribute(self, node)) is not None]
@@ -60,7 +60,7 @@ class Material:
 
 
 def attribute(material: Material, node: Node) -> str | None:
-    """The name of the vertex colour that a node asks for, "" for the active one; None where it asks for none."""
+    """The name of the vertex colour that a node reads, "" for the active one; None if it reads none."""
     if node["type"] == "ShaderNodeVertexColor":
         return str(node["props"].get("layer_name", ""))
     if node["type"] == "ShaderNodeAttribute" and node["props"].get("attribute_type", "GEOMETRY") == "GEOMETRY":
@@ -129,12 +129,12 @@ def _always(material: Material, node: Node) -> Iterator[str]:
 
 
 def differs(entry: Node | None, number: float) -> bool:
-    """Whether an input is linked or holds another number, but for rounding."""
+    """Whether an input is linked or differs from a number by more than rounding."""
     return is_linked(entry) or bool(entry and abs((entry.get("v") or 0.0) - number) > 1e-6)
 
 
 def coloured(entry: Node | None) -> bool:
-    """Whether an input is linked or holds another colour than white."""
+    """Whether an input is linked or holds a colour other than white."""
     return is_linked(entry) or bool(entry and entry.get("v") and entry["v"][:3] != WHITE)
 
 

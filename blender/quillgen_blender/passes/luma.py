@@ -1,8 +1,8 @@
-"""A colour that feeds a number, with all the digits of Cycles' weights.
+"""Converts colours to numbers with the full precision of Cycles' weights.
 
-The text weights red, green and blue with 0.2126, 0.7152 and 0.0722. Cycles' weights have more digits, which shows
-where the number is multiplied by a thousand and used as a seed or a coordinate. A Vector Math node on such a link
-takes the dot product with them; RGB to BW becomes one.
+The generated HLSL weights red, green and blue with 0.2126, 0.7152 and 0.0722. Cycles' weights have more digits, which
+is visible if the number is multiplied by a thousand and used as a seed or a coordinate. This pass inserts a Vector Math
+node into such a link, which computes the dot product with the weights; RGB to BW is replaced by one.
 """
 
 from typing import Any
@@ -11,14 +11,14 @@ from ..notes import Note
 from . import made
 from .options import Options
 
-# Measured with Cycles: 4.2 and 4.5 have the same, so have 5.0 (to the seventh digit), 5.1 and 5.2.
+# Measured with Cycles: 4.2 and 4.5 have the same weights, and so do 5.0 (to the seventh digit), 5.1 and 5.2.
 WEIGHTS_4 = (0.21267404, 0.71515161, 0.07217542)
 WEIGHTS_5 = (0.21263909, 0.71516913, 0.07219274)
 NUMBERS = ("VALUE", "INT", "BOOLEAN")
 
 
 def weights(version: tuple[int, ...] | list[int]) -> tuple[float, float, float]:
-    """Of red, green and blue in a Blender of this version."""
+    """The weights of red, green and blue in a Blender of this version."""
     return WEIGHTS_4 if version[0] < 5 else WEIGHTS_5
 
 
@@ -42,7 +42,7 @@ def run(document: dict[str, Any], options: Options) -> tuple[dict[str, Any], lis
 
 
 def weighs(entry: dict[str, Any]) -> bool:
-    """Whether an input makes a number of a colour."""
+    """Whether an input converts a colour to a number."""
     return "link" in entry and entry["link"][2] == "RGBA" and entry.get("t") in NUMBERS
 
 
@@ -56,7 +56,7 @@ class Products:
         self.nodes: dict[tuple[str, str], dict[str, Any]] = {}
 
     def changed(self, node: dict[str, Any]) -> dict[str, Any]:
-        """The record with its links to numbers led by way of products."""
+        """The record with its links to numbers redirected through products."""
         entries = {
             socket: self.entry(entry)
             for socket, entry in node["in"].items()

@@ -1,4 +1,4 @@
-"""Records that passes put in."""
+"""Records that passes insert."""
 
 import math
 import re
@@ -11,7 +11,7 @@ Operand = float | dict[str, Any]  # a constant, or an input entry with a link
 
 
 class Ids:
-    """Ids for new records, such that no two ids of a document give the same parameter names."""
+    """Ids for new records. No two ids of a document yield the same parameter names."""
 
     def __init__(self, document: dict[str, Any]) -> None:
         self.spellings = {NOT_A_LETTER.sub("_", node["id"]) for node in document["nodes"]}
@@ -36,12 +36,12 @@ def value(number: Any, kind: str = "VALUE") -> dict[str, Any]:
 
 
 def link(source: str, output: str, kind: str, wanted: str | None = None) -> dict[str, Any]:
-    """An input of the type `wanted`, the source's own by default, that reads an output."""
+    """An input that reads an output. Its type is `wanted`, by default the type of the source."""
     return {"t": wanted or kind, "link": [source, output, kind]}
 
 
 class Builder:
-    """Collects new records. Arithmetic on constants is done at once and makes none."""
+    """Collects new records. Arithmetic on constants is computed at once and makes no records."""
 
     def __init__(self, document: dict[str, Any]) -> None:
         self.ids = Ids(document)
@@ -56,7 +56,7 @@ class Builder:
         return link(identity, output, output_kind)
 
     def math(self, wish: str, operation: str, *operands: Operand) -> Operand:
-        """Of ADD, MULTIPLY, MULTIPLY_ADD, POWER and EXPONENT."""
+        """`operation`: ADD, MULTIPLY, MULTIPLY_ADD, POWER or EXPONENT."""
         if not any(isinstance(operand, dict) for operand in operands):
             return ARITHMETIC[operation](*operands)
         if operation == "MULTIPLY" and 0.0 in operands:

@@ -1,4 +1,4 @@
-"""What the artist chooses about the passes."""
+"""Options of the passes, chosen by the artist."""
 
 from dataclasses import dataclass
 from typing import Literal
@@ -8,24 +8,24 @@ LiveParameters = Literal["auto", "all", "named", "none"]
 
 @dataclass(frozen=True)
 class Options:
-    """Every field has the value that suits most materials.
+    """The defaults suit most materials.
 
     `parameters`: which numbers and colours become parameters of the Unreal material. "all": every unlinked socket;
-    "named": Value and RGB nodes, inputs of groups, and what the artist marked; "none": no one, all values are
-    literals of the text; "auto": "all" up to `parameter_limit` parameters, "named" above.
+    "named": Value and RGB nodes, inputs of groups, and what the artist marked; "none": no parameters, all values are
+    literals in the HLSL; "auto": "all" up to `parameter_limit` parameters, "named" above.
 
-    `exact_luma`: a colour that feeds a number is weighted with all the digits that Cycles has. The text's own
-    weights have four, which shows where the number is a seed or a coordinate.
+    `exact_luma`: a colour that feeds a number is weighted with all the digits that Cycles has. The weights of the
+    generated HLSL have four, which is visible if the number is a seed or a coordinate.
 
     `smooth_ramps`: ramps with B-spline or cardinal interpolation get linear stops instead, as few as stay within
     `ramp_tolerance` of what Cycles shows. Without it they are linear between the artist's stops.
 
-    `nearest_shaders`: shaders that the translator lacks are replaced by the nearest that it has.
+    `nearest_shaders`: shaders that the translator lacks are replaced by the nearest one that it has.
 
-    `bumped_normals`: nodes that read the shading normal and feed the surface as well as the displacement see the bumped
-    normal in the surface, as in Blender. The displacement gets nodes of its own.
+    `bumped_normals`: nodes that read the shading normal and feed both the surface and the displacement use the bumped
+    normal in the surface, as in Blender. They are duplicated for the displacement.
 
-    `find_range`: the magnitude of real displacement follows from the nodes that make it.
+    `find_range`: the magnitude of real displacement is computed from the nodes that feed it.
     """
 
     parameters: LiveParameters = "auto"

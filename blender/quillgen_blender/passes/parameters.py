@@ -1,8 +1,8 @@
-"""Which values stay live: parameters that nobody named become literals of the text.
+"""Which values stay live: parameters that are not named become literals in the HLSL.
 
-The translator makes a parameter of every unlinked socket. A large material has more than a thousand, and no artist
-looks for one among so many. This pass over a result puts the value of those that nobody named into the text, written
-as the translator itself writes a literal, and drops their inputs.
+The translator makes a parameter of every unlinked socket. A large material has more than a thousand, too many for an
+artist to find one. This pass over a result replaces each parameter that is not named by its value, written as the
+translator itself writes a literal, and removes its input.
 """
 
 import re
@@ -12,25 +12,25 @@ from typing import Any
 from ..notes import Note
 from .options import Options
 
-# Nodes whose value exists to be set: they are named by being there.
+# Nodes that exist to hold a value: they always count as named.
 NAMED_BY_TYPE = {"ShaderNodeValue": "value", "ShaderNodeRGB": "color"}
-# A parameter as it stands in a text. The mask that follows a vector is part of what its literal replaces. What stands
-# ahead of the name is looked at last: a pattern that begins with letters is searched for eight times as fast.
+# A parameter in the HLSL. The literal also replaces the mask that follows a vector. What precedes the name is checked
+# last, by the lookbehind: a pattern that begins with letters is searched eight times as fast.
 PARAMETER = re.compile(r"(P_(?<![A-Za-z0-9_]P_)[A-Za-z0-9_]*)(\.xyz\b)?")
 
 
 def use_params(options: Options) -> bool:
-    """The translator's argument of this name."""
+    """The translator's argument `use_params`."""
     return options.parameters != "none"
 
 
 def name_parameters(
     result: dict[str, Any], document: dict[str, Any], named: Collection[str], options: Options
 ) -> tuple[dict[str, Any], list[Note]]:
-    """The result with the parameters that `options` asks for, and a note where the limit decided.
+    """Returns the result with the parameters that `options` asks for, and a note if the limit decided.
 
-    `document` is the one that was translated. `named` holds input names (`P_Node__Socket`) that the artist marked,
-    beside those that the document names: Value and RGB nodes, and input entries whose key `named` is true.
+    `document` is the one that was translated. `named` holds input names (`P_Node__Socket`) that the artist marked. The
+    document names others: Value and RGB nodes, and input entries whose key `named` is true.
     """
     possible = result["params"].keys() - made_by_passes(document)
     choice = options.parameters
@@ -51,7 +51,7 @@ def name_parameters(
 
 
 def named_by(document: dict[str, Any]) -> Iterable[str]:
-    """The names of the parameters that the document names by itself."""
+    """The names of the parameters that count as named because of the document."""
     for node in document["nodes"]:
         if node["type"] in NAMED_BY_TYPE:
             yield parameter_name(node["id"], NAMED_BY_TYPE[node["type"]])
@@ -61,7 +61,7 @@ def named_by(document: dict[str, Any]) -> Iterable[str]:
 
 
 def made_by_passes(document: dict[str, Any]) -> set[str]:
-    """Parameters of nodes and of stops that a pass put in: nobody knows them by sight, none of them is ever live."""
+    """Parameters of nodes and stops that a pass inserted. The artist doesn't know them, so they are never live."""
     found: set[str] = set()
     for node in document["nodes"]:
         made = node.get("made")
@@ -76,7 +76,7 @@ def made_by_passes(document: dict[str, Any]) -> set[str]:
 
 
 def with_literals(result: dict[str, Any], dropped: Collection[str]) -> dict[str, Any]:
-    """The result with the dropped parameters' values in its texts."""
+    """The result with the values of the dropped parameters in its HLSL."""
     params = {name: pair for name, pair in result["params"].items() if name not in dropped}
     changed = without(result, dropped, result["params"]) | {"params": params}
     if result["displacement"]:
@@ -85,8 +85,8 @@ def with_literals(result: dict[str, Any], dropped: Collection[str]) -> dict[str,
 
 
 def without(record: dict[str, Any], dropped: Collection[str], params: dict[str, Any]) -> dict[str, Any]:
-    """A copy of a result or of its displacement, with literals in its text and without their inputs."""
-    literals: dict[str, str] = {}  # what stands in the text -> what replaces it
+    """A copy of a result or of its displacement, with literals for the dropped parameters and without their inputs."""
+    literals: dict[str, str] = {}  # parameter in the HLSL -> its replacement
 
     def literal(match: re.Match[str]) -> str:
         text = match[0]
@@ -101,8 +101,8 @@ def without(record: dict[str, Any], dropped: Collection[str], params: dict[str, 
 
 
 def written(kind: str, value: Any, mask: str | None) -> str:
-    """A parameter's value as the translator writes it where there are no parameters. Only ramps read all four
-    parts of a vector."""
+    """A parameter's value as the translator writes it if there are no parameters. Only ramps read all four components
+    of a vector."""
     if kind == "scalar":
         return number(value) + (mask or "")
     return constructor("float3", value[:3]) if mask else constructor("float4", value)
@@ -113,12 +113,13 @@ def parameter_name(node: str, socket: str) -> str:
     return "P_" + re.sub("[^A-Za-z0-9_]", "_", f"{node}__{socket}")
 
 
-# No number and infinities, by their shortest decimals: the translator writes finite ones.
+# Literals for NaN and infinities, by their repr: the translator writes finite ones.
 NOT_FINITE = {"nan": "0.0", "inf": "3.402823466e+38", "-inf": "-3.402823466e+38"}
 
 
 def number(value: float) -> str:
-    """A float literal as the translator writes it: the shortest decimal that reads back, and finite."""
+    """A float literal as the translator writes it: the shortest decimal that reads back to the same value, and
+    finite."""
     text = repr(float(value))
     return NOT_FINITE.get(text, text)
 

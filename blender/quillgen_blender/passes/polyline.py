@@ -1,29 +1,30 @@
-"""A sampled curve of several components as a polyline with few corners.
+"""Approximates a sampled curve of several components by a polyline with few corners.
 
-A corner need not lie on the curve: it may stray by the tolerance, as the line may in between. Where the curve bends
-evenly, lines whose corners lie on one side of it and whose middles on the other are the longest that fit.
+A corner need not lie on the curve: it may deviate by the tolerance, as may the line in between. Where the curve bends
+evenly, the longest lines that fit have their corners on one side of the curve and their middles on the other.
 """
 
 from collections.abc import Sequence
 from itertools import accumulate
 
 Column = tuple[float, ...]  # the samples of one component
-Corner = tuple[int, list[float]]  # the sample's number, the values there
+Corner = tuple[int, list[float]]  # the sample's index, the values there
 
 
 def polyline(samples: Sequence[Sequence[float]], tolerance: float) -> list[Corner]:
-    """Corners at samples, such that the line stays within the tolerance of every sample. Ahead of the first corner
-    and behind the last one it goes on flat."""
+    """Returns corners at samples such that the line stays within the tolerance of every sample. The line is constant
+    before the first corner and after the last."""
     all_columns = list(zip(*samples, strict=True))
-    columns = list(dict.fromkeys(all_columns))  # red, green and blue are often one and the same
+    columns = list(dict.fromkeys(all_columns))  # red, green and blue are often identical
     found = min((swung(columns, tolerance, lean) for lean in (1.0, 0.0)), key=len)
     order = [columns.index(column) for column in all_columns]
     return [(corner, [values[number] for number in order]) for corner, values in found]
 
 
 def swung(columns: list[Column], tolerance: float, lean: float) -> list[Corner]:
-    """From each corner the line swings as far as it meets all samples within the tolerance; the next corner is at
-    the last of these. `lean`: how far of the tolerance corners move out of the bend, 0 to 1."""
+    """A greedy fit: each line extends from its corner as far as it stays within the tolerance of all samples, and the
+    next corner is at the last of these. `lean`: how much of the tolerance corners move to the outside of the bend, 0 to
+    1."""
     last = len(columns[0]) - 1
     corner = min(flat_from_the_start(column, tolerance) for column in columns)
     if corner:
@@ -42,7 +43,7 @@ def swung(columns: list[Column], tolerance: float, lean: float) -> list[Corner]:
 
 
 def swing(columns: list[Column], corner: int, values: list[float], tolerance: float, lean: float) -> Corner:
-    """The corner that follows one at which the curve is not flat."""
+    """The corner after one at which the curve is not constant."""
     slopes: list[list[tuple[float, float]]] = []
     for column, value in zip(columns, values, strict=True):
         limit = corner + 1 + len(slopes[-1]) if slopes else len(column)
@@ -57,8 +58,8 @@ def swing(columns: list[Column], corner: int, values: list[float], tolerance: fl
 
 
 def feasible(samples: Column, value: float, tolerance: float) -> list[tuple[float, float]]:
-    """The least and the greatest slope of the lines from a value that meet the samples up to each one, as long as
-    there is such a line."""
+    """For each sample, the smallest and the largest slope of the lines from a value that stay within the tolerance of
+    all samples so far. Ends where there is no such line."""
     low, high = float("-inf"), float("inf")
     found = []
     for run, sample in enumerate(samples, 1):
@@ -71,7 +72,7 @@ def feasible(samples: Column, value: float, tolerance: float) -> list[tuple[floa
 
 
 def flat_from_the_start(column: Column, tolerance: float) -> int:
-    """The last of the samples from the first on that fit into a band of twice the tolerance."""
+    """The index of the last sample up to which all samples fit into a band of twice the tolerance."""
     low = high = column[0]
     for place, sample in enumerate(column):
         low, high = min(low, sample), max(high, sample)
@@ -81,13 +82,13 @@ def flat_from_the_start(column: Column, tolerance: float) -> int:
 
 
 def tail(column: Column) -> list[tuple[float, float]]:
-    """The least and the greatest sample from each place on."""
+    """The minimum and the maximum of the samples from each index on."""
     back = column[::-1]
     return list(zip(accumulate(back, min), accumulate(back, max), strict=True))[::-1]
 
 
 def bend(column: Column, place: int) -> float:
-    """The side on which a corner lies outside of the curve: -1 below one that turns upwards, 1 above, 0 neither."""
+    """The sign of the outer side of a bend: -1 (below) if the curve bends upwards, 1 (above) if downwards, else 0."""
     place = min(max(place, 1), len(column) - 2)
     turn = column[place - 1] - 2.0 * column[place] + column[place + 1]
     return -1.0 if turn > 1e-9 else 1.0 if turn < -1e-9 else 0.0

@@ -1,6 +1,6 @@
-"""What Blender shows of a colour ramp at a factor, in RGB.
+"""The colours that Blender shows for a colour ramp, in RGB.
 
-Cycles asks Blender for 257 values of a ramp, evenly spaced from 0 to 1, and is linear in between.
+Cycles gets 257 values of a ramp from Blender, evenly spaced from 0 to 1, and interpolates linearly.
 """
 
 from collections.abc import Iterator
@@ -14,16 +14,17 @@ TENSION = 0.71  # of cardinal splines
 
 
 def table(stops: list[Stop], interpolation: str) -> list[tuple[float, ...]]:
-    """The 257 colours. `stops` in the order of their list, whatever their positions."""
+    """The 257 colours. `stops` are in list order, whatever their positions."""
     return [tuple(colour) for colour in evaluated(stops, interpolation, [step / STEPS for step in range(STEPS + 1)])]
 
 
 def evaluated(stops: list[Stop], interpolation: str, factors: list[float]) -> Iterator[Colour]:
     """The colours at ascending factors.
 
-    A factor lies behind the stop that precedes the first one in the list whose position is greater: with stops out
-    of order that need not be the nearest one. Splines go on ahead of the first stop and behind the last one, where
-    the colours of the ends count once more at 0 and 1; all else is flat there.
+    The stop after a factor is the first one in the list whose position is greater, and the stop before it is its
+    predecessor in the list: if stops are out of order, these need not be the nearest ones. Splines continue before the
+    first stop and after the last one, where the colours of the ends count once more at 0 and 1; all other
+    interpolations are constant there.
     """
     count, place = len(stops), 0
     for factor in factors:
@@ -54,7 +55,7 @@ def evaluated(stops: list[Stop], interpolation: str, factors: list[float]) -> It
 
 
 def b_spline(t: float) -> tuple[float, float, float, float]:
-    """The weights of four neighbours between the second and the third."""
+    """The weights of four neighbours, for t from the second to the third."""
     s = 1.0 - t
     return (
         s * s * s / 6.0,
@@ -65,7 +66,7 @@ def b_spline(t: float) -> tuple[float, float, float, float]:
 
 
 def cardinal(t: float) -> tuple[float, float, float, float]:
-    """The weights of four neighbours between the second and the third."""
+    """The weights of four neighbours, for t from the second to the third."""
     s = 1.0 - t
     near = (2.0 - TENSION) * t * t * t + (TENSION - 3.0) * t * t + 1.0
     far = (2.0 - TENSION) * s * s * s + (TENSION - 3.0) * s * s + 1.0

@@ -1,11 +1,11 @@
-"""Colour ramps as the translator takes them, from their raw facts.
+"""Converts Blender's colour ramps to the form that the translator takes.
 
-Blender keeps stops in the order of their list, sorts them for nobody, interpolates in HSV and HSL linearly whatever
-is set, and goes round the circle of hues in the way that `hue` names. The translator takes ascending stops and knows
-the straight way between two hues. What it can't interpolate gets linear stops that stay close to the curve.
+Blender keeps stops in list order and doesn't sort them, interpolates linearly in HSV and HSL whatever is set, and goes
+around the hue circle in the way that `hue` names. The translator takes ascending stops and interpolates linearly
+between two hues. Interpolations that it lacks are replaced by linear stops that stay close to the curve.
 
-A ramp whose stops are not those of its list gets the key `origin`: for each stop its place in the list, or None where
-the stop was computed. Computed stops never become parameters.
+A ramp whose stops differ from its list gets the key `origin`: for each stop its index in the list, or None if the stop
+was computed. Computed stops never become parameters.
 """
 
 from functools import lru_cache
@@ -17,10 +17,10 @@ from .options import Options
 from .ramp_values import Stop
 from .support import note
 
-Placed = tuple[Stop, int | None]  # a stop and its place in the list, None if it is a new one
+Placed = tuple[Stop, int | None]  # a stop and its index in the list, None for a new stop
 
-# Behind the first stop's position Blender shows what follows, at it the first stop itself: stops of the same place
-# as the first stand this much behind it.
+# At the first stop's position Blender shows the first stop, beyond it what follows. Stops with the same position as the
+# first are therefore moved this much beyond it.
 BEHIND = 1e-6
 
 
@@ -63,8 +63,8 @@ def prepared(record: dict[str, Any], options: Options | None = None) -> dict[str
 
 
 def needs_fit(stops: list[Stop], interpolation: str) -> bool:
-    """Whether the translator has no interpolation of that kind. It has Blender's ease, between two stops that it sees
-    whole: not where a stop out of order cuts the way off."""
+    """Whether the translator lacks the interpolation. It has Blender's ease between two complete stops, but not if a
+    stop out of order cuts the interpolation off."""
     if interpolation == "EASE":
         return any(second[0] < first[0] for first, second in zip(stops, stops[1:], strict=False))
     return interpolation in ramp_values.WEIGHTS and len(stops) > 1
@@ -74,18 +74,18 @@ def needs_fit(stops: list[Stop], interpolation: str) -> bool:
 def fitted(
     stops: tuple[tuple[float, ...], ...], interpolation: str, tolerance: float
 ) -> tuple[tuple[float, tuple[float, ...]], ...]:
-    """Linear stops that stay within the tolerance of Cycles' table. Kept for the ramps seen last: they take more
-    time than all other passes, and while an artist moves a slider they stay what they are."""
+    """Linear stops that stay within the tolerance of Cycles' table. Cached for the last ramps: they take more time than
+    all other passes, and don't change while an artist moves a slider."""
     samples = ramp_values.table([[place, list(colour)] for place, *colour in stops], interpolation)
-    corners = polyline.polyline(samples, 0.999 * tolerance)  # some is left for the rounding of single floats
+    corners = polyline.polyline(samples, 0.999 * tolerance)  # the rest is for the rounding of single floats
     return tuple((step / ramp_values.STEPS, tuple(values)) for step, values in corners)
 
 
 def in_order(stops: list[Stop], interpolation: str, mode: str, way: str) -> list[Placed]:
-    """Ascending stops that show what those of a list do in whatever order, each with its place in the list.
+    """Ascending stops that show the same as those of a list in any order, each with its index in the list.
 
-    Between two stops that exceed all before them, Blender goes to the second one from the stop that precedes it in
-    the list. Where that is not the first of the two, the way is cut off at the first one's position.
+    Between two stops that exceed all before them, Blender interpolates to the second one from its predecessor in the
+    list. If that is not the first of the two, the interpolation is cut off at the first one's position.
     """
     found: list[Placed] = [(stops[0], 0)]
     top = 0  # the last stop that exceeded all before it
@@ -111,7 +111,7 @@ def in_order(stops: list[Stop], interpolation: str, mode: str, way: str) -> list
 
 
 def cut(pieces: list[Placed], start: float, interpolation: str, mode: str) -> list[Placed]:
-    """The pieces of a way from a position on; the first stop is a new one."""
+    """The pieces of an interpolation from a position on; the first stop is a new one."""
     while len(pieces) > 2 and pieces[1][0][0] <= start:
         pieces = pieces[1:]
     (left, first), origin = pieces[0]

@@ -1,7 +1,7 @@
-"""Arithmetic on intervals of numbers: the operations of the Math node.
+"""Interval arithmetic on numbers: the operations of the Math node.
 
-An interval is a pair, its ends are inclusive; None is one that nothing is known of. Where both ends are the same it
-is a constant, and the result is what the operation gives of constants.
+An interval is a pair of inclusive ends; None is an unknown one. If both ends are equal it is a constant, and the result
+is that of the operation on constants.
 """
 
 import math
@@ -24,7 +24,7 @@ def subtract(one: Maybe, two: Maybe) -> Maybe:
 
 
 def multiply(one: Maybe, two: Maybe) -> Maybe:
-    """Nothing times 0 is 0, also where nothing is known."""
+    """A factor of 0 yields 0, even if the other one is unknown."""
     if (0.0, 0.0) in (one, two):
         return 0.0, 0.0
     if one is None or two is None:
@@ -34,7 +34,7 @@ def multiply(one: Maybe, two: Maybe) -> Maybe:
 
 
 def product_sum(one: list[Maybe], two: list[Maybe]) -> Maybe:
-    """Of a dot product."""
+    """The interval of a dot product."""
     found: Maybe = (0.0, 0.0)
     for x, y in zip(one, two, strict=True):
         found = add(found, multiply(x, y))
@@ -47,7 +47,8 @@ def limited(interval: Interval, limits: Interval) -> Interval:
 
 
 def mathematics(operation: str, operands: list[Maybe]) -> Maybe:
-    """Of an operation by Blender's word. Operations that the constants are out of range for give 0, as in Blender."""
+    """The interval of an operation by Blender's name. An operation whose constants are outside of its domain yields 0,
+    as in Blender."""
     a, b, c = (operands + [(0.0, 0.0)] * 3)[:3]
     if operation in _LINEAR:
         return _LINEAR[operation](a, b, c)

@@ -1,7 +1,7 @@
-"""Shaders that the translator lacks, by the nearest that it has.
+"""Replaces shaders that the translator lacks by the nearest ones that it has.
 
-Base colour, roughness, opacity and emission are what an artist would set by hand in Unreal, where light neither goes
-through a surface nor spreads below it unless another shading model is chosen.
+Base colour, roughness, opacity and emission are what an artist would set by hand in Unreal, where light neither passes
+through a surface nor scatters below it unless another shading model is chosen.
 """
 
 from typing import Any
@@ -13,10 +13,10 @@ from .made import Operand, acts, is_linked, number
 from .options import Options
 from .support import note
 
-# Of white glass: a fifth of it stays to be seen, since Unreal scales reflections by the opacity as well.
+# Transparency of white glass: a fifth stays opaque, because Unreal scales reflections by the opacity as well.
 CLEAREST = 0.8
-# Sheen seen under an angle: SHEEN * exp(-FALL * cos / roughness ** 1.75), fitted to the share of light that Cycles'
-# Sheen BSDF sends back under an even sky, within 0.12 for a roughness of 0.3, within 0.06 from 0.5 on.
+# Sheen at a viewing angle: SHEEN * exp(-FALL * cos / roughness ** 1.75), fitted to the share of light that Cycles'
+# Sheen BSDF reflects under a uniform sky, within 0.12 for a roughness of 0.3, within 0.06 from 0.5 on.
 SHEEN, FALL, STEEPNESS = 0.8, 0.95, -1.75
 
 
@@ -36,8 +36,8 @@ def run(document: dict[str, Any], options: Options) -> tuple[dict[str, Any], lis
 
 
 class Nearest(made.Builder):
-    """Replaces records one by one. `clear`: the ids of those that let light through. `outputs`: ids whose output is
-    called BSDF now."""
+    """Replaces records one by one. `clear`: the ids of shaders that let light through. `outputs`: the ids of shaders
+    whose output is now named BSDF."""
 
     def __init__(self, document: dict[str, Any]) -> None:
         super().__init__(document)
@@ -55,15 +55,15 @@ class Nearest(made.Builder):
         self.notes.append(note(node["id"], node["type"], feature))
 
     def brightness(self, entry: dict[str, Any]) -> Operand:
-        """Of a colour's input, as a number."""
+        """The luminance of a colour input, as a number."""
         if "link" in entry:
             return {"t": "VALUE", "link": entry["link"]}
         held = entry.get("v") or [0.0, 0.0, 0.0]
         return sum(part * weight for part, weight in zip(held, self.weights, strict=False))
 
     def clearness(self, entry: dict[str, Any]) -> Operand:
-        """What a body of glass of this colour takes off the opacity: light goes in and comes out, and is coloured
-        twice."""
+        """The (negative) change of the opacity by a body of glass of this colour: light enters and leaves, and is
+        coloured twice."""
         bright = self.brightness(entry)
         return self.product("Clearness", bright, bright, -CLEAREST)
 
@@ -76,7 +76,7 @@ def replaced(node: dict[str, Any], kind: str, inputs: dict[str, Any]) -> dict[st
 
 
 def renamed(node: dict[str, Any], outputs: set[str]) -> dict[str, Any]:
-    """The record with its links to what is called BSDF now."""
+    """The record with its links to outputs that are now named BSDF."""
     entries = {
         socket: entry | {"link": [entry["link"][0], "BSDF", entry["link"][2]]}
         for socket, entry in node["in"].items()
@@ -106,14 +106,14 @@ def principled(node: dict[str, Any], **inputs: dict[str, Any]) -> dict[str, Any]
 
 
 def diffuse(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
-    """Translucent, subsurface, toon and hair: the colour is what an artist sees of it."""
+    """Translucent, subsurface, toon and hair: a diffuse surface of the same colour."""
     nearest.tell(node)
     nearest.outputs.add(node["id"])
     return replaced(node, "ShaderNodeBsdfDiffuse", {"Color": node["in"]["Color"]})
 
 
 def hair(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
-    """A Principled Hair BSDF that is told its colour; melanin and absorption are not."""
+    """A Principled Hair BSDF with a direct colour; melanin and absorption are not supported."""
     if node["props"].get("parametrization", "COLOR") != "COLOR" or "Color" not in node["in"]:
         return node
     nearest.tell(node)
@@ -122,7 +122,8 @@ def hair(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
 
 
 def glass(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
-    """Glass and refraction: the brighter the colour, the clearer the surface; refraction alone reflects nothing."""
+    """Glass and refraction: the brighter the colour, the more transparent the surface; refraction alone reflects
+    nothing."""
     nearest.tell(node)
     nearest.clear.add(node["id"])
     sockets = node["in"]
@@ -134,7 +135,8 @@ def glass(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
 
 
 def transparent(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
-    """A coloured filter: as opaque as its colour is dark, with what of the colour stands out from grey."""
+    """A coloured filter: the darker its colour, the more opaque. Its base colour is what each channel has above the
+    luminance."""
     color = node["in"].get("Color", {})
     if not is_linked(color) and min((color.get("v") or [1.0])[:3]) >= 0.999:
         return node
@@ -170,7 +172,7 @@ def sheen(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
 
 
 def sheen_share(nearest: Nearest, node: dict[str, Any], roughness: dict[str, Any] | None, weight: Operand) -> Operand:
-    """The share of light that a sheen sends back towards the viewer."""
+    """The share of light that a sheen reflects towards the viewer."""
     name = f"{node['id']} Sheen"
     facing = {"Blend": made.value(0.5)} | ({"Normal": node["in"]["Normal"]} if "Normal" in node["in"] else {})
     seen = nearest.add(f"{name} Facing", "ShaderNodeLayerWeight", facing, "Facing", "VALUE")
@@ -183,7 +185,8 @@ def sheen_share(nearest: Nearest, node: dict[str, Any], roughness: dict[str, Any
 
 
 def change_principled(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
-    """Transmission, subsurface and sheen of a Principled BSDF. Their weights are taken out: what they do is told."""
+    """Transmission, subsurface and sheen of a Principled BSDF. Their weights are set to 0; notes say what replaces
+    them."""
     sockets = node["in"]
     inputs: dict[str, Any] = {}
     if acts(sockets.get("Subsurface Weight")):
@@ -225,7 +228,7 @@ def change_principled(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
 
 
 def metallic(nearest: Nearest, node: dict[str, Any]) -> dict[str, Any]:
-    """A conductor by its refractive index and extinction: what it reflects straight on."""
+    """A conductor with refractive index and extinction: the base colour is its reflectance at normal incidence."""
     index, extinction = (node["in"].get(name, {}) for name in ("IOR", "Extinction"))
     if node["props"].get("fresnel_type") != "PHYSICAL_CONDUCTOR" or is_linked(index) or is_linked(extinction):
         return node

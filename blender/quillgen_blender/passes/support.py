@@ -1,6 +1,6 @@
-"""What becomes of each shader node of Blender 4.2 to 5.2: exact, near or lost.
+"""How each shader node of Blender 4.2 to 5.2 is supported: exact, near or lost.
 
-The one table of this kind. The interface, the documents and the notes of the passes read it.
+This is the only such table. The interface, the documentation and the notes of the passes use it.
 """
 
 # ruff: noqa: E501  a row of the table is a line
@@ -13,8 +13,8 @@ Loss = Literal["exact", "near", "lost"]
 
 
 class Support(NamedTuple):
-    """A row. `type`: the node's type. `feature`: "" for the node as a whole, else what the row says something else
-    about: a socket, a setting or a way of using it. `text`: one sentence for the artist."""
+    """A row. `type`: the node's type. `feature`: "" for the node as a whole, else a socket, a setting or a use of the
+    node that differs from it. `text`: one sentence for the artist."""
 
     type: str
     feature: str
@@ -28,13 +28,13 @@ def support(type: str, feature: str = "") -> Support:
 
 
 def note(node: str, type: str, feature: str = "") -> Note:
-    """A note about a node with its row's sentence. What is exact is an "info"."""
+    """A note on a node with the sentence of its row. For "exact" its loss is "info"."""
     row = support(type, feature)
     return Note(node, row.text, "info" if row.loss == "exact" else row.loss)
 
 
 def rows() -> list[Support]:
-    """All rows, a node's own ahead of those of its features."""
+    """All rows; a node's own row precedes those of its features."""
     return list(_ROWS.values())
 
 
