@@ -1,16 +1,16 @@
-// Scalar arithmetic of the Math and Map Range nodes. The quotients, remainders and polynomials agree with Blender to
-// a few units in the last place; what uses pow, log or atan2 agrees to 1e-6 relative, as far as the GPU's own do.
-// Zero divisors are asked for by ==: with != a NaN counts as equal in one of the two targets of the compiler.
+// Scalar arithmetic of the Math and Map Range nodes. The quotients, remainders and polynomials agree with Blender to a
+// few units in the last place; functions that use pow, log or atan2 agree to 1e-6 relative, as far as the GPU's own do.
+// Zero divisors are tested with ==. With !=, one of DXC's two targets treats NaN as equal.
 
-// a / b; 0 for a divisor of either zero. An infinite quotient is passed on.
+// a / b; 0 for a divisor of +0 or -0. An infinite quotient is returned unchanged.
 float safe_divide(float a, float b) {
   return b == 0.0 ? 0.0 : a / b;
 }
 
-// a to the power of b, for every a: 1 for b = 0 (also 0^0) and for a = 1 (also with an exponent that is no number), 0
-// for a = 0 (also with negative b), 0 for a negative base with a broken exponent, as which Blender counts one beyond
-// 2^31, too; a negative base with a whole exponent takes its sign from the exponent's parity. HLSL's own pow knows none
-// of these, so it only ever sees a positive base.
+// a to the power of b, for every a: 1 for b = 0 (also 0^0) and for a = 1 (also with a NaN exponent), 0 for a = 0 (also
+// with negative b), 0 for a negative base with a fractional exponent; Blender counts an exponent beyond 2^31 as
+// fractional. A negative base with an integer exponent takes its sign from the exponent's parity. HLSL's pow handles
+// none of these cases, so it only gets positive bases.
 float safe_powf(float a, float b) {
   if (b == 0.0 || a == 1.0) return 1.0;
   if (a == 0.0 || (a < 0.0 && !(b == trunc(b) && abs(b) < 2147483648.0))) return 0.0;
@@ -19,7 +19,7 @@ float safe_powf(float a, float b) {
 }
 
 // Logarithm of a to the base b; 0 where a or b is not positive and for base 1. The ratio is the same for logarithms of
-// any kind, and the binary one is what a GPU has.
+// any base, and GPUs have log2.
 float safe_logf(float a, float b) {
   return (a <= 0.0 || b <= 0.0) ? 0.0 : safe_divide(log2(a), log2(b));
 }
@@ -34,9 +34,9 @@ float inversesqrtf(float a) {
   return a > 0.0 ? rsqrt(a) : 0.0;
 }
 
-// a - b * q for the whole number q next to a / b, without rounding: a product of floats is the sum of two, which the
-// halves of its factors give. 4097 = 2^12 + 1 splits 24 bits in the middle. `precise`, as a compiler must neither fuse
-// nor reorder any of it.
+// a - b * q without rounding, for the integer q nearest to a / b. The product of two floats is the exact sum of two
+// floats, computed from the halves of its factors. 4097 = 2^12 + 1 splits 24 bits in the middle. `precise` stops the
+// compiler from fusing or reordering any of it.
 float modulo_step(float a, float b) {
   float q = floor(a / b + 0.5);
   precise float2 both = float2(q, b);
@@ -49,9 +49,9 @@ float modulo_step(float a, float b) {
   return rest;
 }
 
-// Remainder of a / b with the sign of a, exact; 0 for b = 0. An infinite b leaves a as it is. A quotient of up to 2^20
-// takes one step, each further step another 20 bits; beyond 1e34 the remainder is 0. Very large and very small operands
-// are brought by 2^40 to where the halves are neither infinite nor flushed to 0.
+// Remainder of a / b with the sign of a, exact; 0 for b = 0. An infinite b returns a. A quotient of up to 2^20 takes
+// one step, each further step another 20 bits; beyond 1e34 the remainder is 0. Very large and very small operands are
+// scaled by 2^-40 or 2^40, so that the halves neither overflow nor are flushed to 0.
 float safe_modulo(float a, float b) {
   float2 v = abs(float2(a, b));
   if (!(v.x / v.y <= 1e34)) return 0.0;
@@ -71,7 +71,7 @@ float safe_floored_modulo(float a, float b) {
   return b == 0.0 ? 0.0 : a - floor(a / b) * b;
 }
 
-// a brought into the range from c (lowest) to b (highest) by whole periods; c for an empty range. b below c is allowed.
+// Wraps a into the range from c (lowest) to b (highest) by whole periods; c for an empty range. b below c is allowed.
 float wrapf(float a, float b, float c) {
   float r = b - c;
   return r == 0.0 ? c : a - r * floor((a - c) / r);
@@ -98,7 +98,8 @@ float smoothminf(float a, float b, float c) {
   return c == 0.0 ? min(a, b) : min(a, b) - h * h * h * c * (1.0 / 6.0);
 }
 
-// Hermite step from 0 below lo to 1 from hi on. With lo = hi a hard step: the two tests leave no x for the division.
+// Hermite step from 0 below lo to 1 from hi on. With lo = hi a hard step: the two tests cover every x, so the division
+// is unused.
 float smoothstepc(float lo, float hi, float x) {
   float t = (x - lo) / (hi - lo);
   return x < lo ? 0.0 : (x >= hi ? 1.0 : mad(t, -2.0, 3.0) * (t * t));

@@ -1,7 +1,7 @@
 // Blends of the Mix nodes: one function for each blend_type, in lower case. t is the factor, a the first and b the
-// second colour. Nothing is clamped that is not said to be. They agree with Blender to a few units in the last place
-// of the largest component (the four of HSV to 1e-6 of it). A mix is always a + t * (b - a), as Blender rounds it;
-// lerp may be compiled to another form.
+// second colour. The comments describe the result for t = 1. Results are clamped only where stated. The functions agree
+// with Blender to a few units in the last place of the largest component (the four of HSV to 1e-6 of it). A mix is
+// always a + t * (b - a), as Blender rounds it; lerp may be compiled to another form.
 
 // b.
 float3 mix_mix(float t, float3 a, float3 b) {
@@ -24,7 +24,7 @@ float burn_channel(float t, float a, float b) {
   return q <= 0.0 ? 0.0 : saturate(1.0 - (1.0 - a) / q);
 }
 
-// a's distance from white, divided by b: between 0 and 1; 0 where the divisor is not positive.
+// 1 - (1 - a) / b, clamped to 0 to 1; 0 where the divisor is not positive.
 float3 mix_burn(float t, float3 a, float3 b) {
   return float3(burn_channel(t, a.r, b.r), burn_channel(t, a.g, b.g), burn_channel(t, a.b, b.b));
 }
@@ -34,7 +34,7 @@ float3 mix_lighten(float t, float3 a, float3 b) {
   return a + t * (max(a, b) - a);
 }
 
-// The product of the distances from white.
+// 1 - (1 - a) * (1 - b).
 float3 mix_screen(float t, float3 a, float3 b) {
   return 1.0 - (1.0 - t + t * (1.0 - b)) * (1.0 - a);
 }
@@ -45,8 +45,7 @@ float dodge_channel(float t, float a, float b) {
   return a == 0.0 ? a : (q <= 0.0 ? 1.0 : min(a / q, 1.0));
 }
 
-// a divided by b's distance from white: at most 1, which it also is where the divisor is not positive. A negative
-// quotient stays.
+// a / (1 - b), at most 1; 1 where the divisor is not positive, but 0 for a = 0. A negative quotient is not clamped.
 float3 mix_dodge(float t, float3 a, float3 b) {
   return float3(dodge_channel(t, a.r, b.r), dodge_channel(t, a.g, b.g), dodge_channel(t, a.b, b.b));
 }
@@ -61,27 +60,27 @@ float overlay_channel(float t, float a, float b) {
   return a < 0.5 ? a * (1.0 - t + 2.0 * t * b) : 1.0 - (1.0 - t + 2.0 * t * (1.0 - b)) * (1.0 - a);
 }
 
-// mix_multiply below a = 0.5, mix_screen from there on, with b doubled.
+// mix_multiply below a = 0.5, mix_screen from there on, with b or 1 - b doubled.
 float3 mix_overlay(float t, float3 a, float3 b) {
   return float3(overlay_channel(t, a.r, b.r), overlay_channel(t, a.g, b.g), overlay_channel(t, a.b, b.b));
 }
 
-// Between the product and the screen, by a.
+// Interpolates from the product to the screen by a.
 float3 mix_soft_light(float t, float3 a, float3 b) {
   return (1.0 - t) * a + t * ((1.0 - a) * b * a + a * (1.0 - (1.0 - b) * (1.0 - a)));
 }
 
-// b as an offset from -1 to 1.
+// a + (2 * b - 1).
 float3 mix_linear_light(float t, float3 a, float3 b) {
   return a + t * (2.0 * b - 1.0);
 }
 
-// The distance of the channels.
+// abs(a - b).
 float3 mix_difference(float t, float3 a, float3 b) {
   return a + t * (abs(a - b) - a);
 }
 
-// What is in a or b but not in both; not below 0.
+// a + b - 2 * a * b, not below 0.
 float3 mix_exclusion(float t, float3 a, float3 b) {
   return max(a + t * (a + b - 2.0 * a * b - a), 0.0);
 }
@@ -107,7 +106,7 @@ float3 mix_hue(float t, float3 a, float3 b) {
   return hsv.y == 0.0 ? a : mix_mix(t, a, hsv_to_rgb(float3(hsv.x, rgb_to_hsv(a).yz)));
 }
 
-// a with its saturation moved towards b's; a where a is grey.
+// a with the saturation of b, mixed in HSV; a where a is grey.
 float3 mix_saturation(float t, float3 a, float3 b) {
   float3 hsv = rgb_to_hsv(a);
   float s = (1.0 - t) * hsv.y + t * rgb_to_hsv(b).y;
@@ -120,7 +119,7 @@ float3 mix_color(float t, float3 a, float3 b) {
   return hsv.y == 0.0 ? a : mix_mix(t, a, hsv_to_rgb(float3(hsv.xy, rgb_to_hsv(a).z)));
 }
 
-// a with its value moved towards b's. With t = 0 still a round trip through HSV, as in Blender.
+// a with the value of b, mixed in HSV. With t = 0 still a round trip through HSV, as in Blender.
 float3 mix_value(float t, float3 a, float3 b) {
   float3 hsv = rgb_to_hsv(a);
   return hsv_to_rgb(float3(hsv.xy, (1.0 - t) * hsv.z + t * rgb_to_hsv(b).z));

@@ -1,8 +1,8 @@
 // Colour models. Components are linear and not limited to 0 to 1. The models agree with Blender to a few units in the
 // last place of the largest component; srgb_to_linear3 to 1e-6 relative.
 
-// (hue, largest, smallest component); hue is 0 to 1, red at 0, without meaning for a grey. Green and blue are put in
-// order first, then red and the larger of them; the hue counts from where the largest component stands.
+// (hue, largest, smallest component); hue is 0 to 1, red at 0, meaningless for a grey. Green and blue are sorted first,
+// then red and the larger of them; the hue is relative to that of the largest component.
 float3 hue_range(float3 c) {
   float2 hue = c.g < c.b ? float2(-1.0, 0.6666667) : float2(0.0, -0.33333334);
   float hi = max(c.g, c.b), lo = min(c.g, c.b);
@@ -17,8 +17,8 @@ float3 rgb_to_hsv(float3 c) {
   return float3(s == 0.0 ? 0.0 : h.x, s, h.y);
 }
 
-// The reverse. Hue 1 counts as 0; any other hue outside 0 to 1 is not wrapped but falls into the last sextant.
-// Without saturation the hue does not matter, not even an infinite one.
+// The inverse. Hue 1 counts as 0; any other hue outside 0 to 1 is not wrapped but uses the last sextant. With a
+// saturation of 0 the hue does not matter, not even an infinite one.
 float3 hsv_to_rgb(float3 c) {
   float h = (c.x == 1.0 || c.y == 0.0) ? 0.0 : 6.0 * c.x;
   float k = floor(h), f = h - k, v = c.z;
@@ -27,8 +27,8 @@ float3 hsv_to_rgb(float3 c) {
     k == 3.0 ? float3(p, q, v) : k == 4.0 ? float3(t, p, v) : float3(v, p, q);
 }
 
-// Hue, saturation, lightness; lightness at most 1. Grey has hue and saturation 0. Colours outside 0 to 1 give
-// saturations outside 0 to 1, an infinite one where the largest and the smallest component add up to 0 or 2.
+// Hue, saturation, lightness; lightness at most 1. Grey has hue and saturation 0. Colours outside 0 to 1 have
+// saturations outside 0 to 1, an infinite one where the largest and the smallest component sum to 0 or 2.
 float3 rgb_to_hsl(float3 c) {
   float3 h = hue_range(c);
   float d = h.y - h.z, l = min((h.y + h.z) * 0.5, 1.0);
@@ -36,7 +36,7 @@ float3 rgb_to_hsl(float3 c) {
   return d == 0.0 ? float3(0.0, 0.0, l) : float3(h.x, s, l);
 }
 
-// The reverse. A hue outside 0 to 1 is not wrapped: it is red.
+// The inverse. A hue outside 0 to 1 is not wrapped: it is red.
 float3 hsl_to_rgb(float3 c) {
   float h = 6.0 * c.x;
   float3 hue = saturate(float3(abs(h - 3.0) - 1.0, 2.0 - abs(h - 2.0), 2.0 - abs(h - 4.0)));

@@ -1,4 +1,4 @@
-// What help(quillgen_lib) says. The examples are run by tests/tools/test_docstrings.py.
+// Docstrings of quillgen_lib. The examples are run by tests/tools/test_docstrings.py.
 #pragma once
 
 inline constexpr char kModuleDoc[] =

@@ -1,18 +1,18 @@
-"""Turns the library's .hlsl files into the tables that the module quillgen_lib is built with.
+"""Converts the library's .hlsl files to the tables that are compiled into the module quillgen_lib.
 
     python embed.py OUTPUT FILE.hlsl ...     writes a C++ source of constants
-    embed.load(paths)                        gives the same library as a Python object, for tools
+    embed.load(paths)                        returns the same library as a Python object, for tools
 
-The sources are plain HLSL. What this script reads from them:
+The sources are plain HLSL. This script reads from them:
 
-- a function: a definition that begins in column one and ends with a closing brace in column one (or in its only line);
-- what it calls: every name of another function of the library that stands before an opening bracket;
-- `// @name WORD` in the comment above it: the name it is asked for by, where that is not its own;
+- functions: a function definition begins in column one and ends at the brace that closes its body;
+- calls: the name of another function of the library, followed by an opening parenthesis;
+- `// @name WORD` in the comment above a function: its library name, if that is not its own name;
 - `// @each WORD VALUE ...` in that comment: one copy of the function for each value, with WORD replaced everywhere
-  (so `noise_textureDIM_FBM(floatDIM co` gives four functions, with `float` for `float1`);
-- a struct: a definition that begins with `struct` in column one.
+  (so `noise_textureDIM_FBM(floatDIM co` makes four functions, with `float` for `float1`);
+- structs: a struct definition begins with `struct` in column one.
 
-Comments and empty lines stay out of the embedded texts: an artist's material carries those texts.
+Comments and empty lines are stripped, because the texts end up in an artist's material.
 """
 
 import itertools
@@ -40,7 +40,7 @@ class Function:
 
 
 def blocks(path):
-    """Pairs of (comment lines above, lines of the definition), in the order of the file."""
+    """Returns pairs (comment lines above, lines of the definition) in file order."""
     comment, lines, found = [], [], []
     for line in pathlib.Path(path).read_text(encoding="utf-8").splitlines():
         if not lines:
@@ -68,7 +68,7 @@ def compact(lines):
 
 
 def copies(comment, text):
-    """The text once for each combination of the values that the comment's @each lines name."""
+    """Yields a copy of the text for each combination of the values in the comment's @each lines."""
     axes = [(m[1], m[2].split()) for m in map(EACH.match, comment) if m]
     for values in itertools.product(*(each for _, each in axes)):
         copy = text
@@ -78,7 +78,7 @@ def copies(comment, text):
 
 
 def read(paths):
-    """(functions in an order in which each stands after those it calls, structs by name)."""
+    """Returns (functions, each after those that it calls; struct texts by name)."""
     functions, structs = {}, {}
     for path in sorted(map(pathlib.Path, paths)):
         for comment, lines in blocks(path):
@@ -118,7 +118,7 @@ def in_order(functions):
 
 
 def units(functions):
-    """Library name -> ascending places (in the order of `functions`) of all that it brings in."""
+    """Returns library name -> ascending indices in `functions` of all functions that it needs."""
     place = {f.name: i for i, f in enumerate(functions)}
     closure = []
     for function in functions:
@@ -133,7 +133,7 @@ def units(functions):
 
 
 class Library:
-    """What the module quillgen_lib offers, for tools that run before it is built."""
+    """The contents of the module quillgen_lib, for tools that run before it is built."""
 
     def __init__(self, paths):
         self.functions, self.STRUCTS = read(paths)

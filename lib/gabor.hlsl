@@ -1,7 +1,7 @@
-// Gabor noise: a sum of wave packets, eight at random places in each cell of the unit grid.
+// Gabor noise: a sum of wave packets (impulses), eight at random positions in each cell of the unit grid.
 
-// The word hash as a float, 0 to 1: of the first three words in 2D, of all four in 3D, which share all but the
-// mixing.
+// The word hash as a float, 0 to 1: of the first three words in 2D, of all four in 3D. The two share all steps except
+// hash_mix.
 float gabor_hash(float4 words, bool solid)
 {
     uint start = solid ? 0xDEADBF0Cu : 0xDEADBF08u;
@@ -17,15 +17,15 @@ float gabor_hash(float4 words, bool solid)
     return hash_unit(hash_final(a, b, c).x);
 }
 
-// The hash that an impulse of a cell begins with, once for each seed.
+// The hash of a cell and a seed: the first random number of an impulse for that seed.
 float gabor_hash_cell(float3 cell, float seed, bool solid)
 {
     return gabor_hash(float4(cell.xy, solid ? cell.z : seed, seed), solid);
 }
 
-// The unit vector `along` turned by an impulse's hashes, by up to `spread` radians. In 3D its inclination and its
-// azimuth grow, the azimuth of the z axis being 0; in 2D, where z is 0, the azimuth goes both ways. Sums of angles
-// save the inverse functions.
+// The unit vector `along` rotated by an impulse's hashes, by up to `spread` radians. In 3D its inclination and its
+// azimuth increase, the azimuth of the z axis being 0; in 2D, where z is 0, the azimuth changes in both directions.
+// Angle sum formulas avoid the inverse functions.
 float3 gabor_turned(float3 cell, float seed, float3 along, float spread, bool solid)
 {
     float h = gabor_hash_cell(cell, seed, solid);
@@ -37,8 +37,8 @@ float3 gabor_turned(float3 cell, float seed, float3 along, float spread, bool so
     return float3(side * (radius * cos(tilt) + along.z * sin(tilt)), along.z * cos(tilt) - radius * sin(tilt));
 }
 
-// The packets of a cell as the sum of complex numbers (cosine, sine), for a point at q from the cell's corner. Most
-// are out of reach and the hashes are the cost, so each is made only when it is needed, and none for a cell too far
+// The sum of a cell's packets as complex numbers (cosine, sine), for a point at q from the cell's corner. Most packets
+// are out of reach and hashes dominate the cost, so each hash is computed only when needed, and none for a cell too far
 // away.
 float2 gabor_cell(float3 cell, float3 q, float frequency, float3 along, float spread, bool solid)
 {
@@ -66,10 +66,10 @@ float2 gabor_cell(float3 cell, float3 q, float frequency, float3 along, float sp
     return sum;
 }
 
-// (value, phase, intensity) of the noise at co * scale in 2 or 3 dimensions; the orientation of the other
-// dimension, in radians or as a vector, is not looked at. anisotropy is limited to 0 to 1, frequency to 0.001 and
-// more. The value is 0.5 in the mean and may leave 0 to 1 a little; the phase goes from 0 to 1 and is 0.5 where the
-// sum is 0. A vector without length is taken for the z axis. Tolerance against Blender: 1e-5.
+// (value, phase, intensity) of the noise at co * scale in 2 or 3 dimensions. The orientation (radians in 2D, a vector
+// in 3D) of the other dimension is ignored. anisotropy is clamped to 0 to 1, frequency to at least 0.001. The value
+// averages 0.5 and may leave 0 to 1 a little; the phase is 0 to 1, and 0.5 where the sum is 0. A zero vector counts as
+// the z axis. Tolerance against Blender: 1e-5.
 // @name gabor
 float3 tex_gabor(float3 co, float scale, float frequency, float anisotropy, float angle, float3 along, int dimensions)
 {
@@ -80,7 +80,7 @@ float3 tex_gabor(float3 co, float scale, float frequency, float anisotropy, floa
     if (!solid) along = float3(cos(angle), sin(angle), 0.0);
     float3 p = float3(co.xy, solid ? co.z : 0.0) * scale;
     float3 cell = floor(p);
-    // In 2D the walk has one layer: it begins in its last one, which is then taken for the middle one.
+    // In 2D there is one layer of cells: the iteration begins in the last layer, which then counts as the middle one.
     int3 o = int3(-1, -1, solid ? -1 : 1);
     float2 sum = 0.0;
     [loop]

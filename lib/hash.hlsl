@@ -153,7 +153,7 @@ floatDIM hash_intDIM_to_floatDIM(intDIM v) {
 // of x in y.
 int2 hash_row2(inout int2 v) {
   v = hash_round2(v);
-  return int2(1664525, 389569705);  // the square of 1664525, of which 32 bits are left
+  return int2(1664525, 389569705);  // 1664525 squared, modulo 2^32
 }
 
 int2 hash_row3(inout int3 v) {

@@ -1,8 +1,8 @@
 // Texel access, and the projections of the Image and Environment textures.
 
 // Index of texel i in a row of `count`, by the extension code: 0 repeat, 1 extend, 3 mirror (which doubles the edge
-// texel); any other repeats. Exact. Left of the row, index -1 - i from the other end keeps the remainder's operands
-// positive, as HLSL asks.
+// texel); any other repeats. Exact. Left of the row, index -1 - i from the other end keeps the operands of % from being
+// negative, as HLSL requires.
 int wrap_texel(int i, int count, int extension) {
   if (extension == 1) return clamp(i, 0, count - 1);
   uint n = uint(count), m = uint(i < 0 ? -1 - i : i);
@@ -14,9 +14,9 @@ int wrap_texel(int i, int count, int extension) {
   return int(i < 0 ? n - 1u - m : m);
 }
 
-// One texel of the full resolution, wrapped by the extension code (2: transparent black outside) and with alpha
-// multiplied in by the association code: 0 as stored, 1 in whole bytes rounded down, as Blender does for 8-bit images
-// before any filter, 2 as a plain product. The half of a step keeps the rounding clear of a GPU's inexact division.
+// One texel of mip level 0, wrapped by the extension code (2: transparent black outside) and multiplied by alpha
+// according to the association code: 0 not at all, 1 in whole bytes rounded down, as Blender does for 8-bit images
+// before any filter, 2 as a plain product. The added half keeps floor clear of a GPU's inexact division.
 float4 texel_fetch_a(Texture2D tex, int2 texel, int2 size, int extension, int association) {
   if (extension == 2 && (any(texel < 0) || any(texel >= size))) return float4(0.0, 0.0, 0.0, 0.0);
   float4 t = tex.Load(int3(wrap_texel(texel.x, size.x, extension), wrap_texel(texel.y, size.y, extension), 0));
@@ -34,8 +34,8 @@ float box_share(float a, float b, float blend) {
 }
 
 // Weights of the projections along x, y and z for the box mode; their sum is 1. `normal` is in object space, of any
-// length. Each side has a zone of its own, each pair of sides a zone where it blends, and the corner blends all three.
-// Without blending a tie goes to x, and so does a zero normal. A few units in the last place.
+// length. Each axis has a zone of its own, each pair of axes a zone where the two blend, and the corner blends all
+// three. Without blending a tie goes to x, and so does a zero normal. Tolerance: a few units in the last place.
 float3 box_weights(float3 normal, float blend) {
   float3 n = abs(normal);
   float sum = n.x + n.y + n.z;
@@ -61,35 +61,35 @@ float3 box_weights(float3 normal, float blend) {
   return w;
 }
 
-// Angle from the z axis in radians. Blender takes the inverse cosine of z over the length; this is the same angle
-// without the loss of digits near the poles (where Blender's is off by up to 3e-4), and GPUs have better inverse
-// tangents than cosines.
+// Angle from the z axis in radians. Blender takes the inverse cosine of z over the length, which is off by up to 3e-4
+// near the poles. This is the same angle without that loss of digits, and GPUs have better inverse tangents than
+// inverse cosines.
 float polar_angle(float3 p) {
   return atan2(length(p.xy), p.z);
 }
 
-// UV of p (-1 to 1) on a sphere, the seam at x = 0, y < 0; (0, 0) for the origin. 1e-6, near the poles 1e-4.
+// UV of p (-1 to 1) on a sphere, the seam at x = 0, y < 0; (0, 0) for the origin. Tolerance: 1e-6, near the poles 1e-4.
 float2 map_to_sphere(float3 p) {
   float u = (p.x == 0.0 && p.y == 0.0) ? 0.0 : 0.5 - atan2(p.x, p.y) * 0.15915494;
   return dot(p, p) == 0.0 ? float2(0.0, 0.0) : float2(u, 1.0 - polar_angle(p) * 0.31830987);
 }
 
-// UV of p (-1 to 1) on a cylinder about z; (0, 0) on the axis. 1e-6.
+// UV of p (-1 to 1) on a cylinder about z; (0, 0) on the axis. Tolerance: 1e-6.
 float2 map_to_tube(float3 p) {
   float u = (1.0 - atan2(p.x, p.y) / 3.1415927) * 0.5;
   return length(p.xy) > 0.0 ? float2(u, (p.z + 1.0) * 0.5) : float2(0.0, 0.0);
 }
 
-// UV of a unit direction on the picture of a mirror ball, seen along +y; the middle for (0, 1, 0), which is the whole
-// rim, and for zero. A few units in the last place, less near the rim.
+// UV of a unit direction on the image of a mirror ball, seen along +y. The centre for (0, 1, 0), which is the whole
+// rim, and for zero. Tolerance: a few units in the last place, less precise near the rim.
 float2 mirrorball_uv(float3 direction) {
   float m = 2.0 * sqrt(max(0.5 * (1.0 - direction.y), 0.0));
   float2 d = direction.xz;
   return 0.5 * ((m > 0.0 ? d * (1.0 / m) : d) + 1.0);
 }
 
-// UV of a direction (any length) on a latitude-longitude picture: +x in the middle, u falling counter-clockwise, v = 1
-// at the top; u = 0.5 at the poles and (0, 0) for zero. 1e-6, near the poles 1e-4.
+// UV of a direction (any length) on a latitude-longitude image: +x in the centre, u decreasing counter-clockwise, v = 1
+// at the top; u = 0.5 at the poles and (0, 0) for zero. Tolerance: 1e-6, near the poles 1e-4.
 float2 equirect_uv(float3 direction) {
   float2 uv = float2((compatible_atan2(direction.y, direction.x) - 3.1415927) / -6.2831855,
     (polar_angle(direction) - 3.1415927) / -3.1415927);

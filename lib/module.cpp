@@ -13,7 +13,7 @@
 
 namespace {
 
-// A library name and the places of all the functions that it brings in, ascending.
+// A library name and the indices in kFunctions of all the functions that it needs, ascending.
 struct Unit {
     const char* name;
     std::size_t first;  // in kPlaces
@@ -25,18 +25,18 @@ struct Struct {
     const char* text;
 };
 
-// In an order in which each function stands after those that it calls.
+// Each function stands after those that it calls.
 #include "library_texts.inc"
 
-// Strings made once, at import.
+// Objects created once, at import.
 struct State {
     PyObject* texts;  // list of str, in the order of kFunctions
-    PyObject* units;  // name -> place in kUnits
+    PyObject* units;  // name -> index in kUnits
 };
 
 State& state_of(PyObject* module) { return *static_cast<State*>(PyModule_GetState(module)); }
 
-// Marks the functions of one library name. False with KeyError set where there is no such name.
+// Marks the functions of one library name. Returns false with KeyError set if the name is unknown.
 bool mark(const State& state, PyObject* name, std::vector<bool>& wanted) {
     PyObject* place = PyDict_GetItemWithError(state.units, name);
     if (place == nullptr) {
@@ -78,7 +78,7 @@ PyObject* resolve(PyObject* module, PyObject* need) {
     return PyErr_Occurred() != nullptr ? nullptr : marked_texts(state, wanted);
 }
 
-// Adds a read-only view of the map, and gives up the map.
+// Adds a read-only view of the map to the module. Steals the reference to the map.
 int add_map(PyObject* module, const char* name, PyObject* map) {
     if (map == nullptr) {
         return -1;
@@ -160,12 +160,12 @@ void release(void* module) { clear(static_cast<PyObject*>(module)); }
 PyMethodDef methods[] = {{"resolve", resolve, METH_O, kResolveDoc}, {nullptr, nullptr, 0, nullptr}};
 
 #ifndef Py_mod_multiple_interpreters
-// Of CPython 3.12, whose headers of the limited API of 3.11 do not have it.
+// Added in CPython 3.12; the headers hide it under the limited API of 3.11.
 #define Py_mod_multiple_interpreters 3
 #define Py_MOD_PER_INTERPRETER_GIL_SUPPORTED (reinterpret_cast<void*>(2))
 #endif
 
-// CPython 3.11 refuses a slot that it does not know.
+// CPython 3.11 rejects unknown slots.
 PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)}, {0, nullptr}};
 PyModuleDef_Slot slots_of_312[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)},
                                    {Py_mod_multiple_interpreters, Py_MOD_PER_INTERPRETER_GIL_SUPPORTED},

@@ -1,7 +1,7 @@
-// Radial tiling: the plane cut into segments around the origin, each with a coordinate along its edge of a regular
+// Radial tiling: the plane is cut into segments around the origin, each with a coordinate along its edge of a regular
 // polygon, whose corners may be rounded up to a circle.
 
-// Number of the segment that p lies in: whole, from 0, counter-clockwise from the x axis. At the borders, as
+// Number of the segment that contains p: an integer from 0, counter-clockwise from the x axis. At the borders, as
 // precise as the angle. The origin has 0.
 // @name radial_tiling
 float calculate_out_segment_id(float sides, float2 p)
@@ -9,21 +9,21 @@ float calculate_out_segment_id(float sides, float2 p)
     return floor(sides * (compatible_atan2(p.y, p.x) / 6.2831855 + (p.y < 0.0 ? 1.0 : 0.0)));
 }
 
-// (radial coordinate, coordinate along the edge, width parameter of the segment, angle of its bisector) at p. sides
-// is 2 or more; where it is not whole the last segment is narrower. roundness is 0 to 1. Unnormalised, the radial
-// coordinate is 0 on the polygon and the other is a length; normalised, they are 1 on the polygon and 0 to 1 along
-// the edge. The two flags say what is wanted of the result; all of it is computed, as what nobody reads costs
-// nothing. Tolerance against Blender: 1e-5, with many sides 1e-6 of a segment's angle.
+// (radial coordinate, coordinate along the edge, width parameter of the segment, angle of its bisector) at p. sides is
+// 2 or more; if it is fractional, the last segment is narrower. roundness is 0 to 1. Unnormalised, the radial
+// coordinate is 0 on the polygon and the other is a length; normalised, they are 1 on the polygon and 0 to 1 along the
+// edge. The two want_ flags are not tested: everything is computed, and compilers remove what is not used. Tolerance
+// against Blender: 1e-5, with many sides 1e-6 of a segment's angle.
 //
-// Half an edge is a straight part up to the angle half_angle - bend from the bisector, then a piece of a circle.
-// Lengths along it are made of `slope`, the tangent of that angle, and of the `bend` radians, of which the share
-// `sharp` counts by the radius. The last segment is computed as a polygon of its own, which `scale` brings to size;
-// the corners beside it have their own circle.
+// Half an edge is a straight part up to the angle half_angle - bend from the bisector, then an arc of a circle. Lengths
+// along it are computed from `slope`, the tangent of that angle, and from the `bend` radians. The share `sharp` of
+// those is weighted by the radial coordinate, which blends to 1 along it. The last segment is computed as a polygon of
+// its own and scaled to size by `scale`; the corners beside it have their own circle.
 // @name radial_tiling
 float4 calculate_out_variables(bool want_coordinates, bool want_width, bool normalized, float sides, float roundness,
                                float2 p)
 {
-    p = clamp(p, -1e18, 1e18);  // the length of what lies farther out is infinite
+    p = clamp(p, -1e18, 1e18);  // the length of points farther out overflows
     float alpha = 3.1415927 / sides;
     float whole = floor(sides);
     float lambda = 3.1415927 - whole * alpha;
@@ -33,7 +33,7 @@ float4 calculate_out_variables(bool want_coordinates, bool want_width, bool norm
     float border = segment + step(alpha, phi);
     bool broken = sides != whole;
     bool last = broken && segment >= whole;
-    // Two sides are parallel lines without corners, or else a circle: half their angle has no tangent.
+    // Two sides are parallel lines without corners, or else a circle: their half angle, pi / 2, has no tangent.
     bool strip = sides == 2.0 && roundness < 1.0;
 
     float half_angle = last ? lambda : alpha;

@@ -1,8 +1,7 @@
 // The Gradient, Checker, Brick and Magic textures.
 
-// Gradient, not limited to 0 to 1. code: 0 linear, 1 quadratic, 2 easing, 3 diagonal, 4 spherical, 5 quadratic
-// sphere, 6 radial (0.5 on the axis); 0 for any other. A unit vector must give exactly 0 for the spheres, hence
-// 0.999999.
+// Gradient, not clamped to 0 to 1. code: 0 linear, 1 quadratic, 2 easing, 3 diagonal, 4 spherical, 5 quadratic sphere,
+// 6 radial (0.5 on the axis); 0 for any other. 0.999999 makes the spheres exactly 0 at a unit vector.
 // Tolerance: 2e-7, radial as good as the GPU's atan2.
 float tex_gradient(float3 co, int code) {
   if (code == 0) return co.x;
@@ -17,21 +16,21 @@ float tex_gradient(float3 co, int code) {
   return code == 4 ? r : code < 6 && code > 0 ? t : 0.0;
 }
 
-// Checker at p, already scaled: 1 in the cells whose three numbers add up to an odd one, 0 in the others. Exact.
-// The nudge keeps coordinates that are whole up to rounding from flickering: zero and the negative whole numbers
-// begin a cell, the positive ones end one. It must be a product, a sum and a product, each rounded: without `precise`
-// a compiler merges the outer factor with the scale that p was multiplied by, and whole numbers change their cells.
+// Checker at p, already scaled: 1 in the cells whose three coordinates have an odd sum, 0 in the others. Exact.
+// The nudge stops coordinates that are integers up to rounding from flickering: 0 and negative integers begin a cell,
+// positive ones end one. The scaling of p, the sum and the product here must each be rounded: without `precise` a
+// compiler merges the outer factor with the scale, and integers change their cells.
 float tex_checker(float3 p) {
   precise float3 q = (p + 0.000001) * 0.999999;
   int3 cell = int3(floor(q));
   return float((cell.x ^ cell.y ^ cell.z) & 1);
 }
 
-// Brick at p, already scaled; z plays no part. x of the result is the tint of the brick, y the mortar, both 0 to 1.
-// Rows divisible by squash_frequency have bricks `squash` times as wide, rows divisible by offset_frequency are moved
-// by `offset` of a brick; nothing of that where one of the frequencies is 0. The tint is a hash of row and brick
-// number, exact. Rows and bricks end where their numbers are no ints any more, as they do at once with a height or
-// a width of 0. Tolerance: a few units in the last place of p, divided by the mortar's size.
+// Brick at p, already scaled; z is ignored. x of the result is the tint of the brick, y the mortar, both 0 to 1. Rows
+// divisible by squash_frequency have bricks `squash` times as wide, rows divisible by offset_frequency are shifted by
+// `offset` of a brick; if either frequency is 0, neither applies. The tint is a hash of row and brick number, exact.
+// Row and brick numbers are clamped to the range of int, which a height or a width of 0 leaves at once. Tolerance: a
+// few units in the last place of p, divided by the mortar's size.
 float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, float brick_width, float row_height,
     float offset, int offset_frequency, float squash, int squash_frequency) {
   float row = clamp(floor(p.y / row_height), -2147483520.0, 2147483520.0);
@@ -56,9 +55,10 @@ float2 tex_brick(float3 p, float mortar_size, float mortar_smooth, float bias, f
   return float2(saturate(float(h) * 4.656612873077393e-10 + bias), mortar);
 }
 
-// Magic: a colour from sines folded into one another `depth` times (0 to 10). What is scaled repeats every 2 pi, as in
-// Blender from 5.2 on; before, the coordinate did. What rounding leaves of one far out is kept in that range.
-// Tolerance: 1e-5, the GPU's sine at each fold.
+// Magic: a colour from sines nested `depth` times (0 to 10). The scaled coordinate is wrapped at 2 pi, as in Blender
+// from 5.2 on; before, the unscaled one was. For large coordinates the remainder has a rounding error, and is clamped
+// to that range.
+// Tolerance: 1e-5, the GPU's sine at each nesting.
 float3 tex_magic(float3 co, float scale, int depth, float distortion) {
   co *= scale;
   co = clamp(mad(trunc(co / 6.2831855), -6.2831855, co), -6.2831855, 6.2831855);

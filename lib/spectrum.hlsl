@@ -1,9 +1,9 @@
 // Colours of light by temperature and by wavelength.
 
-// Linear Rec.709 colour of a black body, at a luminance of about 1, negative components not clipped. temperature is in
-// kelvins. Below 800 and from 12000 on the colour is constant; between, a fit in seven pieces: a / T + b * T + c for
-// red and green, a cubic polynomial for blue. The jumps between the pieces (up to 2e-3) are Blender's. 1e-6 of the
-// largest component.
+// Linear Rec.709 colour of a black body, at a luminance of about 1, negative components not clamped. temperature is in
+// kelvins. Below 800 and from 12000 on the colour is constant; in between it is a fit in seven pieces:
+// a / T + b * T + c for red and green, a cubic polynomial for blue. The jumps between the pieces (up to 2e-3) are
+// Blender's. Tolerance: 1e-6 of the largest component.
 float3 blackbody_rec709(float temperature) {
   float t = temperature;
   if (t >= 12000.0) return float3(0.82629548, 0.99450805, 1.56630771);
@@ -40,9 +40,9 @@ float3 blackbody_rec709(float temperature) {
   return float3(hot, ((blue.x * t + blue.y) * t + blue.z) * t + blue.w);
 }
 
-// Tristimulus values X, Y, Z of light of one wavelength in nanometres (CIE 1931, two degrees), linear between samples
-// 5 nm apart; 0 outside 380 to 780. As in Blender, the first interval goes on to 375, where it turns slightly negative.
-// The table is in units of 1/10000, which keeps it short. 1e-6.
+// Tristimulus values X, Y, Z of light of one wavelength in nanometres (CIE 1931, two degrees), linear between samples 5
+// nm apart; 0 outside 380 to 780. As in Blender, the first interval is extrapolated to 375, which gives slightly
+// negative values. The table is in units of 1/10000 to keep it short. Tolerance: 1e-6.
 float3 wavelength_xyz(float wavelength) {
   float p = (wavelength - 380.0) * 0.2;
   if (!(p > -1.0 && p < 80.0)) return float3(0.0, 0.0, 0.0);

@@ -1,5 +1,5 @@
-// What a Voronoi texture is asked for. The caller limits detail to 0 to 15, roughness and randomness to 0 to 1, and
-// smoothness to 0 to 0.5. scale only brings the position back: the coordinate comes already scaled.
+// Parameters of a Voronoi texture. The caller clamps detail to 0 to 15, roughness and randomness to 0 to 1, and
+// smoothness to 0 to 0.5. scale is only used to scale the position back: the coordinate is already scaled.
 struct QWKVoronoiParams
 {
     int feature, metric;

@@ -6,7 +6,7 @@ float3 safe_divide3(float3 a, float3 b) {
   return float3(safe_divide(a.x, b.x), safe_divide(a.y, b.y), safe_divide(a.z, b.z));
 }
 
-// a at unit length. The zero vector stays zero, and a vector whose squared length underflows comes back as it is; one
+// a normalized. The zero vector stays zero, and a vector whose squared length underflows is returned unchanged; one
 // whose squared length overflows becomes zero.
 float3 safe_normalize(float3 a) {
   float l = dot(a, a);
@@ -24,15 +24,15 @@ float3 reflect3(float3 a, float3 normal) {
   return a - 2.0 * normal * dot(a, normal);
 }
 
-// Refraction of the direction a at the unit vector `normal`, ior the ratio of the indices; zero at total reflection.
-// a is taken at the length it has.
+// Refraction of the direction a at the unit vector `normal`, ior the ratio of the indices; zero at total reflection. a
+// is not normalized.
 float3 refract3(float3 a, float3 normal, float ior) {
   float d = dot(normal, a);
   float k = 1.0 - ior * ior * (1.0 - d * d);
   return k < 0.0 ? float3(0.0, 0.0, 0.0) : ior * a - (ior * d + sqrt(k)) * normal;
 }
 
-// a where the incident vector b runs against the reference c, else -a; a right angle counts as the latter.
+// a if the incident vector b points against the reference c, else -a, also at a right angle.
 float3 faceforward3(float3 a, float3 b, float3 c) {
   return dot(c, b) < 0.0 ? a : -a;
 }
@@ -42,8 +42,8 @@ float3 safe_fmod3(float3 a, float3 b) {
   return float3(safe_modulo(a.x, b.x), safe_modulo(a.y, b.y), safe_modulo(a.z, b.z));
 }
 
-// a brought into the range from c to b in each component; c for an empty range. Unlike wrapf it takes c off first,
-// which moves the last bits.
+// Wraps a into the range from c to b in each component; c for an empty range. Unlike wrapf it subtracts c first, which
+// changes the last bits.
 float3 wrap3(float3 a, float3 b, float3 c) {
   float3 v = a - c, r = b - c;
   return c + float3(safe_floored_modulo(v.x, r.x), safe_floored_modulo(v.y, r.y), safe_floored_modulo(v.z, r.z));

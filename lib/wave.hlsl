@@ -1,9 +1,8 @@
 // The Wave texture at p, already scaled; 0 to 1.
-// type: 0 bands, 1 rings. bands: 0 X, 1 Y, 2 Z, 3 diagonal. rings: around 0 X, 1 Y, 2 Z, 3 the centre. profile: 0
-// sine, 1 saw, 2 triangle. phase is in radians; the distortion adds noise of `detail` octaves (0 to 15) at
-// detail_scale.
-// The nudge of the point keeps planes at 0 from flickering.
-// Tolerance against Blender: 1e-5 for |p| up to 10, growing with |p| as the rounding of the angle does.
+// type: 0 bands, 1 rings. bands: 0 X, 1 Y, 2 Z, 3 diagonal. rings: around 0 X, 1 Y, 2 Z, 3 the centre. profile: 0 sine,
+// 1 saw, 2 triangle. phase is in radians; the distortion adds noise of `detail` octaves (0 to 15) at detail_scale.
+// The nudge of the point stops planes at 0 from flickering.
+// Tolerance against Blender: 1e-5 for |p| up to 10. The error grows with |p|, as the rounding error of the angle does.
 float tex_wave(int type, int bands, int rings, int profile, float3 p, float distortion, float detail,
     float detail_scale, float detail_roughness, float phase) {
   p = (p + 0.000001) * 0.999999;
