@@ -1,10 +1,9 @@
-"""What the families of cases build their little node trees with. Runs inside Blender.
+"""Helpers that build the small node trees of the cases. Runs inside Blender.
 
-Every tile is a unit square of SIDE x SIDE pixels. Trees don't read the UV coordinate itself, which the
-renderer's camera jitters, but the number of the pixel's cell, which no rounding can change: `cells` gives the
-whole numbers (i, j, k), i and j counting from 0 to SIDE - 1 along the sides and k running through all of them
-in another order. As long as factors and offsets have few bits, what is computed from them is exact
-everywhere.
+Every tile is a unit square of SIDE x SIDE pixels. Cycles jitters the UV coordinate within a pixel, so the trees read
+the integer indices of the pixel's cell instead: `cells` returns (i, j, k), where i and j run from 0 to SIDE - 1 along
+the sides, and k takes the same values in another order. Values computed from them are exact as long as factors and
+offsets have few bits.
 """
 
 import random
@@ -17,7 +16,7 @@ SIDE = 16
 
 
 class Case(NamedTuple):
-    """`build` fills a Canvas and returns the socket to show. `reason`: why the translation can't agree."""
+    """`build` fills a Canvas and returns the socket to render. `reason`: why the translation can't agree."""
 
     node: str
     name: str
@@ -52,12 +51,12 @@ class Canvas:
         return self.node("CombineXYZ", {0: parts.outputs[0], 1: parts.outputs[1], 2: third}).outputs[0]
 
     def vector(self, scale=0.25, offset=-2.0):
-        """scale * (i, j, k) + offset; numbers or triples of few bits."""
+        """scale * (i, j, k) + offset; scale and offset are numbers or triples with few bits."""
         scale, offset = ((part,) * 3 if isinstance(part, (int, float)) else part for part in (scale, offset))
         return self.node("VectorMath", {0: self.cells(), 1: scale, 2: offset}, operation="MULTIPLY_ADD").outputs[0]
 
     def colour(self, scale=1 / 16, offset=0.0):
-        """The same as a colour socket."""
+        """Like `vector`, but a colour socket."""
         return self.node(
             "CombineColor",
             dict(enumerate(self.node("SeparateXYZ", {0: self.vector(scale, offset)}).outputs[:3])),
@@ -80,7 +79,7 @@ class Canvas:
 
 
 class Draw:
-    """Socket values of few bits, the same ones for the same name."""
+    """Random socket values with few bits, seeded by name."""
 
     def __init__(self, *name):
         self.random = random.Random(" ".join(str(part) for part in name))
@@ -96,7 +95,7 @@ class Draw:
 
 
 def words(kind, prop):
-    """All values of an enumeration of a node type, as Blender has them."""
+    """All values of an enumeration property of a node type in this Blender."""
     import bpy
 
     node = getattr(bpy.types, "ShaderNode" + kind, None)  # older Blenders lack some

@@ -1,5 +1,5 @@
-"""Compares the generated text with Cycles: translates every case of the reference data, compiles it with DXC,
-runs it on the CPU's Vulkan device and looks at each pixel.
+"""Compares the generated texts with Cycles: translates every case of the reference data, compiles it with DXC, runs it
+on the software Vulkan device and compares each pixel.
 
     PYTHONPATH=build/g++ .venv/bin/python tests/fidelity/compare.py [part of a name ...]   # a table, what disagrees
     PYTHONPATH=build/g++ .venv/bin/python tests/fidelity/compare.py --write                # writes docs/fidelity.md
@@ -21,14 +21,13 @@ sys.path[:0] = [str(HERE), str(HERE.parent / "gpu"), str(HERE.parents[1] / "blen
 import store
 from quillgen_blender import passes
 
-# The CPU's Vulkan device has approximations of its own for these two, off by up to 4e-4; graphics cards have
-# not.
+# The software Vulkan device approximates these two with errors up to 4e-4. GPUs don't.
 ACCURATE = """#define asin(x) atan2(x, sqrt((1.0 - (x)) * (1.0 + (x))))
 #define acos(x) atan2(sqrt((1.0 - (x)) * (1.0 + (x))), x)
 """
 TOLERANCE = 1e-4  # absolute up to 1, relative above
 SIDE = 16
-MOST_POINTS = 40000  # in one run of a shader
+MOST_POINTS = 40000  # per run of a shader
 
 
 class Outcome(NamedTuple):
@@ -37,12 +36,12 @@ class Outcome(NamedTuple):
     reason: str
     pixels: int
     agreeing: int
-    worst: float  # the largest difference in terms of the tolerance's measure
+    worst: float  # the largest difference, measured like TOLERANCE
     error: str = ""
 
 
 def run(parts=(), workers=None, every=1):
-    """The Outcome of every case whose node or name holds one of the parts (all by default). `every`: only each n-th
+    """The Outcome of every case whose node or name contains one of the parts (default: all). `every`: only every n-th
     case of a family."""
     groups = defaultdict(list)
     outcomes = []
@@ -59,7 +58,7 @@ def run(parts=(), workers=None, every=1):
             try:
                 key, task = prepare(record, arrays, given, number, literal=family.startswith("scene"))
                 groups[key].append(task)
-            except Exception as trouble:  # a document that can't be translated is a case that disagrees
+            except Exception as trouble:  # a case that can't be translated counts as disagreeing
                 outcomes.append(failed(record, len(arrays["values"][number]), trouble))
     tasks = sorted(chunks(groups), key=lambda chunk: -len(chunk))
     context = multiprocessing.get_context("spawn")
@@ -75,7 +74,7 @@ def inputs_of(arrays):
 
 
 def tile_inputs():
-    """What a tile hands to the text: a unit square in the plane of x and y, seen from straight above."""
+    """Values of the text's inputs on a tile: a unit square in the xy plane, seen from straight above."""
     rows, columns = np.mgrid[:SIDE, :SIDE].reshape(2, -1)
     u, v = (columns + 0.5) / SIDE, (rows + 0.5) / SIDE
     fixed = {
@@ -94,7 +93,7 @@ def tile_inputs():
 
 
 def prepare(record, arrays, given, number, literal):
-    """(what cases have in common that run as one shader, the case's own part)"""
+    """Returns (the part that is shared by all cases of one shader, the part of this case)."""
     import quillgen
 
     result = quillgen.compile(passes.prepare(record["document"])[0], "emission", not literal)

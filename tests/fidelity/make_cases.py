@@ -1,9 +1,9 @@
 """Makes the reference data: builds the node trees of all families in the Blender that runs it, renders each with Cycles
-and flattens it with the host of blender/quillgen_blender.
+and reads its document with blender/quillgen_blender.
 
     .venv-blender-5.2/bin/python tests/fidelity/make_cases.py [--every=N] [family ...]
 
-With --every only each n-th case of a family is made. QUILLGEN_FIDELITY_DATA names another folder for the data.
+--every=N makes only every N-th case of a family. QUILLGEN_FIDELITY_DATA names another folder for the data.
 """
 
 import importlib
@@ -37,7 +37,7 @@ TILED = (
     "flattening",
 )
 PER_PICTURE = 400
-JITTER = 1 / 2048, 1 / 2048  # how far from the pixel's middle Cycles takes its one sample
+JITTER = 1 / 2048, 1 / 2048  # offset of Cycles' single sample from the pixel centre
 
 
 def main(words):
@@ -55,7 +55,7 @@ def main(words):
 
 
 def settings():
-    """{node type: {property: its possible values}} of all enumerations and switches that Blender has."""
+    """{node type: {property: possible values}} of all enumeration and boolean properties in Blender."""
     common = bpy.types.ShaderNode.bl_rna.properties.keys()
     found = {}
     for name in sorted(dir(bpy.types)):
@@ -94,7 +94,7 @@ def tiled(cases):
 
 
 def built(case):
-    """A case's material; None where an older Blender lacks a node, a setting or a colour space of it."""
+    """The material of a case. None if an older Blender lacks a node, a setting or a colour space of it."""
     try:
         return render.material(f"{case.node} {case.name}", case.build)
     except (AttributeError, KeyError, RuntimeError, StopIteration, TypeError) as trouble:
@@ -105,7 +105,7 @@ def built(case):
 
 
 def check_coordinates(count):
-    """The second frame: every pixel's UV coordinate lies in the cell that it should lie in."""
+    """Renders a second frame and checks that every pixel's UV coordinate is in the expected cell."""
     shown = render.material("UV", lambda canvas: canvas.node("UVMap").outputs[0])
     uv = render.tiles([shown] * min(count, PER_PICTURE))[..., :2]
     cells = np.stack(np.meshgrid(np.arange(SIDE), np.arange(SIDE)), axis=-1)
@@ -113,7 +113,7 @@ def check_coordinates(count):
 
 
 def save_scenes():
-    """One family for each scene: all of its cases, the pixels that see the object and their inputs."""
+    """Saves one family per scene: all of its cases, the pixels that see the object, and their inputs."""
     for scene in stage.SCENES:
         bpy.ops.wm.read_factory_settings(use_empty=True)
         thing, camera = stage.build(scene)
@@ -151,18 +151,18 @@ def wear(thing, material):
 
 
 def check_positions(thing, inputs, columns, rows):
-    """A frame of its own: our rays meet the surface where Cycles' rays do."""
+    """Renders a separate frame and checks that our rays hit the surface where Cycles' rays do."""
     shown = wear(thing, render.material("Position", lambda canvas: canvas.node("NewGeometry").outputs["Position"]))
     ours = inputs["world_position"] * rays.FLIP / 100
     assert np.abs(shown[rows, columns] - ours).max() < 5e-5 and (np.abs(shown).sum(axis=2) > 0).sum() == len(rows)
 
 
 def shading_normals(thing, ours, columns, rows):
-    """Another frame: the normals that Cycles really has. Since 5.1 they are up to 6e-5 from what the
-    mesh's normals give, enough to show in steep reflections."""
+    """Renders another frame and returns the normals that Cycles uses. Since 5.1 they differ by up to 6e-5 from those of
+    the mesh, which is visible in steep reflections."""
     shown = wear(thing, render.material("Normal", lambda canvas: canvas.node("NewGeometry").outputs["Normal"]))
     found = shown[rows, columns] * rays.FLIP
-    found *= np.where((found * ours).sum(axis=1) < 0, -1, 1)[:, None]  # Blender turns them to the viewer
+    found *= np.where((found * ours).sum(axis=1) < 0, -1, 1)[:, None]  # Blender flips them towards the viewer
     assert np.abs(found - ours).max() < 2e-4
     return found.astype(np.float32)
 
@@ -178,7 +178,7 @@ def save(family, records, values, arrays):
 
 
 def texels(name):
-    """An image as a texture holds it, row 0 on top: what the host saves, bytes as bytes."""
+    """The texels of an image as the extension saves it, row 0 on top, without colour conversion of bytes."""
     with tempfile.TemporaryDirectory() as folder:
         path, record = pictures.save_picture(bpy.data.images[name], Path(folder), "texture")
         image = bpy.data.images.load(str(path))

@@ -1,4 +1,4 @@
-"""Renders exact values with Cycles: what a socket holds, as an emission's colour. Runs inside Blender."""
+"""Renders the exact value of a socket with Cycles, as the colour of an emission. Runs inside Blender."""
 
 import math
 import tempfile
@@ -34,7 +34,7 @@ def settings(width, height):
 
 
 def picture():
-    """[height, width, 3], row 0 at the bottom."""
+    """Renders the scene. Returns [height, width, 3], row 0 at the bottom."""
     scene = bpy.context.scene
     with tempfile.TemporaryDirectory() as folder:
         scene.render.filepath = folder + "/picture.exr"
@@ -48,7 +48,7 @@ def picture():
 
 
 def material(name, build):
-    """A material that glows with the socket that `build` makes on a Canvas, or has it as its shader."""
+    """A material that emits the socket returned by `build`, or uses it as its shader if it is one."""
     made = bpy.data.materials.new(name)
     made.use_nodes = True
     tree = made.node_tree
@@ -75,7 +75,7 @@ def squares(count, columns):
 
 
 def tiles(materials):
-    """What each material shows on its own square: [materials, SIDE, SIDE, 3], row 0 at the bottom."""
+    """Renders each material on its own square: [materials, SIDE, SIDE, 3], row 0 at the bottom."""
     count = len(materials)
     columns = math.ceil(math.sqrt(count))
     rows = math.ceil(count / columns)

@@ -1,4 +1,4 @@
-"""The outcome of a comparison as text."""
+"""Formats the outcome of a comparison as text."""
 
 from collections import defaultdict
 from pathlib import Path
@@ -7,7 +7,7 @@ import store
 import versions
 
 ROOT = Path(__file__).resolve().parents[2]
-SHARE = 0.98  # of a case's pixels have to agree, unless it has a reason not to
+SHARE = 0.98  # of a case's pixels must agree, unless it has a reason
 
 HEAD = """# Fidelity
 
@@ -29,7 +29,7 @@ the Magic Texture. `tests/fidelity/versions.py` writes this table.
 
 
 def share(agreeing, pixels):
-    """A percentage that is 100 only if nothing is missing."""
+    """A percentage that is 100 only if all pixels agree."""
     return "100" if agreeing == pixels else f"{min(100 * agreeing / pixels, 99.99):.2f}"
 
 
@@ -78,7 +78,7 @@ def reasons(outcomes):
 
 
 def disagreeing(outcomes):
-    """The cases that miss the mark without a reason."""
+    """The cases without a reason where fewer than SHARE of the pixels agree."""
     return [one for one in outcomes if not one.reason and one.agreeing < SHARE * one.pixels]
 
 

@@ -1,6 +1,6 @@
-"""The reference data on disk: for each family of cases a list of records and the pixels of all of them.
+"""The reference data on disk: for each family of cases a list of records, and their pixels.
 
-A record is {"node", "name", "reason", "document"} and whatever else its family needs. Values are float32.
+A record is {"node", "name", "reason", "document"} and further keys of its family. Values are float32.
 """
 
 import io
@@ -24,7 +24,7 @@ def save(family, records, arrays):
 
 
 def load(family, folder=None):
-    """(records, {name: array})"""
+    """Returns (records, {name: array})."""
     folder = folder or DATA
     records = json.loads(lzma.decompress((folder / f"{family}.json.xz").read_bytes()))
     with np.load(io.BytesIO(lzma.decompress((folder / f"{family}.npz.xz").read_bytes()))) as arrays:
@@ -32,7 +32,7 @@ def load(family, folder=None):
 
 
 def save_settings(blender, settings):
-    """`blender`: the version that the data is of."""
+    """`blender`: the version of Blender that made the data."""
     DATA.mkdir(parents=True, exist_ok=True)
     text = json.dumps({"blender": blender, "nodes": settings}, indent=1)
     (DATA / "settings.json").write_text(text + "\n")
@@ -43,7 +43,7 @@ def load_settings():
 
 
 def blender():
-    """The version of Blender that the data is of."""
+    """The version of Blender that made the data."""
     return json.loads((DATA / "settings.json").read_text())["blender"]
 
 

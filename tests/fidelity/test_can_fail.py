@@ -1,4 +1,4 @@
-"""The comparison sees errors: one in a function of the library, one in what a handler writes, one in a frame."""
+"""The comparison detects errors: one in a library function, one in a handler's output, one in a coordinate frame."""
 
 import pytest
 
@@ -6,11 +6,11 @@ import compare
 import quillgen
 
 ERRORS = {
-    # The library's division gives 1 and not 0 for a divisor of zero.
+    # The library's division returns 1 instead of 0 for a zero divisor.
     "function": ("Math DIVIDE", "b == 0.0 ? 0.0 :", "b == 0.0 ? 1.0 :"),
-    # Invert Color mixes the wrong way round.
+    # Invert Color mixes in the wrong direction.
     "handler": ("Invert Color", " * (float3(1.0, 1.0, 1.0) - ", " * (float3(0.0, 0.0, 0.0) - "),
-    # Positions keep Unreal's direction of y.
+    # Positions keep the sign of Unreal's y.
     "frame": ("shell: Position", "-wpos.y", "wpos.y"),
 }
 

@@ -1,4 +1,4 @@
-"""The generated text against Cycles. compare.py shows the numbers behind it and writes docs/fidelity.md."""
+"""Compares the generated texts with Cycles. compare.py prints the numbers and writes docs/fidelity.md."""
 
 import re
 from collections import Counter, defaultdict
@@ -11,9 +11,9 @@ import report
 import store
 
 ROOT = Path(__file__).resolve().parents[2]
-SHADERS = {"Background", "BsdfAnisotropic"}  # black in a scene without light, or of the world only
+SHADERS = {"Background", "BsdfAnisotropic"}  # black in a scene without light, or for worlds only
 
-# Settings that a tree in a scene of one mesh can't show, or that no handler reads.
+# Settings that have no effect in a scene with one mesh, or that no handler reads.
 ELSEWHERE = {
     "from_instancer",
     "attribute_type",
@@ -32,7 +32,7 @@ def outcomes():
 
 @pytest.fixture(scope="module")
 def nodes():
-    """The records of every node of a type in the reference data."""
+    """Node type -> all its records in the reference data."""
     found = defaultdict(list)
     for family in store.families():
         for record in store.load(family)[0]:

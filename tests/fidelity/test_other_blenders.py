@@ -1,5 +1,5 @@
-"""The generated text against Cycles in other Blenders than that of the reference data: a sample of the cases on tiles,
-captured there and then, with documents as that Blender gives them."""
+"""Compares the generated texts with Cycles in Blender versions other than that of the reference data. Makes a sample of
+the tile cases, documents included, in each version."""
 
 import os
 import sys
@@ -18,8 +18,8 @@ import store
 
 EVERY = 12
 FAMILIES = "value", "vector", "mix", "colour", "patterns", "noise", "tables", "pictures", "flattening"
-# What older Blenders compute otherwise, in a way that the translation doesn't follow: up to 4.5 the cells of Voronoi
-# textures and what a power that is no number is clamped to, up to 5.0 the last digits of six offsets of noise.
+# Differences of older Blenders that the translation doesn't reproduce: up to 4.5 the cells of Voronoi textures and the
+# value to which a NaN power is clamped, up to 5.0 the last digits of six noise offsets.
 NOISE = ("Noise Texture HETERO_TERRAIN 3D Color 0",)
 FOUR = ("Voronoi Texture", "Math POWER around zero clamped", *NOISE)
 OTHER = {"4.2": FOUR, "4.5": FOUR, "5.0": NOISE}

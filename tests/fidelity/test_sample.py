@@ -1,4 +1,4 @@
-"""A sample of the comparison with Cycles, for a run of minutes: test_fidelity.py has all of it, and says why."""
+"""A sample of the comparison with Cycles that runs in minutes. See test_fidelity.py for the whole comparison."""
 
 import compare
 import report

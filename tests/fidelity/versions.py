@@ -1,8 +1,8 @@
-"""What another Blender renders differently from the one of the reference data: compares the pixels of the same cases.
+"""Compares the pixels of the reference data with those of the same cases in other Blender versions.
 
-    .venv/bin/python tests/fidelity/versions.py 5.0.1=FOLDER ...   # FOLDER: what make_cases.py captured there
+    .venv/bin/python tests/fidelity/versions.py 5.0.1=FOLDER ...   # FOLDER: output of make_cases.py in that version
 
-Writes data/versions.json, from which docs/fidelity.md has its column.
+Writes data/versions.json, which is the source of a table in docs/fidelity.md.
 """
 
 import json
@@ -16,7 +16,7 @@ import store
 
 TOLERANCE = 1e-4  # absolute up to 1, relative above
 KEPT = store.DATA / "versions.json"
-# Why, by node; other nodes differ by roundings alone.
+# Node -> reason of the difference. Other nodes differ only by rounding.
 REASONS = {
     "Noise Texture": "six of the 24 offsets of Color and Distortion are one step of a float off since 5.1",
     "Wave Texture": "its distortion is noise",
@@ -42,7 +42,7 @@ def main(words):
 
 
 def compared(folder):
-    """{node: [cases, those that differ, the largest difference]} of the cases that both have."""
+    """{node: [cases, differing cases, largest difference]} of the cases that both versions have."""
     nodes = defaultdict(lambda: [0, 0, 0.0])
     for family in store.families():
         ours, theirs = captured(store.DATA, family), captured(folder, family)
@@ -62,7 +62,7 @@ def captured(folder, family):
 
 
 def table():
-    """The versions beside the reference, as a table for the page."""
+    """The differences of the other versions, as a Markdown table."""
     kept = json.loads(KEPT.read_text()) if KEPT.exists() else {}
     lines = ["| Node | Blender | Cases that differ | Largest difference | Why |", "| --- | --- | --- | --- | --- |"]
     for version, nodes in kept.items():

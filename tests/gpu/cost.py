@@ -1,7 +1,7 @@
-"""Shaders made only to be compiled: do both language versions take them, and how many instructions are they?
+"""Shaders that are compiled but not run, to check that both language versions accept them and to count instructions.
 
-Every input comes from a typed buffer and every output goes to one, at the thread's own place, so that no
-address arithmetic joins what is counted.
+Inputs are loaded from typed buffers and outputs are stored to typed buffers at the thread's index, so that no address
+arithmetic is counted.
 """
 
 import re
@@ -11,7 +11,7 @@ from dxc import compile_hlsl, instructions
 
 VERSIONS = ("2018", "2021")
 CELLS = {"float": "float4", "int": "int4", "uint": "uint4", "bool": "uint4"}
-# What fetches the inputs and stores the outputs, and not the work in between.
+# Instructions that load inputs and store outputs. They are not counted.
 PLUMBING = re.compile(
     r"@dx\.op\.(createHandle|annotateHandle|bufferLoad|bufferStore|threadId)"
     r"|extractvalue %dx\.types\.ResRet|^ret "
@@ -19,7 +19,7 @@ PLUMBING = re.compile(
 
 
 def shader(body, inputs, outputs, textures=(), helpers=""):
-    """The shader's text. `inputs` and `outputs`: name -> HLSL type, locals of the statements in `body`."""
+    """The shader's text. `inputs` and `outputs`: name -> HLSL type of local variables of the statements in `body`."""
     lines = [f"Texture2D<float4> {name};" for name in textures] + ["SamplerState qh_sampler;"]
     for name, kind in inputs.items():
         lines.append(f"Buffer<{CELLS[kind.rstrip('234')]}> qh_in_{name};")
@@ -38,15 +38,15 @@ def shader(body, inputs, outputs, textures=(), helpers=""):
 
 
 def compile_both(source):
-    """{language version: DXIL}, warnings being errors. Raises DxcError."""
+    """Returns {language version: DXIL}. Warnings are errors. Raises DxcError."""
     return {hv: compile_hlsl(source, hv=hv) for hv in VERSIONS}
 
 
 def work(dxil):
-    """The instructions without those that fetch inputs and store outputs."""
+    """The instructions, without those that load inputs and store outputs."""
     return [line for line in instructions(dxil) if not PLUMBING.search(line)]
 
 
 def count(source):
-    """How many instructions of work the shader holds: the greater number of the two language versions."""
+    """The number of instructions returned by `work`: the larger one of the two language versions."""
     return max(len(work(dxil)) for dxil in compile_both(source).values())

@@ -1,7 +1,7 @@
-"""Wraps a generated text as Unreal wraps the text of a Custom expression, to compile it and to run it.
+"""Wraps a generated text like Unreal wraps the text of a Custom expression, to compile and to run it.
 
-A result is what quillgen.compile gives, or its `displacement`, or any dict with `code`, `inputs` and, where
-there are any, `outputs`.
+A `result` is the result of quillgen.compile, or its `displacement`, or any dict with `code`, `inputs` and optional
+`outputs`.
 """
 
 import numpy as np
@@ -13,7 +13,7 @@ SCALARS = {"scalar", "pixel_depth", "two_sided_sign", "temporal_index"}
 PAIRS = {"texcoord", "tan_half_fov", "view_size", "pixel_position"}
 QUADS = {"vector", "vertex_color"}
 
-RETURNED = "qh_result"  # the local that takes what the function returns
+RETURNED = "qh_result"  # the variable that receives the return value
 
 HEAD = """typedef float MaterialFloat;
 typedef float2 MaterialFloat2;
@@ -24,7 +24,7 @@ struct FMaterialPixelParameters { float4 SvPosition; float4 VertexColor; float3 
 
 
 def width(record):
-    """How many components Unreal gives to an input of this record's kind."""
+    """The number of components that an input of this kind has in Unreal."""
     kind = record["kind"]
     if kind in ("ddx", "ddy"):
         return width(record["of"])
@@ -50,16 +50,16 @@ def _values(result):
 
 
 def outputs_of(result):
-    """Name -> HLSL type of what the wrapped text gives, what it returns first."""
+    """Name -> HLSL type of the return value, then of each output."""
     returned = "float3" if "outputs" in result else "float"
     assigned = {output["name"]: output["type"] for output in result.get("outputs", [])}
     return {RETURNED: result.get("returns", returned), **assigned}
 
 
 def function(result):
-    """The whole function that Unreal would make of the text.
+    """The function that Unreal makes from the text.
 
-    It returns a float3 where the result has `outputs`, else (displacement) a float, or what `returns` says.
+    It returns a float3 if the result has `outputs`, otherwise (displacement) a float. The key `returns` overrides this.
     """
     arguments = ["FMaterialPixelParameters Parameters"]
     for name, record in inputs_of(result):
@@ -85,27 +85,26 @@ def _call(result):
 
 
 def shader(result):
-    """A shader around the function that is made only to be compiled."""
+    """A shader that calls the function. It is only compiled, not run."""
     inputs = {name: f"float{_word(width(record))}" for name, record in _values(result).items()}
     return cost.shader(_call(result), inputs, outputs_of(result), _textures(result), HEAD + function(result))
 
 
 def compile_both(result):
-    """{"2018": DXIL, "2021": DXIL}, warnings being errors. Raises DxcError."""
+    """Returns {"2018": DXIL, "2021": DXIL}. Warnings are errors. Raises DxcError."""
     return cost.compile_both(shader(result))
 
 
 def instruction_count(result):
-    """The DXIL instructions of the text, all inputs varying, as `cost.count` counts them."""
+    """The number of DXIL instructions of the text with all inputs varying, see `cost.count`."""
     return cost.count(shader(result))
 
 
 def evaluate(result, values=None, textures=None, hv="2021"):
-    """Runs the text: {"result": array, "OutNormal": array, ...}.
+    """Runs the text. Returns {"result": array, "OutNormal": array, ...}.
 
-    `values`: input name -> array [n] or [n, width], or a number or tuple for all points. Inputs of the kinds
-    scalar and vector fall back to their default, all others must be given. `textures`: input name ->
-    array [height, width, 4].
+    `values`: input name -> array [n] or [n, width], or a number or tuple for all points. Inputs with a default (kinds
+    scalar and vector) may be absent, all others are required. `textures`: input name -> array [height, width, 4].
     """
     values, textures = values or {}, textures or {}
     missing = [name for name, r in _values(result).items() if name not in values and "default" not in r]
@@ -121,7 +120,7 @@ def evaluate(result, values=None, textures=None, hv="2021"):
 
 
 def _fitted(name, value, components):
-    """The value as floats: an array for each point, or a tuple (a number) for all."""
+    """The value as floats: an array with one row per point, or a tuple (or number) for all points."""
     if np.ndim(value) == (2 if components > 1 else 1):
         array = np.asarray(value, dtype=np.float32)
         shape_ok = components == 1 or array.shape[1] == components

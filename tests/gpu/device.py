@@ -1,8 +1,8 @@
-"""Runs HLSL on the Vulkan device of the CPU (Mesa's llvmpipe), elementwise over numpy arrays.
+"""Runs HLSL on a software Vulkan device (Mesa's llvmpipe), elementwise over numpy arrays.
 
     evaluate("y = sin(x) * k;", {"x": np.linspace(0, 1, 9), "k": 2.0}, {"y": 1})["y"]
 
-Denormal numbers are zero there, and its own asin and acos are good to 4e-4 only.
+The device flushes denormals to zero, and its asin and acos are accurate to 4e-4 only.
 """
 
 import atexit
@@ -54,7 +54,7 @@ def _environment():
 
 
 class Worker:
-    """The process that runs the shaders, started anew when it has run many, hangs or dies."""
+    """The process that runs the shaders. It is restarted after many shaders, or when it hangs or dies."""
 
     process = pipe = name = None
     seen = frozenset()
@@ -111,16 +111,15 @@ atexit.register(_worker.stop)
 
 
 def device_name():
-    """The name that the Vulkan device gives itself."""
+    """The name that the Vulkan device reports."""
     if not _worker.process:
         _worker.start()
     return _worker.name
 
 
 # ----------------------------------------------------------------------------------------------------
-# Packing. All inputs travel in one buffer of floats: first a head (the number of points, then the uniform
-# values), then a row for each point. An integer takes two floats, its upper and its lower 16 bits, both
-# exact.
+# Packing. All inputs are passed in one buffer of floats: a header (the number of points, then the uniform values),
+# followed by one row per point. An integer takes two floats, its upper and its lower 16 bits, which are exact.
 
 
 def _base(dtype):
@@ -131,7 +130,7 @@ def _base(dtype):
 
 
 def _classify(name, value):
-    """(HLSL type, whether uniform, columns [n, width]) of one input."""
+    """Returns (HLSL type, whether uniform, columns [n, width]) of an input."""
     uniform = not isinstance(value, np.ndarray) or value.ndim == 0
     array = np.asarray(value)
     if isinstance(value, (tuple, list)) and array.dtype.kind != "b":
@@ -144,7 +143,7 @@ def _classify(name, value):
 
 
 def _floats(array):
-    """The columns as they stand in the buffer."""
+    """The columns as floats of the buffer."""
     if array.dtype.kind == "f":
         return array.astype(np.float32)
     bits = array.astype(np.int64)
@@ -179,7 +178,7 @@ def _store(name, kind, at):
 
 
 def result_type(wanted):
-    """The HLSL type of an output that is given by its width or by its type."""
+    """The HLSL type of an output that is specified by its width or its type."""
     kind = ("float" if wanted == 1 else f"float{wanted}") if isinstance(wanted, int) else wanted
     if kind not in COUNTS:
         raise ValueError(f"output type {wanted}")
@@ -222,7 +221,7 @@ def shader(body, inputs, outputs, textures=(), helpers=""):
 
 
 def _pack(classified):
-    """(number of points, the buffer's floats)."""
+    """Returns (number of points, contents of the buffer)."""
     lengths = {len(array) for _, uniform, array in classified.values() if not uniform}
     n = max(lengths, default=1)
     if lengths - {1, n}:
@@ -244,14 +243,13 @@ def _texels(array):
 
 
 def evaluate(body, inputs, outputs, textures=None, helpers="", hv="2021"):
-    """Runs statements once for each point and gives {output name: array}.
+    """Runs the statements `body` once per point and returns {output name: array}.
 
-    `inputs`: name -> array [n] or [n, 1..4], a local of the statements for each point (of type float, int,
-    uint or bool by the array's), or a plain number, bool or tuple of numbers: the same for all points.
-    `outputs`: name -> width, or an HLSL type such as "int2"; the statements assign to them. `textures`:
-    name -> array [height, width, 4] (row 0 on top; bytes become 0 to 1), each a Texture2D. `helpers`: text
-    ahead of the entry function. The statements can use `qh_sampler`, a point sampler. Raises DxcError or
-    DeviceError.
+    `inputs`: name -> array [n] or [n, 1..4], with one value per point, or a number, bool or tuple of numbers, which is
+    the same for all points. Each is a local variable of the statements; its type (float, int, uint or bool) follows the
+    array's. `outputs`: name -> width, or an HLSL type such as "int2"; the statements assign to them. `textures`: name
+    -> array [height, width, 4] (row 0 on top; bytes are scaled to 0..1), each a Texture2D. `helpers`: text before the
+    entry function. The statements can use `qh_sampler`, a point sampler. Raises DxcError or DeviceError.
     """
     textures = {name: _texels(t) for name, t in (textures or {}).items()}
     classified = {name: _classify(name, value) for name, value in inputs.items()}

@@ -1,8 +1,8 @@
 """The process that owns the Vulkan device: takes compiled shaders and their data over a pipe and runs them.
 
 `device` starts it and sends (spirv, data, result size, textures, groups); the answer is ("ok", bytes) or
-("error", text). It is a process of its own because tearing the device down after very many shaders can hang,
-and a crash of the driver should cost one shader and not the tests: it always ends with os._exit.
+("error", text). It is a separate process so that a crash of the driver loses one shader and not the test run. It always
+ends with os._exit, because destroying the device after very many shaders can hang.
 """
 
 import collections
@@ -15,12 +15,12 @@ KEPT = 16
 
 
 class Pipeline:
-    """One compiled shader with the buffers and textures that it is bound to."""
+    """A compiled shader with its buffers and textures."""
 
     def __init__(self, gpu, spirv, data_size, result_size, sizes):
         from compushady.formats import R32_FLOAT, R32G32B32A32_FLOAT
 
-        # A structured buffer as a read-only resource reads zeros on llvmpipe; a typed one works.
+        # On llvmpipe a read-only structured buffer reads as zeros. A typed buffer works.
         self.data = gpu.Buffer(data_size, format=R32_FLOAT)
         self.result = gpu.Buffer(result_size, stride=4)
         self.upload = gpu.Buffer(data_size, gpu.HEAP_UPLOAD)
@@ -33,7 +33,7 @@ class Pipeline:
         self.upload.upload(data)
         self.upload.copy_to(self.data)
         for texture, staging, texels in zip(self.textures, self.staging, textures):
-            # The rows of a texture can have a pitch that is wider than what they hold.
+            # The row pitch of a texture can be larger than its row size.
             staging.upload2d(texels.tobytes(), texture.row_pitch, texture.width, texture.height, 16)
             staging.copy_to(texture)
         self.compute.dispatch(groups, 1, 1)

@@ -1,6 +1,6 @@
-"""Microsoft's HLSL compiler, the one that Unreal uses, called with the options that we choose.
+"""Calls Microsoft's HLSL compiler DXC, the one that Unreal uses, with any options.
 
-The compiler comes as a shared library inside the package compushady, whose own way in has fixed options.
+The compiler is a shared library in the package compushady, whose own interface to it has fixed options.
 """
 
 import ctypes
@@ -13,8 +13,8 @@ CLSID_COMPILER = "73e22d93-e6ce-47f3-b5bf-f0664f39c1b0"
 IID_COMPILER3 = "228b4687-5a6a-4730-900c-9702b2203f54"
 IID_OPERATION_RESULT = "58346cda-dde7-4497-9461-6f87af5e0659"
 
-# Places in an interface's table of methods. The first three are those of IUnknown; on Linux the two entries
-# of a virtual destructor follow, so an interface's own methods begin at 5.
+# Indices in an interface's method table. The first three are IUnknown's. On Linux they are followed by two entries of a
+# virtual destructor, so an interface's own methods begin at 5.
 RELEASE = 2
 COMPILE, DISASSEMBLE = 5, 6
 GET_STATUS, GET_RESULT, GET_ERRORS = 5, 6, 7
@@ -22,7 +22,7 @@ BLOB_POINTER, BLOB_SIZE = 5, 6
 
 UTF8 = 65001
 
-# Where compushady's Vulkan backend expects the registers t, u and s.
+# Binding offsets of the t, u and s registers in compushady's Vulkan backend.
 VULKAN_BINDINGS = (
     "-fvk-t-shift",
     "1024",
@@ -39,7 +39,7 @@ VULKAN_BINDINGS = (
 
 
 class DxcError(Exception):
-    """The text did not compile; the message is the compiler's own."""
+    """The text did not compile. The message is the compiler's."""
 
 
 class Source(ctypes.Structure):
@@ -67,7 +67,7 @@ def _compiler():
         raise RuntimeError("the package compushady is missing: run tools/setup")
     folder = pathlib.Path(package.origin).parent / "backends"
     library = ctypes.CDLL(str(next(folder.glob("libdxcompiler*.so*"))))
-    # What the library does when the process ends has been seen to wait for a lock for ever: leave without it.
+    # The library's exit handler has been seen to wait for a lock for ever, so end the process without it.
     libc = ctypes.CDLL(None)
     libc.on_exit(ctypes.cast(libc._exit, ctypes.c_void_p), None)
     made = ctypes.c_void_p()
@@ -78,7 +78,7 @@ def _compiler():
 
 
 def _blob(result, getter):
-    """The bytes that an operation's result holds under one of its getters; empty where it holds none."""
+    """The bytes that a getter of an operation's result returns; empty if there are none."""
     blob = ctypes.c_void_p()
     _call(result, getter, _pointer(blob))
     if not blob:
@@ -90,7 +90,7 @@ def _blob(result, getter):
 
 
 def _finish(called, result):
-    """The bytes that an operation gave, which returned `called`; raises DxcError where it failed."""
+    """The output bytes of an operation that returned the code `called`. Raises DxcError if it failed."""
     if called != 0 or not result:
         raise DxcError(f"DXC failed with {called & 0xFFFFFFFF:#x}")
     status = ctypes.c_int32(-1)
@@ -105,9 +105,9 @@ def _finish(called, result):
 
 @functools.lru_cache(maxsize=256)
 def compile_hlsl(source, entry="main", target="cs_6_6", spirv=False, hv="2021", werror=True, extra=()):
-    """Compiles a text; gives DXIL, or SPIR-V with the bindings that `device` expects. Raises DxcError.
+    """Compiles a text. Returns DXIL, or SPIR-V with the bindings that `device` expects. Raises DxcError.
 
-    `hv` is the language version (2018 or 2021), `extra` a tuple of further options of the compiler.
+    `hv` is the language version (2018 or 2021), `extra` a tuple of further compiler options.
     """
     options = ["-E", entry, "-T", target, "-HV", str(hv), *extra]
     options += ["-WX"] if werror else []
@@ -129,7 +129,7 @@ def compile_hlsl(source, entry="main", target="cs_6_6", spirv=False, hv="2021", 
 
 
 def disassemble(dxil):
-    """The text of a compiled DXIL object."""
+    """The disassembly of a DXIL object."""
     box, result = Source(dxil, len(dxil), 0), ctypes.c_void_p()
     called = _call(
         _compiler(),
@@ -142,10 +142,10 @@ def disassemble(dxil):
 
 
 def instructions(dxil):
-    """The instructions of all function bodies, a line each.
+    """The instructions of all function bodies, one per line.
 
-    Everything is inlined, so in a shader that is the entry function alone. Labels, comments, declarations and
-    metadata are none; a switch is one, with all its cases.
+    Everything is inlined, so a shader has only its entry function. Labels, comments, declarations and metadata are not
+    counted. A switch with all its cases is one instruction.
     """
     found, inside = [], False
     for line in disassemble(dxil).splitlines():
@@ -159,5 +159,5 @@ def instructions(dxil):
 
 
 def instruction_count(dxil):
-    """How many DXIL instructions the entry function holds after inlining and optimisation."""
+    """The number of DXIL instructions of the entry function after inlining and optimization."""
     return len(instructions(dxil))

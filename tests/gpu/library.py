@@ -1,8 +1,8 @@
-"""Calls single functions of the HLSL library, over numpy arrays or for their cost alone.
+"""Calls single functions of the HLSL library on numpy arrays, or measures their cost.
 
     call("safe_normalize", np.float32([[3, 0, 4], [0, 0, 0]]))
 
-The functions stand where a generated text has them: as members of a struct inside a function's body.
+As in a generated text, the functions are members of a struct in a function body.
 """
 
 import functools
@@ -19,7 +19,7 @@ MEMBER = re.compile(r"\b(float[234]?|u?int[234]?|bool)\s+(\w+(?:\s*,\s*\w+)*)\s*
 
 
 class Out(NamedTuple):
-    """Stands in the place of an `out` (or `inout`) argument of this type."""
+    """Placeholder for an `out` (or `inout`) argument of this type."""
 
     kind: str
 
@@ -52,14 +52,15 @@ def fields(struct):
 
 
 def declarations(need, extra=""):
-    """Local text: the library structs that the functions (or `extra`) name, then the struct of functions."""
+    """Declarations for a function body: the library structs that the functions (or `extra`) use, then the struct of the
+    functions."""
     functions = "\n".join(library().resolve(set(need)))
     structs = [text for name, text in sorted(library().STRUCTS.items()) if re.search(rf"\b{name}\b", functions + extra)]
     return "\n".join([*structs, "struct QWK {", functions, "};", "QWK L;"])
 
 
 class _Call:
-    """One call under construction: the statements ahead of it, its arguments and its results."""
+    """A call under construction: the statements before it, its arguments and its results."""
 
     def __init__(self, function, result):
         self.function, self.result = function, result
@@ -80,7 +81,7 @@ class _Call:
         self.args.append(name)
 
     def keep(self, name, kind):
-        """Names the parts of a value as outputs of the shader."""
+        """Stores a value in shader outputs, one for each field of a struct."""
         if kind in COUNTS:
             parts = {f"{name}_": (name, kind)}
         else:
@@ -106,14 +107,14 @@ class _Call:
 def call(function, *args, result="float3", need=None, out_args=(), textures=None, hv="2021"):
     """Evaluates a library function elementwise.
 
-    An argument is a numpy array ([n] or [n, 1..4]; the type float, int, uint or bool follows the array's),
-    a plain number, bool or tuple of numbers (the same for all points), `Out(type)` for an out argument, a
-    dict of field -> value for a QWKVoronoiParams, or a text, which is passed as HLSL as it stands (say the
-    name of one of `textures`, name -> array [height, width, 4]). `out_args` are the types of out arguments
-    that follow the others. `result`: the function's type, also a library struct (given back as a dict by
-    field) or None for void. Gives the result; with out arguments, a tuple of the result (unless void) and
-    those.
-    `need`: library names to resolve, where the function's own name is none.
+    An argument is a numpy array ([n] or [n, 1..4]; its type float, int, uint or bool follows the array's), a number,
+    bool or tuple of numbers (the same for all points), `Out(type)` for an out argument, a dict of field -> value for a
+    QWKVoronoiParams, or HLSL text that is passed verbatim (such as a name in `textures`, name -> array [height, width,
+    4]). `out_args`: types of out arguments that follow the others. `result`: the return type, which may be a library
+    struct (returned as a dict of its fields) or None for void. `need`: library names to resolve, if the function's own
+    name is not one.
+
+    Returns the result; with out arguments, a tuple of the result (unless void) and the out values.
     """
     built, inputs = _Call(function, result), {}
 
@@ -141,10 +142,10 @@ def call(function, *args, result="float3", need=None, out_args=(), textures=None
 
 
 def cost(function, *kinds, result="float3", need=None, out_args=()):
-    """How many DXIL instructions a call takes, arguments of these types varying (see `cost.count`).
+    """The number of DXIL instructions of a call with varying arguments of these types (see `cost.count`).
 
-    A kind is an HLSL type, a library struct, "Texture2D", `Out(type)`, or any other text, passed as it is.
-    Compiles in both language versions with warnings as errors: raises DxcError where one refuses.
+    A kind is an HLSL type, a library struct, "Texture2D", `Out(type)`, or any other text, which is passed verbatim.
+    Compiles in both language versions with warnings as errors. Raises DxcError if one of them fails.
     """
     built, inputs, textures = _Call(function, result), {}, []
     for kind in [*kinds, *(Out(k) for k in out_args)]:

@@ -1,4 +1,4 @@
-"""A process that has used the compiler ends, with its own exit status."""
+"""A process that used the compiler exits, with the right status."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""The harness itself: what it says of known functions, and that it sees what is wrong."""
+"""Tests of the harness itself: its results for known functions, and its errors."""
 
 import pathlib
 
@@ -269,7 +269,7 @@ def test_the_signature():
 
 
 def test_the_view_has_two_angles():
-    """Unreal gives the tangents of half the horizontal and of half the vertical field of view."""
+    """Unreal provides the tangents of half the horizontal and half the vertical field of view."""
     result = {
         "code": "return float3(thfov, 0.0);",
         "inputs": [{"name": "thfov", "kind": "tan_half_fov"}],

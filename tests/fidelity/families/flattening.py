@@ -1,10 +1,10 @@
-"""Trees with groups, reroutes and muted nodes: those of the host's own tests, over exact coordinates."""
+"""Trees with groups, reroutes and muted nodes: those of tests/host, with exact coordinates."""
 
 import newer_trees
 import trees
 from builder import Case
 
-# They read more of the surface than a tile has.
+# Trees that read more of the surface than a tile provides.
 NOT_ON_TILES = (
     "second_uv_map",
     "constant_for_a_normal",
@@ -20,7 +20,7 @@ def cases():
 
 
 def whole(fill):
-    """The host's tree, with the canvas's vector in place of the raw UV coordinate."""
+    """A tree of tests/host with the canvas's vector in place of the raw UV coordinate."""
 
     def build(c):
         before = trees.vector

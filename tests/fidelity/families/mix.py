@@ -1,4 +1,4 @@
-"""Mix in all its types and blends, and the older Mix of colours."""
+"""The Mix node with all its types and blends, and the older MixRGB node."""
 
 from builder import Case, Draw, words
 
@@ -62,7 +62,7 @@ def colours(blend, ranges, clamp_factor, clamp_result):
 
 
 def equal(blend):
-    """Black, white and grey against a fixed colour."""
+    """Blends black, white and grey with a fixed colour."""
 
     def build(c):
         node = c.node("Mix", data_type="RGBA", blend_type=blend)

@@ -22,7 +22,7 @@ def cases():
 
 
 def coordinates(c, node, scale, offset):
-    """Links what the node reads in its dimensions."""
+    """Links the coordinate sockets that are enabled for the node's dimensions."""
     ends = {socket.identifier: socket for socket in node.inputs}
     if ends["Vector"].enabled:
         c.tree.links.new(c.vector(scale, offset), ends["Vector"])

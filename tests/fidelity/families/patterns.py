@@ -145,7 +145,7 @@ def tiling():
     for normalize in (False, True):
         for sides, roundness in SHAPES:
             for out in ("Segment Coordinates", "Segment ID", "Segment Width", "Segment Rotation"):
-                # a point between the cells' own, where no segment begins
+                # offset from the cells' coordinates, so that no point is on a segment border
                 yield Case(
                     "Radial Tiling",
                     f"{out} {sides:g} {roundness:g}{' normalized' if normalize else ''}",

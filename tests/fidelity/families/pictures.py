@@ -7,7 +7,7 @@ import numpy as np
 
 from builder import Case, words
 
-FOLDER = tempfile.TemporaryDirectory()  # for the pictures that stay on the disk
+FOLDER = tempfile.TemporaryDirectory()  # for image files
 FOREIGN = ("ACEScg", "Linear Rec.2020", "Display P3", "Rec.1886", "Gamma 2.2 Encoded Rec.709", "sRGB Encoded P3-D65")
 AGAIN = "bytes in other colour spaces are rounded once more: to half floats, in Cycles by another rule, or to bytes"
 HALF = "Cycles multiplies and filters pictures of 16 bits on the disk before it decodes them"
@@ -98,7 +98,7 @@ def environments():
 
 
 def picture(kind, space, alpha, size):
-    """An image of these properties, made at its first use."""
+    """An image with these properties, created at its first use."""
     name = " ".join((kind, space or "", alpha, size))
     if name not in bpy.data.images:
         made = from_file(name, kind, alpha, size) if " " in kind else generated(name, kind, size)
@@ -128,7 +128,7 @@ def texels(width, height, bright):
 
 
 def from_file(name, kind, alpha, size):
-    """The same texels by way of a file: "PNG 8", "PNG 16", "OPEN_EXR 32", packed unless "disk" is said."""
+    """The same texels, saved to a file and loaded: "PNG 8", "PNG 16", "OPEN_EXR 32"; packed unless "disk" follows."""
     form, depth, *rest = kind.split()
     width, height = SIZES[size]
     source = bpy.data.images.new("source", width, height, alpha=True, float_buffer=depth != "8")

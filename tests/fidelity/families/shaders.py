@@ -1,4 +1,4 @@
-"""Shaders that glow, alone, mixed and added. Without lamps and surroundings all others are black."""
+"""Emissive shaders, alone, mixed and added. All others are black, because the scene has no lights and no world."""
 
 from builder import Case, Draw
 

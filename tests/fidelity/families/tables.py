@@ -33,7 +33,7 @@ def cases():
 
 
 def every_step(c, low=0.0, high=1.0):
-    """A number that runs from low towards high in 256 steps over the tile."""
+    """A number that rises from low towards high in 256 steps over the tile."""
     step = (high - low) / 256
     across = c.number("x", step, low)
     return c.node("Math", {0: c.number("y", step * 16, 0.0), 1: across}).outputs[0]
@@ -74,8 +74,8 @@ def curves():
 
 
 def curve(kind, extend, seed):
-    """Seeds below 2 bend within the usual range, 2 and 3 reach beyond it, from 4 on the factor is another one
-    and the input goes far outside."""
+    """Curves with seeds below 2 stay in the usual range, 2 and 3 exceed it, and 4 and above have another factor and
+    inputs far outside."""
     wide = kind == "VectorCurve"
 
     def build(c):

@@ -2,7 +2,7 @@
 
 from builder import Case, words
 
-# (a, b, c) as scale and offset over the cells, or as a fixed value
+# Operands (a, b, c): each a (scale, offset) over the cells, or a constant
 RANGES = {
     "around zero": ((0.25, -2.0), (0.25, -2.0), (0.125, -1.0)),
     "positive": ((0.5, 0.25), (0.25, 0.5), (0.0625, 0.125)),
@@ -10,7 +10,7 @@ RANGES = {
     "tiny": ((1 / 1024, -8 / 1024), (1 / 512, -7 / 512), (1 / 2048, 0.0)),
     "nothing": ((0.25, -2.0), 0.0, 0.0),
 }
-STEEP = {"hundreds": ((5.0, -40.0), (0.25, -2.0), (4.0, -32.0))}  # what grows beyond all numbers
+STEEP = {"hundreds": ((5.0, -40.0), (0.25, -2.0), (4.0, -32.0))}  # makes the operations below overflow
 STEEP_OPERATIONS = ("EXPONENT", "SINH", "COSH", "POWER")
 
 

@@ -1,4 +1,4 @@
-"""Vector Math, Mapping, Vector Rotate, and taking vectors apart."""
+"""Vector Math, Mapping, Vector Rotate, and nodes that separate vectors."""
 
 import math
 
@@ -70,7 +70,7 @@ def mapping():
 
 
 def usable(c, inputs, kind):
-    """Normals and directions have no location."""
+    """The inputs that exist for a mapping type: normals and directions have no location."""
     return {key: value for key, value in inputs.items() if key != "Location" or kind in ("POINT", "TEXTURE")}
 
 

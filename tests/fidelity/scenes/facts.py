@@ -1,4 +1,4 @@
-"""What the nodes tell of the scene: positions, coordinates, attributes, directions, facing, and spaces."""
+"""Nodes that read the scene: positions, coordinates, attributes, directions, facing, and spaces."""
 
 from builder import Case, words
 
@@ -45,7 +45,7 @@ def cases(scene):
         "Transmission Depth",
     ):
         yield single("Light Path", "LightPath", out, FIXED if out == "Ray Length" else "")
-    for axis in "XYZ" if scene.smooth else "Z":  # the others run along the normal of the grid
+    for axis in "XYZ" if scene.smooth else "Z":  # the grid's radial tangents for X and Y are parallel to its normal
         yield single("Tangent", "Tangent", "Tangent", direction_type="RADIAL", axis=axis)
     yield single("Tangent", "Tangent", "Tangent", direction_type="UV_MAP")
     yield from facing()
@@ -85,7 +85,7 @@ def facing():
 
 
 def tilted(c):
-    """The shading normal, leaned over and of unit length again."""
+    """The shading normal, tilted and normalized."""
     leaned = c.node("VectorMath", {0: c.node("NewGeometry").outputs["Normal"], 1: (0.2, -0.1, 0.3)}).outputs[0]
     return c.node("VectorMath", {0: leaned}, operation="NORMALIZE").outputs[0]
 
@@ -112,7 +112,7 @@ def spaces():
 
 
 def traced(scene):
-    """What looks at the surroundings, of which a flat grid has none."""
+    """Nodes that trace rays into the surroundings. A flat grid has none."""
     for inside in (False, True):
         for local in (False, True):
             yield Case(

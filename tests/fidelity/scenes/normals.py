@@ -55,7 +55,7 @@ def normal_maps(scene):
 
 
 def conventions():
-    """Settings that Blender has since 5.1."""
+    """Settings of the Normal Map node that exist since Blender 5.1."""
     if "convention" not in bpy.types.ShaderNodeNormalMap.bl_rna.properties:
         return []
     bases = words("NormalMap", "base")
@@ -63,7 +63,7 @@ def conventions():
 
 
 def directions(c):
-    """Colours that stand for vectors well away from zero."""
+    """Colours that encode vectors well away from zero."""
     noise = c.node("TexNoise", {0: c.node("TexCoord").outputs["UV"], "Scale": 3.0}).outputs["Color"]
     return c.node("VectorMath", {0: noise, 1: (0.9, 0.9, 0.4), 2: (0.1, 0.0, 0.6)}, operation="MULTIPLY_ADD").outputs[0]
 
@@ -240,8 +240,8 @@ def shown_normal(displacement):
 
 
 def both(c):
-    """Real displacement moves the corners, between which the material bumps. This height is zero at every
-    corner of the grid, so that only the bump is left."""
+    """Displacement and bump: the displacement moves the vertices, and the bump acts between them. This height is zero
+    at every vertex of the grid, so that only the bump remains."""
     c.displace(moved(c, "OBJECT", ripples, 0.05), "BOTH")
     return c.node("NewGeometry").outputs["Normal"]
 
@@ -257,4 +257,4 @@ def ripples(c):
         for n, step in enumerate((0.3, 1 / 3))
     ]
     product = c.node("Math", {0: waves[0], 1: waves[1]}, operation="MULTIPLY").outputs[0]
-    return c.node("Math", {0: product, 1: 0.4}).outputs[0]  # the node takes its midlevel away again
+    return c.node("Math", {0: product, 1: 0.4}).outputs[0]  # the displacement node subtracts its midlevel

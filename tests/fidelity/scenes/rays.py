@@ -1,16 +1,16 @@
-"""What every pixel of a scene sees, by rays of our own in double precision, and what Unreal would hand to the
-material there: left-handed (y negated), in centimetres, v turned over. Runs inside Blender."""
+"""Traces the camera rays of a scene in double precision and computes the inputs that Unreal would pass to the material
+there: left-handed (y negated), in centimetres, v flipped. Runs inside Blender."""
 
 import numpy as np
 
 from scenes.stage import PIXELS
 
 FLIP = np.array([1.0, -1.0, 1.0])
-FLAT_MARGIN = 0.5  # metres, by which the bounds of something flat are widened
+FLAT_MARGIN = 0.5  # metres by which the bounds of a flat object are enlarged
 
 
 class View:
-    """The camera: where a pixel's ray begins and goes."""
+    """The camera: origin and direction of each pixel's ray."""
 
     def __init__(self, camera, jitter):
         matrix = np.array(camera.matrix_world)
@@ -29,7 +29,7 @@ class View:
         return x[:, None] * self.right + y[:, None] * self.up + self.forward
 
     def pixel(self, points):
-        """Where points appear, in pixels from the lower left corner."""
+        """Projects points to pixels, counted from the lower left corner."""
         away = points - self.eye
         depth = away @ self.forward
         return np.stack(
@@ -55,7 +55,7 @@ class Surface:
         mesh.free_tangents()
 
     def solve(self, triangles, eye, rays):
-        """(distance, weights of the three corners) where rays meet the planes of triangles."""
+        """Intersects rays with the planes of triangles. Returns (distance, weights of the three corners)."""
         a, b, c = (self.world[self.corners[triangles, n]] for n in range(3))
         system = np.stack([-rays, b - a, c - a], axis=-1)
         answer = np.linalg.solve(system, (eye - a)[..., None])[..., 0]
@@ -63,7 +63,7 @@ class Surface:
         return distance, np.stack([1 - u - v, u, v], axis=-1)
 
     def hit(self, eye, rays):
-        """The nearest triangle of each ray, or -1."""
+        """The index of the nearest triangle that each ray hits, or -1."""
         count = len(self.corners)
         found, best = np.full(len(rays), -1), np.full(len(rays), np.inf)
         for number, ray in enumerate(rays):
@@ -75,7 +75,7 @@ class Surface:
         return found
 
     def mix(self, per_corner, triangles, weights):
-        """Values of the corners, mixed by the weights."""
+        """Values of the corners, interpolated with the weights."""
         parts = per_corner.reshape(len(self.corners), 3, -1)[triangles]
         return np.einsum("pck,pc->pk", parts, weights)
 
@@ -92,7 +92,7 @@ def unit(vectors):
 
 
 def look(surface, view):
-    """(pixels that see the surface as columns and rows, their triangles)"""
+    """Returns (columns, rows, triangles) of the pixels that see the surface."""
     rows, columns = (part.ravel() for part in np.mgrid[:PIXELS, :PIXELS])
     triangles = surface.hit(view.eye, view.rays(columns, rows))
     seen = triangles >= 0
@@ -100,11 +100,11 @@ def look(surface, view):
 
 
 def inputs(surface, view, columns, rows, triangles):
-    """Every kind of input that a text can ask for: {name: array [pixels, width]}, `name` being the kind with
-    the index or axis behind a colon, and "ddx:" or "ddy:" before it."""
+    """Values of every kind of input: {name: array [pixels, width]}. A name is the kind, followed by a colon and the
+    index or axis if it has one; derivatives have the prefix "ddx:" or "ddy:"."""
     _, weights = surface.solve(triangles, view.eye, view.rays(columns, rows))
     found = varying(surface, view, triangles, weights)
-    # Unreal's screen y runs down. Neighbours see the plane of the same triangle, as in a quad of pixels.
+    # Unreal's screen y points down. Neighbouring pixels use the plane of the same triangle, as in a 2x2 pixel quad.
     for name, (dx, dy) in {"ddx": (1, 0), "ddy": (0, -1)}.items():
         _, beside = surface.solve(triangles, view.eye, view.rays(columns + dx, rows + dy))
         there = varying(surface, view, triangles, beside)
@@ -135,8 +135,8 @@ def varying(surface, view, triangles, weights):
 
 
 def normals(surface, view, triangles, weights):
-    """The normal that Cycles shades with, which is right on stretched objects, and Unreal's own tangent
-    frame, which is turned with the object but not stretched."""
+    """Cycles' shading normal, which is correct on scaled objects, and Unreal's tangent frame, which is rotated with the
+    object but ignores its scale."""
     linear = surface.matrix[:3, :3]
     upright = np.linalg.inv(linear).T
     rotation = linear / np.linalg.norm(linear, axis=0)
@@ -159,7 +159,7 @@ def normals(surface, view, triangles, weights):
 
 
 def fixed(surface, view):
-    """What is the same for all pixels."""
+    """The inputs that are the same for all pixels."""
     low, high = surface.local.min(axis=0), surface.local.max(axis=0)
     flat = (high - low) == 0
     low, high = low - FLAT_MARGIN * flat, high + FLAT_MARGIN * flat

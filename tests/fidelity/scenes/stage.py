@@ -1,4 +1,4 @@
-"""The objects that the scenes show, and the camera that looks at them. Runs inside Blender."""
+"""The objects and the camera of the scenes. Runs inside Blender."""
 
 import math
 from typing import NamedTuple
@@ -23,17 +23,17 @@ class Scene(NamedTuple):
 
     @property
     def behind(self):
-        """Whether a side of the surface shows that is its back."""
+        """Whether the camera sees back faces of the surface."""
         return self.make is sheet or "behind" in self.name
 
 
 def shell():
-    """A smooth bent sheet that shows its outside."""
+    """A smooth bent sheet whose outside is visible."""
     return bent("Shell", 4.4, 1.5)
 
 
 def sheet():
-    """The same bent round so far that its inside shows too."""
+    """A smooth sheet that is bent so far that its inside is visible too."""
     return bent("Sheet", 2.6, 4.2)
 
 
@@ -58,7 +58,7 @@ def grid():
 
 
 def mesh(name, points, uvs, across, up, smooth):
-    """Triangles between rows of points, with two UV maps and a layer of colours."""
+    """A mesh of triangles between rows of points, with two UV maps and a colour attribute."""
     faces = []
     for row in range(up):
         for column in range(across):
@@ -98,7 +98,7 @@ SCENES = [
 
 
 def build(scene):
-    """The object and the camera of a scene, in Blender's present file."""
+    """Adds the object and the camera of a scene to the open file."""
     thing = bpy.data.objects.new(scene.name, scene.make())
     thing.matrix_world = Matrix.LocRotScale(Vector(scene.place), Euler(scene.rotation), Vector(scene.scale))
     lens = bpy.data.cameras.new("Camera")

@@ -1,4 +1,4 @@
-"""Textures where nothing is linked to their coordinate, and projections that need an object."""
+"""Textures without a linked coordinate, and projections that need an object."""
 
 from builder import Case
 from families.pictures import picture
@@ -37,7 +37,7 @@ def cases(scene):
     for projection in ("SPHERE", "TUBE"):
         for source in ("Generated", "Object", "Normal"):
             yield Case("Image Texture", f"{projection} {source}", projected(projection, source, 0.0))
-    for source in ("Normal", "Reflection") if scene.smooth else ("Reflection",):  # the grid's own points to a pole
+    for source in ("Normal", "Reflection") if scene.smooth else ("Reflection",):  # the grid's normal points to a pole
         for projection in ("EQUIRECTANGULAR", "MIRROR_BALL"):
             yield Case(
                 "Environment Texture",
