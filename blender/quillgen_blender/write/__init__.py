@@ -1,9 +1,9 @@
-"""Writing the files of an export: plain Python without bpy.
+"""Writes the files of an export. Plain Python without bpy.
 
     target = look(Path("unreal"))
     written = write_material(target, Material(name="Oak", document=document, result=quillgen.compile(document)))
 
-The format is told in docs/exchange.md.
+docs/exchange.md describes the format.
 """
 
 from .manifest import Material, remarks

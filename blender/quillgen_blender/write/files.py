@@ -1,4 +1,4 @@
-"""Files that appear whole or not at all."""
+"""Writes files atomically: they appear complete or not at all."""
 
 import contextlib
 import hashlib
@@ -11,8 +11,8 @@ from pathlib import Path
 
 from .names import TEMPORARY
 
-RETRIES = 5  # Windows refuses to replace a file while another program reads it
-LEFT_OVER = 3600.0  # seconds after which a temporary file belongs to a program that ended
+RETRIES = 5  # Windows can't replace a file while another program reads it
+LEFT_OVER = 3600.0  # seconds after which a temporary file counts as left over by a program that ended
 
 
 def checksum(content: bytes) -> str:
@@ -37,7 +37,7 @@ def move(source: Path, place: Path) -> None:
 
 @contextlib.contextmanager
 def beside(folder: Path) -> Iterator[Path]:
-    """A temporary folder on the same file system, gone at the end."""
+    """A temporary folder on the same file system, removed at the end."""
     made = Path(tempfile.mkdtemp(prefix=TEMPORARY, dir=folder))
     try:
         yield made
@@ -46,19 +46,19 @@ def beside(folder: Path) -> Iterator[Path]:
 
 
 def make_folder(place: Path, files: Mapping[str, bytes]) -> None:
-    """A new folder that holds these files from the moment it is seen."""
+    """Creates a folder that already contains these files when it appears."""
     with beside(place.parent) as made:
         whole = made / "whole"
         whole.mkdir()
         for name, content in files.items():
             (whole / name).write_bytes(content)
         if place.exists():
-            place.rmdir()  # it is empty, or this fails
+            place.rmdir()  # fails unless it is empty
         os.rename(whole, place)
 
 
 def content_of(path: Path) -> bytes | None:
-    """What a file holds, None where there is none."""
+    """The content of a file, None if there is none."""
     try:
         return path.read_bytes()
     except FileNotFoundError:
@@ -66,8 +66,8 @@ def content_of(path: Path) -> bytes | None:
 
 
 def replace(folder: Path, files: Mapping[str, bytes], before: Mapping[str, bytes | None]) -> None:
-    """Puts files into a folder in the order given, each whole. `before`: what stands there. Where one can't be put,
-    those ahead of it become again what they were."""
+    """Writes files to a folder in the order given, each atomically. `before`: their old contents. If one can't be
+    written, those before it are restored."""
     waiting = {name: folder / f"{TEMPORARY}{os.getpid()}-{name}" for name in files}
     done = []
     try:
@@ -95,7 +95,7 @@ def copy(source: Path, place: Path) -> None:
 
 
 def sweep(folder: Path) -> None:
-    """Removes what an export that was killed left behind."""
+    """Removes temporary files that an export left behind when it was killed."""
     for path in folder.glob(TEMPORARY + "*"):
         with contextlib.suppress(OSError):
             if time.time() - path.stat().st_mtime > LEFT_OVER:

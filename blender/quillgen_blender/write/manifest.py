@@ -30,12 +30,12 @@ MANIFEST, VALUES, SURFACE, DISPLACEMENT = "material.json", "parameters.json", "s
 
 @dataclass(frozen=True)
 class Material:
-    """All that one material's files are made of.
+    """All that the files of one material are made from.
 
-    `document` is what was translated and `result` what `quillgen.compile` gave for it in the mode `mode`. `library`
-    names the file that the material is linked from, "" where it is the file's own: name and library together tell a
-    material. `labels` goes by node id and socket; None where they are what they were at the last export. `pictures`
-    goes by the image's name. `made_by`: versions by name.
+    `document` is what was translated and `result` what `quillgen.compile` returned for it in the mode `mode`. `library`
+    names the file that the material is linked from, "" for the open file: name and library together identify a
+    material. The keys of `labels` are node id and socket; None means the labels of the last export. The keys of
+    `pictures` are image names. `made_by`: versions by name.
     """
 
     name: str
@@ -47,11 +47,11 @@ class Material:
     labels: Mapping[tuple[str, str], Label] | None = field(default_factory=dict)
     pictures: Mapping[str, Picture] = field(default_factory=dict)
     made_by: Mapping[str, str] = field(default_factory=dict)
-    records: list[dict[str, Any]] | None = None  # of the parameters, where `target.named` has made them ahead
+    records: list[dict[str, Any]] | None = None  # of the parameters, if `target.named` has made them already
 
 
 def texts(result: Mapping[str, Any]) -> dict[str, bytes]:
-    """File name -> content of the texts."""
+    """File name -> content of the HLSL files."""
     found = {SURFACE: encoded(result["code"] + "\n")}
     if result["displacement"]:
         found[DISPLACEMENT] = encoded(result["displacement"]["code"] + "\n")
@@ -97,7 +97,7 @@ def manifest(
 
 
 def records(material: Material, before: Mapping[str, Any] | None) -> list[dict[str, Any]]:
-    """One record for each parameter. Where labels and names are those of the last export, so are the records."""
+    """One record for each parameter. If labels and names are those of the last export, its records are reused."""
     last = before["parameters"]["records"] if before else []
     if material.labels is None and {row["name"] for row in last} == material.result["params"].keys():
         return last
@@ -105,7 +105,7 @@ def records(material: Material, before: Mapping[str, Any] | None) -> list[dict[s
 
 
 def wired(entry: Mapping[str, Any]) -> dict[str, Any]:
-    """An input as JSON can hold it."""
+    """An input with a default that JSON can hold."""
     value = entry.get("default")
     if value is None or parameters.finite(value) is value:
         return dict(entry)
@@ -117,7 +117,7 @@ def values(result: Mapping[str, Any]) -> dict[str, Any]:
 
 
 def same_but_values(one: Any, other: Any) -> bool:
-    """Whether two manifests are equal but for what stands under the keys `default`."""
+    """Whether two manifests are equal except for the values of the keys `default`."""
     if one is other or one == other:
         return True
     if isinstance(one, dict) and isinstance(other, dict):
@@ -130,8 +130,8 @@ def same_but_values(one: Any, other: Any) -> bool:
 
 
 def remarks(warnings: Sequence[str], notes: Sequence[Note], document: Mapping[str, Any]) -> list[dict[str, str]]:
-    """What differs from Blender, each once: what the host brings near or loses, and what the translator warns of. Of a
-    node that is lost as a whole, the artist reads what the table of nodes says."""
+    """What differs from Blender, without duplicates: the notes of the reader and the passes, and the warnings of the
+    translator. For a node that is lost as a whole, the text is that of the table of nodes."""
     types = {node["id"]: node["type"] for node in document["nodes"]}
     lost = {row.type: row.text for row in support.rows() if not row.feature and row.loss == "lost"}
     ids = sorted(types, key=len, reverse=True)
@@ -153,5 +153,5 @@ def encoded(text: str) -> bytes:
 
 
 def dumped(content: Mapping[str, Any]) -> bytes:
-    """JSON with one value to a line. An indent would take json's slow way, ten times as long."""
+    """JSON with one value per line. With an indent json uses its slow path, which takes ten times as long."""
     return encoded(json.dumps(content, ensure_ascii=False, allow_nan=False, separators=(",\n", ": ")) + "\n")

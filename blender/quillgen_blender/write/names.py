@@ -1,20 +1,20 @@
-"""Names of folders and files that every file system takes, and that no two materials share."""
+"""Names of folders and files that are valid in every file system and unique for each material."""
 
 import re
 import unicodedata
 from collections.abc import Container
 
 TEXTURES = "_textures"
-TEMPORARY = ".quillgen-"  # what a file or folder that isn't in its place yet begins with
+TEMPORARY = ".quillgen-"  # prefix of a file or folder that isn't in its final place yet
 
-# Windows keeps these for devices, whatever follows behind a dot.
+# Windows reserves these for devices, with any extension.
 DEVICES = re.compile(r"(CON|PRN|AUX|NUL|CONIN\$|CONOUT\$|(COM|LPT)[0-9\u00b9\u00b2\u00b3])(\..*)?", re.IGNORECASE)
 REFUSED = re.compile(r'[<>:"/\\|?*\x00-\x1f\x7f\ud800-\udfff]')
-LONGEST = 120  # bytes; most file systems take 255, Windows 260 characters for the whole path
+LONGEST = 120  # bytes; most file systems allow 255, Windows 260 characters for the whole path
 
 
 def plain(name: str) -> str:
-    """The nearest name that Linux, macOS and Windows take as a folder."""
+    """The nearest name that is valid for a folder on Linux, macOS and Windows."""
     text = REFUSED.sub("_", name)
     text = text.encode()[:LONGEST].decode(errors="ignore")
     text = re.sub(r"[. ]+$", lambda end: "_" * len(end[0]), text)  # Windows drops dots and blanks at the end
@@ -25,13 +25,13 @@ def plain(name: str) -> str:
 
 
 def key(name: str) -> str:
-    """Equal for names that some file system holds for the same: macOS and Windows don't tell case apart, macOS
-    nor how an accent is composed."""
+    """Equal for names that some file system treats as the same: macOS and Windows ignore case, and macOS ignores how an
+    accent is composed."""
     return unicodedata.normalize("NFC", unicodedata.normalize("NFD", name).casefold())
 
 
 def free(name: str, taken: Container[str]) -> str:
-    """A folder for a material of this name; `taken` holds the keys of those that aren't free."""
+    """A free folder name for a material of this name; `taken` holds the keys of the names in use."""
     wish = plain(name)
     found, count = wish, 1
     while key(found) in taken or key(found) == key(TEXTURES):
@@ -41,6 +41,6 @@ def free(name: str, taken: Container[str]) -> str:
 
 
 def stem(image: str) -> str:
-    """What a picture's file begins with: its name's letters and digits, without the ending of a file."""
+    """The start of a picture's file name: the letters and digits of the image's name, without an extension."""
     name = re.sub(r"\.[A-Za-z0-9]{2,4}$", "", image)
     return re.sub(r"[^A-Za-z0-9_-]+", "_", name).strip("_")[:60] or "picture"

@@ -1,4 +1,4 @@
-"""The parameters of a material as an artist reads them, in Unreal as in Blender."""
+"""The parameters of a material as an artist sees them in Unreal and in Blender."""
 
 import math
 import re
@@ -7,9 +7,9 @@ from typing import Any
 
 from ..labels import Label
 
-LARGEST = 3.402823466e38  # what a literal of a text has in the place of infinity
+LARGEST = 3.402823466e38  # what replaces infinity in the HLSL's literals
 KINDS = ("scalar", "vector")
-# Values that a node holds beside its inputs, by its type: property -> what the artist reads.
+# Values that a node holds in addition to its inputs, by its type: property -> its name for the artist.
 OWN_VALUES = {"ShaderNodeValue": {"value": ""}, "ShaderNodeRGB": {"color": ""}}
 
 NO_LETTER = re.compile("[^A-Za-z0-9_]")
@@ -19,7 +19,7 @@ Labels = Mapping[Origin, Label]
 
 
 def param_name(node: str, socket: str) -> str:
-    """The name that a text gives to a socket's value; the same as `quillgen.param_name`."""
+    """The name of a socket's value in the HLSL; the same as `quillgen.param_name`."""
     return "P_" + NO_LETTER.sub("_", f"{node}__{socket}")
 
 
@@ -33,13 +33,13 @@ def origins(document: Mapping[str, Any]) -> dict[str, Origin]:
         for place in range(len(node.get("ramp", {}).get("stops", ()))):
             sockets += [f"stop{place}_pos", f"stop{place}_col"]
         for socket in sockets:
-            # Of nodes that share a name the first: a pass puts its copies behind.
+            # If nodes share a name, the first counts: a pass puts its copies after the original.
             found.setdefault(f"{begin}{NO_LETTER.sub('_', socket)}", (node["id"], socket))
     return found
 
 
 def guessed(document: Mapping[str, Any], nodes: Container[str]) -> dict[Origin, Label]:
-    """Labels by the names in the document alone."""
+    """Labels from the names in the document alone."""
     found = {}
     for node in document["nodes"]:
         if node["id"] not in nodes:
@@ -64,7 +64,7 @@ def guessed(document: Mapping[str, Any], nodes: Container[str]) -> dict[Origin, 
 
 
 def finite(value: Any) -> Any:
-    """A number, or a list of them, as JSON and Unreal can hold it."""
+    """A number, or a list of numbers, as JSON and Unreal can hold it: NaN becomes 0, infinity the largest float."""
     if type(value) is float and -LARGEST <= value <= LARGEST:
         return value
     if isinstance(value, (list, tuple)):
@@ -77,7 +77,7 @@ def finite(value: Any) -> Any:
 
 
 def inputs(result: Mapping[str, Any]) -> list[dict[str, Any]]:
-    """The inputs of both texts, each name once."""
+    """The inputs of surface and displacement, each name once."""
     found = {entry["name"]: entry for entry in result["inputs"]}
     for entry in (result["displacement"] or {"inputs": ()})["inputs"]:
         found.setdefault(entry["name"], entry)
@@ -95,8 +95,8 @@ def records(
     labels: Labels,
     before: Iterable[Mapping[str, Any]] = (),
 ) -> list[dict[str, Any]]:
-    """One record for each parameter, node by node as the document has them. `before`: the records of the last export,
-    whose labels stay where they still fit, so that one more node doesn't rename the parameters of another."""
+    """One record for each parameter, in the document's order of nodes. `before`: the records of the last export, whose
+    labels are kept if they still fit, so that a new node doesn't rename the parameters of another."""
     kinds = {entry["name"]: entry for entry in inputs(result) if entry["kind"] in KINDS}
     known = {name: origin for name, origin in origins(document).items() if name in kinds}
     missing = {origin[0] for origin in known.values() if origin not in labels}
@@ -137,7 +137,7 @@ def limit(value: float | None) -> float | None:
 
 
 def distinct(rows: list[tuple[str, Label]], before: Mapping[str, str]) -> dict[str, str]:
-    """Input name -> label, where no two labels are the same, nor differ in case only."""
+    """Input name -> label. No two labels are equal or differ only in case."""
     wishes = {name: spellings(label) for name, label in rows}
     shared: dict[str, int] = {}
     for words in wishes.values():
@@ -159,7 +159,7 @@ def distinct(rows: list[tuple[str, Label]], before: Mapping[str, str]) -> dict[s
 
 
 def spellings(label: Label) -> list[str]:
-    """What a label may read, from the shortest to the most exact."""
+    """The possible texts of a label, from the shortest to the most specific."""
     tail = (label.socket,) if label.socket else ()
     return [
         " / ".join((label.header, *tail)),

@@ -1,4 +1,4 @@
-"""The folder that materials are exported to: which of its folders belong to which material."""
+"""The folder that materials are exported to, and which of its folders belong to which material."""
 
 import contextlib
 import json
@@ -10,15 +10,15 @@ from . import files, manifest, names, textures
 from .manifest import Material
 
 Changed = Literal["all", "parameters", "nothing"]
-Stamp = tuple[int, int] | None  # when a file was written, and its size
+Stamp = tuple[int, int] | None  # modification time and size of a file
 Identity = tuple[str, str]  # a material's name, and the library that it is linked from
 
 
 @dataclass
 class Target:
-    """`folders`: the names that are taken there, by `names.key`. `materials`: the folder of each material that was
-    exported. `manifests`: what these say, by folder, each with the stamp of its file. `looked`: the stamp of the folder
-    itself as it was looked at; it changes as folders come and go."""
+    """`folders`: the names in use there, as `names.key`. `materials`: the folder of each exported material.
+    `manifests`: their contents by folder, each with the stamp of its file. `looked`: the stamp of the folder itself
+    when it was read; it changes when folders are added or removed."""
 
     path: Path
     looked: Stamp = None
@@ -27,7 +27,7 @@ class Target:
     manifests: dict[str, tuple[Stamp, dict[str, Any]]] = field(default_factory=dict)
 
     def manifest(self, folder: str) -> dict[str, Any] | None:
-        """The manifest in a folder as it is now; None where none of ours is there."""
+        """The current manifest in a folder; None if it has none of ours."""
         now = stamp(self.path / folder / manifest.MANIFEST)
         if folder not in self.manifests or self.manifests[folder][0] != now:
             found = read_manifest(self.path / folder)
@@ -38,18 +38,18 @@ class Target:
         return self.manifests[folder][1]
 
     def pictures(self) -> set[str]:
-        """The files of pictures that the manifests name now, whoever has written them."""
+        """The picture files that the manifests currently name, whoever has written them."""
         found = filter(None, (self.manifest(entry.name) for entry in self.path.iterdir()))
         return {record["file"] for each in found for record in each["textures"]}
 
     def stamps(self, identity: Identity) -> tuple[Stamp, ...]:
-        """Of the files of a material that every export of something new writes."""
+        """The stamps of the files of a material that every export with changes writes."""
         folder = self.path / self.materials.get(identity, "")
         return stamp(folder / manifest.MANIFEST), stamp(folder / manifest.VALUES)
 
 
 class Written(NamedTuple):
-    """What an export did: `changed` says which files are new."""
+    """The result of an export: `changed` says which files are new."""
 
     folder: Path
     changed: Changed
@@ -57,7 +57,7 @@ class Written(NamedTuple):
 
 
 def look(path: Path) -> Target:
-    """Makes the folder where it isn't there yet, and looks at what it holds."""
+    """Reads what a folder holds. Creates the folder if necessary."""
     path.mkdir(parents=True, exist_ok=True)
     files.sweep(path)
     target = Target(path, stamp(path))
@@ -83,7 +83,7 @@ def is_empty_folder(path: Path) -> bool:
 
 
 def read_manifest(folder: Path) -> dict[str, Any] | None:
-    """The manifest of a folder that an export made, None of any other."""
+    """The manifest of a folder that an export made, None for any other folder."""
     with contextlib.suppress(OSError, ValueError):
         found = json.loads((folder / manifest.MANIFEST).read_bytes())
         kind = isinstance(found, dict) and (found.get("format"), found.get("version"))
@@ -93,7 +93,7 @@ def read_manifest(folder: Path) -> dict[str, Any] | None:
 
 
 class Prepared(NamedTuple):
-    """What is to be written of a material: the folder that it has, "" for none, what stands there, and what will."""
+    """What is to be written of a material: its folder ("" if it has none), the manifest there, and the new contents."""
 
     identity: Identity
     name: str
@@ -104,19 +104,19 @@ class Prepared(NamedTuple):
 
 
 def write_material(target: Target, material: Material) -> Written:
-    """Writes the files of a material that have changed, all of them or none. A material keeps the folder that it
-    has."""
+    """Writes the changed files of a material, all or none of them. A material keeps its folder."""
     return commit(target, prepare(target, material))
 
 
 def named(target: Target, material: Material) -> Material:
-    """The first step of it, for those who have something to do in between: the records of the parameters."""
+    """The first step of `write_material`, for callers that do other work between the steps: makes the records of the
+    parameters."""
     name = target.materials.get((material.name, material.library), "")
     return replace(material, records=manifest.records(material, target.manifest(name) if name else None))
 
 
 def prepare(target: Target, material: Material) -> Prepared:
-    """The second step. Pictures are in their place then."""
+    """The second step. Afterwards the pictures are in their place."""
     identity = (material.name, material.library)
     name = target.materials.get(identity, "")
     before = target.manifest(name) if name else None
@@ -130,7 +130,7 @@ def prepare(target: Target, material: Material) -> Prepared:
 
 
 def commit(target: Target, prepared: Prepared) -> Written:
-    """The last step: the files."""
+    """The last step: writes the files."""
     identity, name, before, made, contents, values = prepared
     changed: Changed = "all"
     if before:
@@ -153,7 +153,7 @@ def commit(target: Target, prepared: Prepared) -> Written:
 def update(
     folder: Path, before: dict[str, Any], made: dict[str, Any], contents: dict[str, bytes], values: bytes
 ) -> Changed:
-    """Brings the files of a folder up to date. Where only values have changed, their file alone is written."""
+    """Updates the files of a folder. If only values have changed, only their file is written."""
     now = {name: files.content_of(folder / name) for name in (*contents, manifest.VALUES, manifest.MANIFEST)}
     wanted = contents | {manifest.VALUES: values}
     new = {name: content for name, content in wanted.items() if now[name] != content}
@@ -169,7 +169,7 @@ def update(
 
 
 def remove_displacement(folder: Path, before: dict[str, Any], made: dict[str, Any]) -> None:
-    """Removes the text that the material no longer has, if it still is what the export wrote."""
+    """Removes the displacement's HLSL if the material no longer has one and the file is still what the export wrote."""
     last = before["displacement"]
     if last and not made["displacement"]:
         path = folder / last["file"]

@@ -1,4 +1,4 @@
-"""The pictures of a material: saved once for all materials of a target, under a name that says what they hold."""
+"""The pictures of a material: saved once for all materials of a target, with a checksum of the content in the name."""
 
 from collections.abc import Mapping
 from pathlib import Path
@@ -9,7 +9,7 @@ from .parameters import inputs
 
 
 class Picture(NamedTuple):
-    """A picture as it was saved for the export. `colorspace`: what the numbers in the file are."""
+    """A picture that was saved for the export. `colorspace`: the colour space of the values in the file."""
 
     file: Path
     float: bool = False
@@ -22,7 +22,7 @@ def records(
     target: Path,
     before: list[dict[str, Any]],
 ) -> list[dict[str, Any]]:
-    """Puts the pictures into the target and gives one record for each texture of the result. A picture that wasn't
+    """Puts the pictures into the target and returns one record for each texture of the result. A picture that wasn't
     saved this time keeps the file of the last export."""
     last = {record["image"]: record for record in before}
     placed: dict[str, dict[str, Any]] = {}
@@ -66,7 +66,7 @@ def details(file: str | None, sha256: str | None, is_float: bool, colorspace: st
         "float": bool(is_float),
         "colorspace": colorspace,
         "import": {
-            "srgb": False,  # the text decodes
+            "srgb": False,  # the HLSL decodes
             "compression": "float" if is_float else "rgba8",
             "mipmaps": False,
             "streaming": False,
@@ -76,13 +76,13 @@ def details(file: str | None, sha256: str | None, is_float: bool, colorspace: st
 
 
 def left(before: list[dict[str, Any]], now: list[dict[str, Any]]) -> list[dict[str, Any]]:
-    """Those of the last export's records whose file the material no longer names."""
+    """The records of the last export whose file the material no longer names."""
     named = {None, *(record["file"] for record in now)}
     return [record for record in before if record["file"] not in named]
 
 
 def remove_unused(target: Path, records: list[dict[str, Any]], used: set[str]) -> None:
-    """Removes the pictures of records that no material of the target needs any more, if they still are what the export
+    """Removes the pictures of records that no material of the target uses any more, if they are still what the export
     wrote. `used`: the files that the materials name."""
     for record in records:
         if record["file"] in used:
