@@ -1,4 +1,4 @@
-"""The interface: panels, operators, preferences, live update. This room imports bpy."""
+"""The interface: panels, operators, preferences, live update. This package imports bpy."""
 
 from typing import Any
 

@@ -1,10 +1,11 @@
-"""Live update: a material that was exported is exported again once an edit of it rests.
+"""Live update: exports a material again a short time after its last edit, if it was exported before.
 
-The handler of Blender's dependency graph only notes what changed. A timer does the work, in steps of a few milliseconds
-with a chance for Blender to draw between them.
+The handler of Blender's dependency graph only records what changed. A timer does the work, in steps of a few
+milliseconds between which Blender can draw.
 
-The handler listens all the time and asks the scene whether live update is on. To come and go with the switch it would
-have to hear of each way in which that changes, and Blender calls no update function for an undo, a new scene or a file.
+The handler is always registered and checks whether live update is on in the scene. Registering it only while it is on
+would require notice of every change of the setting, and Blender calls no update function for an undo, a new scene or a
+file.
 """
 
 import contextlib
@@ -18,13 +19,13 @@ from .. import exporting, write
 from ..read import labels
 from . import preferences, settings, state
 
-SLICE = 0.001  # seconds of work after which no further step begins; one may take three times as long
+SLICE = 0.001  # seconds of work after which no new step starts; a step may take three times as long
 SOON = 0.01  # seconds until the next slice
 
 
 class Job(NamedTuple):
-    """Work in steps. `uid`: the material that is exported, None while materials are looked for. `edited`: what it takes
-    up, as `Waiting` has it."""
+    """Work in steps. `uid`: the material that is exported, None while materials are searched. `edited`: the edits that
+    it handles, as in `Waiting`."""
 
     uid: int | None
     edited: dict[int, float]
@@ -32,12 +33,12 @@ class Job(NamedTuple):
 
 
 class Waiting:
-    """What was edited and isn't exported yet. All keys are session_uids: an undo may leave no reference valid."""
+    """Edits that aren't exported yet. All keys are session_uids, because an undo may invalidate all references."""
 
     def __init__(self) -> None:
-        self.materials: dict[int, float] = {}  # when each was edited last
-        self.shared: dict[int, float] = {}  # the same of groups and images, whose materials aren't known yet
-        self.images: set[int] = set()  # those whose pixels may have changed
+        self.materials: dict[int, float] = {}  # time of the last edit
+        self.shared: dict[int, float] = {}  # the same for groups and images, whose materials aren't known yet
+        self.images: set[int] = set()  # images whose pixels may have changed
         self.target: write.Target | None = None
         self.memories: dict[int, exporting.Memory] = {}  # by material
         self.job: Job | None = None
@@ -70,7 +71,7 @@ def loaded(*_: Any) -> None:
 
 @bpy.app.handlers.persistent
 def changed(scene: Any, depsgraph: Any) -> None:
-    """Notes what an update is about."""
+    """Records what an update changed."""
     if not scene.quillgen.live:
         return
     now = time.monotonic()
@@ -91,7 +92,7 @@ def changed(scene: Any, depsgraph: Any) -> None:
 
 
 def users(edited: dict[int, float]) -> Iterator[str]:
-    """Notes the materials that groups or images are part of, a material at a time."""
+    """Finds the materials that use the edited groups or images, one material per step."""
     for material in list(bpy.data.materials):
         yield "looking"
         if exporting.exportable(material):
@@ -107,7 +108,7 @@ def parts_of(node: Any) -> list[Any]:
 
 
 def tick() -> float | None:
-    """A slice of work. The seconds until the next one, None where nothing is left."""
+    """Works for one slice. Returns the seconds until the next one, None if nothing is left."""
     context = bpy.context
     if not context.scene.quillgen.live:
         _waiting.forget()
@@ -125,7 +126,7 @@ def tick() -> float | None:
 
 
 def begin(context: Any, rest: float) -> bool:
-    """Takes up what has rested; whether there was something."""
+    """Starts a job for edits that are old enough. Returns whether there were any."""
     now = time.monotonic()
     if _waiting.shared and now - max(_waiting.shared.values()) >= rest:
         _waiting.job = Job(None, _waiting.shared, users(_waiting.shared))
@@ -156,7 +157,7 @@ def begin(context: Any, rest: float) -> bool:
 
 
 def step() -> None:
-    """One step of the job under way."""
+    """Runs one step of the current job."""
     if _waiting.job is None:
         return
     uid, edited, steps = _waiting.job
@@ -167,16 +168,15 @@ def step() -> None:
         if uid is not None and (end.value.changed != "nothing" or state.has_failed(uid)):
             state.keep(uid, end.value)
         if not _waiting.materials and not _waiting.shared:
-            _waiting.images.clear()  # all of their materials have them
-    except ReferenceError:  # something was removed meanwhile, or an undo has put new data in the place of the old
+            _waiting.images.clear()  # all materials that use them are exported
+    except ReferenceError:  # something was removed meanwhile, or an undo replaced the data
         _waiting.job = None
         waiting = _waiting.shared if uid is None else _waiting.materials
         waiting.update(edited | waiting)
 
 
 def current_target(context: Any) -> write.Target | None:
-    """The target as it was looked at before, or looked at anew where it is another or has got new folders. None where
-    it can't be looked at."""
+    """The cached target. It is read again if the folder is another one or has changed. None if it can't be read."""
     path, _ = exporting.target_folder(settings.folder_of(context))
     if path is None or not path.is_dir():
         _waiting.target = None

@@ -1,5 +1,4 @@
-"""What the buttons do. Exports change nothing in the file; what selects or marks a node can be
-undone."""
+"""The operators behind the buttons. Exports change nothing in the file; selecting or marking a node can be undone."""
 
 import json
 import time
@@ -12,7 +11,7 @@ from .. import exporting, pipeline, write
 from ..exporting import Outcome
 from . import log, progress, settings, state
 
-SLICE = 0.03  # seconds of work between two looks at the keyboard
+SLICE = 0.03  # seconds of work between two checks of the keyboard
 SCOPES = (
     ("MATERIAL", "This Material", "The material that is shown"),
     ("SELECTED", "Selected Objects", "All materials of the selected objects"),
@@ -21,7 +20,7 @@ SCOPES = (
 
 
 def shown_material(context: Any) -> Any:
-    """The material of the editor, else of the active object."""
+    """The material of the editor, or else of the active object."""
     space = context.space_data
     if space and space.type == "NODE_EDITOR" and isinstance(space.id, bpy.types.Material):
         return space.id
@@ -29,7 +28,7 @@ def shown_material(context: Any) -> Any:
 
 
 def wanted(context: Any, scope: str) -> tuple[list[Any], str]:
-    """The materials of a scope, and why there are none."""
+    """The materials of a scope, or the reason why there are none."""
     if scope == "MATERIAL":
         material = shown_material(context)
         why = exporting.exportable(material)
@@ -64,7 +63,7 @@ class Export(bpy.types.Operator):
         return not why
 
     def begin(self, context: Any) -> bool:
-        """Whether there is something to do; the report says why not."""
+        """Whether there is something to do; if not, the report says why."""
         self.materials, why = wanted(context, self.scope)
         folder, refused = exporting.target_folder(settings.folder_of(context))
         if why or folder is None:
@@ -261,7 +260,7 @@ class SelectNode(bpy.types.Operator):
 
 
 def show_node(context: Any, material: Any, chain: tuple[Any, ...]) -> bool:
-    """Brings a node into view in the first Shader Editor of the window; false where there is none."""
+    """Brings a node into view in the first Shader Editor of the window; False if there is none."""
     areas = context.screen.areas if context.screen else ()
     for area in areas:
         space = area.spaces.active

@@ -140,7 +140,7 @@ def draw_remark(layout: Any, remark: dict[str, str], material: Any, outcome: Out
 
 
 def placed(name: str, where: type, what: type, parent: str = "") -> type:
-    """A panel's class for one of the two editors."""
+    """Makes the class of a panel for one of the two editors."""
     body = {"bl_idname": name} | ({"bl_parent_id": parent} if parent else {})
     return type(name, (what, where, bpy.types.Panel), body)
 

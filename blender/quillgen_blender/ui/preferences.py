@@ -55,6 +55,6 @@ CLASSES = (QuillgenPreferences,)
 
 
 def of(context: Any) -> Any:
-    """The preferences; their defaults where the package isn't installed as an extension."""
+    """The preferences, or their defaults if the package isn't installed as an extension."""
     found = context.preferences.addons.get(PACKAGE)
     return found.preferences if found else SimpleNamespace(folder=FOLDER, live=True, rest=REST, log=False)

@@ -1,4 +1,4 @@
-"""What an artist chooses for a scene. It is saved with the file."""
+"""Settings of a scene, saved with the file."""
 
 from typing import Any
 

@@ -1,4 +1,4 @@
-"""What the interface knows of this session's exports. Nothing of it is saved with a file."""
+"""The outcomes of this session's exports. They are not saved with a file."""
 
 import time
 from collections.abc import Iterable
@@ -19,7 +19,7 @@ _outcomes: dict[int, Outcome] = {}  # by the material's session_uid
 
 
 def keep(uid: int, outcome: Outcome) -> None:
-    """`uid`: the material's session_uid. The material itself may be gone by now."""
+    """`uid`: the material's session_uid. The material itself may have been removed."""
     _outcomes[uid] = outcome
     log.tell(outcome)
     redraw()
@@ -39,7 +39,7 @@ def forget() -> None:
 
 
 def redraw(kinds: Iterable[str] = ("PROPERTIES", "NODE_EDITOR")) -> None:
-    """Draws the editors that show a panel of ours again."""
+    """Redraws the editors that show one of our panels."""
     for window in bpy.context.window_manager.windows:
         for area in window.screen.areas:
             if area.type in kinds:
