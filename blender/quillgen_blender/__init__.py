@@ -1,6 +1,7 @@
-"""The Blender side of quillgen: material -> document -> HLSL and a folder that Unreal makes a material of.
+"""The Blender side of quillgen: converts a material to a document, and exports its HLSL and a folder from which Unreal
+builds a material.
 
-Blender calls `register` and `unregister`. What the interface does by its buttons, scripts do with `exporting`.
+Blender calls `register` and `unregister`. Scripts do with `exporting` what the buttons of the interface do.
 """
 
 

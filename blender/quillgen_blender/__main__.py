@@ -4,7 +4,7 @@
     blender --background --python .../quillgen_blender/__main__.py -- FILE.blend --out FOLDER
     blender --command quillgen FILE.blend --out FOLDER            where the extension is enabled
 
-A run that was interrupted goes on where it stopped when the same command is given again.
+An interrupted run continues where it stopped when the same command is given again.
 """
 
 import sys
@@ -12,8 +12,8 @@ from pathlib import Path
 
 
 def package() -> None:
-    """Makes this file part of its package where Blender runs it as a script. The folder may have another name there,
-    which is left alone: it may be that of the module."""
+    """Makes this file part of its package if Blender runs it as a script. The folder may have another name then, which
+    is not used: it may be the name of the module."""
     import importlib.util
 
     folder = Path(__file__).resolve().parent
@@ -27,7 +27,7 @@ def package() -> None:
 
 
 def arguments() -> list[str]:
-    """What belongs to this program, not to Blender."""
+    """The arguments for this program, without Blender's own."""
     words = sys.argv[1:]
     return words[words.index("--") + 1 :] if "--" in words else words
 

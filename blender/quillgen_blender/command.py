@@ -1,4 +1,4 @@
-"""The command line: the materials of a file, one after the other, with a progress bar and a summary."""
+"""The command line: exports the materials of a file one after the other, with a progress bar and a summary."""
 
 import argparse
 import contextlib
@@ -14,12 +14,12 @@ from .passes import Options
 from .pipeline import Settings
 
 DONE, FAILED, REFUSED, STOPPED = 0, 1, 2, 130
-RUN = ".quillgen_run.json"  # no name of a temporary file: those go where an export finds them an hour later
+RUN = ".quillgen_run.json"  # not the name of a temporary file: an export removes those after an hour
 NEEDED = {
     "bpy": "install it, or run Blender in background",
     "quillgen": "install it (pip install .), or name the folder with its build in PYTHONPATH",
 }
-WIDTH = 30  # letters of the bar
+WIDTH = 30  # characters of the bar
 
 EPILOG = """exit codes:
   0    all materials were exported
@@ -148,14 +148,14 @@ def summary(counts: dict[str, int], skipped: int, seconds: float) -> str:
 
 
 def description(options: argparse.Namespace) -> dict[str, Any]:
-    """What has to be the same for a run to go on where another one stopped."""
+    """What has to be the same for a run to continue an interrupted one."""
     stat = options.file.stat()
     found = {key: value for key, value in vars(options).items() if key not in ("file", "out", "quiet", "from_start")}
     return found | {"file": options.file.name, "size": stat.st_size, "changed": stat.st_mtime_ns}
 
 
 class Record:
-    """What a run has done, in the target folder until it ends."""
+    """What a run has done. Its file is in the target folder until the run ends."""
 
     def __init__(self, path: Path, about: dict[str, Any], fresh: bool):
         self.path, self.about = path, about
@@ -180,7 +180,7 @@ class Record:
 
 
 class Bar:
-    """A progress bar on a terminal, and lines that don't disturb it."""
+    """A progress bar on a terminal. Lines that are printed don't break it."""
 
     def __init__(self, of: int, done: int, quiet: bool):
         self.of, self.done, self.quiet = of, done, quiet

@@ -1,4 +1,4 @@
-"""The export of materials of the open file, step by step, so that whoever asks for it may do something in between."""
+"""Exports materials of the open file step by step, so that the caller can do other work in between."""
 
 import re
 import tempfile
@@ -22,8 +22,8 @@ MARK = "quillgen_named"  # the custom property of a node whose values stay live 
 
 @dataclass(frozen=True)
 class Outcome:
-    """What became of one material. `error` is "" where it was exported; `node` is then the one to blame, if any.
-    `changed`: what was written; "text" where the artist asked for no files."""
+    """The result of one material. `error` is "" if it was exported; otherwise `node` is the node that caused it, if
+    any. `changed`: what was written; "text" if no files were asked for."""
 
     name: str
     library: str = ""
@@ -41,12 +41,12 @@ class Outcome:
 
     @property
     def where(self) -> str:
-        """The material and, where one is to blame, the node."""
+        """The material and, if a node caused the error, the node."""
         return f"{self.name}, {self.node}" if self.node else self.name
 
 
 class Start(NamedTuple):
-    """All that an export starts from but the pixels of pictures. `fingerprint` is that of the labels."""
+    """All inputs of an export except the pixels of pictures. `fingerprint` is that of the labels."""
 
     document: dict[str, Any]
     settings: Settings
@@ -55,8 +55,8 @@ class Start(NamedTuple):
 
 @dataclass
 class Memory:
-    """What the last export of a material that succeeded started from, and the stamps of the files that it left, for
-    the next one to know what is as it was."""
+    """What the last successful export of a material started from, and the stamps of the files that it left. The next
+    export compares them to find out what is unchanged."""
 
     start: Start | None = None
     stamps: tuple[write.Stamp, ...] = ()
@@ -71,7 +71,7 @@ Wanted = Callable[[str, Any], bool]  # whether a picture is saved, by its name i
 
 
 def exportable(material: Any) -> str:
-    """Why a material can't be exported, "" where it can."""
+    """Why a material can't be exported, "" if it can."""
     if material is None:
         return "There is no material here"
     if material.is_missing:
@@ -84,7 +84,7 @@ def exportable(material: Any) -> str:
 
 
 def materials_of(objects: Iterable[Any]) -> list[Any]:
-    """The materials that objects wear, each once, in the order of the slots."""
+    """The materials of objects, each once, in the order of the slots."""
     found = {slot.material: None for thing in objects for slot in thing.material_slots if slot.material}
     return [material for material in found if not exportable(material)]
 
@@ -95,8 +95,8 @@ def all_materials() -> list[Any]:
 
 
 def library_of(material: Any) -> str:
-    """The name of the file that a material is linked from, "" for the open file's own. Where two such files have one
-    name, Blender's own for the library, which has a number then."""
+    """The name of the file that a material is linked from, "" for the open file. If two such files have the same name,
+    it is Blender's name for the library, which then has a number."""
     if not material.library:
         return ""
     name = file_name(material.library)
@@ -114,9 +114,10 @@ def steps(
     textures: bool | Wanted = True,
     memory: Memory | None = None,
 ) -> Steps:
-    """Exports one material to a target, or just translates it where that is None. `textures`: whether its pictures
-    are saved, or what tells this of each. `memory` is that of the last export of this material to this target.
-    Yields what it is about to do, and never raises but for errors of the program that started it."""
+    """Exports one material to a target, or only translates it if the target is None. `textures`: whether its pictures
+    are saved, or a function that decides this for each. `memory` is that of the last export of this material to this
+    target. Yields what it is about to do. Errors are reported in the Outcome; only a ReferenceError is raised, if the
+    material was removed."""
     began = time.perf_counter()
     library = library_of(material)
     outcome = Outcome(material.name, library, at=time.time())
@@ -153,16 +154,16 @@ def steps(
         outcome = replace(outcome, error=f"{error.strerror or error}: {error.filename or ''}".strip(": "), changed="")
     except ReferenceError:  # the material was removed
         raise
-    except Exception as error:  # one material's trouble is none of the others'
+    except Exception as error:  # an error in one material must not stop the others
         traceback.print_exc()
         outcome = replace(outcome, error=f"{type(error).__name__}: {error} (the console tells more)", changed="")
     if memory and outcome.error:
-        memory.start = None  # the next export tells all of the material anew
+        memory.start = None  # the next export starts from scratch
     return replace(outcome, seconds=time.perf_counter() - began)
 
 
 def known(memory: Memory | None, target: Target | None, material: Any) -> Start | None:
-    """What the last export started from, if the files are still what it wrote."""
+    """What the last export started from, if its files are unchanged."""
     if memory is None or target is None or memory.stamps != target.stamps((material.name, library_of(material))):
         return None
     return memory.start
@@ -171,8 +172,8 @@ def known(memory: Memory | None, target: Target | None, material: Any) -> Start 
 def translation(
     material: Any, settings: Settings, with_labels: bool, last: Start | None, wanted: Wanted
 ) -> Generator[str, None, tuple[Material, read.Reading, Start]]:
-    """Reads and translates a material. Labels that are those of the last export aren't made again. Raises Failed, and
-    Unchanged where all is what it was and no picture is to be saved."""
+    """Reads and translates a material. Labels that are the same as in the last export aren't computed again. Raises
+    Failed, and Unchanged if nothing has changed and no picture is to be saved."""
     yield "reading"
     why = exportable(material)
     if why:
@@ -211,7 +212,7 @@ def translation(
 
 
 def marked(material: Any, reading: read.Reading) -> set[str]:
-    """The parameters of the nodes that the artist marked, which stay live among "named" ones."""
+    """The parameters of the nodes that the artist marked, which stay live with "named"."""
     trees = {node.id_data for node in labels.all_nodes(material.node_tree) if node.get(MARK)}
     if not trees:
         return set()
@@ -224,12 +225,12 @@ def marked(material: Any, reading: read.Reading) -> set[str]:
 
 
 def shown(node: str, paths: dict[str, tuple[str, ...]]) -> str:
-    """A node as an artist knows it."""
+    """A node's name as the artist knows it, with its groups."""
     return " / ".join(paths.get(node, (node,)))
 
 
 def writing(made: Material, target: Target, images: Mapping[str, Any]) -> Generator[str, None, write.Written]:
-    """`images`: those that are saved where the text reads them."""
+    """Writes the files of a translated material. `images`: those that are saved if the HLSL reads them."""
     used = {entry["image"] for entry in write.inputs(made.result) if entry["kind"] == "texture"}
     images = {name: images[name] for name in sorted(used & images.keys())}
     yield "naming"
@@ -246,13 +247,13 @@ def writing(made: Material, target: Target, images: Mapping[str, Any]) -> Genera
 
 
 def save_pictures(images: Mapping[str, Any], folder: Path, made: Material) -> Material:
-    """Saves pictures to a folder. One that can't be saved is left out and told."""
+    """Saves pictures to a folder. A picture that can't be saved is omitted, with a note."""
     found: dict[str, Picture] = {}
     notes = list(made.notes)
     for place, (name, image) in enumerate(images.items()):
         try:
             file, record = pictures.save_picture(image, folder, str(place))
-        except (OSError, RuntimeError, ReferenceError) as error:  # the last where it was removed meanwhile
+        except (OSError, RuntimeError, ReferenceError) as error:  # ReferenceError: it was removed meanwhile
             reason = getattr(error, "strerror", None) or str(error).removeprefix("Error: ").strip()
             notes.append(Note("", f"the picture {name} isn't exported: {reason}", "lost"))
         else:
@@ -261,7 +262,7 @@ def save_pictures(images: Mapping[str, Any], folder: Path, made: Material) -> Ma
 
 
 def finish(job: Steps) -> Outcome:
-    """Runs a job to its end."""
+    """Runs a job to completion."""
     while True:
         try:
             next(job)
@@ -270,7 +271,7 @@ def finish(job: Steps) -> Outcome:
 
 
 def target_folder(folder: str) -> tuple[Path | None, str]:
-    """The folder that a setting means, and why there is none."""
+    """The folder that a setting names, or None and the reason."""
     if not folder.strip():
         return None, "Choose a target folder"
     if folder.startswith("//") and not bpy.data.filepath:
@@ -297,5 +298,5 @@ def text(material: Any, settings: Settings) -> str:
 
 
 def nodes_on(material: Any, path: Sequence[str]) -> tuple[Any, ...]:
-    """The nodes of a path, the outermost group first; none where the path leads nowhere."""
+    """The nodes of a path, the outermost group first; empty if the path does not exist."""
     return labels.nodes_on(material.node_tree, tuple(path))

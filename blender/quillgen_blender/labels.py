@@ -1,4 +1,4 @@
-"""How an artist reads a parameter: what readers of Blender tell about a node's socket, and writers put into a file."""
+"""Labels of parameters: readers of Blender make them for a node's sockets, and writers put them into a file."""
 
 from typing import NamedTuple
 
@@ -6,10 +6,10 @@ from typing import NamedTuple
 class Label(NamedTuple):
     """One socket, or one value of a node, as the node editor shows it.
 
-    `header`: what the node's header reads. `node`: the node's name, which no other node of its tree has. `groups`: what
-    the headers of the group nodes around it read, the outermost first. `socket`: the socket's name, "" where the node
-    is nothing but its value. `minimum` and `maximum`: the soft range, None where there is none. `description`: the
-    tooltip. `order`: the place in its node, from the top.
+    `header`: the text in the node's header. `node`: the node's name, unique in its tree. `groups`: the headers of the
+    group nodes around it, the outermost first. `socket`: the socket's name, "" if the node is nothing but its value.
+    `minimum` and `maximum`: the soft range, None if there is none. `description`: the tooltip. `order`: the position in
+    its node, from the top.
     """
 
     header: str

@@ -1,4 +1,4 @@
-"""What a translation can't reproduce, told about a node: what readers of Blender and passes give beside a document."""
+"""Notes on what a translation can't reproduce; readers of Blender and passes return them beside a document."""
 
 from typing import Literal, NamedTuple
 
@@ -9,8 +9,8 @@ class Note(NamedTuple):
     """One line for the artist.
 
     `node`: the node's id in the document, or "" for the material as a whole. `text`: what differs, in the artist's
-    words, without the node's name. `loss`: "near" where something close stands in, "lost" where it has no effect,
-    "info" where nothing is lost that a picture shows.
+    words, without the node's name. `loss`: "near" if something similar replaces it, "lost" if it has no effect, "info"
+    if no difference is visible.
     """
 
     node: str

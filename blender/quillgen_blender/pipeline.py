@@ -1,5 +1,5 @@
-"""From a document to the files for Unreal: passes, translation, passes over the result, writing. Plain Python; what
-comes before, reading Blender, is up to the caller."""
+"""From a document to the files for Unreal: passes, translation, passes over the result, writing. Plain Python; the
+caller reads Blender."""
 
 import json
 import re
@@ -19,8 +19,8 @@ TOO_DEEP = "too many of its nodes, or turns of repeat zones, follow one another"
 @dataclass(frozen=True)
 class Settings:
     """What an export makes of a material. `mode`: "surface", or "emission" for an unlit material. `displacement`:
-    whether a displacement of the geometry is exported; without it, it bumps the surface as in Blender's own bump-only
-    setting. `named`: the parameters that the artist marked."""
+    whether displacement moves the geometry; if not, it bumps the surface as in Blender's own bump-only setting.
+    `named`: the parameters that the artist marked."""
 
     options: Options = field(default_factory=Options)
     mode: Literal["surface", "emission"] = "surface"
@@ -29,8 +29,8 @@ class Settings:
 
 
 class Failed(Exception):
-    """A material that can't be exported, in the artist's words. `node`: the id of the node that is to blame, "" where
-    none is."""
+    """A material that can't be exported, in the artist's words. `node`: the id of the node that caused it, "" if none
+    did."""
 
     def __init__(self, text: str, node: str = ""):
         super().__init__(text)
@@ -40,8 +40,8 @@ class Failed(Exception):
 def translate(
     name: str, document: dict[str, Any], notes: Sequence[Note] = (), settings: Settings | None = None
 ) -> Material:
-    """A material, ready to be written. Raises Failed."""
-    import quillgen  # here, so that the rest works where the module isn't installed
+    """Returns a material, ready to be written. Raises Failed."""
+    import quillgen  # imported here, so that the rest works without the module
 
     settings = settings or Settings()
     method = document.get("settings", {}).get("displacement", "BUMP")
@@ -66,7 +66,7 @@ def translate(
 
 
 def explained(message: str, document: Mapping[str, Any]) -> Failed:
-    """What an artist can do about a graph that has no translation."""
+    """Explains to the artist why a graph has no translation."""
     if message == "no surface output":
         return Failed(surfaceless(document.get("host", {})))
     for node in document["nodes"]:
@@ -84,7 +84,7 @@ def explained(message: str, document: Mapping[str, Any]) -> Failed:
 
 
 def surfaceless(host: Mapping[str, Any]) -> str:
-    """Why a material has no surface. `host`: what the reader saw beside the graph."""
+    """Why a material has no surface. `host`: what the reader found beside the graph."""
     if not host.get("output", True):
         return "it has no Material Output whose target is All or Cycles"
     if host.get("surface"):
@@ -102,7 +102,7 @@ def export_document(
     pictures: Mapping[str, Path] | None = None,
     settings: Settings | None = None,
 ) -> Written:
-    """Exports a document that lies ready, as examples/materials has them. `pictures`: image name -> its file."""
+    """Exports an existing document, such as those in examples/materials. `pictures`: image name -> its file."""
     made = translate(name, document, settings=settings)
     images = document.get("images", {})
     saved = {
