@@ -11,8 +11,8 @@ namespace quillgen {
 
 inline Value borrowed(const Runtime& runtime, PyObject* object) { return {Ref::borrow(object), runtime}; }
 
-// Borrowed references in the order of the names; null where an optional argument is not given. TypeError as
-// Python's own functions raise it.
+// Borrowed references in the order of the names; null for an optional argument that is not passed. Raises TypeError as
+// Python's own functions do.
 template <std::size_t Count>
 class Arguments {
 public:

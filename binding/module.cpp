@@ -1,5 +1,4 @@
-// The module's entry: what Python sees of the translator, and the one place where C++'s exceptions become
-// Python's.
+// The module's entry points: the functions that Python calls. C++ exceptions are converted to Python's only here.
 #include <array>
 #include <exception>
 #include <new>
@@ -21,7 +20,7 @@ struct State {
 
 State& state_of(PyObject* self) { return *static_cast<State*>(PyModule_GetState(self)); }
 
-// RuntimeError where the interpreter has cleared the module already, as it does with what is garbage or at its end.
+// RuntimeError if the interpreter has already cleared the module, in a garbage collection or at finalization.
 const Module& module_of(PyObject* self) {
     if (state_of(self).module == nullptr) {
         raise_runtime_error("quillgen has been cleared");
@@ -29,12 +28,12 @@ const Module& module_of(PyObject* self) {
     return *state_of(self).module;
 }
 
-// It is not noexcept: the interpreter ends a daemon thread that asks for its lock while it finalizes, and before 3.14
-// it does so by unwinding the thread's stack through this frame.
+// It is not noexcept: while the interpreter finalizes, it terminates a daemon thread that requests the GIL, and before
+// 3.14 it does so by unwinding the thread's stack through this frame.
 template <class Body>
 PyObject* guarded(Body body) {
-    // The C++ runtime makes its record of a thread's exceptions at its first use, and ends the process where there is
-    // no memory for it: so it is asked for here, and not when memory has run out.
+    // The C++ runtime allocates a thread's exception state at its first use, and terminates the process if there is no
+    // memory for it. This call makes it allocate the state now, before memory can run out.
     [[maybe_unused]] const volatile int uncaught = std::uncaught_exceptions();
     try {
         return body().release();
@@ -150,13 +149,13 @@ PyMethodDef methods[] = {
 };
 
 #ifndef Py_mod_multiple_interpreters
-// Of CPython 3.12, whose headers of the limited API of 3.11 do not have it.
+// Added in CPython 3.12, whose headers omit it for the limited API of 3.11.
 #define Py_mod_multiple_interpreters 3
 #define Py_MOD_PER_INTERPRETER_GIL_SUPPORTED (reinterpret_cast<void*>(2))
 #endif
 
-// All that the module holds is an interpreter's own, so that it loads in one with a lock of its own. CPython 3.11
-// refuses a slot that it does not know.
+// All state of the module is per interpreter, so it supports interpreters with their own GIL. CPython 3.11 rejects
+// slots that it does not know, so it gets a definition without that slot.
 PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)}, {0, nullptr}};
 PyModuleDef_Slot slots_of_312[] = {{Py_mod_exec, reinterpret_cast<void*>(exec)},
                                    {Py_mod_multiple_interpreters, Py_MOD_PER_INTERPRETER_GIL_SUPPORTED},
