@@ -1,4 +1,4 @@
-// The record that a shader socket carries in the generated text, and the functions that work on it.
+// The closure struct, which is the value of a shader socket in the generated HLSL, and its functions.
 #pragma once
 
 #include "core/gen/socket_type.h"
@@ -11,8 +11,9 @@ inline constexpr std::string_view CLOSURE =
     R"(struct QWKClosure { float3 base; float metallic; float roughness; float specular; float3 normal; float3 emission;
   float alpha; float coat; float coat_roughness; float has_normal; };)";
 
-// Members of `struct QWK`, behind the library's functions; always there. Mix and add differ on purpose: a
-// mix blends every field, an addition keeps its first argument's surface and adds light and coverage.
+// Members of `struct QWK` after the library's functions, always present. Mix and add differ on purpose: a mix blends
+// the fields; an addition keeps the metallic, roughness and specular of its first argument, and adds base, emission and
+// alpha.
 inline constexpr std::string_view CLOSURE_LIB = R"(
 QWKClosure closure_none() {
   QWKClosure c; c.base = float3(0.0, 0.0, 0.0); c.metallic = 0.0; c.roughness = 0.5; c.specular = 0.5;

@@ -15,13 +15,13 @@ struct MaterialOutput {
     Text expr;
 };
 
-// The property `key` of the document's settings, absent where either is.
+// The property `key` of the document's settings; absent if the key or the settings are.
 Value setting(const Value& ir, Word key) {
     const Value settings = ir.get("settings"_w);
     return settings.present() ? settings.get(key) : settings;
 }
 
-// Masked alpha is a dithered coverage that varies over frames, against a fixed clip value.
+// The opacity of a masked material is alpha as a dithered coverage that varies per frame. The clip value is fixed.
 Text opacity(Gen& g, const Value& material, Text c) {
     const bool blended = setting(g.ir, "blend"_w).is("BLENDED");
     material.set_item("blend"_w, Value::word(g.runtime(), blended ? "translucent"_w : "masked"_w));
@@ -35,7 +35,7 @@ Text opacity(Gen& g, const Value& material, Text c) {
     return g.text("L.dither_coverage($0.alpha, pixpos, taaidx)", c);
 }
 
-// The outputs of a lit material, in the order of their assignments, and what they say of the material.
+// The outputs of a lit material, in the order of their assignments. Sets the keys of `material` that depend on them.
 std::vector<MaterialOutput> lit_outputs(Gen& g, const Value& material, Text c) {
     std::vector<MaterialOutput> outputs = {
         {"OutMetallic"_w, "float"_w, "metallic"_w, g.text("$0.metallic", c)},
@@ -47,7 +47,7 @@ std::vector<MaterialOutput> lit_outputs(Gen& g, const Value& material, Text c) {
     }
     material.set_item("tangent_space_normal"_w, Value::boolean(g.runtime(), false));
     const Text nf = g.var("float3", g.geo("Nf"));
-    // y flips on the way back into Unreal's frame.
+    // Unreal's frame has the opposite y.
     outputs.push_back({"OutNormal"_w, "float3"_w, "normal"_w,
                        g.text("(($0.has_normal > 0.0) ? float3($0.normal.x, -$0.normal.y, $0.normal.z) : "
                               "float3($1.x, -$1.y, $1.z))",
@@ -63,7 +63,7 @@ std::vector<MaterialOutput> lit_outputs(Gen& g, const Value& material, Text c) {
     return outputs;
 }
 
-// Writes the assignments to the outputs.
+// Writes the assignments to the outputs, and returns the records of the outputs.
 Value write_outputs(Gen& g, const std::vector<MaterialOutput>& outputs) {
     const Runtime& runtime = g.runtime();
     Value list = Value::list(runtime);

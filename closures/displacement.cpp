@@ -1,5 +1,5 @@
-// The second text of a material with real displacement: a scalar centred on 0.5 that a magnitude
-// scales to centimetres along the normal.
+// The second text of a material whose geometry is displaced: a scalar, centred on 0.5, that a magnitude scales to
+// centimetres along the normal.
 #include <cmath>
 
 #include "closures/compile.h"
@@ -9,7 +9,7 @@ namespace quillgen {
 
 namespace {
 
-// The number that is stored for a socket, 0.0 where it is false; `missing` where there is none.
+// The default value of a socket as a number: 0.0 if it is false in Python's sense, `missing` if it is absent.
 double stored_number(Node& n, Word ident, double missing) {
     const Value v = Gen::stored(n, ident);
     if (!v.present()) {
@@ -18,8 +18,7 @@ double stored_number(Node& n, Word ident, double missing) {
     return v.truthy() ? v.as_float() : 0.0;
 }
 
-// The span that the displacement can reach, in centimetres, for heights of 0 to 1 and with a quarter of
-// headroom; 0.0 where nothing tells it.
+// The range of the displacement in centimetres, for heights of 0 to 1 and with 25 % of headroom. 0.0 if it is unknown.
 double estimated_range(Gen& g, const Value& nid) {
     Node* const n = g.find_node(nid);
     if (n == nullptr || !n->type().is("ShaderNodeDisplacement") || Gen::linked(*n, "Midlevel"_w) ||
@@ -28,14 +27,14 @@ double estimated_range(Gen& g, const Value& nid) {
     }
     const double mid = stored_number(*n, "Midlevel"_w, 0.5);
     const double scale = stored_number(*n, "Scale"_w, 1.0);
-    // Written so that a not-a-number stays one.
+    // The comparisons are written so that NaN propagates.
     double farthest = mid;
     farthest = 1.0 - mid > farthest ? 1.0 - mid : farthest;
     farthest = 0.0 > farthest ? 0.0 : farthest;
     return 2.0 * farthest * std::abs(scale) * 100.0 * 1.25;
 }
 
-// 2.0 to the power, which Unreal's magnitude is rounded up to.
+// 2.0 to the power `exponent`. Unreal's magnitude is rounded up to a power of two.
 double power_of_two(long exponent) {
     constexpr long kLeast = -4;
     constexpr long kMost = 1023;

@@ -12,7 +12,7 @@ Value head_lines(const Runtime& runtime, Text header, const Value& structs, cons
     const Py_ssize_t before = lines.size();
     runtime.library_entry("resolve"_w).call(need).for_each([&](const Value& text) { lines.append(text); });
     if (lines.size() == before) {
-        lines.append(Value::text(runtime, ""));  // the line is there also without a function
+        lines.append(Value::text(runtime, ""));  // the line is present even without functions
     }
     std::string closing(CLOSURE_LIB);
     closing += extra_lib;

@@ -1,4 +1,4 @@
-// The inputs in the form that a result has them in.
+// The records of the inputs in a result.
 #include <algorithm>
 
 #include "closures/compile.h"
@@ -8,7 +8,7 @@ namespace quillgen {
 
 namespace {
 
-// The record of an input. One that stands in a list has its name in front.
+// The record of an input. In a list, its first key is the name.
 Value record_of(const Runtime& runtime, const Input& input, bool is_named) {
     Value record = Value::map(runtime);
     if (is_named) {
@@ -32,7 +32,7 @@ Value input_list(const Gen& g) {
     g.inputs.for_each([&](const Input& input) { inputs.push_back(&input); });
     std::size_t step = 0;
     std::sort(inputs.begin(), inputs.end(), [&step](const Input* a, const Input* b) {
-        check_signals_at(step++);  // hundreds of thousands of inputs take a third of a second
+        check_signals_at(step++);  // sorting hundreds of thousands of inputs takes a third of a second
         return a->name < b->name;
     });
     Value list = Value::list(g.runtime());

@@ -9,7 +9,7 @@ Text run(Gen& g, bool emission_mode) {
     if (src.is_none()) {
         g.unsupported("no surface output");
     }
-    // Before the surface: its whole graph is to see the bumped normal.
+    // Must run before the surface is evaluated, because the surface's whole graph reads the bumped normal.
     displacement_normal(g);
     const auto [e, t] = g.output(src);
     if (emission_mode) {

@@ -1,12 +1,12 @@
-// The shader nodes. A closure is one flat record in the generated text: a node starts it from
-// `closure_none` and states what differs.
+// The shader nodes. A closure is one flat struct in the generated HLSL: a node initializes it with `closure_none` and
+// assigns the fields that differ.
 #include "core/gen/gen.h"
 
 namespace quillgen {
 
 namespace {
 
-// A linked normal goes into the record; an unlinked one leaves it alone.
+// Writes a linked normal to the closure. An unlinked one leaves the closure unchanged.
 void write_normal(Gen& g, Node& n, Text c) {
     if (g.linked(n, "Normal"_w)) {
         g.uses.normal = true;
@@ -15,7 +15,7 @@ void write_normal(Gen& g, Node& n, Text c) {
     }
 }
 
-// Whether a weight takes part: its socket is linked, or its value is above 0.
+// Whether a weight has an effect: its socket is linked, or its value is above 0.
 bool has_weight(Node& n, Word ident) {
     const Value v = Gen::stored(n, ident);
     return Gen::linked(n, ident) || (v.truthy() && v.greater_than(0.0));
@@ -68,7 +68,7 @@ void _principled(Gen& g, Node& n) {
     const Text color = g.inp(n, "Emission Color"_w, RGBA);
     const Text strength = g.inp(n, "Emission Strength"_w, VALUE);
     g.emit("$0.emission = $1 * $2;", c, color, strength);
-    // The test comes first: whether a value fails it must not hang on what other nodes have turned on.
+    // The test comes first, so that an invalid value raises its error whichever flags other nodes have set.
     g.uses.emission = emits(g, n) || g.uses.emission;
     g.uses.alpha = is_see_through(n) || g.uses.alpha;
     g.emit("$0.alpha = saturate($1);", c, g.inp(n, "Alpha"_w, VALUE));
