@@ -5,7 +5,7 @@ namespace quillgen {
 
 namespace {
 
-// The colour is not put into a variable: each reader of an output pastes the signal.
+// The colour is not stored in a variable: each reader of an output repeats the signal's expression.
 void _vertex_color(Gen& g, Node& n) {
     const Text v = g.geo("vcol");
     g.bind(n, "Color"_w, RGBA, "$0.rgb", v);
@@ -20,7 +20,7 @@ void uv_attribute(Gen& g, Node& n, int uvi) {
     g.bind(n, "Alpha"_w, VALUE, "1.0");
 }
 
-// Any name that is no UV map's stands for the vertex colour.
+// Any name that is not a UV map stands for the vertex colour.
 void colour_attribute(Gen& g, Node& n) {
     const Text v = g.geo("vcol");
     g.bind(n, "Color"_w, RGBA, "$0.rgb", v);

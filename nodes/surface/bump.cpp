@@ -1,4 +1,4 @@
-// Bump: a height as a perturbed normal.
+// Bump: a normal that is perturbed by a height.
 #include "core/gen/gen.h"
 #include "nodes/surface/bump_normal.h"
 #include "nodes/surface/normals.h"
@@ -7,7 +7,8 @@ namespace quillgen {
 
 namespace {
 
-// Only the stored value counts: the offsets need one width for the whole surface, so a link is not followed.
+// Only the socket's default value counts. A link is not followed, because the offsets need one width for the whole
+// surface.
 Text filter_width(Gen& g, Node& n) {
     const Value width = Gen::stored(n, "Filter Width"_w);
     return width.is_none() ? "0.1" : g._f(width);
@@ -24,7 +25,7 @@ QUILLGEN_OWN_FRAME Text normal_by_height(Gen& g, Node& n, Bump& bump) {
     return _bump_normal(g, bump, false);
 }
 
-// A strength above one goes on past the perturbed normal; a negative one counts as zero.
+// A strength above one extrapolates beyond the perturbed normal; a negative one counts as zero.
 void _bump(Gen& g, Node& n) {
     Bump bump;
     bump.N = g.var("float3", _normal_or_shading(g, n));

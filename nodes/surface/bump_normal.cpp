@@ -4,7 +4,7 @@ namespace quillgen {
 
 namespace {
 
-// The screen's axes on the surface: the true screen derivatives of the position, their metric and its
+// The screen's axes on the surface: the true screen-space derivatives of the position, their metric tensor and its
 // determinant.
 struct ScreenAxes {
     Text e1;
@@ -26,9 +26,9 @@ ScreenAxes screen_axes(Gen& g) {
     return s;
 }
 
-// A position can take the step `d` as it is. A signal known only by its screen derivatives needs it in
-// screen steps: the a and b with a * e1 + b * e2 = w, by Cramer's rule on the dot products with e1 and e2.
-// Where the derivatives span no plane, such a signal stays where it is.
+// The offset of the signals for the step `d`. It is added to a position directly. A signal that is known only by its
+// screen-space derivatives needs it in screen steps: a and b with a * e1 + b * e2 = w, by Cramer's rule on the dot
+// products with e1 and e2. If the derivatives span no plane, a and b are 0, and such a signal is not moved.
 Offset offset_along(Gen& g, const ScreenAxes& s, Text d, Text fw) {
     const Text w = g.var("float3", "$0 * $1", d, fw);
     const Text r1 = g.var("float", "dot($0, $1)", s.e1, w);
@@ -75,7 +75,7 @@ Text _bump_normal(Gen& g, Bump b, bool object_space) {
     const Text rx = g.var("float3", "cross($0, $1)", b.dpdy, b.N);
     const Text ry = g.var("float3", "cross($0, $1)", b.N, b.dpdx);
     const Text det = g.var("float", "dot($0, $1)", b.dpdx, rx);
-    // the surface gradient of the height
+    // The surface gradient of the height.
     const Text sg = g.var("float3", "($0 - $1) * $2 + ($3 - $1) * $4", b.hx, b.hc, rx, b.hy, ry);
     const Text out = g.var("float3", "L.safe_normalize($0 * abs($1) * $2 - $3 * (($1 < 0.0) ? -1.0 : 1.0) * $4)", b.fw,
                            det, b.N, b.scale, sg);

@@ -1,12 +1,12 @@
-// From heights beside the shaded point to a normal.
+// Bumped normals from heights beside the shaded point.
 #pragma once
 
 #include "core/gen/gen.h"
 
 namespace quillgen {
 
-// Two steps in the tangent plane, each of the length of one screen step: the world-space vectors `dpdx` and
-// `dpdy`, and how far to move the signals for them.
+// Two steps in the tangent plane, each as long as one screen step: the world-space vectors `dpdx` and `dpdy`, and the
+// offsets of the signals for them.
 struct BumpOffsets {
     Text dpdx;
     Text dpdy;
@@ -17,8 +17,8 @@ struct BumpOffsets {
 // `fw`, the filter width, scales the offsets. It is a literal.
 BumpOffsets _bump_offsets(Gen& g, Text fw);
 
-// Names of variables or literals: vectors in world space, `hc` the height at the shaded point, `hx` and
-// `hy` the heights at the offsets.
+// Names of variables, or literals. Vectors are in world space. `hc` is the height at the shaded point; `hx` and `hy`
+// are the heights at the offsets.
 struct Bump {
     Text N;
     Text hc;
@@ -31,11 +31,11 @@ struct Bump {
     Text dpdy;
 };
 
-// The name of the new normal, in world space also where the bump is computed in object space.
+// Returns the name of the new normal, which is in world space even if the bump is computed in object space.
 Text _bump_normal(Gen& g, Bump bump, bool object_space);
 
-// Bumps the shading normal of all that is evaluated from then on by the displacement output, where the document asks
-// for it.
+// If the document asks for it, bumps the shading normal by the displacement output, for everything that is evaluated
+// afterwards.
 void displacement_normal(Gen& g);
 
 }  // namespace quillgen

@@ -1,5 +1,5 @@
-// Displacement and Vector Displacement: an offset of the surface in world space. The same nodes give the
-// bump of the shading normal and the displacement of the vertices.
+// Displacement and Vector Displacement: an offset of the surface in world space. The same nodes serve for the bump of
+// the shading normal and for the displacement of the vertices.
 #include "core/gen/gen.h"
 #include "core/gen/properties.h"
 #include "nodes/surface/normals.h"
@@ -18,7 +18,7 @@ void _displacement_node(Gen& g, Node& n) {
         g.set(n, "Displacement"_w, VECTOR, "($0 * $1)", nv, h);
         return;
     }
-    // The normal is made unit in object axes, so that the height scales with the object.
+    // The normal is normalized in object space, so that the height scales with the object.
     g.use("safe_normalize"_w);
     const Text ox = g.geo("ox");
     const Text oy = g.geo("oy");
@@ -28,8 +28,8 @@ void _displacement_node(Gen& g, Node& n) {
     g.set(n, "Displacement"_w, VECTOR, "($0.x * $1 + $0.y * $2 + $0.z * $3)", d, ox, oy, oz);
 }
 
-// The vector of tangent space in object axes. Its y runs along the normal and its z along the bitangent,
-// whose sign is the mesh's.
+// Converts a vector from tangent to object space. Its y component is along the normal and its z component along the
+// bitangent, whose sign comes from the mesh.
 Text from_tangent_space(Gen& g, Text d, Text ox, Text oy, Text oz) {
     g.use("safe_normalize"_w);
     const Text nf = g.geo("Nf");
@@ -42,7 +42,7 @@ Text from_tangent_space(Gen& g, Text d, Text ox, Text oy, Text oz) {
     return g.var("float3", "$1 * $0.x + $2 * $0.y + $3 * $0.z", d, t, nl, b);
 }
 
-// The object axes are read in every space, also where the vector stands in world space already.
+// The object axes are read in every space, even if the vector is already in world space.
 void _vector_displacement(Gen& g, Node& n) {
     const Text mid = g.var("float", g.inp(n, "Midlevel"_w, VALUE));
     const Text v = g.inp(n, "Vector"_w, VECTOR);

@@ -1,12 +1,12 @@
-// The displacement output as a bump of the shading normal, which shows the relief that the mesh, displaced or not, is
-// too coarse for.
+// The displacement output as a bump of the shading normal. It shows relief that is too fine for the mesh, displaced or
+// not.
 #include "nodes/surface/bump_normal.h"
 
 namespace quillgen {
 
 namespace {
 
-// The height is the part of the displacement along the normal.
+// The height is the component of the displacement along the normal.
 void displacement_bump(Gen& g, const Value& src, bool object_space) {
     Node disp = g.reader("D"_w, src);
     Bump bump;

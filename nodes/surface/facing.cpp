@@ -6,7 +6,7 @@ namespace quillgen {
 
 namespace {
 
-// Seen from the back the light leaves the medium, and the ratio of the indices is the inverse.
+// On the back side the light leaves the medium, so the ratio of the indices is inverted.
 void _fresnel(Gen& g, Node& n) {
     g.use("fresnel_dielectric_cos"_w);
     const Text ior = g.inp(n, "IOR"_w, VALUE);
@@ -18,7 +18,7 @@ void _fresnel(Gen& g, Node& n) {
     g.set(n, "Fac"_w, VALUE, "L.fresnel_dielectric_cos(dot($0, $1), $2)", i, nor, eta);
 }
 
-// Here eta falls as the blend rises, so it is the front that takes the inverse.
+// Here eta decreases as the blend increases, so it is inverted on the front side.
 void _layer_weight(Gen& g, Node& n) {
     g.use("fresnel_dielectric_cos"_w);
     const Text blend = g.var("float", g.inp(n, "Blend"_w, VALUE));

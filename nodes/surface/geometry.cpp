@@ -9,8 +9,8 @@ namespace {
 enum Axis { X, Y, Z };
 constexpr EnumItem kAxes[] = {{"X", X}, {"Y", Y}, {"Z", Z}};
 
-// The direction around the axis through the middle of the generated box, 0.5. The row of Y has the
-// opposite sense to the other two, as Blender has it.
+// The direction around the axis through the centre of the generated box, 0.5. Around Y it has the opposite sense to the
+// other two, as in Blender.
 Text around_axis(Gen& g, Axis axis, Text gen) {
     switch (axis) {
     case X:
@@ -22,7 +22,7 @@ Text around_axis(Gen& g, Axis axis, Text gen) {
     }
 }
 
-// The tangent `t` of object space as a variable in world space.
+// Converts the object-space tangent `t` to a variable in world space.
 Text tangent_to_world(Gen& g, Text t) {
     g.use("n_obj_to_world"_w);
     const Text ox = g.geo("ox");
@@ -31,7 +31,7 @@ Text tangent_to_world(Gen& g, Text t) {
     return g.var("float3", "L.n_obj_to_world($0, $1, $2, $3)", t, ox, oy, oz);
 }
 
-// A world-space tangent, turned into the plane of the shading normal.
+// Sets the output to a world-space tangent, projected onto the plane perpendicular to the shading normal.
 void set_tangent(Gen& g, Node& n, Text t, Text nf) {
     g.set(n, "Tangent"_w, VECTOR, "cross($1, normalize(cross($0, $1)))", t, nf);
 }
@@ -42,7 +42,7 @@ void _radial_tangent(Gen& g, Node& n, Axis axis) {
     set_tangent(g, n, to, g.geo("Nf"));
 }
 
-// What Unreal cannot tell: a fixed text, and a warning if something reads it.
+// Binds an output that Unreal cannot provide to a constant, and warns if something reads it.
 void set_unavailable(Gen& g, Node& n, Word out, Text why, SocketType type, Text fixed) {
     if (g.is_used(n, out)) {
         g.warn("$0: Geometry $1 is not available in Unreal", g.formatted(n.id), why);
@@ -50,8 +50,8 @@ void set_unavailable(Gen& g, Node& n, Word out, Text why, SocketType type, Text 
     g.bind(n, out, type, fixed);
 }
 
-// A signal declares its inputs when it is read, so one that nothing reads must not be: the material would
-// pay for it. Only the sign of the side is read in any case.
+// Reading a signal declares its inputs, which cost the material something, so a signal is read only for a used output.
+// Only the sign of the side is always read.
 void _geometry(Gen& g, Node& n) {
     if (g.is_used(n, "Position"_w)) {
         g.set(n, "Position"_w, VECTOR, g.geo("P"));
@@ -74,7 +74,7 @@ void _geometry(Gen& g, Node& n) {
     set_unavailable(g, n, "Random Per Island"_w, "Random Per Island", VALUE, "0.0");
 }
 
-// Unreal has one tangent per vertex, so the UV map that the node names plays no part.
+// Unreal has one tangent per vertex, so the UV map that the node names is ignored.
 void _tangent(Gen& g, Node& n) {
     const Value p = n.props();
     if (p.get("direction_type"_w).is("UV_MAP")) {

@@ -1,11 +1,11 @@
-// Normal Map: an encoded normal colour as a shading normal in world space.
+// Normal Map: decodes a normal from a colour, as a shading normal in world space.
 #include "core/gen/gen.h"
 
 namespace quillgen {
 
 namespace {
 
-// What both kinds of space work on; names of variables, but for the axes.
+// The operands of both kinds of space. All but the axes are names of variables.
 struct NormalMap {
     Text col;
     Text strength;
@@ -21,12 +21,13 @@ void flip_on_the_back(Gen& g, Text nm) {
     g.emit("if ($0 < 0.0) $1 = -$1;", ts, nm);
 }
 
-// The strength works on the components, before the frame: x and y without limit, z only down to 1.
+// The strength applies to the components, before the transform: it scales x and y without limit, and blends z from 1
+// with a factor of at most 1.
 void tangent_space(Gen& g, const NormalMap& m) {
     const Text nl = g.var("float3", g.geo("Nl"));
     const Text t = g.var("float3", g.geo("Tl"));
     const Text bl = g.var("float3", g.geo("Bl"));
-    // The bitangent is rebuilt; the mesh's own gives only its sign.
+    // The bitangent is recomputed; only its sign comes from the mesh.
     const Text b = g.var("float3", "cross($0, $1)", nl, t);
     g.emit("if (dot($0, $1) < 0.0) $0 = -$0;", b, bl);
     g.emit("$0.x *= $1; $0.y *= $1; $0.z = lerp(1.0, $0.z, saturate($1));", m.col, m.strength);
@@ -35,7 +36,8 @@ void tangent_space(Gen& g, const NormalMap& m) {
     flip_on_the_back(g, m.nm);
 }
 
-// The strength blends from the surface normal, after the transform; it is cut at zero only below.
+// The strength blends from the surface normal, after the transform. It is clamped to zero from below, without an upper
+// limit.
 void other_space(Gen& g, const NormalMap& m, const Value& space) {
     const bool blender_object = space.is("BLENDER_OBJECT");
     if (blender_object || space.is("BLENDER_WORLD")) {
@@ -70,7 +72,7 @@ void _normal_map(Gen& g, Node& n) {
     } else {
         other_space(g, m, space);
     }
-    // A colour may decode to no direction at all.
+    // A colour may decode to a vector without a direction: zero, infinite or NaN.
     g.emit("if (dot($0, $0) == 0.0 || any(isnan($0)) || any(isinf($0))) $0 = $1;", m.nm, m.Nf);
     g.bind(n, "Normal"_w, VECTOR, m.nm);
 }

@@ -1,5 +1,5 @@
-// Nodes that report facts about the scene, the ray or the object. Where Unreal has no such fact a fixed
-// value stands for it, with a warning where the difference shows.
+// Nodes that report facts about the scene, the ray or the object. Where Unreal has no such fact, a constant replaces
+// it, with a warning if the difference is visible.
 #include "core/gen/gen.h"
 
 namespace quillgen {
@@ -37,7 +37,7 @@ void _ao(Gen& g, Node& n) {
     g.bind(n, "AO"_w, VALUE, "1.0");
 }
 
-// Rounding needs rays too: the normal passes through. Unlinked, it is the one without the sign of the side.
+// Bevel needs rays too: the normal passes through. If it is unlinked, it is the normal without the sign of the side.
 void _bevel(Gen& g, Node& n) {
     g.set(n, "Normal"_w, VECTOR, g.linked(n, "Normal"_w) ? g.inp(n, "Normal"_w, VECTOR) : g.geo("N"));
 }
@@ -56,7 +56,7 @@ void _normal_node(Gen& g, Node& n) {
     g.set(n, "Dot"_w, VALUE, "dot($0, normalize($1))", d, nv);
 }
 
-// A sigmoid: the logistic function around the centre, as steep as the width says.
+// A sigmoid: the logistic function around the centre. The width sets its steepness.
 void _squeeze(Gen& g, Node& n) {
     g.warn("$0: Squeeze Value is EEVEE-only (converted with EEVEE's formula; Cycles ignores the node)",
            g.formatted(n.id));
@@ -73,14 +73,14 @@ void _camera_data(Gen& g, Node& n) {
     g.set(n, "View Distance"_w, VALUE, "length($0)", v);
 }
 
-// Colours of light that Rec.709 cannot hold have negative channels; both nodes cut those off.
+// Colours outside the Rec.709 gamut have negative channels, which both nodes clamp to zero.
 void _blackbody(Gen& g, Node& n) {
     g.use("blackbody_rec709"_w);
     const Text t = g.inp(n, "Temperature"_w, VALUE);
     g.set(n, "Color"_w, RGBA, "max(L.blackbody_rec709($0), float3(0.0, 0.0, 0.0))", t);
 }
 
-// CIE XYZ to linear Rec.709, scaled so that no colour of the spectrum much exceeds one.
+// Converts CIE XYZ to linear Rec.709, scaled so that no colour of the spectrum much exceeds one.
 void _wavelength(Gen& g, Node& n) {
     g.use("wavelength_xyz"_w);
     const Text w = g.inp(n, "Wavelength"_w, VALUE);

@@ -1,5 +1,5 @@
-// Texture coordinates and UV maps. Only the outputs that something reads are made, and only those of them that
-// have no equal in Unreal give a warning.
+// Texture coordinates and UV maps. Only outputs that something reads are generated. Of these, the ones without an
+// equivalent in Unreal warn.
 #include "core/gen/gen.h"
 
 namespace quillgen {

@@ -1,4 +1,4 @@
-// RGB, vector and float curves: tables of even samples as constant arrays, looked up in place.
+// RGB, vector and float curves: tables of evenly spaced samples as constant arrays, with inline lookups.
 #include <vector>
 
 #include "core/gen/gen.h"
@@ -8,7 +8,7 @@ namespace quillgen {
 
 namespace {
 
-// Declares the table as an array, on one line however long it is, and gives its name.
+// Declares the table as an array, on one line however long it is, and returns its name.
 QUILLGEN_OWN_FRAME Text _curve_table(Gen& g, const Value& table) {
     const Text name = g.tmp("ct");
     const auto size = static_cast<int>(table.size());
@@ -16,8 +16,8 @@ QUILLGEN_OWN_FRAME Text _curve_table(Gen& g, const Value& table) {
     return name;
 }
 
-// The curve at f, which is 0 at the first sample and 1 at the last. Beyond them it goes on in a straight line
-// through the two samples at that end, or holds the end. `f` stands here nine times, so it is a variable.
+// The curve at `f`, which is 0 at the first sample and 1 at the last. Outside, the curve is extrapolated linearly from
+// the two samples at that end, or is constant. `f` is repeated nine times, so callers pass a variable.
 QUILLGEN_OWN_FRAME Text _lookup(Gen& g, Text table, Text f, int size, bool extrapolate) {
     return g.text(
         "((($0) < 0.0 || ($0) > 1.0) && $4 ?"
@@ -33,7 +33,7 @@ int first_size(const Value& c) { return static_cast<int>(c.at("tables"_w).item(0
 
 bool extrapolates(const Value& c) { return property_is(c, "extend"_w, "EXTRAPOLATED", "EXTRAPOLATED"); }
 
-// The width of the input range. It may be zero, and then the text divides by it.
+// The width of the input range. It may be zero; the generated HLSL then divides by zero.
 QUILLGEN_OWN_FRAME Text range(Gen& g, const Value& c) {
     const double high = c.at("max"_w).as_float();
     const double low = c.at("min"_w).as_float();

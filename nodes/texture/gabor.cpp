@@ -6,7 +6,7 @@ namespace quillgen {
 
 namespace {
 
-// Both orientations are passed, whichever of them the type reads.
+// Both orientations are passed, whichever of them the type uses.
 void _tex_gabor(Gen& g, Node& n) {
     g.use("gabor"_w);
     const int dims = property_is(n.props(), "gabor_type"_w, "2D", "3D") ? 3 : 2;
@@ -30,7 +30,7 @@ void _radial_tiling(Gen& g, Node& n) {
     const Text norm = n.props().get("normalize"_w).truthy() ? "true" : "false";
     const Text o = g.var("float4", "L.calculate_out_variables(true, true, $0, $1, $2, $3.xy)", norm, sides, rnd, v);
     g.set(n, "Segment Coordinates"_w, VECTOR, "float3($0.y, $0.x, 0.0)", o);
-    // The one output that takes a call of its own, which is not written where nothing reads it.
+    // The only output with a separate call, which is omitted if nothing reads the output.
     g.set(n, "Segment ID"_w, VALUE, "L.calculate_out_segment_id($0, $1.xy)", sides, v);
     g.set(n, "Segment Width"_w, VALUE, "$0.z", o);
     g.set(n, "Segment Rotation"_w, VALUE, "$0.w", o);

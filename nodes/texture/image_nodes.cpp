@@ -1,11 +1,11 @@
-// Image and environment textures: the coordinate as the node's projection maps it, and the sample there.
+// Image and environment textures: the projection of the coordinate, and the sample there.
 #include "nodes/texture/image.h"
 
 namespace quillgen {
 
 namespace {
 
-constexpr Text kMagenta = "float3(1.0, 0.0, 1.0)";  // of a missing image
+constexpr Text kMagenta = "float3(1.0, 0.0, 1.0)";  // the colour of a missing image
 
 bool is_missing(const Gen& g, const Value& img) {
     if (!img.truthy()) {
@@ -20,13 +20,13 @@ void bind_sample(Gen& g, Node& n, Text sample) {
     g.bind(n, "Alpha"_w, VALUE, "$0.a", sample);
 }
 
-// Three samples, one along each axis, in the shares that the normal gives them.
+// Three samples, one along each axis, weighted by the normal.
 Text box_projection(Gen& g, Node& n, const Value& p, const DeclaredImage& image, Text co) {
     g.use("box_weights"_w);
     const Text nb = g.var("float3", g.geo("Nobj"));
     const Value blend = p.get("projection_blend"_w);
     const Text w = g.var("float3", "L.box_weights($0, $1)", nb, blend.present() ? g._f(blend) : "0.0");
-    // Mirrored on one side of each axis: the negative one of x, but the positive ones of y and z.
+    // Mirrored on one side of each axis: on the negative side of x, but on the positive sides of y and z.
     const Text coordinates[] = {
         g.text("float2(($0.x < 0.0) ? 1.0 - $1.y : $1.y, $1.z)", nb, co),
         g.text("float2(($0.y > 0.0) ? 1.0 - $1.x : $1.x, $1.z)", nb, co),
@@ -69,7 +69,7 @@ void _tex_image(Gen& g, Node& n) {
         return;
     }
     const Text tuv = projected(g, projection, co);
-    // The colour is straight only where something reads the alpha too.
+    // The colour is divided by alpha only if something reads the alpha too.
     bind_sample(g, n, _image_lookup(g, image, tuv, g.is_used(n, "Alpha"_w)));
 }
 

@@ -1,18 +1,18 @@
-// The code that samples a texture. It uses no state of a sampler but reads texel by texel, so that filtering,
-// wrapping, alpha and the decoding of sRGB come out as Blender's do.
+// The code that samples a texture. It reads single texels without a sampler, so that filtering, wrapping, alpha and the
+// decoding of sRGB match Blender's.
 #include "nodes/texture/image.h"
 
 namespace quillgen {
 
 namespace {
 
-// The texts that every filter is written with.
+// The operands of a filter.
 struct Tap {
     Text s;    // the sample's float4, which the filter declares
     Text t;    // the texture
-    Text suv;  // where to sample, with v downwards as texels lie
+    Text suv;  // where to sample, with v downwards, in the order of the texels
     Text sz;   // the size as a float2
-    int e;     // what lies beyond the edges
+    int e;     // the extension beyond the edges: see extension_code
     int assoc;
 };
 
@@ -99,7 +99,7 @@ Text _image_lookup(Gen& g, const DeclaredImage& image, Text tuv, bool unassociat
     if (unassociate && alpha.can_unassoc) {
         g.emit("if ($0.a != 1.0 && $0.a != 0.0) $0.rgb /= $0.a;", s);
     }
-    // After the filter, which works on the values as they are stored.
+    // Decoded after the filter, which works on the stored values.
     if (is_srgb(colorspace) && !info.get("float"_w).truthy()) {
         g.use("srgb_to_linear3"_w);
         g.emit("$0.rgb = L.srgb_to_linear3($0.rgb);", s);

@@ -1,5 +1,4 @@
-// Noise and white noise. The library has one function for each dimension and type of noise, whose name is
-// composed here.
+// Noise and white noise. The library has one function for each dimension and type of noise; its name is composed here.
 #include "nodes/texture/dimensions.h"
 
 namespace quillgen {
@@ -16,9 +15,9 @@ void _tex_noise(Gen& g, Node& n) {
     const Text co_type = g.types(d);
     const Text co = g.var(co_type, _coord(g, n, d, scale));
     const Text detail = g.var("float", "clamp($0, 0.0, 15.0)", g.inp(n, "Detail"_w, VALUE));
-    // Open above, unlike the roughness of the cells.
+    // No upper limit, unlike the roughness of Voronoi.
     const Text rough = g.var("float", "max($0, 0.0)", g.inp(n, "Roughness"_w, VALUE));
-    // The library writes the colour through its last argument, and only where it is asked to.
+    // The library writes the colour through its last argument, and only if `want` is 1.0.
     const Text col = g.tmp("c");
     g.emit("float3 $0;", col);
     const Text want = g.is_used(n, "Color"_w) ? "1.0" : "0.0";
@@ -34,7 +33,7 @@ void _tex_noise(Gen& g, Node& n) {
     g.bind(n, "Color"_w, RGBA, col);
 }
 
-// White noise has no scale. Its W is evaluated in 2D and 3D too, where nothing reads it.
+// White noise has no scale. Its W is evaluated in 2D and 3D too, where it is unused.
 Text white_coordinate(Gen& g, Node& n, int d) {
     if (d == 1) {
         return g.var("float", g.inp(n, "W"_w, VALUE, "0.0"));

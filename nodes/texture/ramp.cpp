@@ -1,4 +1,4 @@
-// Colour ramps: no lookup table but one `if` for each segment, so that the stops can be parameters.
+// Colour ramps: one `if` per segment instead of a lookup table, so that the stops can be parameters.
 #include <vector>
 
 #include "core/gen/gen.h"
@@ -7,7 +7,7 @@ namespace quillgen {
 
 namespace {
 
-// The texts of a ramp: the factor's variable, and of each stop a float and a float4.
+// The expressions of a ramp: the factor's variable, and for each stop a float position and a float4 colour.
 struct Ramp {
     Text fac;
     std::vector<Text> pos;
@@ -15,7 +15,7 @@ struct Ramp {
     Value r;
 };
 
-// How the colours of a segment become one.
+// How the two colours of a segment are blended.
 struct Blending {
     bool is_constant;
     bool eases;
@@ -76,7 +76,7 @@ Text segment_colour(Gen& g, const Ramp& ramp, std::size_t j, const Blending& ble
     if (blending.is_constant) {
         return ca;
     }
-    // The floor keeps the division finite where two stops share a position.
+    // The lower limit keeps the division finite where two stops share a position.
     Text t = g.text("saturate(($0 - $1) / max($2 - $1, 1e-10))", ramp.fac, ramp.pos[j], ramp.pos[j + 1]);
     if (blending.eases) {
         t = g.text("(3.0 - 2.0 * ($0)) * ($0) * ($0)", t);
@@ -91,7 +91,7 @@ Text segment_colour(Gen& g, const Ramp& ramp, std::size_t j, const Blending& ble
 }
 
 QUILLGEN_OWN_FRAME void emit_segments(Gen& g, const Ramp& ramp, Text out, const Blending& blending) {
-    // The tests of the segments are half-open and so leave the last stop to this one.
+    // The tests of the segments are half-open, so the last stop has a test of its own.
     g.emit("if ($0 >= $1) $2 = $3;", ramp.fac, ramp.pos.back(), out, ramp.col.back());
     for (std::size_t j = 0; j + 1 < ramp.col.size(); ++j) {
         const Text blend = segment_colour(g, ramp, j, blending);

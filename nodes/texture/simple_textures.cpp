@@ -12,7 +12,7 @@ constexpr EnumItem kBands[] = {{"X", 0}, {"Y", 1}, {"Z", 2}, {"DIAGONAL", 3}};
 constexpr EnumItem kRings[] = {{"X", 0}, {"Y", 1}, {"Z", 2}, {"SPHERICAL", 3}};
 constexpr EnumItem kProfiles[] = {{"SIN", 0}, {"SAW", 1}, {"TRI", 2}};
 
-// A property as a float literal, and as an integer one.
+// A property as a float literal, and as an integer literal.
 Text float_property(Gen& g, const Value& props, Word key, Text fallback) {
     const Value value = props.get(key);
     return value.present() ? g._f(value) : fallback;
@@ -88,7 +88,7 @@ void _tex_magic(Gen& g, Node& n) {
     g.bind(n, "Fac"_w, VALUE, "(($0.x + $0.y + $0.z) * (1.0 / 3.0))", c);
 }
 
-// Both directions are passed, whichever of them the type reads.
+// Both directions are passed, whichever of them the type uses.
 void _tex_wave(Gen& g, Node& n) {
     g.use("tex_wave"_w);
     const Value p = n.props();

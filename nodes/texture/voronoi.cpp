@@ -1,4 +1,4 @@
-// Voronoi: the settings go to the library in a struct, which the text fills field by field.
+// Voronoi: the settings are passed to the library in a struct, which the generated HLSL fills field by field.
 #include "nodes/texture/dimensions.h"
 
 namespace quillgen {
@@ -14,7 +14,7 @@ constexpr EnumItem kFeatures[] = {{"F1", kF1},
                                   {"N_SPHERE_RADIUS", kNSphereRadius}};
 constexpr EnumItem kMetrics[] = {{"EUCLIDEAN", 0}, {"MANHATTAN", 1}, {"CHEBYCHEV", 2}, {"MINKOWSKI", 3}};
 
-// What a feature has no value for is zero.
+// An output that the feature does not compute is zero.
 struct CellOutputs {
     Text distance = "0.0";
     Text color = "float3(0.0, 0.0, 0.0)";
@@ -23,7 +23,7 @@ struct CellOutputs {
     Text radius = "0.0";
 };
 
-// Declares the struct of parameters, fills all of it but the bound of the distance, and gives its name.
+// Declares the struct of parameters, fills it except for the bound of the distance, and returns its name.
 QUILLGEN_OWN_FRAME Text declare_parameters(Gen& g, Node& n, const Value& p, int feature, int metric) {
     const Text vp = g.tmp("vp");
     g.emit("QWKVoronoiParams $0;", vp);
@@ -44,7 +44,7 @@ QUILLGEN_OWN_FRAME Text declare_parameters(Gen& g, Node& n, const Value& p, int 
     return vp;
 }
 
-// How far along an axis a cell's point can lie from the middle of the cell, at most.
+// Half of the largest possible distance, along an axis, between the points of two adjacent cells.
 Text reach(Gen& g, Text vp) { return g.text("(0.5 + 0.5 * $0.randomness)", vp); }
 
 CellOutputs distance_to_edge(Gen& g, int d, Text vp, Text co) {
@@ -60,8 +60,8 @@ CellOutputs n_sphere_radius(Gen& g, int d, Text vp, Text co) {
     return {.radius = g.var("float", "L.$0($1, $2)", fn, vp, co)};
 }
 
-// The bound is the distance from the cell's middle to the farthest corner of that reach, in the struct's own
-// metric; F2 may lie twice as far.
+// The bound is the length of a vector with that reach along every axis, in the struct's own metric. F2 may lie twice as
+// far.
 void bound_distance(Gen& g, int d, Text vp) {
     const Text rr = reach(g, vp);
     if (d == 1) {
@@ -91,7 +91,7 @@ void _tex_voronoi(Gen& g, Node& n) {
     const int metric = enum_number(p, "distance"_w, "EUCLIDEAN", kMetrics);
     g.use_struct("QWKVoronoiParams"_w);
     g.use_struct("QWKVoronoiOutput"_w);
-    // On a line all metrics are one.
+    // In one dimension all metrics are equal.
     const Text vp = declare_parameters(g, n, p, feature, d == 1 ? 0 : metric);
     const Text type = g.types(d);
     const Text co = g.var(type, _coord(g, n, d, g.text("$0.scale", vp)));

@@ -1,4 +1,4 @@
-// Constants, and vectors and colours taken apart and built from their components.
+// Constants, and vectors and colours split into and combined from their components.
 #include "core/gen/gen.h"
 #include "core/gen/properties.h"
 
@@ -8,7 +8,7 @@ namespace {
 
 void _value(Gen& g, Node& n) { g.bind(n, "Value"_w, VALUE, g.param(n, "value", VALUE, n.props().get("value"_w))); }
 
-// What an RGB node shows in Blender before anyone touches it.
+// The default colour of Blender's RGB node.
 Value mid_grey(const Runtime& runtime) {
     const Value half = Value::number(runtime, 0.5);
     return Value::list(runtime, {half, half, half, Value::number(runtime, 1.0)});
@@ -33,7 +33,7 @@ void _combxyz(Gen& g, Node& n) {
     g.set(n, "Vector"_w, VECTOR, "float3($0, $1, $2)", x, y, z);
 }
 
-// The outputs keep their names in every mode: in HSV they carry hue, saturation and value.
+// The outputs have the same names in every mode: in HSV they are hue, saturation and value.
 void _sepcol(Gen& g, Node& n) {
     const Value p = n.props();
     const bool hsv = property_is(p, "mode"_w, "RGB", "HSV");

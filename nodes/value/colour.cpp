@@ -5,8 +5,8 @@ namespace quillgen {
 
 namespace {
 
-// A hue of 0.5 shifts nothing. Blender clamps the saturation but not the value, and the blend with the
-// input only from below.
+// A hue of 0.5 is no shift. Blender clamps the saturation but not the value, and the blend with the input only from
+// below.
 void _huesat(Gen& g, Node& n) {
     g.use("rgb_to_hsv"_w, "hsv_to_rgb"_w);
     const Text fac = g.var("float", g.inp(n, "Fac"_w, VALUE));
@@ -27,7 +27,7 @@ void _bright(Gen& g, Node& n) {
     g.set(n, "Color"_w, RGBA, "max((1.0 + $0) * ($1) + ($2 - $0 * 0.5), float3(0.0, 0.0, 0.0))", co, c, br);
 }
 
-// A component at or below 0.0 stays as it is: it has no power. A gamma of 0.0 is white even for black.
+// A component at or below 0.0 is unchanged, because its power may be undefined. A gamma of 0.0 is white even for black.
 void _gamma(Gen& g, Node& n) {
     const Text c = g.var("float3", g.inp(n, "Color"_w, RGBA));
     const Text gm = g.var("float", g.inp(n, "Gamma"_w, VALUE));
@@ -46,7 +46,7 @@ void _invert(Gen& g, Node& n) {
     g.set(n, "Color"_w, RGBA, "$0 * (float3(1.0, 1.0, 1.0) - $1) + (1.0 - $0) * $1", f, c);
 }
 
-// The luma weights of Rec.709, as wherever a colour becomes a value.
+// The luma weights of Rec.709, as in every conversion of a colour to a value.
 void _bw(Gen& g, Node& n) {
     const Text c = g.inp(n, "Color"_w, RGBA);
     g.set(n, "Val"_w, VALUE, "dot($0, float3(0.2126, 0.7152, 0.0722))", c);

@@ -1,4 +1,4 @@
-// Map Range, which carries a value from one range to another, and Clamp.
+// Map Range, which maps a value from one range to another, and Clamp.
 #include "core/gen/gen.h"
 #include "core/gen/properties.h"
 
@@ -19,7 +19,7 @@ constexpr const char* kComponents[] = {"x", "y", "z"};
 
 bool interpolation_is(const Value& p, Text word) { return property_is(p, "interpolation_type"_w, "LINEAR", word); }
 
-// The smooth curves end at the limits by themselves.
+// The smooth interpolations need no clamp, because they end at the limits.
 bool clamps(const Value& p) {
     return p.get("clamp"_w).truthy() && (interpolation_is(p, "LINEAR") || interpolation_is(p, "STEPPED"));
 }
@@ -76,7 +76,7 @@ Ranges scalar_ranges(Gen& g, Node& n) {
     return {v, fmin, fmax, tmin, tmax};
 }
 
-// An empty source range divides by zero here; map_scalar puts 0.0 in the place of what comes of it.
+// An empty source range divides by zero here; map_scalar replaces the result with 0.0.
 void assign_factor(Gen& g, Node& n, const Value& p, const Ranges& in, Text f) {
     if (interpolation_is(p, "LINEAR")) {
         g.emit("$0 = ($1 - $2) / ($3 - $2);", f, in.v, in.fmin, in.fmax);

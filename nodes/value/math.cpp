@@ -50,7 +50,7 @@ const TemplateTable MATH = {"abc",
                                 {"SMOOTH_MAX", "(-L.smoothminf(-a, -b, c))", {"smoothminf"_w}},
                             }};
 
-// All three operands are declared, whichever of them the operation names.
+// All three operands are declared, whichever of them the operation uses.
 void _math(Gen& g, Node& n) {
     const Value p = n.props();
     const Value operation = p.get("operation"_w);

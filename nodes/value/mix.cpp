@@ -6,7 +6,7 @@ namespace quillgen {
 
 namespace {
 
-// The library's blend of a lower-cased blend word; a word that the library lacks is found out there.
+// The name of the library's function for the blend type. The library raises the error for an unknown one.
 Text blend_function(Gen& g, const Value& props) {
     const Value word = props.get("blend_type"_w);
     const Text name = g.text("mix_$0", word.present() ? g.formatted(word.lower()) : "mix");

@@ -5,7 +5,7 @@ namespace quillgen {
 
 namespace {
 
-// `s` is the scalar operand. The words differ from those of Math here and there, as Blender's do.
+// `s` is the scalar operand. Some identifiers differ from those of Math, as they do in Blender.
 const TemplateTable VMATH = {
     "abcs",
     {
@@ -43,8 +43,8 @@ const TemplateTable VMATH = {
 
 constexpr Text kZero3 = "float3(0.0, 0.0, 0.0)";
 
-// All four operands are declared, whichever of them the operation names. The output that the operation
-// does not compute is bound too, so that a link from it reads a neutral constant.
+// All four operands are declared, whichever of them the operation uses. The output that the operation does not compute
+// is bound too, so that a link from it reads zero.
 void _vmath(Gen& g, Node& n) {
     const Value operation = n.props().get("operation"_w);
     const Text a = g.var("float3", g.inp(n, "Vector"_w, VECTOR));

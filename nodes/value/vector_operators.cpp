@@ -1,4 +1,4 @@
-// Vectors moved, turned, and carried from one space to another.
+// Mapping, rotation, and transforms of vectors between spaces.
 #include "core/gen/gen.h"
 #include "core/gen/properties.h"
 
@@ -12,7 +12,7 @@ constexpr EnumItem kRotations[] = {{"AXIS_ANGLE", 0}, {"X_AXIS", 1}, {"Y_AXIS", 
 void _mapping(Gen& g, Node& n) {
     g.use("mapping"_w);
     const int m = enum_number(n.props(), "vector_type"_w, "POINT", kMappings);
-    // Blender's node has no location for a direction or a normal.
+    // Blender's node has no Location socket for a direction or a normal.
     const Text loc = g.inp(n, "Location"_w, VECTOR, "float3(0.0, 0.0, 0.0)");
     const Text v = g.inp(n, "Vector"_w, VECTOR);
     const Text r = g.inp(n, "Rotation"_w, VECTOR);
@@ -48,12 +48,12 @@ Space space_of(const Value& props, Word key, Text fallback) {
     return property_is(props, key, fallback, "OBJECT") ? Space::object : Space::unknown;
 }
 
-// What the vector of a Vector Transform node stands for, and the object's axes.
+// The kind of vector of a Vector Transform node, and the object's axes.
 struct Transform {
     Gen& g;
     bool is_vector;
     bool is_normal;
-    bool is_point;  // by name; a word that is none of the three counts as a point too, except towards the camera
+    bool is_point;  // is POINT; an unknown kind is also treated as a point, except in world_to_cam
     Text ox;
     Text oy;
     Text oz;
@@ -102,7 +102,7 @@ Text cam_to_world(const Transform& t, Text x) {
     return t.is_vector ? d : g.text("($0 + $1)", d, g.geo("campos"));
 }
 
-// By way of world space, where the vector stops in a variable.
+// The transform goes through world space; the intermediate vector is stored in a variable.
 Text transformed(const Transform& t, Space from, Space to, Text v) {
     if (from == to || from == Space::unknown || to == Space::unknown) {
         return v;
