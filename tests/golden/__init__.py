@@ -1,4 +1,4 @@
-"""Documents whose complete results are kept as text, and the builders of documents that other tests use too.
+"""Documents whose complete results are stored as text, and the builders of documents that other tests use too.
 
-`pytest tests/golden --update` writes the kept texts anew; `git diff` then shows what has changed.
+`pytest tests/golden --update` rewrites the stored texts; `git diff` then shows what changed.
 """

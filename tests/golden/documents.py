@@ -4,7 +4,7 @@
     bsdf = node("BsdfPrincipled", {"Base Color": link(brick, "Color"), "Metallic": 1.0})
     document = material(bsdf, brick)
 
-A node has all sockets of its type with the values of node_types; `inputs` sets, `without` leaves out.
+A node has all sockets of its type with the values of node_types. `inputs` overrides values, `without` omits sockets.
 """
 
 import copy
@@ -21,8 +21,8 @@ IMAGES = {"wood.png": {"name": "wood.png", "colorspace": "sRGB", "alpha": "STRAI
 def node(kind, inputs=None, *, id=None, props=None, without=(), outs=True, **further):
     """A node record. `inputs`: socket -> number, triple, colour, None (a shader's) or a whole entry.
 
-    `props` replaces single properties, and takes those away that are None. `outs` may be a dict, or False for
-    a record that does not declare its outputs. `further`: other keys of the record.
+    `props` replaces single properties, and removes those that are None. `outs` may be a dict, or False for a record
+    that does not declare its outputs. `further`: other keys of the record.
     """
     kind = kind if kind.startswith("ShaderNode") else "ShaderNode" + kind
     sockets, outputs, properties = copy.deepcopy(TYPES.get(kind, ({}, {}, {})))
@@ -49,9 +49,9 @@ def bare(kind, inputs=None, **further):
 
 
 def link(source, output=None, kind=""):
-    """An input entry that reads an output (the first one, if not named) of a node record, or of an id.
+    """An input entry that reads an output (default: the first) of a node, given by its record or id.
 
-    `kind`: the type that the link states; the output's own by default, which may be None.
+    `kind`: the type that the link states. The default is the output's own type, which may be None.
     """
     if isinstance(source, str):
         return {"t": "VALUE", "link": [source, output, kind or None]}
@@ -64,7 +64,7 @@ def link(source, output=None, kind=""):
 def material(*nodes, surface=None, displacement=None, **top):
     """A document. The surface is the first output of the first node, or a pair (record or id, output).
 
-    `displacement` is such a pair, or a record whose first output it is. `top`: other keys of the document.
+    `displacement` is such a pair, or a record whose first output is used. `top`: other keys of the document.
     """
 
     def source(given):

@@ -1,4 +1,4 @@
-"""The kept results: a file for each node type, a section for each case."""
+"""The stored results: a file for each node type, a section for each case."""
 
 import re
 
@@ -17,7 +17,7 @@ def section(case):
 
 
 def write_all():
-    """Makes all files anew, and takes those away that no case has any more."""
+    """Rewrites all files, and deletes those without cases."""
     wanted = {}
     for file, cases in all_cases().items():
         text = "\n\n".join(f"{MARK}{title}\n{section(case)}" for title, case in cases.items())

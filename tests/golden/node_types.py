@@ -1,13 +1,13 @@
-"""The node types as Blender has them: input sockets with a value, output sockets, and all properties.
+"""Blender's node types: input sockets with a value, output sockets, and all properties.
 
-The values differ from socket to socket, so that a text shows which one it holds.
+The values differ between sockets, so that a text shows which socket it reads.
 """
 
 VALUE, VECTOR, RGBA, SHADER = "VALUE", "VECTOR", "RGBA", "SHADER"
 
 
 def entry(value, kind=None):
-    """An unlinked input entry. None is a shader's; three numbers are a vector and four a colour."""
+    """An unlinked input entry. None means a shader, three numbers a vector, four numbers a colour."""
     if value is None:
         return {"t": SHADER}
     size = len(value) if isinstance(value, (list, tuple)) else 1
@@ -324,7 +324,7 @@ TYPES = {
     for name, (inputs, outputs, props) in _TYPES.items()
 }
 
-# What a node record holds besides.
+# Further keys of node records.
 FURTHER = {
     "ShaderNodeValToRGB": {"ramp": RAMP},
     "ShaderNodeRGBCurve": {"curve": CURVES},
@@ -332,7 +332,7 @@ FURTHER = {
     "ShaderNodeFloatCurve": {"curve": {**CURVES, "tables": CURVES["tables"][:1]}},
 }
 
-# Sockets that a document may lack.
+# Sockets that may be absent from a document.
 OPTIONAL = {
     "BsdfPrincipled": (
         "Normal",

@@ -1,8 +1,8 @@
-"""Results as readable text from which every difference shows: values, types, the order of keys and lists.
+"""Renders results as readable text that shows every difference: values, types, the order of keys and lists.
 
-Code stands as it is, but for the part that all texts share: the library's functions and the closure's, whose
-texts have tests of their own. Where that part is byte for byte what it has to be for the library names that
-are asked for, one line stands for it, with those names; where it isn't, it stands in full.
+Code is rendered verbatim, except for the head that all texts share: the functions of the library and the closure,
+which have their own tests. If the head is byte for byte the expected one for the requested library names, it is
+replaced by one line with these names; otherwise it is rendered in full.
 """
 
 import functools
@@ -24,7 +24,7 @@ HEADERS = {
 
 @functools.cache
 def closure():
-    """(the closure's struct, its functions) as every text holds them."""
+    """Returns (the closure's struct, its functions) as in every text."""
     struct, functions = (FOLDER / "closure.hlsl").read_text(encoding="utf-8").rstrip("\n").split("\n\n")
     return struct, "\n" + functions
 
@@ -35,7 +35,7 @@ def function_name(text):
 
 @functools.cache
 def library():
-    """({function name: its text}, {function name: the library name that brings it})."""
+    """Returns ({function name: its text}, {function name: the library name that includes it})."""
     texts, units = {}, {}
     for name in quillgen_lib.NAMES:
         resolved = [(function_name(text), text) for text in quillgen_lib.resolve({name})]
@@ -47,7 +47,8 @@ def library():
 
 
 def asked_for(functions, body):
-    """The library names behind a list of texts: those that no other calls, and those that `body` calls."""
+    """The library names requested for a list of functions: those that no other of them calls, and those that `body`
+    calls."""
     texts, units = library()
     names = [function_name(text) for text in functions]
     called = set(re.findall(r"\bL\.(\w+)", body))
@@ -58,7 +59,7 @@ def asked_for(functions, body):
 
 
 def head(header, structs, need):
-    """The text down to the line of `L`, and a line feed."""
+    """The expected head: the text up to and including the line of `L`, and a line feed."""
     struct, functions = closure()
     structs = [quillgen_lib.STRUCTS[name] for name in structs]
     library_texts = "\n".join(quillgen_lib.resolve(set(need)))
@@ -66,7 +67,7 @@ def head(header, structs, need):
 
 
 def split_head(code):
-    """(a line that stands for the head, the rest), or ("", code)."""
+    """Returns (a line that replaces the head, the rest), or ("", code) if the head is not the expected one."""
     above, mark, rest = code.partition("\nQWK L;\n")
     if not mark:
         return "", code
@@ -83,7 +84,7 @@ def split_head(code):
 
 
 def literal(value):
-    """repr, of plain types only; sets in sorted order."""
+    """Like repr, but for plain types only and with sets in sorted order."""
     if type(value) is dict:
         return "{" + ", ".join(f"{literal(k)}: {literal(v)}" for k, v in value.items()) + "}"
     if type(value) in (list, tuple):

@@ -1,6 +1,6 @@
-"""DXC takes every golden text as Unreal wraps it, in HLSL 2018 and 2021, warnings being errors.
+"""DXC compiles every golden text, wrapped as in Unreal, in HLSL 2018 and 2021 with warnings as errors.
 
-None is left out: a name that the library lacks is a KeyError of the translation, so there is no text of it.
+No text is skipped. A name that is missing in the library makes the translation raise KeyError, so there is no text.
 """
 
 import pytest
@@ -11,7 +11,7 @@ from golden.cases import all_cases
 
 
 def texts():
-    """(file, title, result) of each text of each case; equal texts once."""
+    """Yields (file, title, result) of each text of each case, without duplicates."""
     seen = set()
     for file, cases in all_cases().items():
         for title, case in cases.items():
@@ -23,7 +23,8 @@ def texts():
 
 
 def wrapped(result):
-    """A result as the harness takes it. A text of several graphs reads a selector that no input tells of."""
+    """A result in the form that the harness expects. A text of several graphs reads a selector, which is not in its
+    inputs."""
     if "magnitude" in result:
         return result
     inputs = result["inputs"]

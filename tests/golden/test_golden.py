@@ -1,4 +1,4 @@
-"""Every golden document translates to exactly what is kept of it."""
+"""Every golden document translates to exactly the stored result."""
 
 import functools
 import os

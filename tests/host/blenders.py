@@ -1,7 +1,7 @@
 """The Blenders that tests run in: bpy of several versions, each in an environment that tools/setup makes.
 
-QUILLGEN_BLENDERS names the versions, such as "4.2 5.2" (tools/test --blender sets it); those that are not here are
-skipped by name.
+QUILLGEN_BLENDERS names the versions, such as "4.2 5.2" (tools/test --blender sets it). Tests for a version that is not
+installed are skipped and name it.
 """
 
 import os
@@ -16,7 +16,7 @@ VERSIONS = tuple(os.environ.get("QUILLGEN_BLENDERS", "4.2 5.2").split())
 
 
 def run(version, script, *words):
-    """The lines that a script prints in a Blender."""
+    """Runs a script in a Blender version. Returns the lines that it prints."""
     python = ROOT / f".venv-blender-{version}" / "bin" / "python"
     if not python.exists():
         pytest.skip(f"no Blender {version} here: tools/setup blender={version} makes it")

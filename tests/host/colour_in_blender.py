@@ -1,8 +1,8 @@
-"""Pictures in every colour space that Blender has: what Cycles shows of them against what the saved textures hold, as
-the text reads them. Prints one JSON object: {kind of picture: {space: the median difference, relative above 1}}. Runs
+"""Compares images in every colour space of Blender: how Cycles renders them, and the values that the text reads from
+the saved textures. Prints one JSON object: {kind of image: {space: the median difference, relative above 1}}. Runs
 inside Blender.
 
-Arguments: a folder to write to, the file's working space ("" for the usual one), and "as they stand" to save without
+Arguments: a folder to write to, the file's working space ("" for the default), and "as they stand" to save without
 conversion.
 """
 
@@ -55,7 +55,7 @@ def picture(folder, kind, is_float, space):
 
 
 def rendered(images):
-    """[images, SIDE, SIDE, 3] in the working space"""
+    """The images rendered by Cycles: [images, SIDE, SIDE, 3] in the working space."""
     mesh = in_blender.canvas(len(images))
 
     def material(image):
@@ -70,7 +70,7 @@ def to_rec709(shown):
 
 
 def read_back(image, folder, space):
-    """What the text makes of a saved texture."""
+    """The values that the text reads from a saved texture."""
     path, record = pictures.save_picture(image, folder, "saved " + space.replace("/", "-"))
     saved = bpy.data.images.load(str(path))
     saved.colorspace_settings.name = "Non-Color"

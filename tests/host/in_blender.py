@@ -1,6 +1,6 @@
-"""Flattens every little material, builds its document, made ready for the translator, again as a plain tree and renders
-both. Writes one JSON object to the file that is named: {name: {"document": ..., "difference": the largest one between
-the two pictures}}. Runs inside Blender.
+"""Reads the document of every small test material, prepares it for the translator, rebuilds it as a plain tree, and
+renders both. Writes one JSON object to the given file: {name: {"document": ..., "difference": the largest difference
+between the two pictures}}. Runs inside Blender.
 """
 
 import json
@@ -56,7 +56,7 @@ def material(fill):
 
 
 def canvas(count):
-    """One mesh of unit squares side by side, with two UV maps, below a camera."""
+    """A mesh of unit squares side by side, with two UV maps, and a camera above it."""
     corners = [(x + dx, dy, 0.0) for x in range(count) for dx, dy in ((0, 0), (1, 0), (1, 1), (0, 1))]
     mesh = bpy.data.meshes.new("Canvas")
     mesh.from_pydata(corners, [], [range(4 * n, 4 * n + 4) for n in range(count)])

@@ -1,5 +1,5 @@
-"""Little materials with the nodes that Blender 5.0 and later resolve before they render: menus, zones, closures,
-bundles, constants. Each function fills a node tree and returns the socket to show. Runs inside Blender."""
+"""Small materials with nodes that Blender 5.0 and later resolve before rendering: menus, zones, closures, bundles,
+constants. Each function fills a node tree and returns the socket to render. Runs inside Blender."""
 
 import bpy
 
@@ -29,7 +29,7 @@ def menu_switch_with_a_value(tree):
 
 
 def menu_switch_of_numbers(tree):
-    """A colour that goes through a switch of numbers."""
+    """A colour linked to a menu switch of floats."""
     number = menu(tree, "FLOAT", "B", (0.5, colour(tree))).outputs[0]
     return add(tree, "VectorMath", {0: number, 1: (1.0, 2.0, 3.0)}).outputs[0]
 
@@ -39,7 +39,7 @@ def menu_switch_says_which(tree):
 
 
 def menu_from_outside(tree):
-    """The choice is an input of a group."""
+    """The menu choice is an input of a group."""
 
     def fill(inner, begin, end):
         switch = menu(inner, "VECTOR", "A", (begin["One"], begin["Two"]))
@@ -53,7 +53,7 @@ def menu_from_outside(tree):
 
 
 def shader_switch(tree):
-    """A switch of shaders; what it shows is asked for by the caller."""
+    """A menu switch of shaders."""
     glow = add(tree, "Emission", {"Color": vector(tree)})
     return menu(tree, "SHADER", "B", (add(tree, "BsdfDiffuse").outputs[0], glow.outputs[0])).outputs[0]
 
@@ -81,7 +81,7 @@ def repeat(tree, items, turns, body):
 
 
 def repeat_zone(tree):
-    """Three turns that add what comes from outside, half of it, a third ..."""
+    """Three iterations that add 1/1, 1/2 and 1/3 of a value from outside the zone."""
     outside = vector(tree)
 
     def body(tree, given, turn):
@@ -97,14 +97,14 @@ def repeat_without_turns(tree):
 
 
 def repeat_that_swaps(tree):
-    """Two values that change places, three times, without a node between."""
+    """Two values that are swapped three times by links alone, without a node."""
     items = [("RGBA", "One", vector(tree)), ("RGBA", "Two", (0.5, 0.25, 0.125, 1.0))]
     zone = repeat(tree, items, 3, lambda tree, given, turn: [given["Two"], given["One"]])
     return add(tree, "VectorMath", {0: zone.outputs["One"], 1: zone.outputs["Two"]}, operation="SUBTRACT").outputs[0]
 
 
 def repeat_through_numbers(tree):
-    """A colour that starts an item of numbers."""
+    """A float item whose initial value is a linked colour."""
     zone = repeat(tree, [("FLOAT", "N", colour(tree))], 2, lambda tree, given, turn: [given["N"]])
     return add(tree, "VectorMath", {0: zone.outputs[0], 1: (1.0, 2.0, 3.0)}).outputs[0]
 
@@ -123,7 +123,7 @@ def repeat_within_repeat(tree):
 
 
 def repeat_in_a_group(tree):
-    """The number of turns and a shader come through the group's border."""
+    """The number of iterations and the step are inputs of a group."""
 
     def fill(inner, begin, end):
         def body(tree, given, turn):
@@ -137,7 +137,7 @@ def repeat_in_a_group(tree):
 
 
 def closure(tree, given, made, body):
-    """A closure that is defined; given and made are [(type, name)]."""
+    """Defines a closure; given and made are [(type, name)] of its inputs and outputs."""
     begin, end = add(tree, "NodeClosureInput"), add(tree, "NodeClosureOutput")
     begin.pair_with_output(end)
     for kind, name in given:
@@ -151,7 +151,7 @@ def closure(tree, given, made, body):
 
 
 def evaluate(tree, source, given, made):
-    """A node that calls a closure; given is [(type, name, value)]."""
+    """A node that evaluates a closure; given is [(type, name, value)]."""
     node = add(tree, "NodeEvaluateClosure")
     for kind, name, _ in given:
         node.input_items.new(kind, name)
@@ -167,7 +167,7 @@ def evaluate(tree, source, given, made):
 
 
 def closures(tree):
-    """One closure, called twice with other values; something in it doesn't depend on its inputs."""
+    """One closure that is evaluated twice with different values. A part of it doesn't depend on its inputs."""
     outside = vector(tree)
 
     def body(tree, given):
@@ -181,7 +181,7 @@ def closures(tree):
 
 
 def closure_through_a_group(tree):
-    """A group that calls the closure which it is given."""
+    """A group that evaluates a closure from its input."""
 
     def fill(inner, begin, end):
         one = evaluate(inner, begin["F"], [("FLOAT", "X", begin["X"])], [("FLOAT", "Y")])
@@ -199,7 +199,7 @@ def closure_through_a_group(tree):
 
 
 def closure_of_numbers(tree):
-    """A colour that is handed to an input of numbers."""
+    """A colour linked to a float input of a closure."""
     made = closure(
         tree,
         [("FLOAT", "X")],
@@ -256,7 +256,7 @@ def joined_bundles(tree):
 
 
 def joined_bundles_in_another_order(tree):
-    """The links have changed places."""
+    """The same with the order of the links swapped."""
     out = joined_bundles(tree)
     one, two = (link for link in tree.links if link.to_node.bl_idname == "NodeJoinBundle")
     one.swap_multi_input_sort_id(two)
@@ -264,7 +264,7 @@ def joined_bundles_in_another_order(tree):
 
 
 def constants(tree):
-    """Numbers, truth values and vectors from nodes that hold nothing else."""
+    """Constant integer, boolean and vector nodes."""
     number = add(tree, "FunctionNodeInputInt", integer=3).outputs[0]
     truth = add(tree, "FunctionNodeInputBool", boolean=True).outputs[0]
     fixed = add(tree, "FunctionNodeInputVector", vector=(0.1, 0.2, 0.3)).outputs[0]
@@ -303,7 +303,7 @@ def conversion_of_nothing(tree):
 
 
 def returned(tree, kind, fill):
-    """What nodes that read nothing but constants give through a group's output of a type."""
+    """A value computed from constants only, converted by a group output of a type."""
     inner = group("Fixed", [], [("Out", kind)], lambda tree, begin, end: tree.links.new(fill(tree), end[0]))
     return add(tree, "VectorMath", {0: vector(tree), 1: use(tree, inner).outputs[0]}, operation="MULTIPLY").outputs[0]
 
@@ -320,17 +320,17 @@ def worked_out_as_a_number(tree):
 
 
 def worked_out_as_a_whole_number(tree):
-    """A vector, so that its mean counts."""
+    """A vector, which converts to an integer by its mean."""
     return returned(tree, "Int", lambda tree: add(tree, "CombineXYZ", {0: 3.5, 1: 2.0, 2: 1.0}).outputs[0])
 
 
 def worked_out_as_a_truth(tree):
-    """A vector is true unless all of it is zero."""
+    """A vector is true unless all components are zero."""
     return returned(tree, "Bool", lambda tree: add(tree, "CombineXYZ", {0: -3.5, 1: 0.25}).outputs[0])
 
 
 def constant_vector_as_a_truth(tree):
-    """Without a node that holds it, from one group into another."""
+    """An unlinked group input that is passed to an inner group, without a node in between."""
     inner = group(
         "Truth", [("In", "Bool")], [("Out", "Color")], lambda tree, begin, end: tree.links.new(begin[0], end[0])
     )
@@ -344,7 +344,7 @@ def constant_vector_as_a_truth(tree):
 
 
 def texture_worked_out(tree):
-    """A texture reads the same coordinate everywhere: 1 and a bit as a whole number."""
+    """A texture with a constant coordinate is constant too: the sum, slightly above 1, becomes an integer."""
 
     def fill(tree):
         where = add(tree, "CombineXYZ", {0: 0.3}).outputs[0]
@@ -355,8 +355,8 @@ def texture_worked_out(tree):
 
 
 def float_curves_beyond_their_range(tree):
-    """Of a constant the curve's clipping range leaves 1, unless the curve goes on within it; what varies is not
-    clipped."""
+    """A constant input is clipped to 1 by the curve's clipping range, unless the curve goes on within it; a varying
+    input is not clipped."""
     varying = add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]
     curves = [add(tree, "FloatCurve", {"Value": value}) for value in (1.5, varying, 0.5, 1.5)]
     for one in curves[2:]:  # a roof that stands out of the range
@@ -370,7 +370,7 @@ def float_curves_beyond_their_range(tree):
 
 
 def texture_with_its_own_coordinate(tree):
-    """This one is no constant, and keeps its fraction."""
+    """This texture varies, so its value keeps its fraction."""
     return returned(tree, "Int", lambda tree: add(tree, "Math", {0: add(tree, "TexGradient").outputs[1]}).outputs[0])
 
 

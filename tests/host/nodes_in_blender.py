@@ -1,6 +1,6 @@
-"""Every node type that a material can hold, read with all its properties and sockets. Prints one JSON object: {node
-type: {"properties", "sockets": those that Blender has; "kept": those that the document has; "ignored": those with a
-reason; "unknown": those that the reader's table lacks; "notes"; "error"}}. Runs inside Blender.
+"""Reads every node type that a material can contain. Prints one JSON object: {node type: {"properties", "sockets":
+those in Blender; "kept": those in the document; "ignored": those with a reason; "unknown": those missing in the
+reader's table; "notes"; "error"}}. Runs inside Blender.
 """
 
 import json
@@ -49,7 +49,7 @@ def examined(name):
     tree = material.node_tree
     node = tree.nodes.new(name)
     if hasattr(node, "attribute_name"):
-        node.attribute_name = "Any"  # without one it has no record
+        node.attribute_name = "Any"  # a node without a name has no record
     common = node_types.COMMON
     properties = [prop.identifier for prop in node.bl_rna.properties if prop.identifier not in common]
     sockets = [socket.identifier for socket in node.inputs]

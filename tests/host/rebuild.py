@@ -1,4 +1,4 @@
-"""A flat document back as a material: what it says, in Blender's own nodes. Runs inside Blender."""
+"""Rebuilds a material with Blender's own nodes from a flat document. Runs inside Blender."""
 
 import bpy
 
@@ -29,8 +29,8 @@ def named(sockets, identifier):
 
 
 def connect(tree, out, seen, socket):
-    """A link on which the value counts as another type than its socket's reads it through a node of that
-    type."""
+    """Links two sockets. If the document reads the value as a type other than the output's, the link goes through a
+    node of that type."""
     if (out.type, seen, socket.type) in (("VECTOR", "RGBA", "VALUE"), ("RGBA", "VECTOR", "VALUE")):
         between = tree.nodes.new("ShaderNodeRGBToBW" if seen == "RGBA" else "ShaderNodeVectorMath")
         if seen == "VECTOR":
@@ -78,7 +78,7 @@ def ramp(band, record):
 
 
 def curve(mapping, record):
-    """A curve with a straight piece from sample to sample."""
+    """Fills a curve mapping with straight segments between the samples."""
     tables, low, high = (record["curve"][key] for key in ("tables", "min", "max"))
     mapping.extend = record["curve"]["extend"]
     mapping.use_clip = False

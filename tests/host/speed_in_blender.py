@@ -1,6 +1,6 @@
-"""How long reading takes: rebuilds documents (JSON files named as arguments) as materials and reads each of them often.
-Prints one JSON object: {name: {"nodes": ..., "seconds": the shortest processor time,
-"touch": that of touching every socket of the material's own tree}}. Runs inside Blender."""
+"""Measures the time to read materials: rebuilds documents (JSON files given as arguments) as materials and reads each
+of them repeatedly. Prints one JSON object: {name: {"nodes": ..., "seconds": the shortest CPU time, "touch": the CPU
+time of accessing every socket of the material's own tree}}. Runs inside Blender."""
 
 import json
 import sys
@@ -31,7 +31,8 @@ def rebuilt(path):
 
 
 def large():
-    """474 nodes: forty times a group of textures, ramps and curves, and what ties them together."""
+    """A material of 474 nodes: forty instances of a group with textures, ramps and curves, and the nodes that connect
+    them."""
     material = bpy.data.materials.new("Large")
     material.use_nodes = True
     tree = material.node_tree
@@ -66,7 +67,7 @@ def measured(material):
 
 
 def touch(material):
-    """The least that reading can be: every socket's identity, type and value, once."""
+    """The minimum work of reading: accesses the identifier, type and value of every socket once."""
     for node in material.node_tree.nodes:
         for socket in node.inputs:
             _ = socket.identifier, socket.type, getattr(socket, "default_value", None)

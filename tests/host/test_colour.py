@@ -1,4 +1,4 @@
-"""Pictures in all colour spaces of a Blender, as Cycles shows them and as the saved textures hold them."""
+"""Images in all colour spaces of a Blender version: Cycles' values against those of the saved textures."""
 
 import json
 import sys
@@ -13,8 +13,8 @@ import blenders
 
 SPACES = {"4.2": 21, "4.5": 21, "5.0": 25, "5.1": 25, "5.2": 63}
 HALF_A_BYTE = 0.5 / 255
-# Blender converts to another working space in steps of half floats, two of which are more than half a byte's step.
-# So it does up to 5.0 from this space, where bytes lie far apart.
+# Blender converts to another working space in half floats; two of their steps are more than half a byte step. Up to 5.0
+# it also converts from this space in half floats, and its byte values are far apart.
 WIDE_STEPS = {"AgX Log": 6 / 1024}
 LIMITS = {"": HALF_A_BYTE, "Linear Rec.2020": 2.5 / 1024, "ACEScg": 2.5 / 1024}
 
@@ -39,7 +39,7 @@ def test_textures_hold_what_cycles_shows(version, working, tmp_path):
 
 
 def test_a_picture_that_is_not_converted_is_far_off(tmp_path):
-    """The comparison sees errors: bytes of a wide space, saved as they stand."""
+    """The comparison detects errors: bytes of a wide space that are saved without conversion."""
     words = [tmp_path, "", "as they stand"]
     report = json.loads(blenders.run(blenders.VERSIONS[-1], HERE / "colour_in_blender.py", *words)[-1])
     off = [space for space, value in report["bytes"].items() if value > HALF_A_BYTE]

@@ -1,5 +1,5 @@
-"""The host for Blender, in each Blender that tools/setup has made an environment for: what its documents say,
-and that a tree built from a document renders like the tree it came from."""
+"""Tests the reader in each Blender that tools/setup installed: the contents of its documents, and that a tree rebuilt
+from a document renders like the original tree."""
 
 import json
 import sys
@@ -26,8 +26,8 @@ def nodes(report, name):
 
 
 def test_a_document_rendered_again_shows_the_same_picture(blender):
-    # Rebuilt curves are made of straight pieces, hues stay a hair away from the seam, and a ramp that Blender works
-    # out ahead goes by no table.
+    # Rebuilt curves consist of straight segments, hues stay slightly away from the seam, and a ramp that Blender
+    # evaluates in advance does not use a table.
     tolerance = {
         "rgb_curves": 5e-4,
         "float_curves_beyond_their_range": 1e-4,

@@ -1,5 +1,5 @@
-"""Nothing of a node is lost in silence: every property and socket that the Blender at hand has on a node which is
-translated is handed over or stands on the list of those that make no difference. A newer Blender fails here."""
+"""No part of a node is lost silently: every property and socket of a translated node in the installed Blender is passed
+on, or listed as having no effect. Fails with a newer Blender that adds some."""
 
 import json
 import sys
@@ -14,7 +14,7 @@ import blenders
 import quillgen
 from quillgen_blender import passes
 
-EMPTY = ("image", "object")  # handed over only where something is chosen
+EMPTY = ("image", "object")  # passed on only if set
 
 
 @pytest.fixture(scope="module", params=blenders.VERSIONS)
@@ -42,7 +42,8 @@ def test_what_is_known_is_handed_over_or_has_a_reason(nodes):
 
 
 def test_reasons_are_of_nodes_that_there_are(nodes):
-    """Those for one node type; what all nodes may have need not be on each."""
+    """Each reason for a single node type names an existing property or socket. Reasons for all nodes need not apply to
+    each."""
     stale = {
         name: [what for what in found["ignored_here"] if what not in found["properties"] + found["sockets"]]
         for name, found in nodes.items()
@@ -52,13 +53,13 @@ def test_reasons_are_of_nodes_that_there_are(nodes):
 
 
 def test_what_is_new_is_a_note(nodes):
-    """A table that has forgotten a property and a socket of a node."""
+    """A property and a socket that are missing in the reader's table become notes."""
     told = [text for text in nodes["ShaderNodeMath"]["forgotten"] if "is new to this translator" in text]
     assert [text.split()[0] for text in told] == ["use_clamp", "Value_002"]
 
 
 def test_all_nodes_can_be_translated(nodes):
-    """No socket that a handler asks for is missing in an older Blender."""
+    """Older Blenders have every socket that a handler requires."""
     trouble = {}
     for name, found in nodes.items():
         if "document" in found and found["document"]["out"]:

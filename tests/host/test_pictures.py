@@ -1,4 +1,4 @@
-"""Cycles' pictures in the gallery are what Blender shows of the documents."""
+"""The Cycles pictures in the gallery match what Blender renders from the documents."""
 
 import sys
 from pathlib import Path

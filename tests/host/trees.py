@@ -1,5 +1,5 @@
-"""Little materials with everything in them that a flat document has not. Each function fills a node tree and
-returns the socket to show. Runs inside Blender."""
+"""Small materials with everything that a flat document doesn't have. Each function fills a node tree and returns the
+socket to render. Runs inside Blender."""
 
 import bpy
 
@@ -23,7 +23,7 @@ def named(sockets, identifier):
 
 
 def vector(tree):
-    """Something with three different components everywhere."""
+    """A vector whose three components differ everywhere."""
     uv = add(tree, "UVMap").outputs[0]
     return add(tree, "VectorMath", {0: uv, 1: (3.0, -2.0, 1.0), 2: (0.1, 0.2, 0.5)}, operation="MULTIPLY_ADD").outputs[
         0
@@ -57,7 +57,7 @@ def use(tree, inner, inputs=None, name=None):
 
 
 def through(kind, reader="VectorMath"):
-    """A group that hands what comes in through a border of a type to a reader node."""
+    """A group that passes an input of a type to a reader node."""
 
     def fill(tree, begin, end):
         node = add(tree, reader)
@@ -69,7 +69,7 @@ def through(kind, reader="VectorMath"):
 
 
 def nested_groups(tree):
-    """Two instances of a group that has a group inside, with linked and unlinked inputs."""
+    """Two instances of a group that contains a group, with linked and unlinked inputs."""
 
     def inner(tree, begin, end):
         noise = add(tree, "TexNoise", {"Vector": begin[0], "Scale": begin[1]})
@@ -111,7 +111,7 @@ def number_through_vector(tree):
 
 
 def constant_through_borders(tree):
-    """A vector that is not linked anywhere, through a float border inside."""
+    """An unlinked vector input that is passed through a float input of an inner group."""
     inner = through("Float")
     outer = group(
         "Outer",
@@ -133,7 +133,7 @@ def constant_for_a_texture(tree):
 
 
 def numbers_through_truths(tree):
-    """Up to 4.5 a truth is a whole number: 3 stays 3, and 0.75 is nothing."""
+    """Up to 4.5 a boolean socket holds an integer: 3 stays 3, and 0.75 becomes 0."""
 
     def fill(tree, begin, end):
         for source, target in zip(begin[:2], end[:2]):
@@ -179,7 +179,8 @@ def group_without_links_inside(tree):
 
 
 def group_input_outside_of_groups(tree):
-    """As it comes with nodes that are copied from a group. Up to 4.5 there is no link then, from 5.0 on it is zero."""
+    """Copying nodes out of a group can leave a Group Input at the top level. Up to 4.5 its links are ignored, since 5.0
+    its value is zero."""
     tree.interface.new_socket("Stray", in_out="INPUT", socket_type="NodeSocketVector").default_value = (0.9, 0.1, 0.2)
     node = add(tree, "VectorMath", {0: (0.4, 0.5, 0.6), 1: vector(tree)})
     tree.links.new(tree.nodes.new("NodeGroupInput").outputs[0], node.inputs[0])
@@ -201,7 +202,7 @@ def empty_reroute(tree):
 
 
 def muted(tree):
-    """A Math node out of action: its first input goes on, and with it, up to 4.5, only a number."""
+    """A muted Math node passes its first input through; up to 4.5 only as a float."""
     return add(tree, "Math", {0: vector(tree), 1: 5.0}, mute=True).outputs[0]
 
 
@@ -248,7 +249,7 @@ def white_noise(tree):
 
 
 def attribute_without_a_name(tree):
-    """It finds nothing: 0, also for a texture, and an alpha of 1."""
+    """An attribute without a name is 0, also as a texture coordinate, with an alpha of 1."""
     found = add(tree, "Attribute").outputs
     shade = add(tree, "TexGradient", {"Vector": found["Vector"]}).outputs[1]
     factors = add(tree, "CombineXYZ", {0: named(found, "Fac"), 1: found["Alpha"], 2: shade}).outputs[0]
@@ -270,8 +271,7 @@ def ramp_in_hsv(tree):
 
 
 def ramp_past_red(tree):
-    """The nearest way between the hues is by red, which the document's straight way from one to the other
-    never passes."""
+    """The shortest path between the hues crosses red. The document interpolates hues linearly and never crosses it."""
     node = add(tree, "ValToRGB", {0: add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]})
     band = node.color_ramp
     band.color_mode = "HSL"
@@ -281,7 +281,7 @@ def ramp_past_red(tree):
 
 
 def rgb_curves(tree):
-    """The common curve and one channel bent."""
+    """The combined curve and the curve of one channel are bent."""
     node = add(tree, "RGBCurve", {"Color": vector(tree)})
     for part, place in ((3, (0.4, 0.7)), (0, (0.6, 0.2))):
         node.mapping.curves[part].points.new(*place)
@@ -290,7 +290,7 @@ def rgb_curves(tree):
 
 
 def direction(tree):
-    """A Normal node whose vector is not of unit length."""
+    """A Normal node whose vector is not normalized."""
     node = add(tree, "Normal", {"Normal": vector(tree)})
     node.outputs["Normal"].default_value = (0.3, -0.4, 0.2)
     return node.outputs["Dot"]

@@ -1,5 +1,5 @@
-"""Materials of a file in another working space: what they show there, and what their documents show in Linear Rec.709.
-Prints one JSON object: {name: {"difference", "notes", "spread"}}. Runs inside Blender. Argument: the working space."""
+"""Renders materials in another working space, and their documents in Linear Rec.709, and compares them. Prints one JSON
+object: {name: {"difference", "notes", "spread"}}. Runs inside Blender. Argument: the working space."""
 
 import json
 import sys
@@ -23,7 +23,7 @@ def number(tree):
 
 
 def constants(tree):
-    """A colour of a node and two of sockets, mixed and added; none so strong that Rec.709 has it below 0."""
+    """A colour of a node and two of sockets, mixed and added. All are inside the Rec.709 gamut (not below 0)."""
     fixed = add(tree, "RGB")
     fixed.outputs[0].default_value = (0.8, 0.4, 0.3, 1.0)
     mixed = add(tree, "MixRGB", {0: number(tree), 1: fixed.outputs[0], 2: (0.4, 0.3, 0.6, 1.0)})

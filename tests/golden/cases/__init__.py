@@ -7,7 +7,7 @@ import quillgen
 
 
 class Case(NamedTuple):
-    """One document and how it is translated. `make` gives the result where it takes more than one call."""
+    """One document and how it is translated. If that takes more than one call, `make` returns the result."""
 
     title: str
     document: dict | None = None

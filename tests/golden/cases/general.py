@@ -1,10 +1,10 @@
-"""What every node type has: each output read, no properties, no optional sockets, everything linked."""
+"""Cases for every node type: each output read, no properties, no optional sockets, every socket linked."""
 
 from golden.cases import Case
 from golden.documents import IMAGES, link, material, node
 from golden.node_types import OPTIONAL, RGBA, SHADER, TYPES, VALUE
 
-ODD = "Größe %s.001"  # an id as artists and translations of Blender make them
+ODD = "Größe %s.001"  # an id with non-ASCII letters, a percent sign and a suffix, as in real files
 
 
 def document(kind, surface=None, others=(), **settings):
@@ -14,7 +14,7 @@ def document(kind, surface=None, others=(), **settings):
 
 
 def linked(kind, **settings):
-    """Every socket reads an output of another type."""
+    """A case where every socket is linked to an output of another type."""
     number, tint, glow = node("Value", id="Number"), node("RGB", id="Tint"), node("Emission", id="Glow")
     sources = {VALUE: tint, SHADER: glow}
     inputs = {name: link(sources.get(e["t"], number)) for name, e in TYPES[kind][0].items()}
@@ -25,7 +25,7 @@ def cases_of(kind):
     sockets, outputs, props = TYPES[kind]
     mode = "surface" if SHADER in outputs.values() else "emission"
     yield Case("as Blender makes it", document(kind, id=ODD), mode, True)
-    # A Mix node has the one output of its data type.
+    # A Mix node has only the output of its data type.
     for output in outputs if len(outputs) > 1 and kind != "ShaderNodeMix" else ():
         yield Case(f"output {output}", document(kind, output), mode)
     if len(outputs) > 1:

@@ -12,7 +12,7 @@ def bump(height, output=None, id="Bump", **settings):
 
 
 def bumps():
-    """What the height hangs on, and which sockets there are."""
+    """Bumps whose heights depend on different signals, with different sockets."""
     signals = {
         "position": (node("NewGeometry"), "Position"),
         "object position": (node("TexCoord"), "Object"),
@@ -47,7 +47,7 @@ def bumps():
 
 
 def shared_heights(noise, coordinates):
-    """The subgraph of the height has other readers, before or after the bump."""
+    """The height's subgraph is also read by other nodes, before or after the bump."""
     n = bump(noise)
     for title, inputs in {
         "before": {"Base Color": link(noise, "Color"), "Normal": link(n)},
@@ -113,7 +113,7 @@ def displacements():
 
 
 def ranges():
-    """What the magnitude is estimated from."""
+    """The ranges from which the magnitude is estimated."""
     number = node("Value")
     yield displaced("known range", node("Displacement", {"Midlevel": -3, "Scale": 0.064}), method="DISPLACEMENT")
     yield displaced("range unknown", node("Displacement", {"Scale": link(number)}), number, method="DISPLACEMENT")

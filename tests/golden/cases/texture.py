@@ -148,7 +148,7 @@ def images():
 
 
 def shared_images(plain):
-    """Two nodes on one image: the first declaration rules."""
+    """Two nodes use one image: the first declaration wins."""
     first = node("TexImage", id="First")
     for title, props in (
         ("as the first", {}),

@@ -1,4 +1,4 @@
-"""Arithmetic, mixes, ranges, channels, changes of space."""
+"""Arithmetic, mixes, ranges, channels, space conversions."""
 
 import itertools
 
@@ -24,7 +24,7 @@ SCALAR_RESULT = ("DOT_PRODUCT", "DISTANCE", "LENGTH")
 
 
 def one(title, kind, output=None, **props):
-    """One node with these properties, its value the surface."""
+    """A case with one node with these properties, whose value is the surface."""
     return Case(title, material(n := node(kind, props=props), surface=(n, output)))
 
 

@@ -1,4 +1,4 @@
-"""Whole documents: settings, types that nothing knows, several graphs in one text."""
+"""Whole documents: settings, unknown node types, several graphs in one text."""
 
 import quillgen
 from golden.cases import Case
@@ -49,7 +49,7 @@ def unknown_types():
 
 
 def several_in_one(*documents, **settings):
-    """The text of several graphs, and what it needs besides."""
+    """A case that assembles several graphs into one text."""
 
     def make():
         parts = [quillgen.parts(d) for d in documents]
