@@ -143,7 +143,7 @@ public:
     Text inp(Node& n, Word ident, const SocketType& want, Text fallback = {});
     static bool has_input(Node& n, Word ident) { return n.find_socket(ident) != nullptr; }
     static bool linked(Node& n, Word ident);
-    // The default value of a socket, whether it is linked or not. Absent where the record has none.
+    // The default value of a socket, also of a linked one. Absent where the record has none.
     static Value stored(Node& n, Word ident);
     // Converts an expression to another type. Unsupported between a shader and a value.
     QUILLGEN_OWN_FRAME Text convert(Text expr, const SocketType& from, const SocketType& to);

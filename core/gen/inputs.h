@@ -28,7 +28,7 @@ public:
     // Declares an input, which replaces one of the same name, and returns its number. The characters of the name must
     // outlive this object.
     int declare(const Input& input);
-    // Null where none of that name is declared.
+    // Null if no input of that name is declared.
     [[nodiscard]] const Input* find(Text name) const;
     // Redeclares the input that the socket declared under that number. Returns false where another socket with the same
     // input name has replaced it.

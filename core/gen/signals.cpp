@@ -97,8 +97,7 @@ Text Gen::frame_vector(Signal what) {
     return what == Signal("Nl") ? text("L.safe_normalize($0)", v) : v;
 }
 
-// The signal at the shaded point. Composed signals read their parts through `geo`, so that an offset of the parts moves
-// them too.
+// The signal at the shaded point. Composed signals read their parts through `geo`, so an offset moves them too.
 Text Gen::_geo(Signal what) {
     switch (what.kind()) {
     case Signal::uv:

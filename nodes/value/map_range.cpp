@@ -19,7 +19,7 @@ constexpr const char* kComponents[] = {"x", "y", "z"};
 
 bool interpolation_is(const Value& p, Text word) { return property_is(p, "interpolation_type"_w, "LINEAR", word); }
 
-// The smooth interpolations need no clamp, because they end at the limits.
+// The smooth interpolations need no clamp, because their factor is never outside 0 to 1.
 bool clamps(const Value& p) {
     return p.get("clamp"_w).truthy() && (interpolation_is(p, "LINEAR") || interpolation_is(p, "STEPPED"));
 }
