@@ -1,4 +1,4 @@
-"""Runs when the editor starts: adds the menu. Unreal finds this file by its name."""
+"""Adds the menu when the editor starts. Unreal finds this file by its name."""
 
 import unreal
 
@@ -7,5 +7,5 @@ if not unreal.SystemLibrary.is_unattended():  # a cook or a commandlet has no me
         from quillgen_unreal import menu
 
         menu.register()
-    except Exception as error:  # the editor has to start in any case
+    except Exception as error:  # the editor has to start even so
         unreal.log_error(f"Quillgen: the menu can't be made: {error}")

@@ -1,4 +1,4 @@
-"""Makes a plan real in the editor."""
+"""Builds the material of a plan in the editor."""
 
 from __future__ import annotations
 
@@ -12,11 +12,11 @@ from .layout import Box
 from .plan import Color, Displacement, Enum, Expression, Inputs, Outputs, Plan, Texture
 
 MEL = unreal.MaterialEditingLibrary
-MOST_SWEEPS = 32  # deleting all expressions may leave some for the next time
+MOST_SWEEPS = 32  # one call may not delete all expressions
 
 
 def value(plain: object) -> Any:
-    """The editor's own value for a value of a plan."""
+    """The editor's own value for a value in a plan."""
     if isinstance(plain, Enum):
         return getattr(getattr(unreal, plain.type), plain.member)
     if isinstance(plain, Color):
@@ -59,7 +59,7 @@ def build(plan: Plan, boxes: Mapping[str, Box], material: unreal.Material, name:
 def _expression(expression: Expression, box: Box, material: unreal.Material) -> unreal.MaterialExpression:
     kind = getattr(unreal, f"MaterialExpression{expression.kind}")
     made = MEL.create_material_expression(material, kind, box.x, box.y)
-    # The inputs of a Custom expression come before its wires: a new list drops those that are there.
+    # The inputs of a Custom expression must be set before its wires: a new list removes existing wires.
     for key, content in expression.settings:
         made.set_editor_property(key, value(content))
     if expression.comment and not any(key == "desc" for key, _ in expression.settings):

@@ -1,4 +1,4 @@
-"""From an export to the plan of its material."""
+"""Makes the plan of a material from an export."""
 
 from __future__ import annotations
 
@@ -9,8 +9,8 @@ from collections.abc import Mapping
 from . import engine, exchange, naming, wiring
 from .plan import Color, Displacement, Graph, Inputs, Outputs, Plan, Properties, Source, Texture
 
-# The material's attribute that takes each output of a text. Clear coat and displacement are no material properties
-# that Python knows, so all outputs go by way of MakeMaterialAttributes.
+# The material attribute for each output of the HLSL. Python has no material properties for clear coat and displacement,
+# so all outputs go through MakeMaterialAttributes.
 ATTRIBUTES = {
     "metallic": "Metallic",
     "roughness": "Roughness",
@@ -44,7 +44,7 @@ TEXTURES = "Textures"  # the group of texture parameters
 def plan(
     export: exchange.Export, textures: Mapping[str, str], features: engine.Features, instanced: bool = False
 ) -> Plan:
-    """The Plan of a material. `textures`: input name -> path of the texture asset."""
+    """Returns the Plan of a material. `textures`: input name -> path of the texture asset."""
     masked = export.settings["blend"] == "masked"
     setting = wiring.Setting(features, masked, instanced)
     graph, named = Graph(), naming.parameters(export.parameters)
@@ -113,7 +113,7 @@ def _parameter_settings(record: exchange.Parameter) -> list[tuple[str, object]]:
 
 
 def _settings(export: exchange.Export, features: engine.Features, displaced: bool) -> Properties:
-    """The properties of the material, all of them: what an earlier import set is taken back."""
+    """All the properties of the material, so that those of an earlier import are reset."""
     settings = export.settings
     found: list[tuple[str, object]] = [
         ("use_material_attributes", True),
@@ -122,9 +122,9 @@ def _settings(export: exchange.Export, features: engine.Features, displaced: boo
         ("opacity_mask_clip_value", float(settings.get("clip", DEFAULT_CLIP))),
         ("two_sided", settings["two_sided"]),
         ("tangent_space_normal", settings["tangent_space_normal"]),
-        # By default translucent surfaces are lit without their normal.
+        # The default lighting mode ignores the normal of translucent surfaces.
         ("translucency_lighting_mode", engine.LIGHTING["TLM_SURFACE_PER_PIXEL_LIGHTING"]),
-        # On phones positions and UVs of 16 bits would be too coarse for textures that are computed from them.
+        # On mobile devices, positions and UVs in 16 bits would be too coarse for textures computed from them.
         ("float_precision_mode", engine.PRECISION["MFPM_FULL_MATERIAL_EXPRESSION_ONLY"]),
     ]
     if features.tessellation:
@@ -135,7 +135,7 @@ def _settings(export: exchange.Export, features: engine.Features, displaced: boo
 
 
 def fingerprint(made: Plan) -> str:
-    """A number for a plan. Plans that differ in the defaults of parameters alone have the same one."""
+    """A hash of a plan. It ignores the defaults of parameters."""
     content = [
         [e.kind, [s for s in e.settings if s[0] != "default_value"], e.wires, e.comment]
         for e in made.graph.expressions.values()

@@ -1,4 +1,4 @@
-"""Makes the level of the checklist: a row of spheres, each with the material of one check and its name above it."""
+"""Builds the level of the checklist: rows of spheres, each with the material of one check and its name above it."""
 
 from __future__ import annotations
 
@@ -13,7 +13,7 @@ IN_A_ROW = 5
 
 
 def build_level(content_path: str) -> str:
-    """Returns what to look for, as a text that is logged, too."""
+    """Returns instructions what to look for, which are also logged."""
     content_path = naming.content_path(content_path)
     made = [(check, _material(check, content_path)) for check in checks.CHECKS]
     level = f"{content_path}/L_Checklist"

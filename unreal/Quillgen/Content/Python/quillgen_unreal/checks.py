@@ -1,5 +1,5 @@
-"""The materials of the checklist: each compares what Unreal gives for some kinds of inputs with what it has to be, and
-shows green where that is so and red where it isn't. Plain data; `checklist` makes the level."""
+"""The materials of the checklist: each compares some kinds of Unreal's inputs with their expected values, and is green
+if they match, else red. Plain data; `checklist` makes the level."""
 
 from __future__ import annotations
 
@@ -134,7 +134,7 @@ CHECKS = (
 
 
 def export(check: Check) -> Export:
-    """An Export as if a folder held it."""
+    """Returns an Export as if it had been read from a folder."""
     code = f"  return ({check.good}) ? float3(0.0, 1.0, 0.0) : float3(1.0, 0.0, 0.0);"
     inputs = tuple({"name": name, **check.inputs[name]} for name in sorted(check.inputs))
     settings = {"shading": "unlit", "blend": "opaque", "two_sided": True, "tangent_space_normal": True}

@@ -1,9 +1,9 @@
-"""A text that pastes a material's graph into the material editor, for who has no Python in Unreal.
+"""A text that pastes a material's graph into the material editor, for users without Python in Unreal.
 
     python -m quillgen_unreal.clipboard "export/Oak Planks" [--unreal 5.4] [--content /Game/Blender]
 
-It is the same plan that the import builds, as the editor's clipboard writes nodes. The material's own properties, its
-last wire and the pictures stay to be done by hand: paste_by_hand.txt beside it says which.
+It holds the same plan that the import builds, in the format of the editor's clipboard. The material's own properties,
+its last wire and the pictures have to be done by hand: paste_by_hand.txt beside it lists them.
 """
 
 from __future__ import annotations
@@ -85,7 +85,7 @@ def _node(graph: Graph, expression: Expression, box: Box, nodes: Mapping[str, st
 
 
 def _properties(graph: Graph, expression: Expression, nodes: Mapping[str, str]) -> list[str]:
-    """Lines such as ParameterName="Noise Texture / Scale", the inputs with where they come from."""
+    """Lines such as ParameterName="Noise Texture / Scale", and the inputs with their sources."""
     lines = []
     for key, content in expression.settings:
         if isinstance(content, Inputs):
@@ -105,11 +105,11 @@ def _properties(graph: Graph, expression: Expression, nodes: Mapping[str, str]) 
     return lines
 
 
-INPUT = "Input"  # the property behind the one input of expressions such as Transform
+INPUT = "Input"  # the property of the only input of expressions such as Transform
 
 
 def _origin(graph: Graph, source: Source, nodes: Mapping[str, str]) -> str:
-    """The record of a wire: the expression, and which of its outputs."""
+    """The record of a wire: the expression and the index of its output."""
     kind = f"/Script/Engine.MaterialExpression{graph.expressions[source.expression].kind}"
     path = f"{nodes[source.expression]}.MaterialExpression{source.expression}"
     found = [f"Expression=\"{kind}'{path}'\""]
@@ -119,7 +119,7 @@ def _origin(graph: Graph, source: Source, nodes: Mapping[str, str]) -> str:
     return ",".join(found + ([mask] if mask else []))
 
 
-# The outputs of expressions that have more than one, in their order, and those that are parts of a value.
+# OUTPUTS: the outputs of expressions that have more than one, in order. MASKS: those that are components of a value.
 OUTPUTS = {
     "VectorParameter": ("", "R", "G", "B", "A", "RGBA"),
     "VertexColor": ("", "R", "G", "B", "A"),
@@ -143,7 +143,7 @@ def output_names(graph: Graph, key: str) -> tuple[str, ...]:
 
 
 def _pins(graph: Graph, expression: Expression, nodes: Mapping[str, str], name: str) -> Iterator[str]:
-    """The pins with their wires, from both ends: the editor makes the graph's wires anew from these."""
+    """The pins with their wires, from both ends: the editor rebuilds the graph's wires from these."""
     for wire in expression.wires:
         source = wire.source
         other = f"{nodes[source.expression]} {_pin_id(name, source.expression, 'out', _pin_name(graph, source))}"
@@ -170,7 +170,7 @@ def _pin_id(name: str, key: str, side: str, pin: str) -> str:
 
 
 def _guid(*parts: object) -> str:
-    """The same for the same material: a text that is written again doesn't differ."""
+    """Deterministic, so that writing the text of an unchanged material again yields the same text."""
     return hashlib.sha256("\0".join(map(str, parts)).encode("utf-8")).hexdigest()[:32].upper()
 
 
@@ -195,14 +195,14 @@ def _written(content: object) -> str:
 
 
 def quoted(content: str) -> str:
-    """A text between quotation marks, in one line."""
+    """A quoted text on one line."""
     for plain, escaped in (("\\", "\\\\"), ('"', '\\"'), ("\r", ""), ("\n", "\\r\\n"), ("\t", "\\t")):
         content = content.replace(plain, escaped)
     return f'"{content}"'
 
 
 def by_hand(export: exchange.Export, plan: Plan, paths: Mapping[str, str]) -> list[str]:
-    """What stays to be done, one line each, in the order in which it is done."""
+    """The remaining manual steps, one line each, in order."""
     lines = []
     if export.pictures:
         lines.append("Import these pictures, each with sRGB off, no mipmaps, Never Stream on,")
@@ -218,9 +218,9 @@ def by_hand(export: exchange.Export, plan: Plan, paths: Mapping[str, str]) -> li
 
 
 def write(folder: str | Path, version: tuple[int, ...] = NEWEST, content_path: str = "/Game/Blender") -> Path:
-    """Writes the text into the folder of its material, and beside it what stays to be done. Returns its path."""
+    """Writes the text into the folder of its material, and the remaining manual steps beside it. Returns its path."""
     export = exchange.read(folder)
-    # There is no instance to hold the values, so that the graph itself has those of now.
+    # There is no instance to hold the values, so the graph itself gets the current ones.
     parameters = tuple(p._replace(default=export.values[p.name]) for p in export.parameters)
     export = export._replace(parameters=parameters)
     paths = {p.name: texture_names.path(p, naming.content_path(content_path)) for p in export.pictures}

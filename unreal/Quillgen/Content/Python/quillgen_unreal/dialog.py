@@ -1,4 +1,4 @@
-"""Asks the user for a folder, and tells what went wrong."""
+"""Asks the user for a folder, and shows errors."""
 
 from __future__ import annotations
 

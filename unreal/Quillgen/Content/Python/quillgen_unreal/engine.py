@@ -1,4 +1,4 @@
-"""What differs between the versions of the editor, and the enumeration members that materials are made with."""
+"""Differences between versions of the editor, and the enumeration members that materials use."""
 
 from __future__ import annotations
 
@@ -17,7 +17,7 @@ class Features(NamedTuple):
 
     @classmethod
     def of_editor(cls, unreal: Any) -> Features:
-        """What the editor that runs has; it knows better than its number."""
+        """The features of the running editor, found by its classes, not by its version number."""
         return cls(
             local_position=hasattr(unreal, "MaterialExpressionLocalPosition"),
             tessellation=hasattr(unreal, "DisplacementScaling"),

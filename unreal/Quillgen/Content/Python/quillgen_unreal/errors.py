@@ -1,4 +1,4 @@
-"""What goes wrong with an export, in words that name the file and the material."""
+"""Errors of an import. Their messages name the file and the material."""
 
 from __future__ import annotations
 
@@ -6,7 +6,7 @@ from pathlib import Path
 
 
 class Refused(Exception):
-    """The material can't be imported. The assets are as they were."""
+    """The material can't be imported. The assets are unchanged."""
 
     def __init__(self, material: str, file: str | Path, what: str) -> None:
         super().__init__(f"{material}: {what} ({file})" if file else f"{material}: {what}")

@@ -1,7 +1,7 @@
-"""Reads the folder of one material as the Blender extension writes it, and checks all of it.
+"""Reads the folder of one material as the Blender extension writes it, and validates it.
 
-What `read` gives is right in itself: every input has a kind that can be wired, every parameter and texture has its
-record, every file is there. It raises Refused otherwise, and Unfinished where the files don't belong together yet.
+An Export that `read` returns is consistent: every input has a kind that can be wired, every parameter and texture has
+its record, every file exists. Otherwise it raises Refused, or Unfinished if the files don't match yet.
 """
 
 from __future__ import annotations
@@ -33,7 +33,7 @@ PROPERTIES = (
 )
 TYPES = ("float", "float2", "float3", "float4")
 LARGEST = 3.402823466e38
-Record = dict[str, Any]  # of a manifest
+Record = dict[str, Any]  # from a manifest
 IDENTIFIER = re.compile(r"[A-Za-z_][A-Za-z0-9_]*\Z")
 
 
@@ -59,7 +59,7 @@ class Parameter(NamedTuple):
 class Picture(NamedTuple):
     name: str
     image: str
-    path: Path | None  # None where it wasn't exported this time
+    path: Path | None  # None if it wasn't exported this time
     sha256: str
     floats: bool
 
@@ -67,7 +67,7 @@ class Picture(NamedTuple):
 class Export(NamedTuple):
     folder: Path
     name: str
-    library: str  # the file that the material is linked from, "" for the exported file's own
+    library: str  # the file that the material is linked from, "" for the exported file itself
     mode: str
     settings: Record
     surface: Text
@@ -80,7 +80,7 @@ class Export(NamedTuple):
 
 
 class _Reader:
-    """One folder while it is read: it knows the material's name for what it has to say."""
+    """A folder that is being read. It knows the material's name for error messages."""
 
     def __init__(self, folder: str | Path) -> None:
         self.folder = Path(folder)
@@ -93,7 +93,7 @@ class _Reader:
         raise Unfinished(self.material, self.folder / file, what)
 
     def content(self, file: str) -> bytes:
-        """The bytes of a file that has to be beside the manifest."""
+        """The bytes of a file beside the manifest."""
         path = self.folder / file
         try:
             return path.read_bytes()
@@ -115,7 +115,7 @@ class _Reader:
         return found
 
     def get(self, record: object, key: str, kinds: Any, where: str) -> Any:
-        """A value of a record, which must be of these types."""
+        """A value of a record, which must have one of these types."""
         value = record.get(key) if isinstance(record, dict) else None
         if not isinstance(value, kinds) or (isinstance(value, bool) and kinds in (int, NUMBER)):
             self.refuse(MANIFEST, f"{where} has no usable {key!r}: {value!r}")
@@ -142,7 +142,7 @@ NUMBER = (int, float)
 
 
 def read(folder: str | Path) -> Export:
-    """The Export in a folder."""
+    """Returns the Export in a folder."""
     reader = _Reader(folder)
     manifest = reader.json(MANIFEST, FORMAT)
     reader.material = reader.get(manifest, "name", str, "the manifest") or reader.material
@@ -247,12 +247,12 @@ def _parameter(reader: _Reader, record: Record) -> Parameter:
 
 
 def _finite(value: object) -> bool:
-    """Whether it is a number that 32 bits hold."""
+    """Whether it is a finite number in the range of a 32-bit float."""
     return isinstance(value, NUMBER) and not isinstance(value, bool) and abs(value) <= LARGEST
 
 
 def _value(value: Any, kind: str) -> float | tuple[float, ...] | None:
-    """A parameter's value as a float or four of them, None if it is neither."""
+    """A parameter's value as one float or four, None if it is neither."""
     if kind == "scalar":
         return float(value) if _finite(value) else None
     if isinstance(value, (list, tuple)) and len(value) == 4 and all(map(_finite, value)):
@@ -278,7 +278,7 @@ def _complete(
     parameters: tuple[Parameter, ...],
     pictures: tuple[Picture, ...],
 ) -> None:
-    """Every input that carries a value of the material has its record."""
+    """Checks that every input with a value of the material has its record."""
     kinds = {p.name: p.kind for p in parameters}
     kinds.update({p.name: "texture" for p in pictures})
     labels = {p.label.strip().casefold() for p in parameters}
@@ -291,7 +291,7 @@ def _complete(
 
 
 def _values(reader: _Reader, file: str, parameters: tuple[Parameter, ...]) -> dict[str, float | tuple[float, ...]]:
-    """The value of each parameter: what the file of values says, else the default."""
+    """The value of each parameter: from the file of values, or else the default."""
     found = reader.json(file, VALUES_FORMAT).get("values")
     if not isinstance(found, dict):
         reader.refuse(file, "there are no values")

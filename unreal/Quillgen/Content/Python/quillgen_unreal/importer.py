@@ -1,4 +1,4 @@
-"""Imports exports: makes or updates M_Name and MI_Name, and says what it did."""
+"""Imports exports: creates or updates M_Name and MI_Name, and reports what it did."""
 
 from __future__ import annotations
 
@@ -14,9 +14,9 @@ from .errors import Cancelled, Refused, Unfinished
 from .exchange import Export
 from .plan import Plan
 
-MATERIAL_TAG = "Quillgen.Material"  # which material of Blender an asset belongs to
-PLAN_TAG = "Quillgen.Plan"  # the fingerprint of the plan that it was built by
-PATIENCE = 3.0  # seconds for an export that is under way
+MATERIAL_TAG = "Quillgen.Material"  # the Blender material that an asset belongs to
+PLAN_TAG = "Quillgen.Plan"  # the fingerprint of the plan that it was built from
+PATIENCE = 3.0  # seconds to wait for an export in progress
 TESSELLATION = ("r.Nanite.AllowTessellation", "r.Nanite.Tessellation")
 NO_TESSELLATION = (
     "the displacement shows once DefaultEngine.ini has r.Nanite.AllowTessellation=1 and r.Nanite.Tessellation=1 under "
@@ -28,7 +28,7 @@ Progress = Callable[[str], None]
 
 
 class Outcome(NamedTuple):
-    """What became of one material."""
+    """The result of importing one material."""
 
     name: str
     status: str  # "made", "updated", "values", "unchanged" or "failed"
@@ -38,11 +38,11 @@ class Outcome(NamedTuple):
 
 
 def no_progress(text: str) -> None:
-    """For imports that nobody watches."""
+    """The default: no progress display."""
 
 
 def read(folder: str | Path, patience: float = PATIENCE) -> Export:
-    """The export in a folder; waits a moment while its files are being written."""
+    """The export in a folder; waits up to `patience` seconds while its files are being written."""
     end = time.monotonic() + patience
     while True:
         try:
@@ -61,7 +61,7 @@ def bring(
     force: bool = False,
     patience: float = PATIENCE,
 ) -> Outcome:
-    """Imports one folder and gives its Outcome. Raises Refused; then M_Name is what it was."""
+    """Imports one folder and returns its Outcome. If it raises Refused, M_Name is unchanged."""
     content_path = naming.content_path(content_path)
     export = read(folder, patience)
     where = naming.asset_path(content_path, "M_", export)
@@ -80,7 +80,7 @@ def bring(
     made = not instance
     if made:
         instance = _make_instance(export, instance_path, material)
-    elif not instance.get_editor_property("parent"):  # the material was deleted, and is made anew
+    elif not instance.get_editor_property("parent"):  # the material was deleted and created again
         unreal.MaterialEditingLibrary.set_material_instance_parent(instance, material)
     changed = instances.update(instance, export)
     status = "made" if made else "updated" if rebuilt or imported else "values" if changed else "unchanged"
@@ -88,7 +88,7 @@ def bring(
 
 
 def _own(path: str, kind: type, export: Export) -> Any:
-    """The asset at a path, or None. It has to be one that an import of the same material made."""
+    """The asset at a path, or None. Raises Refused unless an import of the same material made it."""
     library = unreal.EditorAssetLibrary
     if not library.does_asset_exist(path):
         return None
@@ -103,15 +103,15 @@ def _own(path: str, kind: type, export: Export) -> Any:
 
 
 def _identity(export: Export) -> str:
-    """What tells a material of Blender from all others."""
+    """The identity of a Blender material."""
     return f"{export.name} in {export.library}" if export.library else export.name
 
 
 def _rebuild(export: Export, plan: Plan, mark: str, where: str, old: unreal.Material | None) -> unreal.Material:
-    """Builds the graph into the material, which is made if there is none."""
+    """Builds the graph in the material, which is created if there is none."""
     boxes, _ = layout.place(plan.graph)
     if old:
-        # What this version of the editor refuses shows here, before the old graph goes.
+        # A trial: errors of this editor version appear here, before the old graph is removed.
         apply.build(plan, boxes, unreal.new_object(unreal.Material), export.name)
     with unreal.ScopedEditorTransaction(f"Import {export.name} from Blender"):
         material = old or create(export, where, unreal.Material, unreal.MaterialFactoryNew())
@@ -143,7 +143,7 @@ def _make_instance(export: Export, where: str, material: unreal.Material) -> unr
 
 
 def _remarks(export: Export, plan: Plan) -> tuple[str, ...]:
-    """What the user should know: what Blender's side says is lost, and what Unreal's side lacks."""
+    """Remarks for the user: what Blender's side reports as lost, and what Unreal's side lacks."""
     found = [f"{r.get('node') or 'material'}: {r.get('text', '')}" for r in export.remarks if r.get("loss") != "info"]
     found += plan.remarks
     if export.displacement and not plan.remarks:
@@ -154,7 +154,7 @@ def _remarks(export: Export, plan: Plan) -> tuple[str, ...]:
 
 
 def folders(root: str | Path) -> list[Path]:
-    """The folders of single materials below an export's target."""
+    """The folders of single materials below an export's target folder."""
     root = Path(root)
     if not root.is_dir():
         raise Refused("Import", root, "the folder isn't there")
@@ -162,7 +162,8 @@ def folders(root: str | Path) -> list[Path]:
 
 
 def bring_all(root: str | Path, content_path: str, instanced: bool = False, force: bool = False) -> list[Outcome]:
-    """Imports every material below a folder: Outcomes in the order of the folders. One that fails stops nothing."""
+    """Imports every material below a folder. Returns Outcomes in the order of the folders. A failure does not stop the
+    others."""
     content_path = naming.content_path(content_path)
     found = folders(root)
     outcomes: list[Outcome] = []
@@ -202,7 +203,7 @@ def attempt(
         raise
     except Refused as error:
         name, text = error.material, str(error)
-    except Exception as error:  # what nobody foresaw stops no other material either
+    except Exception as error:  # an unexpected error must not stop other materials
         name, text = Path(folder).name, f"{Path(folder).name}: {type(error).__name__}: {error} ({folder})"
     unreal.log_error(f"Quillgen: {text}")
     return Outcome(name, "failed", "", "", (text,))

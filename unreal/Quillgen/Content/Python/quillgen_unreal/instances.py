@@ -1,4 +1,4 @@
-"""The material instance that holds the values. Setting one compiles nothing."""
+"""The material instance that holds the values. Setting a value compiles nothing."""
 
 from __future__ import annotations
 
@@ -15,13 +15,13 @@ MEL = unreal.MaterialEditingLibrary
 
 
 def _rounded(number: float) -> float:
-    """As the engine keeps it, in 32 bits."""
+    """Rounded to 32 bits, as the engine stores it."""
     rounded: float = struct.unpack("f", struct.pack("f", number))[0]
     return rounded
 
 
 def _held(instance: unreal.MaterialInstanceConstant, key: str) -> dict[str, Any]:
-    """Parameter name -> value of what the instance overrides."""
+    """Parameter name -> value, for the overrides of an instance."""
     records = instance.get_editor_property(key)
     return {
         str(r.get_editor_property("parameter_info").get_editor_property("name")): r.get_editor_property(
@@ -32,7 +32,7 @@ def _held(instance: unreal.MaterialInstanceConstant, key: str) -> dict[str, Any]
 
 
 def update(instance: unreal.MaterialInstanceConstant, export: Export) -> int:
-    """Sets what differs from the export's values. Returns how many values that are."""
+    """Sets the values that differ from the export's. Returns how many there were."""
     named = naming.parameters(export.parameters)
     scalars = _held(instance, "scalar_parameter_values")
     vectors = _held(instance, "vector_parameter_values")

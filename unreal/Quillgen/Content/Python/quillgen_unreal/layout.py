@@ -1,4 +1,4 @@
-"""Places for the expressions of a graph: columns by what they are for, read from left to right.
+"""Positions for the expressions of a graph: columns by purpose, read from left to right.
 
 what signals are made of | signals | textures | parameters | Custom expressions | attributes
 """
@@ -11,10 +11,10 @@ from .plan import Expression, Graph
 
 GAP_X, GAP_Y = 160, 32
 MARGIN, TITLE = 40, 90  # of a comment around its nodes
-LETTER, LINE, HEAD = 8, 24, 56  # sizes that nodes of the material editor have, rounded up
+LETTER, LINE, HEAD = 8, 24, 56  # sizes of nodes in the material editor, rounded up
 PREVIEW = 130  # a picture or a colour below the pins
 PREVIEWED = ("TextureObjectParameter", "VectorParameter", "Constant3Vector")
-ROWS = 16  # as many nodes stand in one line of a column
+ROWS = 16  # maximum number of nodes in one line of a column
 
 SIGNALS = "What Unreal knows of the surface"
 HEADINGS = {
@@ -27,7 +27,7 @@ ORDER = ("attributes", "custom", "parameters", "textures")
 
 
 class Box(NamedTuple):
-    """A rectangle of the graph: the place of a node or of a comment around some."""
+    """A rectangle of the graph: a node, or a comment around nodes."""
 
     x: int
     y: int
@@ -36,7 +36,7 @@ class Box(NamedTuple):
 
 
 def size(expression: Expression) -> tuple[int, int]:
-    """The width and height that a node takes, rather too large."""
+    """An upper estimate of a node's width and height."""
     settings = dict(expression.settings)
     left = [wire.pin for wire in expression.wires]
     right = [name for name, _ in getattr(settings.get("additional_outputs"), "pairs", ())]
@@ -48,10 +48,10 @@ def size(expression: Expression) -> tuple[int, int]:
 
 
 def columns(graph: Graph) -> dict[str, list[str]]:
-    """Names of columns from right to left, each with the keys of its expressions."""
+    """Columns from right to left: name -> keys of its expressions."""
     found: dict[str, list[str]] = {name: [] for name in ORDER}
     depth: dict[str, int] = {}
-    for key in reversed(graph.expressions):  # users come before what they use
+    for key in reversed(graph.expressions):  # users are visited before their sources
         expression = graph.expressions[key]
         depth.setdefault(key, 0)
         name = _column(expression, depth[key])
@@ -77,7 +77,7 @@ def _column(expression: Expression, depth: int) -> str:
 
 
 def place(graph: Graph) -> tuple[dict[str, Box], list[tuple[str, Box]]]:
-    """Key -> Box of every expression, and (heading, Box) for every comment around a column."""
+    """Key -> Box for every expression, and (heading, Box) for the comment around every column."""
     boxes: dict[str, Box] = {}
     comments: list[tuple[str, Box]] = []
     right = -300

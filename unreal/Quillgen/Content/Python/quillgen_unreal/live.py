@@ -1,7 +1,7 @@
-"""Follows a folder: while it is on, what Blender exports there is imported by itself.
+"""Live import: while it is on, exports from Blender to a folder are imported automatically.
 
-A tick looks at the files about twice a second and imports one material at a time, so that the editor stays usable.
-Where only values have changed, the import sets them on the instance and compiles nothing.
+A tick checks the files about twice a second and imports one material at a time, so that the editor stays responsive. If
+only values have changed, the import sets them on the instance and compiles nothing.
 """
 
 from __future__ import annotations
@@ -15,16 +15,16 @@ import unreal
 from . import exchange, importer, naming
 from .errors import Refused, Unfinished
 
-INTERVAL = 0.5  # seconds between two looks
+INTERVAL = 0.5  # seconds between two checks
 FILES = (exchange.MANIFEST, "parameters.json")
-LATE = 10.0  # seconds after which an export that isn't whole is reported
+LATE = 10.0  # seconds after which an incomplete export is reported
 
 
 Stamp = tuple[tuple[int, int], ...]  # see `stamp`
 
 
 class Watch:
-    """What was seen of a folder: material folder -> when its files were changed, as it was when last imported."""
+    """The state of a folder. `done`: material folder -> stamp of its files at the last import."""
 
     def __init__(self, root: str | Path, content_path: str, instanced: bool = False) -> None:
         self.root, self.content_path, self.instanced = Path(root), naming.content_path(content_path), instanced
@@ -60,14 +60,14 @@ class Watch:
             if now - self.waiting[folder][1] < LATE:
                 return None
         except Refused:
-            pass  # the import says it
+            pass  # the import reports it
         self.waiting.pop(folder, None)
-        self.done[folder] = seen  # also where it fails: an error is said once, until the files change
+        self.done[folder] = seen  # even if it fails: an error is reported once, until the files change
         return importer.attempt(folder, self.content_path, instanced=self.instanced, patience=0.0)
 
 
 def stamp(folder: Path) -> Stamp | None:
-    """When the files that change last were changed, and their sizes; None while one is missing."""
+    """Modification times and sizes of the files that an export writes last; None if one is missing."""
     try:
         stats = [(folder / name).stat() for name in FILES]
     except OSError:
@@ -79,20 +79,20 @@ _running: list[tuple[Any, Watch]] = []  # [(handle of the callback, Watch)], at 
 
 
 def running() -> Watch | None:
-    """The Watch that is on, or None."""
+    """The active Watch, or None."""
     return _running[0][1] if _running else None
 
 
 def start(folder: str | Path, content_path: str, instanced: bool = False) -> None:
-    """Switches it on, or over to another folder."""
+    """Starts live import, or switches it to another folder."""
     stop()
     watch = Watch(folder, content_path, instanced)
-    importer.folders(folder)  # a folder that isn't there is refused at once
+    importer.folders(folder)  # raises Refused at once if the folder is missing
 
     def tick(delta: float) -> None:
         try:
             outcome = watch.tick(time.monotonic())
-        except Exception as error:  # an exception would be raised again in every frame
+        except Exception as error:  # otherwise the exception would be raised in every frame
             unreal.log_error(f"Quillgen: live: {type(error).__name__}: {error}; it is switched off")
             stop()
             return

@@ -24,7 +24,7 @@ ENTRIES = (
 
 def register() -> None:
     menus = unreal.ToolMenus.get()
-    parent = menus.extend_menu(PARENT)  # it may not have been made yet when the editor starts
+    parent = menus.extend_menu(PARENT)  # it may not exist yet when the editor starts
     menu = parent.add_sub_menu(OWNER, "Quillgen", NAME, "Materials from Blender", "Quillgen")
     menu.add_section("Quillgen", "Materials from Blender")
     for function, label, tip in ENTRIES:
@@ -38,7 +38,7 @@ def register() -> None:
 
 
 def run(function: str) -> None:
-    """Does what an entry says; what is refused becomes a message."""
+    """Runs a menu entry. Shows a message if it is refused."""
     try:
         text = globals()[function]()
     except Refused as error:

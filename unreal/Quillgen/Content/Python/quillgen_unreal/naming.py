@@ -8,18 +8,18 @@ from collections.abc import Iterable
 from .errors import Refused
 from .exchange import Export, Parameter
 
-LONGEST_PATH = 200  # of an asset: the paths of cooked files are a little longer, and Windows takes 260
+LONGEST_PATH = 200  # of an asset: the paths of cooked files are a little longer, and Windows allows 260
 CONTENT_PATH = re.compile(r"(/[^/\\:*?\"<>|' ,.&!~\n\r\t@#]+)+\Z")
 
 
 def asset(prefix: str, name: str) -> str:
-    """An asset's name: what Unreal refuses in a name becomes "_". "" where nothing of the name is left."""
+    """An asset's name: characters that Unreal refuses become "_". "" if no letter or digit remains."""
     plain = "".join(c if c.isalnum() or c == "_" else "_" for c in name.strip())
     return prefix + plain if any(c.isalnum() for c in plain) else ""
 
 
 def content_path(path: str) -> str:
-    """A folder of the content browser without a slash at its end."""
+    """A folder of the content browser, without a trailing slash."""
     path = path.rstrip("/")
     if not CONTENT_PATH.match(path):
         raise Refused("Import", "", f"{path!r} is no folder of the content browser; one is written /Game/Blender")
@@ -27,8 +27,8 @@ def content_path(path: str) -> str:
 
 
 def asset_path(folder: str, prefix: str, export: Export) -> str:
-    """Where an asset of this export belongs. The folder has the material's name, and a number where two materials
-    share one."""
+    """The path for an asset of this export. The folder has the material's name, with a number if two materials have the
+    same name."""
     name = asset(prefix, export.folder.name)
     if not name:
         raise Refused(export.name, export.folder, "no asset can have this name; give it a letter or a digit in Blender")
@@ -39,7 +39,7 @@ def asset_path(folder: str, prefix: str, export: Export) -> str:
 
 
 def parameters(records: Iterable[Parameter]) -> dict[str, str]:
-    """Input name -> what the parameter is called in Unreal: its label, which no other one of the material has. Unreal
-    takes "None" for no name at all."""
+    """Input name -> name of the parameter in Unreal: its label, which is unique in the material. Unreal treats "None"
+    as no name."""
     labels = {record.name: record.label.strip() for record in records}
     return {name: name if label.casefold() in ("", "none") else label for name, label in labels.items()}

@@ -1,6 +1,6 @@
-"""What a material is made of, as plain data: expressions, their properties and the wires between them.
+"""The contents of a material as plain data: expressions, their properties and the wires between them.
 
-Nothing here needs the editor. `apply` makes the real thing from it, `clipboard` a text that can be pasted.
+Nothing here needs the editor. `apply` builds the material from it, `clipboard` a text that can be pasted.
 """
 
 from __future__ import annotations
@@ -10,7 +10,7 @@ from typing import NamedTuple
 
 
 class Enum(NamedTuple):
-    """A member of an enumeration: its type and name in Python, and the name that the editor writes in texts."""
+    """A member of an enumeration: its type and name in Python, and its name in the editor's texts."""
 
     type: str
     member: str
@@ -31,7 +31,7 @@ class Texture(NamedTuple):
 
 
 class Displacement(NamedTuple):
-    """How far a displacement of 0 to 1 reaches, in centimetres, and which value stays where it is."""
+    """The range of a displacement of 0 to 1, in centimetres, and the value that doesn't move the surface."""
 
     magnitude: float
     center: float
@@ -50,7 +50,7 @@ class Outputs(NamedTuple):
 
 
 class Source(NamedTuple):
-    """Where a wire begins: an expression and the name of its output pin, "" for the first one."""
+    """The start of a wire: an expression and the name of its output pin, "" for the first one."""
 
     expression: str
     pin: str = ""
@@ -68,14 +68,14 @@ Properties = tuple[tuple[str, object], ...]  # (property, value) in the order in
 
 class Expression(NamedTuple):
     key: str
-    kind: str  # the class, without MaterialExpression in front
+    kind: str  # the class, without the prefix MaterialExpression
     settings: Properties
     wires: tuple[Wire, ...]
-    comment: str  # what it is for, to be read in the graph
+    comment: str  # its purpose, shown in the graph
 
 
 class Graph:
-    """Expressions in an order in which each one's sources come first. What is asked for twice is made once."""
+    """Expressions in topological order, sources first. Equal expressions are created only once."""
 
     def __init__(self) -> None:
         self.expressions: dict[str, Expression] = {}
@@ -108,4 +108,4 @@ class Plan(NamedTuple):
     graph: Graph
     root: Source
     settings: Properties
-    remarks: tuple[str, ...]  # what this version of the editor can't do of it
+    remarks: tuple[str, ...]  # what this version of the editor doesn't support

@@ -1,4 +1,4 @@
-"""What the menu remembers for this project: the folder of the exports and where their assets go."""
+"""The menu's settings for this project: the folder of the exports and where their assets go."""
 
 from __future__ import annotations
 

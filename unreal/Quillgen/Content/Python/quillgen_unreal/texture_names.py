@@ -1,4 +1,4 @@
-"""Where textures are kept, in the editor and in a text for the clipboard alike."""
+"""Paths of texture assets, the same for the editor and for the clipboard's text."""
 
 from __future__ import annotations
 
@@ -9,7 +9,7 @@ FOLDER = "Textures"
 
 
 def path(picture: Picture, content_path: str) -> str:
-    """The asset's path. The file's name ends in its checksum: other pixels make another asset. A picture that wasn't
-    exported has the name that its input has."""
+    """The asset's path. The file's name ends in its checksum, so different pixels make a different asset. A picture
+    that wasn't exported has the name of its input."""
     name = picture.path.stem if picture.path else picture.name
     return f"{content_path}/{FOLDER}/{naming.asset('T_', name)}"

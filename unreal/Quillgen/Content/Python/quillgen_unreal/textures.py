@@ -1,7 +1,7 @@
-"""Imports pictures as texture assets that materials share.
+"""Imports pictures as texture assets, which materials share.
 
-The text reads a picture texel by texel from its largest size, decodes colours and multiplies alpha by itself. So the
-asset has to hold the picture's own numbers: no decoding, no compression, no smaller sizes, no streaming.
+The HLSL reads a picture texel by texel from its largest mip level, decodes colours and multiplies by alpha itself. The
+asset therefore has to hold the picture's own values: no decoding, no compression, no mipmaps, no streaming.
 """
 
 from __future__ import annotations
@@ -23,14 +23,14 @@ from .plan import Properties
 TAG = "Quillgen.Sha256"
 USED_TAG = "Quillgen.Textures"
 
-BYTES = engine.COMPRESSION["TC_VECTOR_DISPLACEMENTMAP"]  # four channels of 8 bits as they are
+BYTES = engine.COMPRESSION["TC_VECTOR_DISPLACEMENTMAP"]  # four channels of 8 bits, uncompressed
 FLOATS = engine.COMPRESSION["TC_HDR_F32"]
 
 RULES = (
     ("srgb", False),
     ("mip_gen_settings", engine.MIPS["TMGS_NO_MIPMAPS"]),
-    ("never_stream", True),  # a streamed texture tells the text the size of what is loaded at the moment
-    ("virtual_texture_streaming", False),  # the project may make large pictures virtual; those can't be read so
+    ("never_stream", True),  # for a streamed texture the HLSL gets the size of what is currently loaded
+    ("virtual_texture_streaming", False),  # the project may make large pictures virtual, which the HLSL can't read
     ("lod_group", engine.TEXTURE_GROUP["TEXTUREGROUP_WORLD"]),
     ("max_texture_size", 0),
 )
@@ -43,8 +43,8 @@ def rules(picture: Picture) -> Properties:
 def bring(
     export: Export, content_path: str, material: unreal.Material | None, progress: Callable[[str], None]
 ) -> tuple[dict[str, str], int]:
-    """(input name -> asset path, number of assets that were imported or corrected). Pictures that weren't exported keep
-    the asset that the material has, if there is one."""
+    """Returns (input name -> asset path, number of assets that were imported or corrected). Pictures that weren't
+    exported keep the asset that the material has, if there is one."""
     paths: dict[str, str] = {}
     changed = 0
     for picture in export.pictures:
@@ -58,7 +58,7 @@ def bring(
 
 
 def remember(material: unreal.Material, paths: Mapping[str, str]) -> None:
-    """Notes at the material which textures it was built with."""
+    """Stores in the material which textures it was built with."""
     content = json.dumps(paths, sort_keys=True)
     if unreal.EditorAssetLibrary.get_metadata_tag(material, USED_TAG) != content:
         unreal.EditorAssetLibrary.set_metadata_tag(material, USED_TAG, content)

@@ -1,8 +1,8 @@
-"""The expressions behind every kind of input.
+"""The expressions for every kind of input.
 
-The text of a material takes Unreal's raw values: world space, centimetres, V running down, nothing flipped or
-normalised. It changes the frame by itself. So each kind is one expression, or a short chain where no single one gives
-the value; what each must not be replaced by is said beside it.
+The HLSL of a material takes Unreal's raw values: world space, centimetres, V pointing down, nothing flipped or
+normalised. It converts the coordinate system itself. Each kind is therefore one expression, or a short chain if no
+single one yields the value; comments say which similar expressions are wrong.
 """
 
 from __future__ import annotations
@@ -13,11 +13,11 @@ from typing import Any, Callable, NamedTuple
 from . import engine
 from .plan import Color, Graph, Inputs, Source
 
-Record = Mapping[str, Any]  # of an input: `kind` and what goes with it
+Record = Mapping[str, Any]  # an input: `kind` and its further keys
 
 
 class Row(NamedTuple):
-    """A kind that is one expression: its class, properties, and output pin."""
+    """A kind with a single expression: its class, properties, and output pin."""
 
     kind: str
     settings: dict[str, object]
@@ -33,7 +33,7 @@ PLAIN = {
     "tangent_world": Row("VertexTangentWS", {}),
     "camera_vector": Row("CameraVectorWS", {}),
     "camera_position": Row("CameraPositionWS", {}),
-    # Not the mesh's own bounds when an actor extends them: generated coordinates follow what this gives.
+    # An actor may extend the mesh's own bounds: generated coordinates follow the extended ones.
     "local_bounds_min": Row("ObjectLocalBounds", {}, "Min"),
     "local_bounds_max": Row("ObjectLocalBounds", {}, "Max"),
     "two_sided_sign": Row("TwoSidedSign", {}),
@@ -41,15 +41,15 @@ PLAIN = {
     "tan_half_fov": Row("ViewProperty", {"property": engine.VIEW_PROPERTY["MEVP_TAN_HALF_FIELD_OF_VIEW"]}),
     "view_size": Row("ViewProperty", {"property": engine.VIEW_PROPERTY["MEVP_VIEW_SIZE"]}),
     "temporal_index": Row("ViewProperty", {"property": engine.VIEW_PROPERTY["MEVP_TEMPORAL_SAMPLE_INDEX"]}),
-    # The first output is the position in the viewport from 0 to 1.
+    # The first output would be the position in the viewport from 0 to 1.
     "pixel_position": Row("ScreenPosition", {}, "PixelPosition"),
 }
 
 AXES = {"x": (1.0, 0.0, 0.0), "y": (0.0, 1.0, 0.0), "z": (0.0, 0.0, 1.0)}
 
-# The vertex normal is turned by the rotation alone; Blender's follows the scale as well, by the inverse transpose.
-# X, Y, Z are the object's axes with their scale; the matrix of their cross products is that inverse but for a factor,
-# which is negative for a mirrored object.
+# Unreal transforms the vertex normal by the rotation only; Blender also applies the scale, by the inverse transpose. X,
+# Y, Z are the object's axes with their scale. The matrix of their cross products is the inverse transpose up to a
+# factor, which is negative for a mirrored object.
 SCALED_NORMAL = """float3 c = cross(Y, Z);
 float3 n = float3(dot(N, normalize(X)), dot(N, normalize(Y)), dot(N, normalize(Z)));
 n = n.x * c + n.y * cross(Z, X) + n.z * cross(X, Y);
@@ -57,15 +57,15 @@ return normalize(dot(X, c) < 0.0 ? -n : n);"""
 
 
 class Setting(NamedTuple):
-    """What the choice of expressions depends on besides the input itself."""
+    """What the choice of expressions depends on apart from the input itself."""
 
     features: engine.Features
-    masked: bool = False  # the opacity decides in shadow passes, too
-    instanced: bool = False  # the mesh is drawn as instances: its space is the instance's
+    masked: bool = False  # the opacity also counts in shadow passes
+    instanced: bool = False  # the mesh is drawn as instances: local space is that of the instance
 
 
 def source(graph: Graph, record: Record, setting: Setting) -> Source:
-    """The output that an input of this record (`kind` and its further keys) is wired to."""
+    """The output for an input with this record (`kind` and its further keys)."""
     row = PLAIN.get(record["kind"])
     if row:
         return graph.add(row.kind, row.settings)._replace(pin=row.pin)
@@ -90,21 +90,21 @@ def _transform(graph: Graph, value: tuple[float, float, float], space: str, comm
 
 
 def _object_axis(graph: Graph, record: Record, setting: Setting) -> Source:
-    """A column of the object's matrix, with its scale: nothing normalises it."""
+    """A column of the object's matrix, with its scale: it is not normalised."""
     axis = record["axis"]
     space = "INSTANCE" if setting.instanced else "LOCAL"
     return _transform(graph, AXES[axis], space, f"The object's {axis.upper()} axis in the world, with its scale")
 
 
 def _view_axis(graph: Graph, record: Record, setting: Setting) -> Source:
-    """In shadow passes the view is the light's. The camera's axes stay what they are where the opacity needs them."""
+    """In shadow passes the view is the light's. If the opacity is needed there, the camera's axes are used instead."""
     axis = record["axis"]
     space = "CAMERA" if setting.masked else "VIEW"
     return _transform(graph, AXES[axis], space, f"The camera's {axis.upper()} axis in the world")
 
 
 def _bitangent_world(graph: Graph, record: Record, setting: Setting) -> Source:
-    """By the transform, which keeps the handedness of mirrored UVs."""
+    """Uses the transform, which keeps the handedness of mirrored UVs."""
     return _transform(graph, AXES["y"], "TANGENT", "The bitangent in the world")
 
 
@@ -117,13 +117,13 @@ def _position_transform(graph: Graph, begin: Source, source_space: str, target_s
 
 
 def _object_origin(graph: Graph, record: Record, setting: Setting) -> Source:
-    """The pivot. ObjectPositionWS is the centre of the bounds, another point."""
+    """The pivot. ObjectPositionWS is a different point, the centre of the bounds."""
     space = "INSTANCE" if setting.instanced else "LOCAL"
     return _position_transform(graph, _constant(graph, (0.0, 0.0, 0.0)), space, "WORLD", "The object's pivot")
 
 
 def _local_position(graph: Graph, record: Record, setting: Setting) -> Source:
-    """The position in the mesh, without what displacement or an offset of the world position adds."""
+    """The position in the mesh, without displacement or world position offset."""
     if setting.features.local_position:
         settings = {
             "local_origin": engine.LOCAL_ORIGIN["INSTANCE"],
@@ -137,7 +137,7 @@ def _local_position(graph: Graph, record: Record, setting: Setting) -> Source:
 
 
 def _cycles_normal(graph: Graph, record: Record, setting: Setting) -> Source:
-    """Never PixelNormalWS, which may not feed the normal."""
+    """Not PixelNormalWS, which may not feed the normal."""
     settings = (
         ("code", SCALED_NORMAL),
         ("output_type", engine.FLOATS["float3"]),
@@ -150,15 +150,15 @@ def _cycles_normal(graph: Graph, record: Record, setting: Setting) -> Source:
 
 
 def _vertex_color(graph: Graph, record: Record, setting: Setting) -> Source:
-    """Four wide: the first output of the vertex colour has no alpha."""
+    """Four components: the first output of the vertex colour has no alpha."""
     color = graph.add("VertexColor")
     wires = [("A", color), ("B", color._replace(pin="A"))]
     return graph.add("AppendVector", (), wires, "The vertex colour with its alpha")
 
 
 def _derivative(graph: Graph, record: Record, setting: Setting) -> Source:
-    """Ray tracing has no neighbouring pixels: there both derivatives are zero, and with them the plane of the surface
-    that bumps are made in. For a position two other vectors of that plane do as well, the tangent and the bitangent."""
+    """Ray tracing has no neighbouring pixels: both derivatives are zero, so they don't span the surface's plane, which
+    bumps need. For a position, the tangent and the bitangent span the same plane and are used instead."""
     kind, of = record["kind"], record["of"]
     found = graph.add(kind.upper(), (), [("Value", source(graph, of, setting))])
     if of["kind"] != "world_position_cr":
@@ -181,12 +181,12 @@ CHAINS: dict[str, Callable[[Graph, Record, Setting], Source]] = {
     "ddy": _derivative,
 }
 
-# Kinds that carry values of the material itself. `build` wires them.
+# Kinds with values of the material itself. `build` wires them.
 PARAMETERS = ("scalar", "vector", "texture")
 
 
 def unknown(record: Record) -> str:
-    """What nobody here can wire in this record, as words, or "" for a good record."""
+    """Describes what can't be wired in this record, "" for a valid record."""
     kind = record.get("kind")
     if kind in PLAIN or kind in PARAMETERS:
         return ""
@@ -205,6 +205,6 @@ def unknown(record: Record) -> str:
 
 
 def parameter(graph: Graph, kind: str, name: str, settings: Iterable[tuple[str, object]]) -> Source:
-    """A Scalar or Vector Parameter. The text reads four numbers of a vector: its first output has but three."""
+    """A Scalar or Vector Parameter. The HLSL reads four components of a vector, but its first output has only three."""
     found = graph.add(f"{kind.capitalize()}Parameter", (("parameter_name", name), *settings))
     return Source(found.expression, "RGBA") if kind == "vector" else found
