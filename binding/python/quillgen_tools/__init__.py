@@ -1,1 +1,1 @@
-"""What goes with quillgen's modules and needs no C++: the wiring of a result's inputs, tables of it, files."""
+"""Python tools for quillgen's modules: the wiring of a result's inputs, tables of it, files."""

@@ -1,4 +1,4 @@
-"""Documents from files, results into files."""
+"""Reads documents from files and writes results to files."""
 
 from __future__ import annotations
 
@@ -15,8 +15,8 @@ ENDINGS = (".hlsl", ".displacement.hlsl", ".md", ".json")  # of the files of a r
 
 
 class Job(NamedTuple):
-    """One document to translate. `name`: its place below the output folder, without a suffix. `rival`: an earlier
-    document that has files of the same names, None where there is none."""
+    """One document to translate. `name`: its path below the output folder, without a suffix. `rival`: an earlier
+    document with output files of the same names, None if there is none."""
 
     path: Path
     name: Path
@@ -24,10 +24,10 @@ class Job(NamedTuple):
 
 
 def jobs(paths: Iterable[Path]) -> Iterator[Job]:
-    """The documents that files and folders hold, each once, in order; those of a folder keep their places in it.
+    """The documents in files and folders, each once, in order; those of a folder keep their paths relative to it.
 
-    In a folder every `.json` file with the keys `nodes` and `out` is a document, others are left alone. A file that is
-    named is one whatever it holds.
+    In a folder every `.json` file with the keys `nodes` and `out` is a document, others are ignored. A file that is
+    named itself always is one.
     """
     seen: set[Path] = set()
     taken: dict[str, Path] = {}
@@ -47,13 +47,13 @@ def jobs(paths: Iterable[Path]) -> Iterator[Job]:
 def in_folder(folder: Path) -> list[Job]:
     try:
         paths = sorted(folder.rglob("*.json"))
-    except FileNotFoundError:  # a folder went away while it was read
+    except FileNotFoundError:  # a folder was removed while it was read
         return []
     return [Job(path, path.relative_to(folder).with_suffix("")) for path in paths if is_document(path)]
 
 
 def read(path: Path) -> Any:
-    """What a JSON file holds, in UTF-8, UTF-16 or UTF-32, with a byte order mark or without."""
+    """The content of a JSON file in UTF-8, UTF-16 or UTF-32, with or without a byte order mark."""
     return json.loads(path.read_bytes())
 
 
@@ -66,8 +66,8 @@ def is_document(path: Path) -> bool:
 
 
 def texts(name: str, result: Result) -> dict[str, str]:
-    """File name -> content: NAME.hlsl, NAME.displacement.hlsl where there is one, NAME.md with what to wire, and
-    NAME.json with all of the result but the texts."""
+    """File name -> content: NAME.hlsl, NAME.displacement.hlsl if there is one, NAME.md with what to wire, and NAME.json
+    with the rest of the result, without the HLSL."""
     rest: dict[str, Any] = {key: value for key, value in result.items() if key not in ("code", "displacement")}
     found = {f"{name}.hlsl": result["code"] + "\n"}
     displacement = result["displacement"]
@@ -80,8 +80,8 @@ def texts(name: str, result: Result) -> dict[str, str]:
 
 
 def write(folder: Path, name: str, result: Result) -> list[Path]:
-    """Writes a result's files into a folder, which is made where it is missing. A file that says the same already is
-    left as it is, so that a build which looks at times does nothing anew. Returns the paths that were written."""
+    """Writes a result's files into a folder, which is created if necessary. A file that has the same content already is
+    not touched, so that a build that compares times repeats no work. Returns the paths that were written."""
     folder.mkdir(parents=True, exist_ok=True)
     content = texts(name, result)
     written = [folder / file for file, text in content.items() if put(folder / file, text)]
@@ -92,9 +92,9 @@ def write(folder: Path, name: str, result: Result) -> list[Path]:
 
 
 def put(path: Path, text: str) -> bool:
-    """Writes a file as a whole: a reader sees the old one or the new one. False where it said the same already.
+    """Writes a file atomically: a reader sees the old one or the new one. False if the content is unchanged.
 
-    What UTF-8 doesn't have, a lone surrogate from a document or from the name of a file, is written as JSON's escape.
+    What UTF-8 can't encode, a lone surrogate from a document or from a file name, is written as JSON's escape.
     """
     data = text.encode("utf-8", "backslashreplace")
     try:

@@ -1,4 +1,4 @@
-"""Results as Markdown: what to wire, for whoever builds a material by hand."""
+"""Results as Markdown: what to wire, for building a material by hand."""
 
 from __future__ import annotations
 

@@ -28,7 +28,7 @@ import quillgen
 from . import files
 from .files import Job
 
-POLL = 0.5  # seconds between two looks at the documents under --watch
+POLL = 0.5  # seconds between two checks of the documents with --watch
 
 
 @dataclass
@@ -44,12 +44,13 @@ def main(arguments: Sequence[str] | None = None) -> int:
     options = parse(arguments)
     reconfigure = getattr(sys.stdout, "reconfigure", None)
     if reconfigure is not None:
-        reconfigure(errors="backslashreplace")  # names of files may have what the terminal doesn't show
+        reconfigure(errors="backslashreplace")  # file names may have characters that the terminal can't encode
     try:
         return run(options)
     except KeyboardInterrupt:
         return 0 if options.watch else 130
-    except BrokenPipeError:  # whoever read the output has gone; what is left of it is flushed at the exit
+    # the reader has closed the pipe; the null device replaces stdout, because the rest is flushed at exit
+    except BrokenPipeError:
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
         return 1
 
@@ -63,7 +64,7 @@ def run(options: argparse.Namespace) -> int:
     if not work and not options.watch:
         print("quillgen-translate: there is no document", file=sys.stderr)
         return 2
-    seen = stamps(work)  # ahead of the translation: what changes while it runs is translated again
+    seen = stamps(work)  # taken before the translation, so that changes during it are translated again
     outcome = translate_all(work, options)
     if options.watch:
         watch(options, seen)
@@ -71,7 +72,7 @@ def run(options: argparse.Namespace) -> int:
 
 
 def wrong_paths(options: argparse.Namespace) -> str:
-    """What is wrong with the paths of the command line, "" where nothing is."""
+    """The error in the paths of the command line, "" if there is none."""
     missing: list[str] = []
     for path in options.documents:
         try:
@@ -103,7 +104,7 @@ def parse(arguments: Sequence[str] | None) -> argparse.Namespace:
 
 
 def translate_all(work: Sequence[Job], options: argparse.Namespace) -> Outcome:
-    """Translates the documents, with a line for each that has warnings or fails, and a summary."""
+    """Translates the documents. Prints a line for each that has warnings or fails, and a summary."""
     outcome = Outcome()
     bar = Bar(len(work), sys.stderr, shown=not options.quiet and sys.stderr.isatty())
     started = time.perf_counter()
@@ -123,7 +124,7 @@ def translate_all(work: Sequence[Job], options: argparse.Namespace) -> Outcome:
 
 
 def translate(job: Job, options: argparse.Namespace, outcome: Outcome) -> list[str]:
-    """Translates one document; what there is to say of it. Whatever is wrong with it, the others are translated."""
+    """Translates one document and returns the messages about it. An error does not stop the other documents."""
 
     def failed(why: str) -> list[str]:
         outcome.failed.append(str(job.path))
@@ -148,7 +149,7 @@ def translate(job: Job, options: argparse.Namespace, outcome: Outcome) -> list[s
 
 
 def reason(error: Exception) -> str:
-    """The error in words. A document is nowhere checked as a whole: a KeyError names the key that it lacks."""
+    """The error in words. Documents are not validated as a whole: a KeyError names the missing key."""
     if isinstance(error, quillgen.Unsupported):
         return f"can't be translated: {error}"
     if isinstance(error, OSError):
@@ -188,7 +189,7 @@ def stamps(work: Sequence[Job]) -> dict[Job, tuple[int, int]]:
         try:
             status = job.path.stat()
         except OSError:
-            continue  # gone since it was found
+            continue  # removed since it was found
         found[job] = (status.st_mtime_ns, status.st_size)
     return found
 
@@ -208,7 +209,7 @@ class Bar:
         if self.shown:
             full = self.WIDTH * self.done // self.total
             line = f"[{'#' * full}{' ' * (self.WIDTH - full)}] {self.done}/{self.total} {what}"
-            width = shutil.get_terminal_size().columns - 1  # a full line would go on in the next
+            width = shutil.get_terminal_size().columns - 1  # a full line would wrap
             self.stream.write(f"\r\x1b[K{line[:width]}")
             self.stream.flush()
 

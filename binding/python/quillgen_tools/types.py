@@ -50,7 +50,7 @@ class Curve(TypedDict):
 Node = TypedDict(
     "Node",
     {
-        "id": Required[str],  # unique in the document; names of parameters are made of it
+        "id": Required[str],  # unique in the document; parameter names are derived from it
         "type": Required[str],  # Blender's, such as ShaderNodeTexNoise
         "in": Required[dict[str, Socket]],  # by identifier of the socket
         "outs": dict[str, SocketType | str],
@@ -94,10 +94,10 @@ class Document(TypedDict, total=False):
     out: Required[Outputs]
     settings: Settings
     images: dict[str, Image]
-    uv_maps: list[str]  # the place of a name is its texture coordinate's index
+    uv_maps: list[str]  # the index of a name is its texture coordinate's index
 
 
-# Inputs of a text. A record says what to wire; an input is a record with the name that the text uses.
+# Inputs of the HLSL. A record says what to wire; an input is a record with its name in the HLSL.
 
 PlainKind: TypeAlias = Literal[
     "world_position",
@@ -139,7 +139,7 @@ class VectorRecord(TypedDict):
 class TextureRecord(TypedDict):
     kind: Literal["texture"]
     image: str  # the key in the document's `images`
-    srgb: bool  # always False: the text decodes
+    srgb: bool  # always False: the HLSL decodes
     float: bool
     extension: str  # REPEAT, EXTEND, CLIP, MIRROR
     interpolation: str  # Linear, Closest, Cubic, Smart
@@ -212,7 +212,7 @@ class Output(TypedDict):
     name: str
     type: Literal["float", "float3"]
     property: Property  # of the material
-    expr: str  # what the text assigns to it
+    expr: str  # what the HLSL assigns to it
 
 
 class Material(TypedDict):
@@ -222,11 +222,11 @@ class Material(TypedDict):
     blend: Literal["opaque", "masked", "translucent"]
     two_sided: bool
     tangent_space_normal: bool
-    clip: NotRequired[float]  # where it is masked
+    clip: NotRequired[float]  # if it is masked
 
 
 class Displacement(TypedDict):
-    """A second text, for displacement with Nanite: it gives a number that is centred at 0.5."""
+    """A second HLSL text, for displacement with Nanite. It returns a number that is centred at 0.5."""
 
     code: str
     inputs: list[Input]
@@ -238,7 +238,7 @@ Parameter: TypeAlias = list[str | float | list[float]]
 
 
 class Result(TypedDict):
-    """What `quillgen.compile` gives."""
+    """What `quillgen.compile` returns."""
 
     code: str
     inputs: list[Input]  # sorted by name
@@ -250,7 +250,7 @@ class Result(TypedDict):
 
 
 class Parts(TypedDict):
-    """What `quillgen.parts` gives."""
+    """What `quillgen.parts` returns."""
 
     body: list[str]
     ret: str

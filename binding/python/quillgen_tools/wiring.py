@@ -1,7 +1,7 @@
-"""The material expression of Unreal that feeds each kind of input: the one table of it.
+"""The Unreal material expression that feeds each kind of input. This is the only table of them.
 
-The texts compute in Blender's frame and convert what they read by themselves: wire Unreal's raw values, in world space
-and centimetres, with nothing flipped or scaled.
+The HLSL computes in Blender's coordinate system and converts its inputs itself: wire Unreal's raw values, in world
+space and centimetres, with nothing flipped or scaled.
 """
 
 from __future__ import annotations
@@ -13,9 +13,9 @@ from typing import Any, NamedTuple
 class Wiring(NamedTuple):
     """How one kind of input is fed.
 
-    `expression`: what to place and set, in words; a key of the record such as `{index}` stands in braces.
-    `node`: the class of the material expression. `pin`: its output pin, "" for the first. `width`: of the argument in
-    the text, in floats; 0 for a texture. `keys`: what a record of this kind has besides `kind`.
+    `expression`: what to place and set, in words; a key of the record such as `{index}` is in braces. `node`: the class
+    of the material expression. `pin`: its output pin, "" for the first. `width`: number of floats of the argument in
+    the HLSL; 0 for a texture. `keys`: what a record of this kind has besides `kind`.
     """
 
     expression: str
@@ -117,7 +117,7 @@ def width(record: Mapping[str, Any]) -> int:
     return width(record["of"]) if "of" in record else WIRING[record["kind"]].width
 
 
-# The input of Make Material Attributes that takes each of a text's outputs.
+# The input of Make Material Attributes for each output of the HLSL.
 ATTRIBUTES = {
     "metallic": "Metallic",
     "roughness": "Roughness",
