@@ -1,4 +1,4 @@
-"""The documents that are measured: trees of any number of nodes, all reached, and the example materials.
+"""The documents that are measured: trees of any number of nodes, all reachable, and the example materials.
 
 Nodes have all sockets and properties of their type, as a host exports them.
 """
@@ -17,7 +17,7 @@ BLENDS = ("MIX", "MULTIPLY", "OVERLAY", "SOFT_LIGHT")
 
 
 def chain(size):
-    """A chain of Math nodes that makes the roughness of a Principled BSDF, from a Value node."""
+    """A chain of Math nodes from a Value node to the roughness of a Principled BSDF."""
     nodes = [node("Value", id="Value")]
     for i in range(size - 2):
         nodes.append(
@@ -32,7 +32,7 @@ def chain(size):
 
 
 def tree(size):
-    """A balanced tree of Math nodes: as many nodes as wanted without the depth of a chain."""
+    """A balanced tree of Math nodes: any number of nodes without the depth of a chain."""
     nodes = []
     for i in range(size - 1):
         children = {
@@ -45,7 +45,7 @@ def tree(size):
 
 
 def _layer(number, colour):
-    """The eleven nodes of one layer of a material, on top of the colour that the layer below gave."""
+    """The eleven nodes of one layer of a material, on top of the colour of the layer below."""
 
     def named(kind, inputs=None, **more):
         return node(kind, inputs, id=f"{kind}.{number:03}", **more)

@@ -1,9 +1,9 @@
-"""The least that a call can cost, as a function to be timed beside it.
+"""The minimal cost of a call, as a function that is timed beside it.
 
-A first call on a document whose maps and lists keep a log tells what is read. The floor reads each of these keys once,
-of a document that it has not met before, and makes the call's result anew from finished texts, in C++: each dict, each
-list and each string but those that are the same in every result. The digits of a curve's samples, which are another
-text in each document, are found anew, too.
+A first call, on a document whose dicts and lists keep a log, records what is read. The floor reads each of these keys
+once, of a document that it has not seen before, and rebuilds the call's result from finished strings, in C++: each
+dict, each list and each string except those that all results share. The digits of a curve's samples, which differ in
+each document, are formatted again, too.
 """
 
 import sys
@@ -79,7 +79,7 @@ def _reads(call, document):
 
 
 def _pieces(code, need):
-    """A text as it is joined: the library's texts as they are, and what stands between and behind them."""
+    """The strings that the HLSL is joined from: those of the library, and what is between and after them."""
     head, mark, body = code.partition("QWK L;\n")
     if not mark:
         return [code.encode("utf-8", "surrogatepass")]
@@ -94,7 +94,7 @@ def _pieces(code, need):
 
 
 def _form(thing, need, words):
-    """A result as floor.cpp makes it again. `words`: the strings that every result shares."""
+    """A result in the form from which floor.cpp rebuilds it. `words`: ids of the strings that all results share."""
     if isinstance(thing, dict):
         return {
             _form(key, need, words): ("\n", _pieces(value, need)) if key == "code" else _form(value, need, words)
@@ -117,8 +117,8 @@ def _strings(thing, found):
 
 
 class Floor:
-    """Does what `call(document)` cannot do without, for documents that are alike. `need`: the library names of its
-    text."""
+    """The necessary work of `call(document)`, for documents of the same structure. `need`: the library names that its
+    HLSL needs."""
 
     def __init__(self, call, document, need):
         first, second = call(document), call(document)

@@ -1,4 +1,4 @@
-"""Builds the measurements' own C++ files."""
+"""Builds the C++ files of the measurements."""
 
 import importlib.util
 import os
@@ -12,7 +12,7 @@ BUILT = HERE.parent / "build" / "bench"
 
 
 def built(name, *options):
-    """The shared object of a C++ file here, built where it is older than its source."""
+    """The shared object of a C++ file here, rebuilt if it is older than its source."""
     source, target = HERE / f"{name}.cpp", BUILT / f"bench_{name}.so"
     if not target.exists() or target.stat().st_mtime < source.stat().st_mtime:
         BUILT.mkdir(parents=True, exist_ok=True)

@@ -1,6 +1,6 @@
-"""What a generated text costs: DXC's time, its instructions, and the time on the CPU's Vulkan device.
+"""Measures generated HLSL: DXC's time, the instructions, and the time on the CPU's Vulkan device.
 
-text_cost.py before.json     keeps the figures of the module that is imported, to be compared with later
+text_cost.py before.json     saves the figures of the imported module, for later comparison
 """
 
 import json
@@ -23,11 +23,11 @@ from dxc import compile_hlsl
 
 POINTS = 1 << 15
 RUNS = 3
-SLOWEST_TEXTURE = 300.0  # milliseconds that DXC may need for the text of one texture
+SLOWEST_TEXTURE = 300.0  # milliseconds that DXC may take for the HLSL of one texture
 
 NOISE_TYPES = ("FBM", "MULTIFRACTAL", "HYBRID_MULTIFRACTAL", "RIDGED_MULTIFRACTAL", "HETERO_TERRAIN")
 FEATURES = ("F1", "F2", "SMOOTH_F1", "DISTANCE_TO_EDGE", "N_SPHERE_RADIUS")
-# The instructions that a texture must stay below, by the beginning of its name.
+# Exclusive upper limits of the instructions of textures, by the start of their names.
 LIMITS = {"Noise 2D": 637, "Noise 3D": 1143, "Noise 4D": 1928, "Voronoi 4D F1": 845, "Wave": 650, "Gabor": 829}
 
 
@@ -88,18 +88,18 @@ def _values(record, count, random):
 
 
 def _worker_seconds():
-    """The processor time that the device's process has used so far, all threads together."""
+    """The processor time that the device's process has used so far, in all threads."""
     tasks = pathlib.Path(f"/proc/{device._worker.process.pid}/task").glob("*/schedstat")
     return sum(int(task.read_text().split()[0]) for task in tasks) / 1e9
 
 
 def _device_milliseconds(result):
-    """Processor time for a million points, the least of some runs, fetching and storing included."""
+    """Processor time for a million points, the minimum of some runs, including loads and stores."""
     random = np.random.default_rng(1)
     records = custom_expression.inputs_of(result)
     values = {name: _values(r, POINTS, random) for name, r in records if r["kind"] != "texture"}
     images = {name: random.random((64, 64, 4), np.float32) for name, r in records if r["kind"] == "texture"}
-    custom_expression.evaluate(result, values, images)  # makes the pipeline
+    custom_expression.evaluate(result, values, images)  # creates the pipeline
     readings = []
     for _ in range(RUNS):
         before = _worker_seconds()
@@ -109,7 +109,7 @@ def _device_milliseconds(result):
 
 
 def measure(document):
-    """Figures of a document's text: instructions, milliseconds of DXC, milliseconds for a million points."""
+    """The figures of a document's HLSL: instructions, milliseconds of DXC, milliseconds for a million points."""
     result = quillgen.compile(document)
     source = custom_expression.shader(result)
     compiling = []
@@ -131,7 +131,7 @@ def measure_all(documents_by_name):
 
 
 def limit(name):
-    """The instructions that a texture must stay below, or None."""
+    """The exclusive upper limit of a texture's instructions, or None."""
     return next((most for start, most in LIMITS.items() if name.startswith(start)), None)
 
 

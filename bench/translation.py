@@ -1,7 +1,7 @@
-"""What a translation costs: time beside the floor, growth with the size, import.
+"""Measures translation: time relative to the floor, growth with the size, import.
 
-Each call is given a document that has not been translated before, in two forms: as an add-on makes it, from new dicts,
-lists, numbers and texts, with the keys that stand in its own code; and as json.loads makes it.
+Each call gets a document that has not been translated before, in two forms: as an add-on makes it, of new dicts, lists,
+numbers and strings, but with the keys that are literals in its code; and as json.loads makes it.
 """
 
 import gc
@@ -19,8 +19,8 @@ from floor import Floor
 SIZES = (10, 30, 60, 300)
 GROWTH = (10, 30, 100, 300, 1000, 3000)
 REPEATS = 15
-BATCH = 0.003  # seconds of processor time that one reading of the clock covers, about
-# What the code of an add-on writes out: the same object in each document.
+BATCH = 0.003  # approximate seconds of processor time for one reading of the clock
+# Keys that are literals in the code of an add-on: the same object in each document.
 KEYS = {
     "nodes",
     "out",
@@ -57,7 +57,7 @@ CALLS = {"compile": quillgen.compile, "parts": surface_parts}
 
 
 def as_an_addon_makes_it(thing):
-    """A copy of a document of new objects throughout, but for keys."""
+    """A copy of a document, made of new objects except for the keys in KEYS."""
     if isinstance(thing, dict):
         return {
             sys.intern(key) if key in KEYS else "".join(list(key)): as_an_addon_makes_it(value)
@@ -78,7 +78,7 @@ FORMS = {"add-on": as_an_addon_makes_it, "JSON": from_json}
 
 
 def _time(call, arguments):
-    """Microseconds of processor time a call. The results are given up behind the clock, like the arguments."""
+    """Processor time per call in microseconds. The results are freed after the measurement, like the arguments."""
     results = []
     start = time.process_time()
     for argument in arguments:
@@ -87,7 +87,7 @@ def _time(call, arguments):
 
 
 def beside_floor(name, document, repeats=REPEATS):
-    """form -> the times of a call, and those of the floor, of rounds in which they take turns."""
+    """Form -> (times of a call, times of the floor), measured alternately."""
     call = CALLS[name]
     floor = Floor(call, document, surface_parts(document)["need"])
     count = max(1, int(BATCH / (_time(call, [from_json(document) for _ in range(5)]) * 1e-6)))
@@ -110,7 +110,8 @@ def cases():
 
 
 def growth():
-    """Rows of (nodes, microseconds of compile and of its floor) for trees of Math nodes, made as an add-on does."""
+    """Rows of (nodes, microseconds of compile, microseconds of its floor) for trees of Math nodes in the form of an
+    add-on."""
     rows = []
     for size in GROWTH:
         times, floor_times = beside_floor("compile", documents.tree(size), 5)["add-on"]
@@ -119,7 +120,7 @@ def growth():
 
 
 def imports():
-    """Name -> minimum and median milliseconds of its import behind re, hashlib and math, and its size."""
+    """Name -> minimum and median milliseconds of its import after re, hashlib and math, and the size of its file."""
     found = {}
     for name in ("quillgen_lib", "quillgen"):
         before = "import re, hashlib, math, time, sys; "
