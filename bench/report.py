@@ -132,7 +132,7 @@ def _material_row(name, now, before):
 
 
 def text_part():
-    """The lines on what the texts cost."""
+    """The lines on the cost of the HLSL."""
     before = json.loads(BASELINE.read_text(encoding="utf-8"))
     textures = text_cost.measure_all(text_cost.textures())
     materials = text_cost.measure_all(translation.documents.examples())

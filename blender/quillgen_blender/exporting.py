@@ -17,7 +17,7 @@ from .pipeline import Failed, Settings
 from .read import labels, pictures
 from .write import Material, Picture, Target
 
-MARK = "quillgen_named"  # the custom property of a node whose values stay live among "named" ones
+MARK = "quillgen_named"  # the custom property of a node whose values stay live with "named"
 
 
 @dataclass(frozen=True)

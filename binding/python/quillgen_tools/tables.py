@@ -44,7 +44,7 @@ def shown(entry: Mapping[str, Any]) -> str:
 
 
 def table(head: Sequence[str], rows: Iterable[Iterable[object]]) -> list[str]:
-    """The lines of a Markdown table, with an empty one behind it.
+    """The lines of a Markdown table, followed by an empty one.
 
     >>> table(["a"], [["x|y"]])
     ['| a |', '| --- |', '| x\\\\|y |', '']

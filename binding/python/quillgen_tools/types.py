@@ -57,7 +57,7 @@ Node = TypedDict(
         "props": dict[str, Any],  # Blender's properties of the node
         "ramp": Ramp,
         "curve": Curve,
-        "object_matrix": Any,  # Texture Coordinate: true where it names an object
+        "object_matrix": Any,  # Texture Coordinate: true if it names an object
     },
     total=False,
 )

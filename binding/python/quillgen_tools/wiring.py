@@ -99,7 +99,7 @@ WIRING: dict[str, Wiring] = {
 def expression(record: Mapping[str, Any]) -> str:
     """What to wire to an input, in words.
 
-    `record`: an item of a result's `inputs`, or the record under `of`. KeyError for a kind that isn't known.
+    `record`: an item of a result's `inputs`, or the record under `of`. Raises KeyError for an unknown kind.
 
     >>> expression({"name": "uv0_dx", "kind": "ddx", "of": {"kind": "texcoord", "index": 0}})
     'DDX of: Texture Coordinate 0'
@@ -109,7 +109,7 @@ def expression(record: Mapping[str, Any]) -> str:
 
 
 def width(record: Mapping[str, Any]) -> int:
-    """How many floats the input is wide; 0 for a texture.
+    """The number of floats of the input; 0 for a texture.
 
     >>> width({"kind": "ddy", "of": {"kind": "vertex_color"}})
     4
@@ -131,7 +131,7 @@ ATTRIBUTES = {
 
 
 def main_property(material: Mapping[str, Any]) -> str:
-    """The material property that takes the result of the text itself.
+    """The material property that takes the value that the HLSL returns.
 
     >>> main_property({"shading": "unlit"})
     'Emissive Color'

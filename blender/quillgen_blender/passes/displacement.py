@@ -17,8 +17,8 @@ from .parameters import number
 from .scalar_intervals import Interval, Maybe, hull, mathematics, multiply, subtract
 
 HEADROOM = 1.25  # textures can overshoot their range a little, and sliders move
-SMALLEST = -4  # the least magnitude is 2 to this power, in centimetres
-LARGEST = 16  # power of the largest plausible magnitude: above 650 m the range counts as unknown
+SMALLEST = -4  # power of two of the smallest magnitude, in centimetres
+LARGEST = 16  # power of two of the largest plausible magnitude: above 650 m the range counts as unknown
 UNKNOWN = "displacement range unknown - Nanite displacement magnitude set to 1 m (offsets beyond +-50 cm are clipped)"
 
 

@@ -102,5 +102,5 @@ def is_linked(entry: dict[str, Any] | None) -> bool:
 
 
 def acts(entry: dict[str, Any] | None) -> bool:
-    """Whether an input is linked or holds more than 0."""
+    """Whether an input is linked or has a value greater than 0."""
     return is_linked(entry) or bool(entry and (entry.get("v") or 0) > 0)

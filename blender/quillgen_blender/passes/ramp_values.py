@@ -9,7 +9,7 @@ from typing import Any
 Stop = list[Any]  # [position, [red, green, blue, alpha]]
 Colour = list[float]
 
-STEPS = 256  # of Cycles' table
+STEPS = 256  # intervals of Cycles' table
 TENSION = 0.71  # of cardinal splines
 
 

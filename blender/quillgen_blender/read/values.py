@@ -43,7 +43,7 @@ def triple(value: Any) -> list[float]:
 
 
 def held(node: Any) -> Any:
-    """The constant that a node holds, None for all other nodes."""
+    """The constant that a node holds, None if it is no such node."""
     if node.bl_idname in HOLDERS:
         value = getattr(node, HOLDERS[node.bl_idname])
         return triple(value) if node.bl_idname == "FunctionNodeInputVector" else value

@@ -16,7 +16,7 @@ class Refused(Exception):
 
 
 class Unfinished(Refused):
-    """The files don't belong together yet: an export is under way."""
+    """The files don't match yet: an export is in progress."""
 
 
 class Cancelled(Exception):

@@ -32,7 +32,7 @@ class Outcome(NamedTuple):
 
     name: str
     status: str  # "made", "updated", "values", "unchanged" or "failed"
-    material: str  # paths of the assets, "" where it failed
+    material: str  # paths of the assets, "" if it failed
     instance: str
     remarks: tuple[str, ...]
 
