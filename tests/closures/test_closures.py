@@ -1,4 +1,4 @@
-"""The closure record: its text, and what mixing and adding do at run time."""
+"""The closure record: its text, and the run-time results of mixing and adding shaders."""
 
 import numpy as np
 import pytest
@@ -51,7 +51,7 @@ MESH = {"cnorm": (0.0, 0.6, 0.8), "tsign": 1.0}
 
 
 def run(one, two, *others, kind="AddShader", **inputs):
-    """The outputs of two shaders put together."""
+    """The run-time outputs of two shaders combined by a node of type `kind`."""
     twin = two if two is not one else {**two, "id": "Twin"}
     n = node(kind, {"Shader": link(one), "Shader_001": link(twin), **inputs})
     result = surface(n, one, twin, *others, settings={"blend": "BLENDED"})

@@ -100,7 +100,7 @@ def test_numbers_start_anew_and_the_surface_knows_nothing_of_the_stage():
 
 
 def test_value_at_run_time():
-    """A quarter metre along the normal of an unturned mesh: 25 cm of a span of 128 cm, above the middle."""
+    """A displacement of 0.25 m along the normal of an unrotated mesh: 25 cm above the centre of a 128 cm range."""
     n = node("Displacement", {"Height": 0.75, "Midlevel": 0.5, "Scale": 1.0})
     values = {
         "oax": (1.0, 0.0, 0.0),

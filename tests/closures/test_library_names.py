@@ -1,4 +1,4 @@
-"""What the translator asks of the library, and what it does with the answer."""
+"""The names that the translator requests from the library, and how it uses the returned texts."""
 
 import pytest
 

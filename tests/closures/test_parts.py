@@ -122,7 +122,7 @@ def test_part_passes_failures_on():
 
 @pytest.mark.parametrize("chosen", [0.0, 1.0, 2.0, 3.0])
 def test_selector_chooses_at_run_time(chosen):
-    """Several graphs in one text give what each gives alone, and black beyond the last."""
+    """A text of several graphs returns the result of the selected graph, and black for a selector beyond the last."""
     documents = [CLOUDS, LAMP, material(node("TexImage"), images=IMAGES)]
     parts = [quillgen.parts(d) for d in documents]
     inputs = {name: record for p in parts for name, record in p["inputs"].items()}

@@ -12,7 +12,7 @@ NUMBER = node("Value", props={"value": 0.0})
 
 
 def principled(**sockets):
-    """The result of a Principled BSDF with these sockets, the blanks of their names as underscores."""
+    """The result of a Principled BSDF with these sockets. Underscores stand for spaces in their names."""
     return surface(node("BsdfPrincipled", {k.replace("_", " "): v for k, v in sockets.items()}), NUMBER)
 
 

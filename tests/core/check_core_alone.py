@@ -12,5 +12,5 @@ def translated(node, output):
 
 
 assert translated("Two", "Value") == ["  float v1 = 2.0 * P_One__Value;\n  float v2 = 2.0 * v1;\n", "v2"]
-assert translated("Other", "Value") == ["", "0.0"]  # no type of node but its own
+assert translated("Other", "Value") == ["", "0.0"]  # the module knows no other node type
 assert translated("Other", "Shader") == ["", "no_closure()"]

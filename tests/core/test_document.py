@@ -1,4 +1,4 @@
-"""The document: what may be absent, and what its defects raise."""
+"""The document: what may be absent, and the errors that defects raise."""
 
 import copy
 

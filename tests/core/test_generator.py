@@ -1,4 +1,4 @@
-"""Evaluation on demand: order, numbers, what is written and what is not."""
+"""Evaluation on demand: order and numbering of variables, and which nodes write statements."""
 
 import pytest
 

@@ -1,4 +1,4 @@
-"""Evaluating a graph again at moved positions."""
+"""Evaluating a graph again at offset positions."""
 
 import copy
 import re
@@ -18,7 +18,7 @@ def bump(height, output=None, id="Bump", **inputs):
 
 
 def positions(lines):
-    """The world offset that each reading of the position adds, None where it adds none."""
+    """For each read of the position, the variable of the world offset that is added, or None."""
     texts = [line.split(" = ", 1)[1] for line in lines if "wpos.x, -wpos.y" in line]
     moved = [re.fullmatch(re.escape(f"({HERE} + ") + r"(v\d+)\);", text) for text in texts]
     assert all(match or text == f"{HERE};" for match, text in zip(moved, texts))
@@ -26,7 +26,7 @@ def positions(lines):
 
 
 def later(offset, steps):
-    """The offset's world vector where so many variables are declared ahead of the bump."""
+    """The variable of the offset's world vector if `steps` variables are declared before the bump."""
     return f"v{int(offset['w'][1:]) + steps}"
 
 
@@ -34,7 +34,7 @@ LENGTH = node("VectorMath", {"Vector": link(GEOMETRY, "Position")}, props={"oper
 
 
 def test_shared_graph_that_was_evaluated_before():
-    """Two moved copies; the reading in place is the one that was there."""
+    """Two offset copies are made. Without offset, the earlier evaluation is reused."""
     n = bump(LENGTH, "Value")
     both = node("Math", {"Value": link(LENGTH, "Value"), "Value_001": link(n)})
     lines = body(both, n, LENGTH, GEOMETRY)
@@ -44,7 +44,7 @@ def test_shared_graph_that_was_evaluated_before():
 
 
 def test_shared_graph_that_was_not_evaluated_before():
-    """The moved copies come first; the one in place after them serves all later readers."""
+    """The offset copies come first, then the one without offset, which all later readers reuse."""
     n = bump(LENGTH, "Value")
     both = node("Math", {"Value": link(n), "Value_001": link(LENGTH, "Value")})
     lines = body(both, n, LENGTH, GEOMETRY)
@@ -53,7 +53,7 @@ def test_shared_graph_that_was_not_evaluated_before():
 
 
 def test_node_of_two_outputs_is_evaluated_as_a_whole():
-    """The output that was read before is made again too, as the node is."""
+    """The whole node is evaluated again, including the output that was read before."""
     parts = node("SeparateXYZ", {"Vector": link(GEOMETRY, "Position")})
     height = node("Math", {"Value": link(parts, "X"), "Value_001": link(parts, "Y")}, id="Height")
     n = bump(height)
@@ -68,9 +68,9 @@ def test_two_offsets_see_nothing_of_each_other():
 
 
 def test_nested_bump_replaces_the_offset():
-    """The inner bump runs once for each evaluation of the outer height, with offsets of its own each time.
+    """The inner bump is evaluated once per evaluation of the outer height, each time with its own offsets.
 
-    Its moved copies know only those; its reading in place is at the offset of the outer bump, or nowhere.
+    Its offset copies use only these. Its read without own offset uses the outer bump's offset, or none.
     """
     inner = bump(GEOMETRY, "Position", id="Inner")
     lines = body(bump(inner), inner, GEOMETRY)
@@ -186,7 +186,7 @@ def test_signals_that_do_not_move(kind, output, unmoved):
 
 
 def test_link_that_no_handler_reads():
-    """What hangs on an unread socket is upstream as well, yet nothing makes it again."""
+    """Nodes linked to a socket that isn't read are upstream too, but are not evaluated again."""
     source = node("Math", {"Value": link(GEOMETRY, "Position")}, id="Source")
     reader = node("Value", {"Ignored": link(source)})
     both = node("Math", {"Value": link(source), "Value_001": link(bump(reader))}, id="Both")
@@ -194,7 +194,7 @@ def test_link_that_no_handler_reads():
 
 
 def test_moved_generated_coordinate():
-    """Only the position in it moves, the bounds stay."""
+    """Only the position is offset, not the bounds."""
     checker = node("TexChecker")
     lines = [line for line in body(bump(checker, "Fac"), checker) if "tex_checker" in line]
     assert ["L.dir_world_to_obj(v" in line for line in lines] == [True, True, False]

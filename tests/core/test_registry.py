@@ -1,4 +1,4 @@
-"""The node types that are translated and the functions that the texts call, written out."""
+"""The complete lists of the translated node types and of the library functions that the texts call."""
 
 import pytest
 
@@ -51,7 +51,7 @@ LIBRARY_NAMES = """
     fresnel_dielectric_cos dither_coverage
 """.split()
 
-# What a name brings in under other names.
+# Library names whose functions have other names.
 FUNCTIONS = {"gabor": ["tex_gabor"], "radial_tiling": ["calculate_out_variables", "calculate_out_segment_id"]}
 
 

@@ -1,4 +1,4 @@
-"""Facts of the scene: what each signal reads and declares."""
+"""Signals (values read from the scene): the expressions and inputs of each."""
 
 import pytest
 
@@ -22,7 +22,7 @@ LOCAL = {"lpos": {"kind": "local_position"}}
 BOUNDS = {"bmin": {"kind": "local_bounds_min"}, "bmax": {"kind": "local_bounds_max"}}
 DERIVATIVES = {f"wpcr_d{a}": {"kind": f"dd{a}", "of": {"kind": "world_position_cr"}} for a in "xy"}
 
-# A node output that is nothing but the signal: its text and its inputs, in order.
+# Node outputs that are only a signal -> its text and its inputs, in order.
 SIGNALS = {
     ("NewGeometry", "Position"): ("(float3(wpos.x, -wpos.y, wpos.z) * 0.01)", {"wpos": {"kind": "world_position"}}),
     ("NewGeometry", "Normal"): (NF, NORMAL | SIGN),
@@ -60,7 +60,7 @@ def test_signal(kind, output):
     text, inputs = SIGNALS[kind, output]
     result = translated(node(kind), output=output)
     assert result["body"][0] == f"float3 v1 = {text};"
-    if kind == "NewGeometry":  # always reads the side for Backfacing
+    if kind == "NewGeometry":  # always reads the two-sided sign, for Backfacing
         inputs = inputs | SIGN
     assert list(result["inputs"].items()) == list(inputs.items())
 
@@ -112,7 +112,7 @@ def test_bias_plays_no_part_in_derivatives():
 
 
 def displaced(reader, output):
-    """The statements of a surface that reads a bumped normal, and the name of that normal."""
+    """Returns (statements, name of the bumped normal, result) of a surface that reads a bumped normal."""
     n, bsdf = node("Displacement"), node("BsdfPrincipled", {"Base Color": link(reader, output)})
     result = translated(bsdf, reader, n, mode="surface", displacement=n)
     name, lines = bumped_normal(result["body"])

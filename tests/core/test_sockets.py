@@ -1,4 +1,4 @@
-"""Sockets: literals, parameters, defaults, and where types meet."""
+"""Sockets: literals, parameters, defaults, and type conversions."""
 
 import itertools
 import math
@@ -14,7 +14,7 @@ LUMA = "dot({e}, float3(0.2126, 0.7152, 0.0722))"
 MEAN = "(({e}).x + ({e}).y + ({e}).z) * (1.0 / 3.0)"
 CAST = "((float3)({e}))"
 
-# Nodes that read a socket as a type, and the line that holds it.
+# Type -> a node that reads a socket as this type, and the line that contains the value.
 READERS = {
     "VALUE": ("Math", "Value", "float v1 = {e};"),
     "VECTOR": ("VectorMath", "Vector", "float3 v1 = {e};"),
@@ -24,7 +24,7 @@ READERS = {
 
 
 def converted(source, target):
-    """The text that stands for the text {e} of a type where another type is wanted."""
+    """The template that converts an expression {e} from one type to another."""
     if source in FLOATS:
         return "{e}" if target == "VALUE" else CAST
     return "{e}" if target != "VALUE" else LUMA if source == "RGBA" else MEAN
@@ -243,7 +243,7 @@ def test_two_ids_with_one_parameter_name_share_it():
 
 
 def test_the_last_reading_of_a_shared_name_gives_its_value():
-    """The bump reads the first node once more, behind the second one."""
+    """Two nodes share a parameter name. The bump reads the first one again, after the second."""
     first, second = node("Math", {"Value": 1.0}, id="A.1"), node("Math", {"Value": 2.0}, id="A 1")
     bump = node("Bump", {"Height": link(first)})
     both = node("Math", {"Value": link(first), "Value_001": link(second)}, id="Both")
@@ -266,7 +266,7 @@ def test_the_displacement_reads_a_shared_name_last():
 
 
 def test_both_texts_declare_a_socket_that_both_read():
-    """Each with a list of its own; the parameter's is that of the text that came last."""
+    """Each text lists the parameter in its own inputs; `params` has the value of the last text."""
     read = node("VectorMath", {"Vector": [1.0, 2.0, 3.0]}, id="Read")
     shader = node("BsdfPrincipled", {"Base Color": link(read)})
     moved = node("Displacement", {"Height": link(read), "Scale": 0.5})
@@ -283,7 +283,7 @@ def test_both_texts_declare_a_socket_that_both_read():
 
 @pytest.mark.parametrize("count", [10, 32, 33, 64, 300, 3000])
 def test_names_are_told_apart_and_met_again_among_many(count):
-    """That many names, each of two nodes, read by a tree of sums."""
+    """`count` parameter names, each shared by two nodes, read by a tree of sums."""
     read = [node("Value", props={"value": float(i)}, id=f"A{mark}{i}") for mark in ". " for i in range(count)]
     for i in range(2 * count - 1):
         terms = dict(zip(("Value", "Value_001", "Value_002"), map(link, (*read[2 * i : 2 * i + 2], read[2 * i]))))

@@ -1,5 +1,5 @@
-"""Installs the extension in a Blender that knows nothing of it, uses it and removes it. Arguments: the zip, a folder to
-export to. Prints a JSON object. BLENDER_USER_RESOURCES names an empty folder."""
+"""Installs the extension in a fresh Blender, uses it and removes it. Arguments: the zip, a folder to export to. Prints
+a JSON object. BLENDER_USER_RESOURCES must name an empty folder."""
 
 import json
 import os
@@ -15,7 +15,7 @@ MODULE = "bl_ext.user_default.quillgen"
 
 
 def leftovers():
-    """What a registered extension adds to Blender, where a removed one may have left something."""
+    """Everything of the extension that is registered in Blender. After removal it must be empty."""
     handlers = [
         f"{kind}: {each}"
         for kind in dir(bpy.app.handlers)
@@ -38,10 +38,10 @@ def main(archive, out):
     bpy.ops.wm.read_factory_settings(use_empty=True)
     before = leftovers()
     installed = bpy.ops.extensions.package_install_files(filepath=archive, repo="user_default", enable_on_install=True)
-    import addon_utils  # bpy makes it findable
+    import addon_utils  # importable after bpy
 
     enabled = addon_utils.check(MODULE)
-    import materials  # beside this file
+    import materials  # materials.py in this folder
 
     names = materials.build()
     bpy.context.scene.quillgen.folder = out
@@ -73,4 +73,4 @@ if __name__ == "__main__":
     sys.path.insert(0, str(HERE))
     main(*sys.argv[1:])
     sys.stdout.flush()
-    os._exit(0)  # bpy 4.2 as a module crashes as it ends, once a property had an update function
+    os._exit(0)  # bpy 4.2 as a module crashes at exit if a property had an update function

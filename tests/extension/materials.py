@@ -1,10 +1,10 @@
-"""Materials with all that an export has to do with: groups, ramps, pictures, displacement, remarks. Runs in Blender."""
+"""Materials that cover all of an export: groups, ramps, images, displacement, remarks. Runs inside Blender."""
 
 import bpy
 
 
 def build():
-    """Fills the file with materials and gives their names. What they are for stands at each."""
+    """Fills the file with the materials below. Returns their names."""
     made = [plain(), grouped(), pictured(), displaced(), remarked()]
     twin = made[0].copy()
     twin.name = "OAK"  # differs in case only
@@ -32,7 +32,7 @@ def plain():
 
 
 def grouped():
-    """A group with an input of its own, and a name that no file system takes."""
+    """A group with an input, and a material name that file systems reject."""
     material, tree, shader = fresh("Wall: brick?")
     group = bpy.data.node_groups.new("Worn", "ShaderNodeTree")
     amount = group.interface.new_socket("Amount", in_out="INPUT", socket_type="NodeSocketFloat")
@@ -50,7 +50,7 @@ def grouped():
 
 
 def pictured():
-    """A picture made in Blender."""
+    """An image generated in Blender."""
     material, tree, shader = fresh("Poster")
     image = bpy.data.images.new("Paint ing.png", 4, 4)
     image.pixels = [0.25, 0.5, 0.75, 1.0] * 16
@@ -72,7 +72,7 @@ def displaced():
 
 
 def remarked():
-    """A node that nothing in Unreal is equal to."""
+    """A node without an equivalent in Unreal."""
     material, tree, shader = fresh("Wire")
     wire = tree.nodes.new("ShaderNodeWireframe")
     wire.name = "My Wire"

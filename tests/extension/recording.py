@@ -1,4 +1,4 @@
-"""A layout that records what a panel draws, in the place of Blender's own."""
+"""A replacement for Blender's layout that records what a panel draws."""
 
 from dataclasses import dataclass, field
 from types import SimpleNamespace
@@ -21,13 +21,13 @@ class Item:
 
 
 def operator_type(name):
-    """The definition of an operator; a KeyError where there is none."""
+    """The definition of an operator. Raises KeyError if it doesn't exist."""
     module, _, word = name.partition(".")
     return getattr(getattr(bpy.ops, module), word).get_rna_type()
 
 
 class Properties:
-    """What an operator's button sets."""
+    """Records the operator properties that a button sets."""
 
     def __init__(self, into):
         object.__setattr__(self, "_into", into)
@@ -83,7 +83,7 @@ class Layout:
         self.children.append(Item("progress", text, data=factor))
 
     def items(self):
-        """All items, those of inner layouts behind their layout."""
+        """All items. Items of a nested layout follow that layout."""
         for item in self.children:
             yield item
             if item.layout:
@@ -111,7 +111,7 @@ def context_of(panel, material, width=340):
 
 
 def drawn(panel, context):
-    """What a panel draws, None where it doesn't show."""
+    """The layout that a panel draws, or None if its poll fails."""
     if not panel.poll(context):
         return None
     layout = Layout()

@@ -1,6 +1,6 @@
 """Runs the checks inside Blender.
 
-python run_checks.py OUT.json      what failed, by name; BLENDER_USER_RESOURCES names an empty folder
+python run_checks.py OUT.json      writes the failures by name; BLENDER_USER_RESOURCES must name an empty folder
 """
 
 import importlib
@@ -39,4 +39,4 @@ def main(out):
 if __name__ == "__main__":
     main(sys.argv[1])
     sys.stdout.flush()
-    os._exit(0)  # bpy 4.2 as a module crashes as it ends, once a property had an update function
+    os._exit(0)  # bpy 4.2 as a module crashes at exit if a property had an update function

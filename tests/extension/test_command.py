@@ -1,4 +1,4 @@
-"""The command line as a program of its own; what it does is checked in checks/command_line.py."""
+"""The command line as a separate process. checks/command_line.py tests its functions."""
 
 import json
 import os

@@ -1,4 +1,4 @@
-"""The extension as artists get it: Blender's own tool accepts it, and each Blender installs, uses and removes it."""
+"""The packed extension: Blender's own tool validates it, and each Blender installs, uses and removes it."""
 
 import importlib.util
 import json

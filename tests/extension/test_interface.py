@@ -1,4 +1,4 @@
-"""The interface in each Blender: the checks in checks/, which run there."""
+"""Runs the user interface checks of checks/ in each Blender."""
 
 import ast
 import json
@@ -18,7 +18,7 @@ from checks import SUBJECTS
 
 import blenders
 
-# By their sources: they need Blender to be imported.
+# Collected from the source texts, because importing the checks needs Blender.
 NAMES = [
     node.name
     for subject in SUBJECTS

@@ -1,4 +1,4 @@
-"""Names of folders that every file system takes."""
+"""Folder names that are valid on every file system."""
 
 import re
 

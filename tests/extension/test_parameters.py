@@ -25,7 +25,7 @@ def math_node(name, **links):
 
 
 def material(*nodes):
-    """A material that shines with the last node's value."""
+    """A material that emits the last node's value."""
     shader = {
         "id": "Emission",
         "type": "ShaderNodeEmission",

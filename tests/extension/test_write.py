@@ -1,4 +1,4 @@
-"""The files of an export: whole, apart from each other, and as their schema says."""
+"""The files of an export: complete, separate for each material, and valid by their schema."""
 
 import dataclasses
 import hashlib
@@ -74,7 +74,7 @@ def export(folder, name="Oak", made=None, **more):
 
 
 def valid(folder):
-    """A material's manifest, after all that a reader would check."""
+    """Returns a material's manifest after checking it like a reader would."""
     found = json.loads((folder / "material.json").read_bytes())
     VALIDATOR.validate(found)
     VALIDATOR.validate(json.loads((folder / "parameters.json").read_bytes()))
@@ -259,7 +259,7 @@ def test_pictures_are_shared_and_go_when_nobody_needs_them(tmp_path):
 
 @pytest.mark.parametrize("other", ["Elm", "Ash"], ids=["there before", "new"])
 def test_a_picture_stays_that_somebody_else_has_begun_to_use(tmp_path, other):
-    """Live update keeps what it knows of the folder while the buttons export to it."""
+    """Live update caches the state of the folder while the buttons export to it."""
     out = tmp_path / "out"
     first, second = tmp_path / "first.png", tmp_path / "second.png"
     first.write_bytes(b"first")

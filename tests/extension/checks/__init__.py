@@ -1,4 +1,4 @@
-"""Checks of the interface that run inside Blender, each a function that fails by an assertion. One file a subject."""
+"""Checks of the user interface that run inside Blender. Each is a function that asserts. One file per subject."""
 
 SUBJECTS = (
     "exported",

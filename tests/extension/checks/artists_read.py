@@ -1,4 +1,4 @@
-"""Labels, errors and remarks, as artists read them."""
+"""Labels, errors and remarks that are shown to artists."""
 
 import json
 

@@ -1,4 +1,4 @@
-"""The command line, called in the process."""
+"""The command line, called in this process."""
 
 import contextlib
 import io
@@ -21,7 +21,7 @@ def saved():
 
 
 def ran(*words):
-    """The exit code of a command line, and what it printed on stdout and on stderr."""
+    """Runs a command line. Returns its exit code and its output on stdout and stderr."""
     texts = io.StringIO(), io.StringIO()
     with contextlib.redirect_stdout(texts[0]), contextlib.redirect_stderr(texts[1]):
         try:
@@ -65,7 +65,7 @@ def check_command_refuses_what_is_not_there():
 def check_command_names_the_module_that_is_not_there():
     file = saved()
     there = sys.modules.pop("quillgen", None)
-    sys.modules["quillgen"] = None  # as where it isn't installed
+    sys.modules["quillgen"] = None  # as if it weren't installed
     try:
         code, _, errors = ran(file, "--out", file.parent / "out")
     finally:

@@ -29,7 +29,7 @@ def check_panels_show_what_there_is():
 
 
 def check_panels_draw_in_a_real_layout_only_what_exists():
-    """Every property and operator that a panel names is there."""
+    """Every property and operator that a panel uses exists."""
     setting()
     material = active("Wire")
     bpy.ops.quillgen.check()
@@ -44,7 +44,7 @@ def check_panels_draw_in_a_real_layout_only_what_exists():
 
 
 def check_the_drawing_in_the_docs_is_that_of_the_panels():
-    """Another drawing: tools/draw_panels.py makes it."""
+    """If this fails, run tools/draw_panels.py to update the drawing."""
     import draw_panels
 
     assert draw_panels.DRAWING.read_text(encoding="utf-8") == draw_panels.drawing()

@@ -1,4 +1,4 @@
-"""What an export writes, and of which materials."""
+"""Which materials an export includes, and what it writes."""
 
 import bpy
 
@@ -50,7 +50,7 @@ def check_a_picture_is_saved_once():
 
 
 def check_a_picture_is_called_by_its_format():
-    """Unreal goes by a file's ending, Blender by what is in it."""
+    """Unreal detects a file's format by its extension, Blender by its contents."""
     out = setting()
     image = bpy.data.images["Paint ing.png"]
     for kind, name, ending in (("PNG", "one.dat", ".png"), ("JPEG", "two", ".jpg"), ("BMP", "three.png", ".bmp")):
@@ -73,7 +73,7 @@ def check_a_picture_that_is_gone_is_told():
 
 
 def check_a_sequence_of_which_nothing_is_shown_is_told():
-    """Without a window Blender reads no picture of it."""
+    """Blender without a window loads no image of a sequence."""
     out = setting()
     material = active("Poster")
     bpy.data.images["Paint ing.png"].save(filepath=str(out / "walk_0001.png"))

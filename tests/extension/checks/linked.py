@@ -1,4 +1,4 @@
-"""Materials, groups and pictures of other files, some of them with the names of the file's own."""
+"""Materials, groups and images linked from other files, some with the same names as local ones."""
 
 import json
 
@@ -49,8 +49,8 @@ def check_libraries_of_one_name_are_told_apart():
 
 
 def with_a_library():
-    """A file with the material Wood and the picture wood.png beside it, and links to a material and a group of another
-    file in another folder, with a picture of the same name. Gives the folder."""
+    """Makes a file with the material Wood and the image wood.png beside it. It links a material and a group of a file
+    in another folder, which has an image with the same name. Returns the folder."""
     out = setting()
     library, scene = out / "library" / "library.blend", out / "scene" / "scene.blend"
     for file, color in ((library, RED), (scene, GREEN)):
@@ -92,7 +92,7 @@ def reads_wood(tree, socket):
 
 
 def color_of(folder, record):
-    """What a picture of an export shows."""
+    """The colour of an exported image."""
     image = bpy.data.images.load(str(folder / record["file"]))
     found = tuple(round(part) for part in image.pixels[:4])
     bpy.data.images.remove(image)

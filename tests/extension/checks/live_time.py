@@ -1,4 +1,4 @@
-"""How much of the main thread live update takes."""
+"""Limits for the time that live update takes on the main thread."""
 
 import statistics
 import time
@@ -10,14 +10,14 @@ from quillgen_blender.ui import live, state
 
 from .setting import NUMBERS, Clock, active, setting
 
-PAUSE = 5.0  # milliseconds that Blender's main thread is busy at a time
-WHOLE = {"slider": 12.0, "graph": 40.0}  # and all in all, over several slices
-TRIES = 3  # one within the limits is enough: whatever else the machine does only ever adds time
-YARDSTICK = 1.0  # milliseconds that the loop below takes where these limits hold, a desktop of 2020 with nothing to do
+PAUSE = 5.0  # limit in milliseconds for one slice on Blender's main thread
+WHOLE = {"slider": 12.0, "graph": 40.0}  # limit in milliseconds for all slices of an edit
+TRIES = 3  # one try within the limits is enough, because other load only adds time
+YARDSTICK = 1.0  # milliseconds that yardstick() takes on the machine of these limits, an idle desktop of 2020
 
 
 def yardstick():
-    """The CPU time of work that is always the same, in milliseconds: how busy the machine is."""
+    """The CPU time of a fixed workload in milliseconds, a measure of the machine's speed and load."""
     began = time.thread_time()
     words = {}
     for number in range(5500):
@@ -26,8 +26,9 @@ def yardstick():
 
 
 def slices(edit):
-    """The CPU time of what Blender's main thread does for an edit, in milliseconds: the whole and the longest slice of
-    the handler and the timer. Medians, measured by turns with the yardstick and divided by it."""
+    """The CPU time of the main thread for an edit, in milliseconds: the sum and the maximum of all slices of the
+    handler and the timer. Both are medians, measured in alternation with yardstick() and scaled down on a slower
+    machine."""
     handler = live.changed
     spent, wholes, pauses, sticks = [], [], [], []
 

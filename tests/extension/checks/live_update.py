@@ -1,4 +1,4 @@
-"""What an edit rewrites while live update is on."""
+"""Which files an edit rewrites while live update is on."""
 
 import types
 
@@ -147,7 +147,8 @@ def check_a_node_that_is_marked_becomes_a_parameter():
 
 
 def check_what_somebody_else_wrote_is_no_reason_to_write_nothing():
-    """An export by the button, between two edits that lead back to what live update wrote last."""
+    """An export by the button happens between two edits, and the second edit restores the state that live update wrote
+    last."""
     out, material = watched("Oak")
     slide(material, 7.5)
     run_timers()
@@ -183,7 +184,7 @@ def check_what_could_not_be_written_is_written_the_next_time():
 
 
 def check_a_graph_that_is_whole_again_is_no_longer_called_broken():
-    """Also where it is what was exported before, and there is nothing to write."""
+    """Even if the graph is the one that was exported before, so that nothing is written."""
     _, material = watched("Wire")
     tree = material.node_tree
     shader, end = tree.nodes["Principled BSDF"].outputs[0], tree.get_output_node("CYCLES").inputs["Surface"]
@@ -212,7 +213,7 @@ def check_a_material_that_is_removed_meanwhile():
 
 
 def check_a_group_is_edited_while_a_material_is_removed():
-    """The search for the group's materials begins again."""
+    """The search for the materials that use the group restarts."""
     out, _ = watched("Wall: brick?")
     group = bpy.data.node_groups["Worn"]
     group.nodes["Noise Texture"].inputs["Detail"].default_value = 9.0
@@ -254,7 +255,7 @@ def check_an_undo_of_the_switch_counts():
 
 
 def check_an_undo_in_the_midst_of_an_export():
-    """At each of its steps: what is exported at last is what the file holds."""
+    """An undo at each step of the export. The last export matches the file's state."""
     out, _ = watched("Oak")
     for steps in range(1, 10):
         bpy.ops.ed.undo_push(message="as it was")
@@ -274,13 +275,13 @@ def check_an_undo_in_the_midst_of_an_export():
 
 
 def slide(material, value):
-    """Drags a slider."""
+    """Simulates dragging a slider."""
     material.node_tree.nodes["Noise Texture"].inputs["Scale"].default_value = value
     bpy.context.view_layer.update()
 
 
 def hear_of(thing):
-    """An update that says nothing of the materials that use a thing."""
+    """Sends an update for a datablock that doesn't name the materials that use it."""
     live.changed(bpy.context.scene, types.SimpleNamespace(updates=[types.SimpleNamespace(id=thing)]))
 
 

@@ -1,4 +1,4 @@
-"""What checks begin with: a file with materials, a clock of their own, words for what they look at."""
+"""Helpers of the checks: a file with materials, a simulated clock, accessors."""
 
 import json
 import tempfile
@@ -10,11 +10,11 @@ import materials
 
 from quillgen_blender.ui import live
 
-NUMBERS = {}  # what was measured, for the report
+NUMBERS = {}  # measurements for the report
 
 
 def setting():
-    """A file with materials, and an empty folder that the scene exports to."""
+    """Makes a file with materials. Returns the empty folder that the scene exports to."""
     bpy.ops.wm.read_factory_settings(use_empty=True)
     materials.build()
     bpy.context.scene.quillgen.folder = tempfile.mkdtemp()
@@ -28,7 +28,7 @@ def active(name):
 
 
 def refused(operator, **properties):
-    """What an operator reports as an error."""
+    """The error that an operator reports; empty if there is none."""
     try:
         operator(**properties)
     except RuntimeError as error:
@@ -45,7 +45,7 @@ def values(folder):
 
 
 class Clock:
-    """Time as the live update sees it; it passes when a check says so, however busy the machine is."""
+    """The clock of live update. Checks advance it, so that they don't depend on the machine's load."""
 
     now = 1000.0
     perf_counter = staticmethod(time.perf_counter)
@@ -56,7 +56,7 @@ class Clock:
 
 
 def run_timers(rest=0.35):
-    """Lets an edit rest, and does what Blender's timers would."""
+    """Advances the clock after an edit and runs the timer as Blender would."""
     Clock.now += rest
     again = 0.0
     while again is not None:

@@ -1,4 +1,4 @@
-"""Materials that are unusual: names in other scripts, nodes that move, graphs without an end or without end."""
+"""Unusual materials: names in other scripts, animated nodes, graphs without an output, and graphs that are too deep."""
 
 import inspect
 import sys
@@ -25,7 +25,7 @@ def check_a_material_for_another_render_engine_says_so():
 
 
 def check_an_output_of_a_world_is_no_error():
-    """It may come with nodes that are copied; Blender takes it for the material's where it is the active one."""
+    """It can arrive with copied nodes. If it is the active one, Blender uses it as the material's output."""
     setting()
     for kind in ("ShaderNodeOutputWorld", "ShaderNodeOutputLight"):
         material, tree, shader = fresh("Elm")
@@ -74,7 +74,7 @@ def check_a_graph_that_is_too_deep_is_told_in_words():
 
 
 def check_labels_of_nodes_whose_names_have_other_letters():
-    """Parameters are named by letters from A to Z, so that ids of other scripts get numbers; labels don't."""
+    """Parameter names contain only ASCII letters, so ids in other scripts are numbered. Labels keep their letters."""
     setting()
     material, tree, shader = fresh("Elm")
     for name, socket in (("Шум", "Roughness"), ("Вал", "Metallic"), ("Wood / Fine", "IOR"), ("Math Value", "Alpha")):

@@ -1,4 +1,4 @@
-"""Bump nodes, and the bump that a displacement output gives to the whole surface."""
+"""Bump nodes, and the bump of the whole surface by the displacement output."""
 
 import numpy as np
 import pytest
@@ -12,7 +12,7 @@ NF = "(normalize(float3(cnorm.x, -cnorm.y, cnorm.z)) * ((tsign < 0.0) ? -1.0 : 1
 UV = node("UVMap")
 PARTS = node("SeparateXYZ", {"Vector": link(UV)})
 
-# A flat square in the xy plane, seen from 10 metres above; one screen step is a centimetre.
+# A flat square in the xy plane, seen from 10 m above. A step of one pixel is 1 cm.
 SCENE = {
     "cnorm": (0.0, 0.0, 1.0),
     "camvec": (0.0, 0.0, 1.0),
@@ -146,7 +146,7 @@ def test_no_filter_width_gives_the_normal_back():
 
 
 def test_slope_at_run_time():
-    """The height is u: it rises by one for each metre along x, so the normal leans back by 45 degrees."""
+    """The height is u. It rises by 1 m per metre along x, so the normal tilts by 45 degrees towards -x."""
     np.testing.assert_allclose(normal(bump(Filter_Width=0.1)), unit(-1.0, 0.0, 1.0), atol=1e-4)
     np.testing.assert_allclose(normal(bump(output="Y")), unit(0.0, -1.0, 1.0), atol=1e-4)
     np.testing.assert_allclose(normal(bump(Distance=0.5)), unit(-0.5, 0.0, 1.0), atol=1e-4)
@@ -172,7 +172,7 @@ def test_strength_beyond_one_extrapolates():
 
 
 def test_pixels_without_derivatives():
-    """Heights that hang on UVs see no change there; those that hang on the position do."""
+    """A height that depends on UVs has no slope there. A height that depends on the position does."""
     parallel = {"wpcr_dx": (100.0, 0.0, 0.0), "wpcr_dy": (100.0, 1e-3, 0.0)}  # as far as floats can tell
     np.testing.assert_allclose(normal(bump(), **parallel), (0.0, 0.0, 1.0), atol=1e-6)
     geometry = node("NewGeometry")

@@ -83,7 +83,7 @@ def displaced(**values):
 
 
 def test_bitangent_that_disagrees_turns_the_third_axis():
-    """y runs along the normal, z along the bitangent, whose side the mesh decides."""
+    """y is along the normal, z along the bitangent, whose sign depends on the mesh."""
     one, other = displaced(tbit=(0.0, 1.0, 0.0)), displaced(tbit=(0.0, -1.0, 0.0))
     np.testing.assert_allclose((one[0], one[2]), (0.25, 0.5), atol=1e-6)
     np.testing.assert_allclose((other[0], other[2]), (0.25, 0.5), atol=1e-6)

@@ -158,7 +158,7 @@ def test_linked_normal_as_it_stands(kind, output):
 
 
 def readings(output, signal):
-    """The texts of a bump where its height reads a vector: at the two moved positions, and in place."""
+    """The expressions by which a bump's height reads a vector: at the two offset positions and without offset."""
     geometry = node("NewGeometry")
     lines = body(node("Bump", {"Height": link(geometry, output)}), geometry)
     start = next(i for i, line in enumerate(lines) if line.startswith(f"float {DY['b']} = ")) + 1

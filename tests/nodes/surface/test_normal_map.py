@@ -62,7 +62,7 @@ def test_convention(space, convention):
     ],
 )
 def test_strength_in_tangent_space(strength, wanted):
-    """The statement is the same for all strengths; the surface's own normal plays no part."""
+    """The statement is the same for all strengths and doesn't use the surface's normal."""
     np.testing.assert_allclose(normal((0.75, 0.625, 0.75), strength), unit(*wanted), atol=1e-6)
     lines = body(node("NormalMap", {"Strength": strength}))
     assert lines[8] == "v1.x *= v2; v1.y *= v2; v1.z = lerp(1.0, v1.z, saturate(v2));"
@@ -138,7 +138,7 @@ def test_tangent_is_the_default():
 
 
 def test_mirrored_frame():
-    """The mesh's bitangent decides the sign of the second axis."""
+    """The mesh's bitangent determines the sign of the second axis."""
     straight, mirrored = (normal((0.5, 0.75, 0.75), tbit=(0.0, sign, 0.0)) for sign in (1.0, -1.0))
     np.testing.assert_allclose(straight[1], -mirrored[1], atol=1e-6)
     np.testing.assert_allclose(straight[2], mirrored[2], atol=1e-6)
@@ -146,7 +146,7 @@ def test_mirrored_frame():
 
 
 def test_displaced_surface():
-    """The bumped normal serves the blend and the guard."""
+    """The blend and the guard use the bumped normal."""
     displaced = node("Displacement")
     lines = body(node("NormalMap", props={"space": "WORLD"}), displaced, displacement=displaced)
     name, lines = bumped_normal(lines)

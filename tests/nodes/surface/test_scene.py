@@ -1,4 +1,4 @@
-"""Nodes that report facts about the scene, the ray or the object."""
+"""Nodes that read properties of the scene, the ray or the object."""
 
 import numpy as np
 import pytest

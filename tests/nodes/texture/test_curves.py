@@ -15,7 +15,7 @@ def curve(kind="FloatCurve", tables=SMALL, low=0.0, high=1.0, inputs=None, **fur
 
 
 def lookup(table, f, n1, n2, extrapolate=True):
-    """The text of a lookup as it has to be."""
+    """The expected expression of a table lookup."""
     ex = "&& true" if extrapolate else "&& false"
     at = f"clamp(int(saturate({f}) * {n1}), 0, {n1})"
     after = f"clamp(int(saturate({f}) * {n1}) + 1, 0, {n1})"

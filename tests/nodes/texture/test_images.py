@@ -13,7 +13,7 @@ T = quillgen.tex_input("wood.png")
 
 
 def picture(record=None, output="Color", kind="TexImage", **props):
-    """The translation of a node on an image of this record."""
+    """The translation of a node that uses an image with this record."""
     n = node(
         kind,
         props={

@@ -11,7 +11,7 @@ NUMBER, SUM = node("Value"), node("Math")
 
 
 def call(**settings):
-    """(name of the function, its arguments behind the coordinate) of a noise."""
+    """Returns (function name, arguments after the coordinate) of a noise texture."""
     settings = {"output": "Fac", **settings}
     output = settings.pop("output")
     line = body(node("TexNoise", **settings), output=output)[-1]

@@ -53,7 +53,7 @@ def test_smooth_operations_need_one_name(operation):
     assert translated(node("Math", props={"operation": operation}))["need"] == {"smoothminf"}
 
 
-# The letters a, b, c stand for operands only where they are words of their own.
+# a, b and c stand for operands only as separate words.
 @pytest.mark.parametrize(
     "operation, text",
     [
