@@ -1,8 +1,8 @@
 """The part of docs/performance.md on what a GPU executes, from the figures kept in executed.json.
 
-The figures are exact counts. They are stored because the tool that counts is not part of the repository. A row: name -> [cycles,
-latency, static DXIL instructions, vector registers], before and now. Under "others": what MaterialX 1.39.5 takes for
-what is most like a texture, [cycles, latency, vector registers]. Under "fxc": seconds before and now.
+The figures are exact counts. They are stored because the tool that counts is not part of the repository. A row: name ->
+[cycles, latency, static DXIL instructions, vector registers], before and now. Under "others": what MaterialX 1.39.5
+takes for what is most like a texture, [cycles, latency, vector registers]. Under "fxc": seconds before and now.
 """
 
 import json
