@@ -1,6 +1,6 @@
-"""Compares functions of the HLSL library with tables of values that Blender's Cycles computes for them.
+"""Compares functions of the HLSL library with tables of values computed by Blender's Cycles.
 
-A table (values/*.json) maps a function's name to rows: its arguments, then the result. Vectors are lists.
+A table (values/*.json) maps a function name to rows of its arguments followed by the result. Vectors are lists.
 """
 
 import functools
@@ -18,9 +18,9 @@ DTYPES = {"int": np.int32, "int2": np.int32, "uint": np.uint32, "bool": np.bool_
 
 @functools.cache
 def signature(function, unit=None):
-    """(result type, types of the arguments) of a library function; out arguments begin with "out ".
+    """Returns (result type, argument types) of a library function; out arguments begin with "out ".
 
-    `unit` is the name that it is asked for by, where that is not its own.
+    `unit` is the library name that includes the function, if it differs from the function's own.
     """
     for text in library.library().resolve({unit or function}):
         result, name, arguments = DEFINITION.match(text).groups()
@@ -35,7 +35,7 @@ def table(name):
 
 
 def evaluate(function, *columns):
-    """The function's result for columns of arguments: lists, arrays, or one value for all."""
+    """The function's results for columns of arguments, which are lists, arrays, or one value for all rows."""
     result, kinds = signature(function)
     n = max(len(c) for c in columns if np.ndim(c))
     arrays = []
@@ -48,9 +48,9 @@ def evaluate(function, *columns):
 
 
 def deviation(got, want):
-    """For each row, how far the results lie apart, in units of the largest finite component that is wanted.
+    """The deviation of each row, relative to the largest finite component of the expected result.
 
-    Both infinite or both NaN is no deviation; only one of them is an infinite one.
+    It is 0 if both values are equal infinities or both are NaN, and infinite if only one of them is.
     """
     got, want = (np.asarray(a, np.float64).reshape(len(got), -1) for a in (got, want))
     same = (got == want) | (np.isnan(got) & np.isnan(want))
@@ -62,13 +62,13 @@ def deviation(got, want):
 
 
 def check(function, rows, tolerance):
-    """Fails where a row's result is off by more than the tolerance times its largest component."""
+    """Fails if a row's result deviates by more than the tolerance times its largest component."""
     *columns, want = ([row[i] for row in rows] for i in range(len(rows[0])))
     same(evaluate(function, *columns), want, tolerance, rows)
 
 
 def same(got, want, tolerance, rows=None):
-    """Fails where results differ by more than the tolerance times the largest component of their row."""
+    """Fails if results differ by more than the tolerance times the largest component of their row."""
     apart = deviation(got, want)
     worst = int(np.argmax(apart))
     assert apart[worst] <= tolerance, (

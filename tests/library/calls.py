@@ -1,4 +1,4 @@
-"""Every function of the library, called by itself with varying arguments."""
+"""Calls of every library function by itself, with varying arguments."""
 
 import pathlib
 import sys
@@ -14,20 +14,20 @@ try:
 except SystemExit as e:
     raise RuntimeError(f"the library's sources cannot be read: {e}") from None
 
-# The names that quillgen_lib knows, each with the functions that it stands for.
+# The names in quillgen_lib -> the functions that each includes.
 FUNCTIONS = {name: [f.name for f in SOURCES.functions if f.unit == name] for name in SOURCES.units}
 
 
 def parts(expression, kind):
-    """Pairs (expression, numeric type) of a value: itself, or its fields."""
+    """Pairs (expression, numeric type): the value itself, or the fields of a struct."""
     if kind not in library.library().STRUCTS:
         return [(expression, kind)]
     return [(f"{expression}.{field}", k) for field, k in library.fields(kind).items()]
 
 
 def calls(unit):
-    """(statements, inputs, outputs, textures): calls of all functions of a name. Inputs and outputs are name -> type;
-    outputs are whatever the functions give."""
+    """Returns (statements, inputs, outputs, textures) that call all functions of a library name. Inputs and outputs are
+    name -> type; the outputs are all results of the functions."""
     lines, inputs, outputs, textures = [], {}, {}, []
     for function in FUNCTIONS[unit]:
         result, kinds = signature(function, unit)

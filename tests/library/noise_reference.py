@@ -1,7 +1,7 @@
-"""Blender's hashes and noise written out once more in numpy: words in uint32, the rest in double precision.
+"""Reference implementation of Blender's hashes and noise in numpy: hashes in uint32, the rest in double precision.
 
-Points that are exact in float32, and stay so when they are multiplied by the lacunarity, have here what the
-library should give up to the rounding of its own sums.
+The library must agree up to the rounding of its sums for points that are exact in float32 and stay exact when
+multiplied by the lacunarity.
 """
 
 import itertools
@@ -54,7 +54,7 @@ def cell_hash(cells):
 
 
 def gradient(h, f):
-    """The corners' gradients times the offsets f (a list of arrays)."""
+    """The dot products of the corners' gradients and the offsets f (a list of arrays)."""
 
     def signed(value, bit):
         return np.where(h >> bit & 1, -value, value)
@@ -78,7 +78,7 @@ def gradient(h, f):
 
 
 def signed_noise(p):
-    """Noise of points [n, d], about -1 to 1."""
+    """Noise at points [n, d], roughly in -1..1."""
     p = np.fmod(p, 100000.0) + 0.5 * (np.abs(p) >= 1000000.0)
     d = p.shape[1]
     cell = np.floor(p)
@@ -149,7 +149,7 @@ FRACTALS = {
 
 
 def shift(seed, d):
-    """Where the noise is read for a component of the distortion or a channel of the colour."""
+    """The offset at which the noise is evaluated for a component of the distortion or a channel of the colour."""
     seeds = np.full(d, seed, np.float32)
     h = float_hash(seeds) if d == 1 else float_hash(seeds, np.arange(d, dtype=np.float32))
     return np.float32(100.0 + 100.0 * h.astype(np.float64)).astype(np.float64)

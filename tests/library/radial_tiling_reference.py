@@ -1,4 +1,4 @@
-"""Blender's radial tiling once more: one point at a time, in double precision, case by case."""
+"""Reference implementation of Blender's radial tiling: one point at a time, in double precision, case by case."""
 
 from math import atan, atan2, cos, floor, hypot, pi, sin, sqrt, tan
 
@@ -25,7 +25,7 @@ def segment_id(n, px, py):
 
 
 class Tiling:
-    """The quantities that all cases share; the methods give (h, t, divisor of t, W, R)."""
+    """The quantities that all cases share. The methods return (h, t, divisor of t, W, R)."""
 
     def __init__(self, n, rho, px, py):
         self.n, self.rho, self.px, self.py = n, rho, px, py
@@ -122,7 +122,7 @@ def variables(normalize, n, rho, px, py):
 
 
 def from_border(n, px, py):
-    """The angle between a point and the nearest border or middle of a segment: there rounding decides."""
+    """The angle between a point and the nearest border or middle of a segment, where the result depends on rounding."""
     theta = atan2(py, px) % (2 * pi)
     lam = pi - floor(n) * pi / n
     angles = [k * pi / n for k in range(2 * floor(n) + 1)] + [2 * pi - lam, 2 * pi]

@@ -1,4 +1,4 @@
-"""Scalar and vector arithmetic against Blender's values, and at the edges."""
+"""Scalar and vector arithmetic: Blender's values, and edge cases."""
 
 import math
 
@@ -11,7 +11,7 @@ VALUES = table("arithmetic")
 ULP = 2.0**-23
 INF, NAN = math.inf, math.nan
 
-# What the device's own functions allow; everything else agrees to a few units in the last place.
+# Tolerances for the device's own functions. All others agree to a few units in the last place.
 LOOSER = {"safe_powf": 1e-6, "safe_pow3": 1e-6, "safe_logf": 1e-6, "compatible_atan2": 5e-6}
 
 
@@ -105,14 +105,14 @@ def grid(*axes):
 
 
 def test_remainders_over_many_numbers():
-    # Multiples of 1/16 by whole numbers: no quotient here rounds across a whole number.
+    # Multiples of 1/16 divided by integers: no quotient is rounded past an integer.
     a, b = grid(np.arange(-160, 161) / 16.0, [-5.0, -3.0, -1.0, 2.0, 3.0, 7.0])
     same(evaluate("safe_modulo", a, b), np.fmod(a, b), 8 * ULP)
     same(evaluate("safe_floored_modulo", a, b), a - np.floor(a / b) * b, 8 * ULP)
 
 
 def near_whole_quotients():
-    """Pairs of numbers whose quotient is whole or a few steps of rounding off, of both signs and of all sizes."""
+    """Pairs of numbers of both signs and all magnitudes whose quotient is an integer, or a few ulps away from one."""
     rng = np.random.default_rng(16)
     divisors = np.float32([0.1, 0.2, 0.3, 2 / 3, 1 / 3, 0.7, 1.1, 3.0, 1e-3, 1e-20, 7e-30, 1e20, 3e30])
     divisors = np.concatenate([divisors, rng.uniform(0.5, 2.0, 40).astype(np.float32)])
@@ -167,7 +167,7 @@ HARMLESS = [0.0, -0.0, 1e-6, -1e-6, 0.5, -0.5, 1.0, -1.0, 2.0, -3.0, 100.0]
 
 
 def mixtures(values, arguments):
-    """Every pair of values for every two arguments, the others running along."""
+    """Arguments that contain every pair of values for every two arguments."""
     n = len(values)
     i, j = np.divmod(np.arange(n * n), n)
     return [np.float32(values)[(i * (k + 1) + j * (k * k + 1)) % n] for k in range(arguments)]
@@ -182,5 +182,5 @@ def columns(name, values):
 
 @pytest.mark.parametrize("name", VALUES)
 def test_harmless_numbers_give_finite_results(name):
-    values = HARMLESS[:-1] if "pow" in name else HARMLESS  # 100 to the power of 100 is infinite in float32
+    values = HARMLESS[:-1] if "pow" in name else HARMLESS  # 100 to the power of 100 overflows float32
     assert np.isfinite(evaluate(name, *columns(name, values))).all()

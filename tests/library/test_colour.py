@@ -1,4 +1,4 @@
-"""Colour models, blends and spectra against Blender's values, against colorsys, and at the edges."""
+"""Colour models, blends and spectra: Blender's values, colorsys, and edge cases."""
 
 import colorsys
 import math
@@ -12,7 +12,7 @@ VALUES = table("colour")
 BLENDS = [name for name in VALUES if name.startswith("mix_")]
 ULP = 2.0**-23
 
-# Relative to the largest component; all others a few units in the last place.
+# Tolerances relative to the largest component. All others agree to a few units in the last place.
 LOOSER = {
     "srgb_to_linear3": 1e-6,
     "blackbody_rec709": 1e-6,
@@ -99,7 +99,7 @@ def test_edges(name, row):
 def test_models_over_the_whole_cube(name, model):
     want = np.array([model(*map(float, c)) for c in CUBE])
     got = evaluate(name, CUBE)
-    # A colour that rounding alone keeps from grey may have any hue.
+    # A colour that differs from grey only by rounding can have any hue.
     sure = np.ptp(CUBE, axis=1) > 1e-4 if name.startswith("rgb") else np.full(len(CUBE), True)
     assert np.abs(got - want)[sure].max() < 1e-6
 
@@ -171,7 +171,7 @@ def test_the_black_body_curve_joins_its_pieces():
         for t in (np.nextafter(limits, np.float32(0)), limits, np.nextafter(limits, np.float32(1e6)))
     )
     jumps = np.abs(below - at).max(axis=1)
-    # The limit itself belongs to the piece above it.
+    # The limit itself belongs to the segment above it.
     assert (jumps > 1e-4).all() and (jumps < 2e-3).all() and np.abs(above - at).max() < 1e-5
     got = evaluate("blackbody_rec709", np.linspace(900, 12000, 5000))
     assert (np.diff(got[:, 2]) > -2e-3).all() and (np.diff(got[:, 0]) < 2e-3).all()
@@ -179,7 +179,7 @@ def test_the_black_body_curve_joins_its_pieces():
 
 def test_the_samples_of_all_wavelengths():
     got = evaluate("wavelength_xyz", 380.0 + 5.0 * np.arange(80))
-    # The three functions enclose the same area, and have one hump each (the first has two).
+    # The three functions have equal integrals and one peak each (the first has two).
     same([got.sum(axis=0)], [[21.3714, 21.3714, 21.3715]], 3e-5)
     turns = [(np.diff(np.sign(np.diff(c[c > 2e-3]))) != 0).sum() for c in got.T]
     assert turns == [3, 1, 1]

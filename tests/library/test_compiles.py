@@ -8,7 +8,7 @@ import cost
 import library
 from calls import FUNCTIONS, calls
 
-# The names that quillgen asks for; the rest are the library's own helpers.
+# The names that quillgen requests. The others are internal helpers of the library.
 ASKED_FOR = """
     safe_divide safe_powf safe_logf safe_sqrtf inversesqrtf safe_modulo safe_floored_modulo wrapf pingpongf
     compatible_atan2 compatible_signf smoothminf smoothstepc smootherstep
@@ -43,7 +43,7 @@ RESERVED = {"sample", "point", "line", "triangle", "half", "min16float", "precis
 
 
 def caller(unit):
-    """A shader that calls all functions of a name with varying arguments and stores whatever they give."""
+    """A shader that calls all functions of a name with varying arguments and stores all results."""
     body, inputs, outputs, textures = calls(unit)
     return cost.shader(body, inputs, outputs, textures)
 

@@ -1,4 +1,4 @@
-"""Gabor noise against Blender's values, against the same noise in double precision, and at the edges."""
+"""Gabor noise: Blender's values, a double precision reference, and edge cases."""
 
 import itertools
 
@@ -24,7 +24,7 @@ def hashed(*values):
 
 
 def reference(co, scale, frequency, anisotropy, angle, along, dimensions):
-    """Blender's sum of impulses, one after the other, with points [n, 3] and plain settings."""
+    """Blender's sum of impulses at points [n, 3], one impulse at a time, with scalar settings."""
     d, spread = dimensions, np.pi * (1.0 - min(max(anisotropy, 0.0), 1.0))
     p = np.float64(co)[:, :d] * scale
     cell = np.floor(p)
@@ -60,7 +60,8 @@ def reference(co, scale, frequency, anisotropy, angle, along, dimensions):
 
 
 def apart(got, want):
-    """How far (value, phase, intensity) lie apart; the phase is a turn, uncertain where the sum is small."""
+    """Differences of (value, phase, intensity). The phase wraps at 1. It counts less where the sum is small, because it
+    is inaccurate there."""
     turn = np.abs(got[:, 1] - want[:, 1])
     turn = np.minimum(turn, 1.0 - turn) * np.minimum(want[:, 2] * 10.0, 1.0)
     return np.abs(np.stack([got[:, 0] - want[:, 0], turn, got[:, 2] - want[:, 2]]))
@@ -115,6 +116,7 @@ def test_coordinates_without_sense_come_to_an_end(dimensions):
 
 @pytest.mark.parametrize("dimensions, limit", [("2", 310), ("3", 580), ("int", 730)])
 def test_cost(dimensions, limit):
-    """One body for all cells and impulses; with the dimensions known nothing of the other ones stays."""
+    """There is one loop body for all cells and impulses. If the dimensions are constant, the code of the others is
+    removed."""
     kinds = ["float3", "float", "float", "float", "float", "float3", dimensions]
     assert library.cost("tex_gabor", *kinds, need={"gabor"}) <= limit

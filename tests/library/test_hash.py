@@ -1,4 +1,4 @@
-"""The hashes: every bit of every result has to be Blender's."""
+"""The hashes: every result must equal Blender's bit for bit."""
 
 import math
 
@@ -93,7 +93,7 @@ def test_cell_hashes_of_random_cells(d):
     assert np.array_equal(got, as_floats(cell_hash(cells)))
 
 
-# In DXIL instructions, a little above what they take: sharing between the components was lost if one grows.
+# DXIL instructions, slightly above the current counts. A larger count means that the components share less code.
 @pytest.mark.parametrize(
     "name, most",
     [

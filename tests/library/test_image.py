@@ -1,4 +1,4 @@
-"""Texel access and the projections of image nodes against Blender's values."""
+"""Texel access and projections of image nodes: Blender's values."""
 
 import math
 
@@ -12,7 +12,7 @@ VALUES = table("projections")
 REPEAT, EXTEND, CLIP, MIRROR = range(4)
 STORED, BYTES, PRODUCT = range(3)
 
-# In units of the largest component. The device's inverse tangent is good to 4e-6 of its result.
+# Tolerances relative to the largest component. The device's atan has a relative accuracy of 4e-6.
 LOOSER = {"map_to_sphere": 2e-6, "map_to_tube": 2e-6, "equirect_uv": 2e-6}
 
 
@@ -152,7 +152,7 @@ def test_colours_above_one_keep_their_range():
 
 
 # ----------------------------------------------------------------------------------------------------
-# Whole lookups: the filters as the generated text writes them, on an image of 4 x 3 texels
+# Whole lookups with the filters of the generated text, on an image of 4 x 3 texels
 
 LOOKUPS = [  # u, v, extension: Closest, Linear, Cubic
     (
@@ -296,7 +296,7 @@ def test_box_weights_at_the_edges(normal, blend, want):
 @pytest.mark.parametrize("blend", [0.0, 0.1, 0.5, 1.0])
 def test_box_weights_share_one(blend):
     w = evaluate("box_weights", sphere(4000), blend)
-    # A narrow blend divides the rounding errors by its width.
+    # Rounding errors are divided by the blend width, so they are large for a narrow blend.
     assert np.abs(w.sum(axis=1) - 1).max() < 5e-6 and w.min() > -1e-6
     permuted = evaluate("box_weights", sphere(4000)[:, [1, 2, 0]], blend)
     assert np.abs(permuted - w[:, [1, 2, 0]]).max() < 5e-6
@@ -339,7 +339,7 @@ def test_the_mirror_ball_reflects_the_direction():
     d = sphere(2000)
     uv = evaluate("mirrorball_uv", d)
     x, z = (2 * uv - 1).T.astype(np.float64)
-    # The ball's normal at that place mirrors the line of sight, along +y, into the direction.
+    # The ball's normal at this place reflects the view direction, +y, into the result's direction.
     normal = np.stack([x, -np.sqrt(np.maximum(0, 1 - x * x - z * z)), z], axis=-1)
     mirrored = np.array([0, 1, 0]) - 2 * normal[:, 1:2] * normal
     assert np.abs(mirrored - d)[d[:, 1] < 0.9].max() < 5e-6

@@ -1,4 +1,4 @@
-"""Noise textures against Blender's values, against the same noise in double precision, and at the edges."""
+"""Noise textures: Blender's values, a double precision reference, and edge cases."""
 
 import math
 
@@ -11,15 +11,15 @@ from agreement import table
 
 VALUES = table("noise")
 KINDS = list(noise_reference.FRACTALS)
-# The tables are Blender 5.0's, whose offsets of distortion and colour are rounded twice: six of them are a step of
-# rounding apart, which slope, distortion and octaves multiply.
+# The tables are from Blender 5.0, which rounds the offsets of distortion and colour twice. Six of the offsets differ by
+# one ulp, and slope, distortion and octaves amplify the difference.
 OTHER_OFFSETS = 2e-4
 # detail, roughness, lacunarity, offset, gain, distortion, normalize
 PLAIN = (2.0, 0.5, 2.0, 0.25, 1.5, 0.0, 1.0)
 
 
 def texture(name, co, settings, want_colour=1.0):
-    """(value, colour) at the points; each setting is a number or an array."""
+    """Returns (value, colour) at the points. Each setting is a number or an array."""
     arrays = [np.broadcast_to(np.float32(s), len(co)) for s in (*settings, want_colour)]
     return library.call(name, co, *map(np.ascontiguousarray, arrays), result="float", out_args=("float3",))
 
@@ -31,7 +31,7 @@ def columns(rows):
 
 
 def points(d, n, seed, extent=40.0):
-    """Random points whose coordinates are multiples of 1/256: exact in float32, also doubled a few times."""
+    """Random points whose coordinates are multiples of 1/256, which are exact in float32 and stay so when doubled."""
     p = np.round(np.random.default_rng(seed).uniform(-extent, extent, (n, d)) * 256.0) / 256.0
     return p.astype(np.float32)
 
@@ -44,7 +44,7 @@ def flat(co):
 def test_signed_noise_of_the_table(name):
     rows = VALUES["signed"][name]
     got = library.call(name, np.float32([row[0] for row in rows]), result="float")
-    # Some values of the table have four digits only.
+    # Some values in the table have only four digits.
     want = np.array([row[1] for row in rows])
     short = np.array([len(repr(row[1])) < 8 and abs(row[1]) * 1e4 % 1 == 0 for row in rows])
     assert (np.abs(got - want) <= np.where(short, 5e-5, 2e-7)).all(), (got, want)
@@ -61,7 +61,7 @@ def test_signed_noise_everywhere(d):
 def test_signed_noise_of_huge_coordinates(d):
     rng = np.random.default_rng(d)
     co = (rng.choice([-1.0, 1.0], (4000, d)) * 10.0 ** rng.uniform(4.9, 12.3, (4000, d))).astype(np.float32)
-    # Whole multiples of the period, and their neighbours on both sides.
+    # Multiples of the period, and the adjacent floats on both sides.
     exact = np.repeat(np.float32(rng.integers(1, 10000, (300, 1)) * 100000), d, axis=1)
     beside = [np.nextafter(exact, np.float32(towards)) for towards in (0, np.inf)]
     co = np.concatenate([co, exact, *beside])
@@ -125,7 +125,7 @@ def test_colour_and_distortion_in_double_precision(kind, d):
     co = points(d, 300, d + 20, 8.0)
     value, colour = texture(f"noise_texture{d}_{kind}", flat(co), settings)
     want = noise_reference.texture(kind, co, *settings)
-    # The coordinates of the second and third channel round to 1.5e-5, which slope and octaves multiply.
+    # The coordinates of the second and third channel are rounded to 1.5e-5, which slope and octaves amplify.
     assert np.abs(colour - want).max() <= 5e-4
     assert np.array_equal(colour[:, 0], value)
 
@@ -194,5 +194,5 @@ def test_the_flags_of_a_generated_text_cut_what_is_not_asked_for():
     flags = [("0.0", "0.0", "0.0"), ("0.0", "1.0", "0.0"), ("0.0", "1.0", "1.0")]
     bare, normalized, coloured = (cost(*f) for f in flags)
     assert bare < normalized < coloured < cost(*FLOATS[:3])
-    # With neither colour nor distortion the loop over them is gone.
+    # Without colour and distortion the loop over them is removed.
     assert bare <= library.cost("noise_signed3", "float3", result="float") + 30

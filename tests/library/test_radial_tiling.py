@@ -1,4 +1,4 @@
-"""Radial tiling against Blender's values, against the same in double precision, and at the edges."""
+"""Radial tiling: Blender's values, a double precision reference, and edge cases."""
 
 import numpy as np
 import pytest
@@ -35,20 +35,20 @@ def test_segments_of_the_table():
 
 
 def apart(got, want):
-    """How far results lie apart, in units of 1 or, where they are larger, of their own size."""
+    """The largest difference of the results, absolute up to 1, relative above."""
     off = np.abs(got - want) / np.maximum(np.abs(want), 1.0)
     return off.max()
 
 
 def inner_points(n, sides, seed):
-    """Points that are not within rounding of a border."""
+    """Points far enough from borders that rounding doesn't change their segment."""
     p = np.float32(np.random.default_rng(seed).uniform(-1.5, 1.5, (2 * n, 2)))
     kept = [x for x in p if reference.from_border(sides, *map(float, x)) > 1e-4 and np.hypot(*x) > 0.05]
     return np.array(kept[:n])
 
 
 SIDES = [2.0, 2.125, 2.5, 2.96875, 3.0, 3.5, 4.0, 4.25, 5.0, 6.75, 7.0, 12.5, 31.0, 100.0625]
-# Two sides that are rounded a little have no numbers in Blender: see below.
+# Two sides with a partial roundness are omitted, because they are NaN in Blender (see below).
 CASES = [
     (sides, roundness)
     for sides in SIDES
@@ -62,7 +62,7 @@ CASES = [
 def test_values_everywhere(sides, roundness, normalize):
     p = inner_points(400, sides, int(sides * 8))
     want = [reference.variables(normalize, sides, roundness, float(x), float(y)) for x, y in p]
-    # The device's sine, tangent and angles are good to some 1e-6, however small a segment's angle is.
+    # The device's trigonometric functions have an absolute accuracy of about 1e-6, however small a segment's angle is.
     assert apart(variables(normalize, sides, roundness, p), want) <= 8e-6 + 1.5e-6 * sides
 
 
@@ -84,7 +84,7 @@ def test_the_origin_is_the_middle_of_the_first_segment(normalize, radial, middle
 
 @pytest.mark.parametrize("normalize", [False, True])
 def test_rounded_strips_are_finite(normalize):
-    """Two sides with some roundness make NaN in Blender; here they stay parallel lines, as without."""
+    """Two sides with a partial roundness are NaN in Blender. Here they are parallel lines, as with roundness 0."""
     p = np.random.default_rng(2).uniform(-2.0, 2.0, (500, 2))
     for roundness in (0.015625, 0.5, 0.96875):
         got = variables(normalize, 2.0, roundness, p)
@@ -96,7 +96,7 @@ def test_rounded_strips_are_finite(normalize):
 @pytest.mark.parametrize("sides", [3.0, 5.0, 4.5])
 @pytest.mark.parametrize("roundness", [1e-3, 1e-4, 1e-5])
 def test_tiny_corners_are_finite(normalize, sides, roundness):
-    """The circle of such a corner is as small as rounding."""
+    """The radius of such a corner is as small as the rounding error."""
     angles = np.linspace(0.0, 4.0 * roundness, 500)
     angles = np.concatenate([angles, -angles[1:]])
     angles = np.concatenate([angles, angles + 2.0 * np.pi / sides])
@@ -126,6 +126,6 @@ def test_points_without_sense_come_to_an_end():
     [("float", "float", 220), ("4.5", "0.5", 150), ("5.0", "0.5", 96), ("5.0", "1.0", 70), ("5.0", "0.0", 56)],
 )
 def test_cost(sides, roundness, limit):
-    """Of cases that constants exclude nothing stays."""
+    """The code of cases that constant arguments exclude is removed."""
     kinds = ["true", "true", "bool" if sides == "float" else "true", sides, roundness, "float2"]
     assert library.cost("calculate_out_variables", *kinds, result="float4", need=NEED) <= limit

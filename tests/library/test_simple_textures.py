@@ -1,4 +1,4 @@
-"""Gradient, checker, brick, magic and wave against Blender's values and at their edges."""
+"""Gradient, checker, brick, magic and wave textures: Blender's values, and edge cases."""
 
 import math
 
@@ -16,7 +16,7 @@ TOLERANCES = {"tex_gradient": 3e-7, "tex_checker": 0.0, "tex_brick": 2e-6, "tex_
 
 
 def rows(name, tolerance):
-    """Fails where a row of the table is further away than an absolute tolerance."""
+    """Fails if a row of the table differs by more than an absolute tolerance."""
     *columns, want = ([row[i] for row in VALUES[name]] for i in range(len(VALUES[name][0])))
     apart = np.abs(evaluate(name, *columns) - np.float32(want)).reshape(len(want), -1).max(axis=1)
     worst = int(np.argmax(apart))
@@ -58,7 +58,7 @@ def test_a_unit_vector_is_outside_of_the_spheres():
 
 
 def checkers(p):
-    """Each operation rounded to float32."""
+    """The checker texture with each operation rounded to float32."""
     q = (p + np.float32(0.000001)) * np.float32(0.999999)
     return (np.floor(q).astype(np.int64).sum(axis=1) & 1).astype(np.float32)
 
@@ -71,12 +71,12 @@ def test_checker_at_and_beside_whole_numbers():
 
 @pytest.mark.parametrize("scale", ["5.0", "3.0", "0.2", "7.0"])
 def test_a_scale_in_the_text_does_not_move_the_checker_of_whole_numbers(scale):
-    """A compiler that merges the scale with the nudge's factor changes the cells of whole numbers."""
+    """If a compiler merged the scale with the factor 0.999999, the cells of integer coordinates would change."""
     co = grid(np.concatenate([np.arange(-10.0, 11.0) / float(scale), [0.05]]))
     body = library.declarations({"tex_checker"}) + f"y = L.tex_checker(co * {scale});"
     want = checkers(co * np.float32(scale))
     assert np.array_equal(device.evaluate(body, {"co": co}, {"y": 1})["y"], want)
-    # The device's own compiler need not merge them, so look at what DXC hands on, too.
+    # The device's compiler might not merge them, so check the output of DXC too.
     for dxil in cost.compile_both(cost.shader(body, {"co": "float3"}, {"y": "float"})).values():
         work = cost.work(dxil)
         assert not any(" fast " in line for line in work)
@@ -87,7 +87,7 @@ def test_a_scale_in_the_text_does_not_move_the_checker_of_whole_numbers(scale):
 
 
 def bricks(p, size, smooth, bias, width, height, offset, every, squash, squash_every):
-    """The brick texture in double precision, with words of 32 bits."""
+    """The brick texture in double precision, with 32-bit hashes."""
     p = np.float64(p)
     row = np.floor(p[:, 1] / height)
     w, moved = np.full(len(p), width), np.zeros(len(p))
@@ -120,7 +120,7 @@ def bricks(p, size, smooth, bias, width, height, offset, every, squash, squash_e
     ],
 )
 def test_brick_in_double_precision(settings):
-    # Multiples of 1/256 and sizes that are powers of two: no coordinate rounds.
+    # Multiples of 1/256 and sizes that are powers of two, so that all coordinates are exact.
     p = np.round(np.random.default_rng(3).uniform(-20, 20, (3000, 3)) * 256.0) / 256.0
     got = evaluate("tex_brick", p, *settings)
     assert np.abs(got - bricks(p, *settings)).max() <= 1e-6
@@ -133,7 +133,7 @@ def test_brick_ignores_z():
 
 
 def test_full_mortar_is_exactly_one():
-    """The generated text leaves the bricks' tint out where the mortar is exactly 1."""
+    """The generated text skips the bricks' tint where the mortar is exactly 1."""
     p = np.float32([[x, 0.125, 0.0] for x in np.linspace(0.0, 0.01, 20)])
     got = evaluate("tex_brick", p, 0.0625, 0.5, 0.0, 0.5, 0.25, 0.5, 0, 1.0, 2)
     assert (got[:, 1] == 1.0).all()
@@ -146,7 +146,7 @@ def test_magic_repeats_every_turn():
     co = np.float32([[0.3, 0.2, 0.7], [-1.0, 2.5, -3.0]])
     settings = (1.5, 4, 1.25)
     for turns in (1, -2, 30):
-        # The sign of a remainder is the coordinate's, so a repetition is to be sought on one side of 0.
+        # A remainder has the sign of the coordinate, so the pattern repeats only on the same side of 0.
         moved = co + np.sign(co) * np.float32(6.2831855 / settings[0]) * abs(turns)
         apart = np.abs(evaluate("tex_magic", moved, *settings) - evaluate("tex_magic", co, *settings))
         assert apart.max() <= 2e-4 * abs(turns)
@@ -191,7 +191,7 @@ def waves(kind, bands, rings, profile, p, distortion, detail, detail_scale, roug
 @pytest.mark.parametrize("distortion, detail", [(0.0, 2.0), (2.5, 3.25)])
 def test_wave_in_double_precision(kind, direction, profile, distortion, detail):
     p = np.random.default_rng(5).uniform(-3, 3, (400, 3)).astype(np.float32)
-    # The direction of the other kind must not matter.
+    # The direction setting of the other kind must have no effect.
     settings = [kind, direction if kind == 0 else 1, direction if kind == 1 else 2, profile]
     more = (distortion, detail, 1.5, 0.5, 0.75)
     got, want = evaluate("tex_wave", *settings, p, *more), waves(*settings, p, *more)

@@ -1,4 +1,4 @@
-"""Mapping, rotations, object frames and bump steps against Blender's values and linear algebra in double."""
+"""Mapping, rotations, object frames and bump steps: Blender's values, and linear algebra in double precision."""
 
 import math
 
@@ -11,7 +11,7 @@ VALUES = table("spaces")
 NAN = math.nan
 POINT, TEXTURE, VECTOR, NORMAL = range(4)
 
-# Relative to the largest component. bump_dp's own approximation is worth 2e-6 in a picture of 512 pixels.
+# Tolerances relative to the largest component. The approximation in bump_dp causes an error of 2e-6 at 512 pixels.
 LOOSER = {"bump_dp": 2e-6}
 
 
@@ -30,7 +30,7 @@ def euler(r):
 
 
 def axis_angle(n, angle):
-    """The matrices of rotations about unit vectors: the exponential of the cross product's matrix."""
+    """The matrices of rotations about unit vectors (Rodrigues' formula)."""
     k = np.cross(np.eye(3)[None], n[:, None, :])
     k = -np.swapaxes(k, 1, 2)
     s, c = np.sin(angle)[:, None, None], np.cos(angle)[:, None, None]
@@ -121,7 +121,7 @@ FRAMES = points(8, 3)
 
 
 def matrices(frames):
-    """Object matrices [n, 3, 3] with the axes as columns, without those that are nearly flat."""
+    """Object matrices [n, 3, 3] with the axes as columns, without nearly singular ones."""
     m = np.stack(frames, axis=-1).astype(np.float32).astype(np.float64)
     return m[np.abs(np.linalg.det(m)) > 1.0]
 
@@ -189,7 +189,7 @@ def test_the_tangent_is_a_unit_vector_in_the_plane():
 
 
 def pixel_spread(view, tanfov, vsize):
-    """Length of the step to the next pixel, as the chord between the rays' directions, in double."""
+    """The distance to the next pixel, from the chords between unit ray directions, in double precision."""
 
     def unit(v):
         return v / np.linalg.norm(v, axis=1, keepdims=True)

@@ -1,4 +1,4 @@
-"""Voronoi textures against Blender's values, against themselves in double precision, and at the edges."""
+"""Voronoi textures: Blender's values, a double precision reference, and edge cases."""
 
 import numpy as np
 import pytest
@@ -31,7 +31,7 @@ def params(**changes):
 
 
 def columns(rows):
-    """(params with an array for each field, coordinates) of a table's rows."""
+    """Returns (params with an array for each field, coordinates) of a table's rows."""
     fields = {
         k: np.array([row[0][k] for row in rows], np.int32 if k in ("feature", "metric") else np.float32)
         for k in rows[0][0]
@@ -48,7 +48,7 @@ def flat(co):
 
 
 def points(d, n, seed, extent=40.0):
-    """Random points whose coordinates are multiples of 1/256: exact in float32, also doubled a few times."""
+    """Random points whose coordinates are multiples of 1/256, which are exact in float32 and stay so when doubled."""
     return np.float32(np.round(np.random.default_rng(seed).uniform(-extent, extent, (n, d)) * 256.0) / 256.0)
 
 
@@ -77,7 +77,7 @@ def test_textures_of_the_table(d):
     got = fx(d, *columns(rows))
     for field in FIELDS:
         want = np.array([row[2][field] for row in rows])
-        # A position near 40 in one dimension has that many digits fewer.
+        # In one dimension the positions are near 40, where floats have a larger step.
         assert np.abs(got[field] - want).max() <= (4e-6 if (d, field) == (1, "position") else 8e-7), field
 
 
@@ -93,13 +93,13 @@ def test_colours_of_the_table_are_exact(d):
 def test_edges_and_radii_of_the_table(name, d):
     rows = VALUES[f"{name}{d}"]
     got = library.call(f"{name}{d}", *columns(rows), result="float")
-    # In one dimension the coordinate is 41.8, whose own digits end at 4e-6. Octaves are blended into an 8, and
-    # how much of its rounding stays is the compiler's choice.
+    # In one dimension the coordinate is 41.8, where floats have a step of 4e-6. Octaves are blended into an 8, and its
+    # rounding error depends on the compiler.
     assert np.abs(got - [row[2] for row in rows]).max() <= (4e-6 if d == 1 else 1e-6)
 
 
 def agrees(got, want, tolerance, few=0.001):
-    """Almost all points agree: a point about as far from two cells may take either one's colour."""
+    """Fails unless almost all points agree. Points at nearly equal distance to two cells can get either colour."""
     apart = np.abs(np.float64(got) - want)
     off = (apart > tolerance) if apart.ndim == 1 else (apart > tolerance).any(axis=1)
     assert not np.isnan(apart).any()
@@ -139,7 +139,7 @@ def test_edges_everywhere(d, detail, roughness):
 
 
 def test_the_sign_of_zero_counts_in_one_dimension():
-    """Blender hashes the cell of -0 with its sign for the edges; elsewhere an offset is added first."""
+    """For the distance to the edge, Blender hashes the cell of -0 with its sign. Elsewhere it adds an offset first."""
     zeros = np.float32([0.0, -0.0])
     edge = library.call("fractal_voronoi_distance_to_edge1", params(), zeros, result="float")
     assert edge[0] != edge[1]
@@ -172,7 +172,7 @@ def test_of_equal_distances_the_first_cell_wins(d):
 
 @pytest.mark.parametrize("d", DIMS)
 def test_no_smoothness_is_the_nearest(d):
-    # The blend looks at two cells around, where a nearer point can lie: seen in four dimensions.
+    # The blend searches two cells in each direction, so it can find a nearer point. This occurs in four dimensions.
     co = points(d, 20000, d)
     nearest, smooth = fx(d, params(metric=1), co), fx(d, params(metric=1, feature=2, smoothness=0.0), co)
     for field in FIELDS:
@@ -181,7 +181,7 @@ def test_no_smoothness_is_the_nearest(d):
 
 @pytest.mark.parametrize("d", DIMS)
 def test_one_octave_where_the_roughness_is_zero(d):
-    # A lacunarity of zero would make further octaves NaN, even of no weight.
+    # A lacunarity of zero would make further octaves NaN, even with zero weight.
     co = points(d, 200, d)
     one, many = fx(d, params(), co), fx(d, params(detail=5.5, roughness=0.0, lacunarity=0.0), co)
     for field in FIELDS:
@@ -195,7 +195,7 @@ def test_scale_zero_has_no_position(d):
 
 @pytest.mark.parametrize("d", [2, 3, 4])
 def test_cells_beyond_the_whole_floats(d):
-    """From 2^24 on the floats skip numbers, but the cells are still hashed one by one."""
+    """From 2^24 on floats can't represent every integer, but each neighbouring cell is still hashed separately."""
     sign = np.random.default_rng(d).choice([-1, 1], (100, d))
     co = np.float32(sign * (2.0**26 + 8.0 * np.arange(100)[:, None]))
     got = fx(d, params(), co)
@@ -218,9 +218,9 @@ def test_coordinates_without_sense_come_to_an_end(d, feature):
 
 @pytest.mark.parametrize("feature, limit", [(0, 320), (1, 360), (2, 400)])
 def test_cost_in_four_dimensions(feature, limit):
-    """Every loop must stay a loop with one body: unrolled cells or octaves cost thousands of instructions.
+    """No loop may be unrolled: unrolled cells or octaves cost thousands of instructions.
 
-    Feature and metric are literals in a generated text; the rest varies here.
+    Feature and metric are literals, as in a generated text. The rest varies.
     """
     fixed = {"feature": feature, "metric": 0}
     kinds = library.fields("QWKVoronoiParams")

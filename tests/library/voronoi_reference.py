@@ -1,8 +1,7 @@
-"""Blender's Voronoi textures written out once more in numpy, step by step and in double precision.
+"""Reference implementation of Blender's Voronoi textures in numpy, in double precision.
 
-Everything works on arrays of points [n, d] at once; the settings are one dict of plain numbers. Points that
-are exact in float32 have here what the library should give up to rounding, but for points about as far from
-two cells.
+All functions take arrays of points [n, d]; the settings are a dict of scalars. The library must agree up to rounding
+for points that are exact in float32, except for points at nearly equal distance to two cells.
 """
 
 import itertools
@@ -16,12 +15,12 @@ LARGEST = float(np.finfo(np.float32).max)
 
 
 def offsets(d, reach):
-    """The cells around one, x changing fastest."""
+    """The offsets of the cells around a cell, with x changing fastest."""
     return [np.array(o[::-1]) for o in itertools.product(range(-reach, reach + 1), repeat=d)]
 
 
 def hashed(cells):
-    """The numbers, [n, d], that place the feature points of cells (whole floats [n, d])."""
+    """The hashes [n, d] that give the positions of feature points in cells (integral floats [n, d])."""
     if cells.shape[1] == 1:
         return np.float64(float_hash(cells))
     return np.float64(np.float32(cell_hash(cells.astype(np.int64))) * np.float32(2.0**-31))
@@ -50,7 +49,7 @@ def distance(a, b, p):
 
 
 def neighbours(co, p, reach):
-    """For each cell around the points' own: (cell, feature point, its distance)."""
+    """Yields (cell, feature point, its distance) for each cell around the cells of the points."""
     own = np.floor(co)
     for o in offsets(co.shape[1], reach):
         at = own + o + hashed(own + o) * p["randomness"]
@@ -58,7 +57,7 @@ def neighbours(co, p, reach):
 
 
 def octave(co, p):
-    """(distance, colour, position) of one octave of feature 0, 1 or 2."""
+    """Returns (distance, colour, position) of one octave of feature 0, 1 or 2."""
     if p["feature"] == 2 and p["smoothness"] != 0.0:
         return smooth(co, p)
     found = list(neighbours(co, p, 1))
@@ -84,7 +83,7 @@ def smooth(co, p):
 
 
 def octaves(p):
-    """(scale, weight) of each octave, the last counting for its fraction."""
+    """(scale, weight) of each octave. The weight of a fractional last octave is scaled by the fraction."""
     if p["detail"] == 0.0 or p["roughness"] == 0.0:
         return [(1.0, 1.0)]
     weights = [(p["lacunarity"] ** i, p["roughness"] ** i) for i in range(math.ceil(p["detail"]) + 1)]
@@ -93,7 +92,7 @@ def octaves(p):
 
 
 def fractal(co, p):
-    """(distance, colour, position) of features 0 to 2."""
+    """Returns (distance, colour, position) of features 0 to 2, over all octaves."""
     total, distance, colour, position = 0.0, 0.0, 0.0, np.zeros_like(co)
     for scale, weight in octaves(p):
         t, c, at = octave(co * scale, p)
