@@ -1,4 +1,4 @@
-"""Short words for records of a document."""
+"""Short helpers that make records of a document."""
 
 from typing import Any
 
@@ -10,7 +10,7 @@ def value(number: Any, kind: str = "VALUE") -> dict[str, Any]:
 
 
 def link(node: str, output: str, kind: str, wanted: str | None = None) -> dict[str, Any]:
-    """An input of the type `wanted` (the source's where it isn't given) that reads an output."""
+    """An input of type `wanted` (default: the source's type) that reads an output."""
     return {"t": wanted or kind, "link": [node, output, kind]}
 
 

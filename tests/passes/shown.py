@@ -1,4 +1,4 @@
-"""What the translator's text shows of a ramp's stops, in Python: to compare with Blender's own values."""
+"""Evaluates a ramp's stops in Python like the generated text does, to compare them with Blender's values."""
 
 from quillgen_blender.passes import hues
 

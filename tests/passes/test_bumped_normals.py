@@ -1,4 +1,4 @@
-"""The surface of a material with displacement sees the bent normal, also by nodes that feed the displacement."""
+"""In a material with displacement, the surface reads the bumped normal, even by nodes that feed the displacement."""
 
 import copy
 import re
@@ -11,7 +11,7 @@ from quillgen_blender.passes import Options, bumped_normals, finish, prepare
 
 
 def moss(name="Math.001", **settings):
-    """What faces up grows moss, and the moss is thick."""
+    """A material where surfaces that face up get moss, which also feeds the displacement."""
     up = node("Separate XYZ", "SeparateXYZ", {"Vector": link("Geometry", "Normal", "VECTOR")})
     more = node(
         name,
@@ -41,7 +41,7 @@ def by_id(made):
 
 
 def metallic_follows_the_bent_normal(made):
-    """Whether the statement that bends the normal is among those that lead to the metallic."""
+    """Whether the metallic value depends on the statement that bumps the normal."""
     body = quillgen.compile(made)["code"].split("\nQWK L;\n")[1]
     texts = dict(re.findall(r"float3? (v\d+) = (.*);", body))
     left = re.findall(r"\bv\d+\b", re.search(r"metallic = (.*);", body)[1])
@@ -106,7 +106,7 @@ def test_a_name_without_a_separator_has_no_second_spelling():
 
 
 def test_a_node_whose_other_outputs_feed_the_displacement():
-    """Texture Coordinate is evaluated as a whole: its normal would be the one before the displacement."""
+    """Texture Coordinate is evaluated as a whole, so its normal would be the one without displacement."""
     made = moss()
     records = by_id(made)
     records["Geometry"] |= {"type": "ShaderNodeTexCoord"}

@@ -1,4 +1,4 @@
-"""The magnitude of real displacement follows from the graph."""
+"""The magnitude of real displacement is computed from the graph."""
 
 import math
 import random
@@ -48,7 +48,7 @@ def test_what_the_translator_knows_stays():
 
 
 def constants():
-    """Scale from Value nodes and what becomes of them: 0.02 * 5 + 0.1 - 0.15 = 0.05."""
+    """The scale is computed by nodes from constants: 0.02 * 5 + 0.1 - 0.15 = 0.05."""
     return (
         node("Value", "Value", {}, value=0.02),
         node("Math", "Math", {"Value": link("Value", "Value", "VALUE"), "Value_001": value(5.0)}, operation="MULTIPLY"),
@@ -74,7 +74,7 @@ def test_constants_are_followed_through_nodes():
     assert result["displacement"]["code"].splitlines()[:-1] == plain["displacement"]["code"].splitlines()[:-1]
     assert [(note.node, note.loss) for note in notes] == [("Displacement", "info")]
     assert "-2.5 to 2.5 cm" in notes[0].text and "8 cm" in notes[0].text
-    assert "P_Value__value" in result["params"]  # the slider behind the scale stays
+    assert "P_Value__value" in result["params"]  # the parameter that sets the scale is kept
 
 
 def test_a_height_beyond_one_widens_the_range():
@@ -163,7 +163,7 @@ def test_a_circle_of_links_ends():
 
 
 def test_intervals_hold_what_operations_give():
-    """Random operands: the result of the constants lies in the interval of the ranges that they were taken from."""
+    """For random operands, the result lies in the interval that is computed from the operands' ranges."""
     rng = random.Random(18)
     seen = 0
     for operation in [*scalar_intervals._CONSTANTS, *scalar_intervals._LINEAR]:
@@ -180,7 +180,7 @@ def test_intervals_hold_what_operations_give():
 
 
 def test_constants_are_what_the_operations_are():
-    """Some by hand."""
+    """Results computed by hand."""
     for operation, operands, expected in (
         ("DIVIDE", (1.0, 0.0, 0.0), 0.0),
         ("POWER", (2.0, 10.0, 0.0), 1024.0),

@@ -1,4 +1,4 @@
-"""Live parameters: all, the named ones or none; the value of a dropped one is written as the translator writes it."""
+"""Live parameters: all, named ones or none. A dropped parameter becomes the literal that the translator would write."""
 
 import json
 import time
@@ -27,7 +27,7 @@ def chosen(made, named=(), **options):
 
 @pytest.mark.parametrize("path", MATERIALS, ids=lambda path: path.stem)
 def test_literals_are_those_of_the_translator(path):
-    """With no parameter kept, texts and inputs are the ones that the translator makes without parameters."""
+    """If no parameter is kept, texts and inputs equal those that the translator makes without parameters."""
     prepared, result, _ = chosen(read(path), parameters="none")
     assert result == quillgen.compile(prepared, "surface", False)
 
@@ -37,7 +37,7 @@ def test_there_is_a_material_of_every_kind():
 
 
 def test_the_translators_own_numbers():
-    """Sockets with numbers of every form, as scalars, as parts of vectors and of ramps."""
+    """Numbers of every form, as scalars and as components of vectors and ramps."""
     for number in NASTY:
         nodes = (
             node("Value", "Value", {}, value=number),
@@ -57,7 +57,7 @@ def test_the_translators_own_numbers():
 
 
 def two_alike():
-    """Ids of which one begins with the other, and library names that look like parameters."""
+    """A material with ids of which one is a prefix of the other."""
     nodes = (
         node("V", "Math", {"Value": value(0.25), "Value_001": value(2.0)}, operation="MULTIPLY"),
         node("V.0", "Math", {"Value": value(0.5), "Value_001": link("V", "Value", "VALUE")}, operation="ADD"),
@@ -119,7 +119,7 @@ def test_only_whole_identifiers_are_parameters():
 
 
 def test_half_a_megabyte_takes_a_blink():
-    """One pass over the text: the time grows with the text, not with text times parameters."""
+    """There is one pass over the text, so the time doesn't depend on text size times parameters."""
     line = "  float v{0} = (P_Math_{0}__Value * P_Mix_{0}__Color.xyz).x + L.noise(P_Math_{0}__Value_001, v{1});"
     count = 5500
     code = "\n".join(line.format(number, number - 1) for number in range(1, count))
@@ -130,5 +130,5 @@ def test_half_a_megabyte_takes_a_blink():
     result = {"code": code, "inputs": [{"name": name} for name in params], "params": params, "displacement": None}
     start = time.process_time()
     found = parameters.with_literals(result, set(params))
-    assert time.process_time() - start < 0.5  # 30 ms where nothing else runs
+    assert time.process_time() - start < 0.5  # 30 ms on an idle machine
     assert len(code) > 500_000 and "P_" not in found["code"] and found["inputs"] == []

@@ -1,4 +1,4 @@
-"""What is lost without a word becomes a note with the node's name."""
+"""Features that the translator drops silently become notes with the node's name."""
 
 from records import document, link, node, principled, value
 
@@ -75,6 +75,6 @@ def test_volumes_and_drivers():
 
 
 def test_the_translator_itself_says_nothing_of_these():
-    """What it tells is not told twice."""
+    """Otherwise it would be reported twice."""
     nodes = (named("A", "Dirt"), principled(Anisotropic=value(0.5), Base_Color=link("A", "Color", "RGBA")))
     assert quillgen.compile(document(*nodes, surface=["Principled BSDF", "BSDF"]))["warnings"] == []

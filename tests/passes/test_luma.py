@@ -1,4 +1,4 @@
-"""Colours that feed numbers are weighted with Cycles' own digits."""
+"""Colours linked to float sockets are converted with Cycles' exact luma weights."""
 
 import copy
 

@@ -1,4 +1,4 @@
-"""Colour ramps: the order of stops, ways round the hues, splines as linear stops."""
+"""Colour ramps: the order of stops, directions of hue interpolation, splines as linear stops."""
 
 import copy
 import time
@@ -27,7 +27,7 @@ def test_stops_in_order_stay_as_they_are():
 
 
 def test_a_constant_ramp_shows_its_first_stop_below_the_greatest_position():
-    # what Blender shows: at 0.26 the first stop of the list that lies beyond is the first one
+    # As in Blender: the first stop in the list with a position above 0.26 is the first one.
     found = prepared((0.6, A), (0.2, B), (0.8, C), interp="CONSTANT")
     for factor, colour in ((0.1, A), (0.26, A), (0.59, A), (0.7, B), (0.85, C)):
         assert shown(found, factor) == colour
@@ -43,7 +43,7 @@ def test_beyond_all_stops_the_last_of_the_list_counts():
 def test_a_way_that_is_cut_off_starts_at_its_value_there():
     found = prepared((0.5, A), (0.0, B), (1.0, C))
     assert shown(found, 0.25) == A
-    middle = [(x + y) / 2 for x, y in zip(B, C, strict=True)]  # half the way from B at 0 to C at 1
+    middle = [(x + y) / 2 for x, y in zip(B, C, strict=True)]  # halfway between B at 0 and C at 1
     assert shown(found, 0.500002) == pytest.approx(middle, abs=1e-5)
     assert found["origin"] == [0, None, 2]
 
@@ -82,7 +82,7 @@ def test_an_ease_stays_unless_a_stop_out_of_order_cuts_it_off():
 
 
 def fewest_separate_lines(samples, tolerance):
-    """The fewest lines that stay within the tolerance, each free to begin where it likes: no polyline has fewer."""
+    """The fewest separate line segments within the tolerance. This is a lower bound for a connected polyline."""
     column = [sample[0] for sample in samples]
     lines, start = 0, 0
     while start < len(column) - 1:
@@ -136,7 +136,7 @@ def test_a_ramp_that_comes_again_costs_next_to_nothing():
     assert time.process_time() - start < 0.05
 
 
-# ColorRamp.evaluate of Blender 5.2: the interpolation, stops, and colours at factors.
+# Measured with ColorRamp.evaluate of Blender 5.2: interpolation, stops, and colours at factors.
 MEASURED = (
     (
         "B_SPLINE",

@@ -1,4 +1,4 @@
-"""Shaders that the translator lacks, by the nearest that it has."""
+"""Shaders that the translator doesn't support are replaced by the closest that it does."""
 
 import copy
 import math
@@ -74,7 +74,7 @@ def test_glass_is_the_clearer_the_brighter_its_colour():
     assert shader["in"]["Base Color"] == colour(RED) and shader["in"]["Roughness"] == value(0.3)
     assert shader["in"]["IOR"] == value(1.45)
     assert shader["in"]["Alpha"]["v"] == pytest.approx(1 - 0.8 * grey(RED) ** 2)
-    assert after["settings"]["blend"] == "BLENDED"  # nothing opaque beside it
+    assert after["settings"]["blend"] == "BLENDED"  # there is no opaque shader in the material
     white, _ = shaders_of(surface(bsdf("BsdfGlass", Color=colour([1.0] * 4))))
     assert white["BsdfGlass"]["in"]["Alpha"]["v"] == pytest.approx(0.2, abs=1e-5)
     refracting, _ = shaders_of(surface(bsdf("BsdfRefraction")))
@@ -133,7 +133,7 @@ def test_sheen_is_added_towards_the_edges():
 
 
 def test_the_share_of_sheen_is_that_of_cycles():
-    """Measured with Cycles 5.2: a white Sheen BSDF under an even white sky, by the cosine of the angle of view."""
+    """Measured with Cycles 5.2: a white Sheen BSDF under a uniform white sky, by the cosine of the view angle."""
     measured = {
         0.3: (0.359, 0.187, 0.08, 0.034, 0.015, 0.007, 0.003, 0.002, 0.001),
         0.5: (0.51, 0.377, 0.268, 0.187, 0.128, 0.086, 0.057, 0.037, 0.024),

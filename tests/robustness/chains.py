@@ -1,11 +1,11 @@
-"""Documents whose graph is one chain of nodes, each reading the next."""
+"""Documents whose graph is a chain of nodes, where each node reads the next."""
 
 import random
 
 from golden.documents import node
 from golden.node_types import TYPES
 
-# What each node of the chain is, and the socket by which it reads.
+# Node type of a chain -> the socket that reads the next node.
 LINKS = {
     "ShaderNodeMath": "Value",
     "ShaderNodeVectorMath": "Vector",
@@ -58,7 +58,7 @@ def output_of(kind):
 
 
 def mixed_chain(length, seed):
-    """A chain of all those types that are no shaders, in an order of chance; the records are in another one."""
+    """A chain of all types except shaders, in random order. The records are in another random order."""
     chance = random.Random(seed)
     links = {
         kind: socket
@@ -77,7 +77,7 @@ def mixed_chain(length, seed):
 
 
 def chain(kind, length, socket=None):
-    """The first node is the surface; the last reads its sockets' own values."""
+    """A chain of one node type. The first node is the surface; the last has no links."""
     socket = socket or LINKS[kind]
     output = output_of(kind)
     record = node(kind, outs=False)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Documents made of the table of node types, sound ones and wrong ones; hypothesis shrinks what it finds.
+"""Fuzzer that generates valid and invalid documents from the table of node types. hypothesis shrinks the failures.
 
 python fuzz_documents.py --calls 1000000 [--seed N]
 """
@@ -44,7 +44,7 @@ WRONG = st.recursive(
 
 @functools.cache
 def words_of(kind):
-    """property -> all values that the golden documents give it."""
+    """property -> all its values in the golden documents."""
     words = collections.defaultdict(list)
     for cases in all_cases().values():
         for case in cases.values():
@@ -58,7 +58,7 @@ def words_of(kind):
 
 @st.composite
 def records(draw, kind, node_id, sources):
-    """A sound record. `sources`: the (id, output, type) that it may read."""
+    """A valid record. `sources`: the (id, output, type) that it may read."""
     sockets, outputs, _ = TYPES[kind]
     inputs = {}
     for name, entry in sockets.items():
@@ -85,14 +85,14 @@ def records(draw, kind, node_id, sources):
 
 @st.composite
 def sound_documents(draw, apart=False):
-    """Without rings, and shaders meet shaders only. `apart`: no two nodes share the names of parameters, of which the
-    last would win, whatever its type."""
+    """Valid documents: no cycles, and shader sockets link only to shaders. `apart`: no two nodes share parameter names,
+    since the last one would win, whatever its type."""
     sources, nodes = [], []
     spelling = (lambda name: re.sub("[^A-Za-z0-9]", "_", name)) if apart else str
     for node_id in draw(st.lists(NAMES, min_size=1, max_size=6, unique_by=spelling)):
         kind = draw(st.sampled_from(KINDS))
         nodes.append(draw(records(kind, node_id, sources)))
-        if kind != "ShaderNodeMix":  # has the output of its data type only
+        if kind != "ShaderNodeMix":  # it has only the output of its data type
             sources += [(node_id, output, word) for output, word in TYPES[kind][1].items()]
     hypothesis.assume(sources)
     document = {"nodes": draw(st.permutations(nodes)), "out": {"surface": list(sources[-1][:2])}, "images": IMAGES}
@@ -115,7 +115,7 @@ def sound_documents(draw, apart=False):
 
 @st.composite
 def wrong_documents(draw):
-    """A sound document with wrong values in a few places."""
+    """A valid document with wrong values in a few places."""
     document = copy.deepcopy(draw(sound_documents()))
     for _ in range(draw(st.integers(1, 4))):
         holder = document
@@ -134,14 +134,15 @@ def wrong_documents(draw):
 
 
 def check_sound(document):
-    """A sound document translates, unless a number is too large to convert or a word names no function."""
+    """Checks that a valid document translates, unless a number is too large to convert or an enumeration value selects
+    no function."""
     calls, endings = check(document)
     insist(set(endings) <= {"result", "OverflowError", "ValueError", "KeyError", "UnicodeEncodeError"}, endings)
     return calls, endings
 
 
 def fuzz(calls, seed):
-    """Makes documents until that many calls are done. Gives how they ended."""
+    """Generates documents until that many calls are done. Returns their outcomes."""
     done, endings, batch = 0, collections.Counter(), 0
     while done < calls:
         for strategy, measure in ((sound_documents(), check_sound), (wrong_documents(), check)):

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Golden documents and example materials with a few wrong values in them.
+"""Fuzzer that puts a few wrong values into golden documents and example materials.
 
     python fuzz_mutations.py --calls 1000000 [--seed N] [--only NUMBER] [--objects]
 
-The seed and the number of a document make it again: --only shows it and translates it alone. With --objects some of
-the values are objects whose own code raises or changes the document in the middle of the translation.
+The seed and the number of a document reproduce it: --only prints it and translates only this one. With --objects some
+values are objects whose own code raises or changes the document during the translation.
 """
 
 import argparse
@@ -24,7 +24,7 @@ from robustness.hostile import Mine, raising, shuffle, trap, wreck
 from robustness.invariants import check
 from robustness.outcomes import CALLS, at, outcome, paths
 
-LARGEST = 6000  # characters of a document: larger ones are slow to copy, and hold the same again and again
+LARGEST = 6000  # characters of a document; larger ones are slow to copy and repetitive
 ODD = [
     None,
     True,
@@ -95,7 +95,7 @@ def words(value):
 
 
 def mutate(chance, document, objects):
-    """Changes one place of the document, and gives the document."""
+    """Changes one place of the document. Returns the document."""
     places = list(paths(document))
     path = chance.choice(places)
     if not path:
@@ -138,19 +138,19 @@ def mutant(documents, seed, number, objects=False):
     chance = random.Random(f"{seed} {number}")
     document = copy.deepcopy(chance.choice(documents))
     for _ in range(chance.choice([1, 1, 2, 3])):
-        with contextlib.suppress(Exception):  # an earlier one is in the way, or takes the document apart already
+        with contextlib.suppress(Exception):  # an earlier mutation can interfere or run its own code
             document = mutate(chance, document, objects)
     return document
 
 
 def survive(document):
-    """For documents that change under the translation: it ends, in a result or an error."""
+    """Checks for documents that change during the translation: it must end with a result or an error."""
     endings = [outcome(call, document, [Mine, RuntimeError]) for call in CALLS.values()]
     return len(CALLS), [ending[0] if ending[0] == "result" else ending[1].__name__ for ending in endings]
 
 
 def fuzz(calls, seed, objects=False, first=0):
-    """Mutants until that many calls are done. Gives how the calls ended."""
+    """Makes mutants until that many calls are done. Returns the outcomes of the calls."""
     documents, measure = sources(), survive if objects else check
     done, number, endings = 0, first, collections.Counter()
     while done < calls:

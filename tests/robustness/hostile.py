@@ -1,4 +1,4 @@
-"""Objects that a document may hold whose own code runs in the middle of a translation."""
+"""Objects for documents whose own code runs during a translation."""
 
 _VALUES = {
     "__float__": 0.5,
@@ -26,14 +26,14 @@ _VALUES = {
 
 
 class Mine(Exception):
-    """What a trap raises: no error of the interpreter or of the module."""
+    """The exception that a trap raises. Neither the interpreter nor the module raises it."""
 
 
 def trap(value, action):
-    """An object that equals `value` in all that it does, but runs `action(name of the method)` before it does it.
+    """An object that behaves like `value`, but each of its methods first runs `action(name of the method)`.
 
-    It is of a type derived from the value's own. `None` and other values that have no such types are stood for by a
-    plain object that answers with something.
+    Its type is derived from the value's type. For `None` and other values whose type isn't handled, it is a plain
+    object that returns some value.
     """
     base = type(value) if type(value) in (str, float, int, dict, list, tuple) else object
 
@@ -71,7 +71,7 @@ def raising(value):
 
 
 def breaking_off(value):
-    """A list or dict that raises Mine once it has been gone through."""
+    """A list or dict that raises Mine at the end of its iteration."""
 
     def broken(items):
         yield from list(items)
@@ -92,7 +92,7 @@ def breaking_off(value):
 
 
 def wreck(document):
-    """Takes a document apart, and with that frees what nobody else holds."""
+    """Empties all containers of a document, which frees everything that nobody else owns."""
     todo = [document]
     while todo:
         value = todo.pop()
@@ -105,7 +105,7 @@ def wreck(document):
 
 
 def shuffle(document):
-    """Changes every list and dict of a document, and leaves as many items in it."""
+    """Changes every list and dict of a document without changing their sizes."""
     todo = [document]
     while todo:
         value = todo.pop()

@@ -1,4 +1,4 @@
-"""What holds of every document, however it was made: the fuzzers' measure of right and wrong."""
+"""Invariants of every document, which the fuzzers check."""
 
 import re
 
@@ -20,7 +20,7 @@ def insist(holds, what):
 
 
 def check(document):
-    """Translates a document in every way, twice. Gives the number of calls and how they ended."""
+    """Translates a document in every way, twice. Returns the number of calls and their outcomes."""
     before = repr(document)
     endings = []
     for name, call in CALLS.items():

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Memory of the module that nothing holds any more, as LeakSanitizer sees it. For tools/sanitize.
+"""Looks for memory leaks of the modules with LeakSanitizer. For tools/sanitize.
 
     python leaks.py
 
-Everything is called; then, with the interpreter still running, LeakSanitizer looks for blocks that no pointer leads
-to. Those that were not allocated inside a call of the module are the interpreter's own, or other modules', and are
-left out. To show that it sees anything, a result is leaked on purpose at the end, which must be found.
+It calls everything and then, while the interpreter is still running, makes LeakSanitizer search for unreachable blocks.
+Blocks that were not allocated by a call of the modules belong to the interpreter or to other modules and are ignored.
+At the end a result is leaked on purpose, which must be found.
 """
 
 import contextlib
@@ -48,7 +48,7 @@ def work():
             quillgen.tex_input(name)
     with contextlib.suppress(KeyError):
         quillgen_lib.resolve(["no such name"])
-    for module in ("quillgen", "quillgen_lib"):  # made a second time, and dropped
+    for module in ("quillgen", "quillgen_lib"):  # imports a second copy and drops it
         kept = sys.modules.pop(module)
         __import__(module)
         sys.modules[module] = kept
@@ -60,7 +60,7 @@ def leak():
 
 
 def leaks():
-    """The module's blocks in what LeakSanitizer prints."""
+    """The blocks of the modules in LeakSanitizer's report."""
     gc.collect()
     with tempfile.TemporaryFile() as file:
         sys.stderr.flush()
@@ -80,7 +80,7 @@ def main():
     leak()
     proven = bool(leaks())
     print("a deliberate leak is", "seen" if proven else "NOT SEEN", flush=True)
-    # The interpreter does not free all that it has at its end, and nobody needs to hear of it.
+    # Skips the leak check at exit, because the interpreter doesn't free all of its memory.
     os._exit(0 if proven and not found else 1)
 
 

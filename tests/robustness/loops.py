@@ -1,4 +1,4 @@
-"""Counts the turns of the loops in HLSL, which a shader that ends late or never does not tell by itself."""
+"""Counts loop iterations in HLSL, to detect shaders that end late or never."""
 
 import re
 
@@ -7,7 +7,7 @@ COUNTER = "qh_turns"
 
 
 def _behind(text, place):
-    """The place behind the bracket that is closed which opens at or after `place`."""
+    """The position after the bracket that closes the first one opened at or after `place`."""
     depth = 0
     for at in range(text.index("(", place), len(text)):
         depth += {"(": 1, ")": -1}.get(text[at], 0)
@@ -17,12 +17,12 @@ def _behind(text, place):
 
 
 def counted(code):
-    """Local text with a struct QWK of functions, whose member qh_turns becomes the number of all turns."""
+    """Instruments declarations with a struct QWK of functions: its member qh_turns counts all loop iterations."""
     made, done = [], 0
     for loop in LOOP.finditer(code):
         end = loop.end() if loop[0] == "do" else _behind(code, loop.end())
         end += len(code[end:]) - len(code[end:].lstrip())
-        if code[end] == ";":  # what stands behind the body of do
+        if code[end] == ";":  # the condition of a do loop
             continue
         inside = code[end] == "{"
         made += [code[done : end + inside], f" {COUNTER}++{';' if inside else ','} "]

@@ -1,4 +1,4 @@
-"""What a call may come to, and what every call of a bad document must keep to."""
+"""The possible outcomes of a call, and helpers that change documents."""
 
 import contextlib
 import copy
@@ -7,8 +7,8 @@ import functools
 import quillgen
 from golden.cases import all_cases
 
-# The translation of a document that is not sound fails with one of these, and with nothing else. A SystemError
-# is the interpreter's word for an exception set beside a result, or for none beside no result.
+# The translation of an invalid document raises one of these and nothing else. The interpreter raises SystemError if a
+# function returns a result with an exception set, or no result without one.
 ERRORS = (
     quillgen.Unsupported,
     KeyError,
@@ -31,7 +31,7 @@ CALLS = {
 
 @functools.cache
 def _base_documents():
-    """title -> a sound document with every socket of one node type linked, where it has any."""
+    """title -> a valid document where every socket of one node type is linked, if it has any."""
     documents = {}
     for kind, cases in all_cases().items():
         for title in ("everything linked", "as Blender makes it"):
@@ -48,7 +48,7 @@ def base_documents():
 
 
 def outcome(call, document, further=()):
-    """("result", the result) or ("error", type, what it says). Any other exception goes on to the test."""
+    """Returns ("result", the result) or ("error", type, message). Any other exception propagates to the test."""
     try:
         return "result", call(document)
     except ERRORS + tuple(further) as error:
@@ -56,7 +56,7 @@ def outcome(call, document, further=()):
 
 
 def plain(value):
-    """A value as a text that shows types and orders, and equal texts of not-a-number as equal."""
+    """A comparable form of a value that shows types and order. All NaNs compare equal."""
     if isinstance(value, dict):
         return [type(value).__name__, [[plain(k), plain(v)] for k, v in value.items()]]
     if isinstance(value, (list, tuple)):
@@ -67,7 +67,7 @@ def plain(value):
 
 
 def paths(value, path=()):
-    """The path of every value inside a document, the document's own first."""
+    """The path of every value inside a document, starting with that of the document."""
     yield path
     if isinstance(value, dict):
         for key in value:
@@ -82,7 +82,7 @@ def at(document, path):
 
 
 def put(document, path, value):
-    """The document with another value at the path; lists and dicts are changed in place."""
+    """Replaces the value at the path in place. Returns the document."""
     if not path:
         return value
     at(document, path[:-1])[path[-1]] = value
@@ -91,7 +91,7 @@ def put(document, path, value):
 
 @contextlib.contextmanager
 def changed(document, path, value):
-    """The same for a while: the document is whole again afterwards."""
+    """Like `put`, but restores the document afterwards."""
     before = at(document, path)
     yield put(document, path, value)
     put(document, path, before)

@@ -1,4 +1,4 @@
-"""Runs in Blender: random colour ramps, and what ColorRamp.evaluate shows of them. Prints one line of JSON."""
+"""Evaluates random colour ramps with ColorRamp.evaluate. Runs inside Blender. Prints one line of JSON."""
 
 import json
 import random
@@ -26,12 +26,12 @@ def ramp(tree, rng):
         setattr(band, word, rng.choice(choices))
     places = [rng.random() for _ in range(count)]
     kind = rng.random()
-    if kind < 0.3:  # stops of one place
+    if kind < 0.3:  # stops with equal positions
         places = [rng.choice(CORNERS) for _ in range(count)]
     elif kind < 0.6:
         places.sort()
     for element, place in zip(band.elements, places, strict=True):
-        element.position = place  # as a script sets it: the list stays as it is
+        element.position = place  # set by a script, so the list is not sorted
         element.color = [rng.random() for _ in range(4)]
     stops = [[element.position, list(element.color)] for element in band.elements]
     factors = [step / 256 for step in range(257)] + [rng.random() for _ in range(20)] + [stop[0] for stop in stops]

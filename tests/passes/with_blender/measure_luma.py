@@ -1,4 +1,5 @@
-"""Runs in Blender: what Cycles makes of pure red, green and blue that feed a number, and of RGB to BW. Prints JSON."""
+"""Measures how Cycles converts pure red, green and blue to a float, by a link and by RGB to BW. Runs inside Blender.
+Prints JSON."""
 
 import json
 import tempfile
@@ -31,9 +32,9 @@ def material(colour, by_node):
 
 
 def shown(materials):
-    """One pixel of each; Blender renders no picture lower than four."""
+    """Renders one pixel of each material. The picture has the minimum height of Blender, four pixels."""
     count = len(materials)
-    for thing in list(bpy.data.objects):  # of the scene that Blender starts with
+    for thing in list(bpy.data.objects):  # of Blender's startup scene
         bpy.data.objects.remove(thing)
     scene = bpy.context.scene
     scene.render.engine = "CYCLES"

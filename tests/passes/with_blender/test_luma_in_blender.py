@@ -1,4 +1,4 @@
-"""The weights of a colour that feeds a number, measured with Cycles in each Blender."""
+"""The weights of a colour that is linked to a float socket, measured with Cycles in each Blender."""
 
 import json
 import sys

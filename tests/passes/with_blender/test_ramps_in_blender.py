@@ -15,7 +15,7 @@ from shown import difference, shown
 import blenders
 from quillgen_blender.passes import ramps
 
-EXACT = 1e-4  # hues keep a hair away from the seam at red
+EXACT = 1e-4  # hues are kept slightly away from the seam at red
 TABLE = 257  # the first factors are those of Cycles' table
 
 

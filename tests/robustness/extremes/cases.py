@@ -1,4 +1,4 @@
-"""Single nodes, and the extreme numbers that their sockets get. Read by the tests and, inside Blender, by make.py."""
+"""Single nodes, and extreme numbers for their sockets. Used by the tests and, inside Blender, by make.py."""
 
 import itertools
 from typing import NamedTuple
@@ -9,9 +9,9 @@ from golden.cases.texture import DIMENSIONS, FEATURES, NOISES
 from golden.cases.value import BLENDS, OPERATIONS, SCALAR_RESULT, VECTOR_OPERATIONS
 from golden.node_types import TYPES
 
-SIDE = 32  # pixels of a tile, and samples of a case by SIDE * SIDE
+SIDE = 32  # pixels per side of a tile; a case has SIDE * SIDE samples
 
-# The ordinary ones first.
+# Ordinary numbers come first.
 NUMBERS = np.float32(
     [
         0.0,
@@ -52,7 +52,7 @@ NUMBERS = np.float32(
         np.nan,
     ]
 )
-ORDINARY = 14  # of those
+ORDINARY = 14  # count of ordinary numbers
 
 
 class Case(NamedTuple):
@@ -73,7 +73,7 @@ def _cases():
 
     for operation in OPERATIONS:
         yield from some("Math", "Value", operation=[operation])
-    for operation in sorted(set(VECTOR_OPERATIONS) - {"ROUND"}):  # which Blender has in Geometry Nodes only
+    for operation in sorted(set(VECTOR_OPERATIONS) - {"ROUND"}):  # Blender has ROUND in Geometry Nodes only
         yield from some("VectorMath", "Value" if operation in SCALAR_RESULT else "Vector", operation=[operation])
     yield from some("Mix", "Result_Color", data_type=["RGBA"], blend_type=BLENDS, clamp_factor=[True])
     interpolations = ["LINEAR", "STEPPED", "SMOOTHSTEP", "SMOOTHERSTEP"]
@@ -130,8 +130,8 @@ CASES = list(_cases())
 
 
 def samples():
-    """[sockets, SIDE * SIDE, 3]: what the first, second, third socket of a node gets. A third of the sockets get
-    extreme numbers, and none in the first samples."""
+    """[sockets, SIDE * SIDE, 3]: values for the first, second, third ... socket of a node. About a third of the values
+    are extreme; the first 64 samples have none."""
     draw = np.random.RandomState(1)
     most = max(len(sockets) for sockets, _, _ in TYPES.values())
     count = SIDE * SIDE

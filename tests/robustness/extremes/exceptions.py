@@ -1,4 +1,4 @@
-"""What is not finite although Blender's is, or although the inputs are ordinary: how often at most, and why."""
+"""Results that are not finite although Blender's are, or although the inputs are ordinary: maximum counts, reasons."""
 
 NO_HUE = (
     "HSV of an infinite colour has the saturation inf / inf, and leaves the channel alone that the hue says: "
@@ -11,7 +11,7 @@ FAR_NOISE = (
     "with a growing weight overflow with ours and do not with Blender's"
 )
 
-# Title of a case -> components, of all samples, that are not finite where Blender's are.
+# Title of a case -> (number of components of all samples that are not finite where Blender's are, reason).
 AGAINST_BLENDER = {
     "Mix RGBA SATURATION True Result_Color": (5, NO_HUE),
     "Mix RGBA COLOR True Result_Color": (11, NO_HUE),
@@ -26,7 +26,7 @@ AGAINST_BLENDER = {
     },
 }
 
-# Pattern of a library name -> why it gives something infinite, or no number, for ordinary inputs.
+# Pattern of a library name -> why it returns infinity or NaN for ordinary inputs.
 OUT_OF_RANGE = {
     r"hue_range": "a grey has no hue",
     r"rgb_to_hsl": "the saturation is infinite where the largest and the smallest component add up to 0 or 2",

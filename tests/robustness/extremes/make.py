@@ -1,4 +1,4 @@
-"""Which samples of each case Blender gives finite numbers for, by rendering them with Cycles.
+"""Finds the samples of each case for which Blender's result is finite, by rendering them with Cycles.
 
 .venv-blender-5.0/bin/python tests/robustness/extremes/make.py
 """
@@ -9,7 +9,7 @@ import types
 
 TESTS = pathlib.Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(TESTS), str(TESTS / "host"), str(TESTS / "fidelity")]
-sys.modules["quillgen"] = types.ModuleType("quillgen")  # the golden cases' tables are wanted, and no translation
+sys.modules["quillgen"] = types.ModuleType("quillgen")  # a stub, because only tables of the golden cases are used
 
 import bpy
 import numpy as np
@@ -20,7 +20,7 @@ from robustness.extremes.cases import CASES, SIDE, samples
 from trees import add, named
 
 PER_PICTURE = 64
-HUGE = 3e38  # becomes infinite when it is doubled
+HUGE = 3e38  # overflows to infinity when doubled
 
 
 def picture(name, values):
@@ -32,8 +32,8 @@ def picture(name, values):
 
 
 def pictures():
-    """Two images for each socket: pixels are samples. Cycles reads no infinity and no NaN from an image, so one stands
-    for the numbers doubled and halved, which 3e38 does not survive, and the other one, doubled, is added."""
+    """Two images for each socket; each pixel is a sample. Cycles can't read infinity or NaN from an image. So the nodes
+    double and halve the first image, which turns 3e38 into infinity, and add the doubled second one to make NaN."""
     images = []
     for place, values in enumerate(samples()):
         doubled = np.where(np.isfinite(values), values, np.where(values < 0.0, -HUGE, HUGE)).astype("f")
@@ -66,7 +66,7 @@ def fed(tree, node, case, images):
 
 
 def shown(case, images):
-    """The parts of a node's output that are finite: x - x is 0 for those, and not a number for others."""
+    """1 for each finite component of a node's output. x - x is 0 if x is finite, otherwise NaN."""
 
     def build(canvas):
         tree = canvas.tree
