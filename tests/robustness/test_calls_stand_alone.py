@@ -1,4 +1,4 @@
-"""Nothing of a document or of a result outlives its call, and no call sees another."""
+"""A call keeps no reference to its document or result, and calls don't affect each other."""
 
 import collections
 import copy
@@ -17,7 +17,7 @@ TAG = "\N{GREEK SMALL LETTER OMEGA}unique"
 
 
 def tagged(value, found):
-    """A copy of a document in which every id, name and number is an object of its own, all of which go into `found`."""
+    """A copy of a document where every id, name and number is a separate object. All copies are added to `found`."""
     if isinstance(value, dict):
         copied = {fresh(key): tagged(item, found) for key, item in value.items()}
     elif isinstance(value, list):
@@ -33,7 +33,7 @@ def tagged(value, found):
 
 
 def fresh(text):
-    """An equal text that is another object each time; a letter alone is one object in all of the interpreter."""
+    """A new object equal to the text. The interpreter shares strings of one letter."""
     return "".join(list(text)) if len(text) > 1 else text
 
 
@@ -44,7 +44,7 @@ def items(value):
 
 
 def contents(value):
-    """All objects of a result, by their ids."""
+    """id -> object, for all objects in a result."""
     found, todo = {}, [value]
     while todo:
         thing = todo.pop()
@@ -55,7 +55,8 @@ def contents(value):
 
 
 def own_objects(result, other):
-    """What a result does not share with that of an equal document: all but the module's words and what is Python's."""
+    """Objects of a result that another result of an equal document doesn't share. Shared are only strings of the module
+    and objects of the interpreter."""
     shared = contents(other)
     return [
         thing
@@ -65,7 +66,7 @@ def own_objects(result, other):
 
 
 def references(objects):
-    """How often each is referenced from elsewhere than this list."""
+    """The reference count of each object in the list."""
     return [sys.getrefcount(objects[i]) for i in range(len(objects))]
 
 
@@ -99,7 +100,7 @@ def test_nothing_of_a_result_is_held(name):
             held = own_objects(call(document), call(copy.deepcopy(document)))
             assert len(held) > 5, title
             gc.collect()
-            # The list, the loop and the argument of getrefcount; and the containers of the result that are in the list.
+            # Expected: the list, the loop, the argument of getrefcount, and the result's containers in the list.
             inside = collections.Counter(id(item) for thing in held for item in items(thing))
             for thing in held:
                 assert sys.getrefcount(thing) == 3 + inside[id(thing)], (title, thing)
@@ -121,7 +122,7 @@ def statements(document):
 
 
 def test_one_entry_under_two_sockets_of_a_node():
-    """Each socket is found by its own name, whichever entry stands there."""
+    """Sockets are found by name, even if several share one entry object."""
     shared, other = {"t": "VALUE", "v": 0.25}, {"t": "VALUE", "v": 0.75}
     for order in (("Value", "Value_001", "Value_002"), ("Value_002", "Value_001", "Value")):
         for one in range(3):
@@ -160,8 +161,8 @@ def test_one_entry_under_two_nodes():
 
 
 def mixes(keys=str, shared=False):
-    """Two Mix nodes, one read behind the other. Each key is what `keys` makes of it; with `shared` one entry stands for
-    two sockets of the first."""
+    """Two Mix nodes that are read one after the other. `keys` is applied to each key. With `shared`, two sockets of the
+    first share one entry object."""
     first = node("Mix", {"A_Float": 0.25, "B_Float": 0.75}, id="Mix A")
     second = node("Mix", {"A_Float": 0.125, "B_Float": 0.5}, id="Mix B")
     sockets = {"Color": link(first, "Result_Float"), "Strength": link(second, "Result_Float")}
@@ -183,7 +184,7 @@ def test_keys_of_any_origin_give_the_same():
 
 
 class Nested(float):
-    """A number that has other documents translated when it is asked for."""
+    """A number that translates other documents when it is converted to a float."""
 
     def __float__(self):
         quillgen.compile(mixes())
@@ -205,7 +206,7 @@ def test_a_translation_inside_another_leaves_it_alone():
 
 
 def scaled(id, entry):
-    """A Math node of that id whose first operand is the entry, as a roughness."""
+    """A material whose roughness is a Math node with this id and the entry as its first operand."""
     math = node("Math", {"Value": entry}, id=id)
     return material(node("BsdfPrincipled", {"Roughness": link(math)}), math)
 
@@ -234,7 +235,7 @@ def test_inputs_are_sorted_whatever_names_came_before():
 
 
 def test_nodes_whose_names_come_to_the_same():
-    """The parameter that has been read last stays, also where a bump has the first of them read once more."""
+    """If two nodes share a parameter name, the last one read wins, also if a bump reads the first one again."""
     one = node("Math", {"Value": 0.25}, id="A.1")
     two = node("Math", {"Value": 0.75}, id="A_1")
     bumps = [node("Bump", {"Height": link(one)}, id=id) for id in ("Bump 1", "Bump 2")]
@@ -249,7 +250,7 @@ def test_nodes_whose_names_come_to_the_same():
 
 
 def test_numbers_of_names():
-    """A tree of Math nodes ahead of a second shader, so that numbers get long."""
+    """A large tree of Math nodes precedes a second shader, so that variable numbers have many digits."""
     count = 4000
     maths = []
     for i in range(count):

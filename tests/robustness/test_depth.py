@@ -1,4 +1,4 @@
-"""Graphs that are deep: they translate up to the interpreter's limit, and end in RecursionError beyond it."""
+"""Deep graphs translate up to the interpreter's recursion limit, and raise RecursionError beyond it."""
 
 import sys
 
@@ -8,7 +8,7 @@ import quillgen
 from robustness.chains import LINKS, chain
 from robustness.isolated import run
 
-# Translates chains on a thread with a stack of the given size, under a recursion limit of the given number.
+# Translates chains on a thread with the given stack size and recursion limit.
 ON_A_THREAD = """
 import sys, threading
 import quillgen
@@ -36,7 +36,7 @@ MIB = 1 << 20
 
 
 def levels_taken(length):
-    """How many levels of the interpreter's limit a chain needs: the lowest limit that lets it through."""
+    """The number of recursion levels that a chain takes: the lowest limit that is sufficient."""
 
     def translates(limit):
         before = sys.getrecursionlimit()
@@ -102,7 +102,7 @@ def test_the_budget_lets_a_higher_limit_be_used():
 
 
 def test_ring_that_every_evaluation_enters_anew():
-    """A bump whose height reads the bump itself: nothing but the depth ends it."""
+    """A bump whose height reads the bump itself. Only the recursion limit ends it."""
     document = chain("ShaderNodeBump", 1)
     document["nodes"][0]["in"]["Height"] = {"t": "VALUE", "link": [0, "Normal", "VECTOR"]}
     with pytest.raises(RecursionError):

@@ -1,10 +1,10 @@
-"""The host ends while daemon threads translate: it ends as it would without them."""
+"""The host process exits normally while daemon threads translate."""
 
 import pytest
 
 from robustness.isolated import run
 
-# Names with characters that identifiers cannot hold, and what else a material has that is looked up or composed.
+# Names with characters that identifiers can't contain, and other strings that are looked up or composed.
 CODE = """
 import threading, time
 import quillgen

@@ -1,4 +1,4 @@
-"""The fuzzers, for a short while; docs/robustness.md tells of long runs."""
+"""Short runs of the fuzzers. docs/robustness.md describes long runs."""
 
 import math
 import random
@@ -33,8 +33,8 @@ def largest(document):
 
 
 def test_dxc_takes_a_sample(seed):
-    """Texts of sound documents, as Unreal wraps them, warnings being errors. Blender's own numbers have 32 bits, and
-    DXC warns of a literal that has more."""
+    """Compiles texts of valid documents, wrapped as in Unreal, with warnings as errors. Blender's numbers have 32 bits;
+    DXC warns about literals with more."""
     compiled = []
 
     @hypothesis.seed(seed)

@@ -1,4 +1,4 @@
-"""Objects whose own code raises, or changes the document, in the middle of a translation."""
+"""Objects whose own code raises or changes the document during a translation."""
 
 import copy
 
@@ -13,7 +13,7 @@ ALL = pytest.mark.parametrize("title", DOCUMENTS)
 
 
 def with_traps(title, make):
-    """A copy of the document for each of its places, with a trap made of the value that was there."""
+    """Yields a copy of the document for each of its places, where a trap replaces the value."""
     for path in paths(DOCUMENTS[title]):
         document = copy.deepcopy(DOCUMENTS[title])
         yield path, put(document, path, make(document, at(document, path)))
@@ -63,7 +63,7 @@ def test_iteration_that_breaks_off():
 def test_document_that_an_object_changes_in_the_middle(title, change):
     for call in CALLS.values():
         for _, document in with_traps(title, lambda document, value: trap(value, lambda name: change(document))):
-            # The interpreter's own word for a dict that changed under an iteration is a RuntimeError.
+            # The interpreter raises RuntimeError if a dict changes during its iteration.
             outcome(call, document, [RuntimeError])
 
 

@@ -1,4 +1,4 @@
-"""More than one interpreter in a process: side by side, and one after the other."""
+"""Several interpreters in a process, at the same time and in sequence."""
 
 import pathlib
 import shutil
@@ -161,7 +161,7 @@ def runs(python):
 
 
 def pythons():
-    """Interpreters of 3.12 and newer: this one, those on the path, and those that pyenv has."""
+    """Pythons 3.12 and newer: this one, those on the path, and those of pyenv."""
     found = [sys.executable] if sys.version_info >= (3, 12) else []
     found += filter(None, (shutil.which(f"python3.{minor}") for minor in range(12, 16)))
     found += map(str, sorted(pathlib.Path.home().glob(".pyenv/versions/3.1[2-9].*/bin/python")))

@@ -1,6 +1,6 @@
-"""Zeros, denormals, huge numbers, infinities and NaN in the library: it ends, and is finite wherever Blender is.
+"""Zeros, denormals, huge numbers, infinities and NaN in the library: it terminates, and is finite wherever Blender is.
 
-Turns of loops are counted, as Mesa breaks off each loop after 65535 of them.
+Loop iterations are counted, because Mesa aborts each loop after 65535 of them.
 """
 
 import pathlib
@@ -21,8 +21,8 @@ from robustness.loops import COUNTER, counted
 sys.path.append(str(pathlib.Path(__file__).parents[1] / "library"))
 from calls import FUNCTIONS, calls
 
-SECONDS = 20  # ten times what the slowest one takes, its compilation included
-MOST_TURNS = 16 * (5**4 + 5**3) + 16  # the octaves of smooth Voronoi noise in four dimensions, their cells and rows
+SECONDS = 20  # ten times the time of the slowest one, including compilation
+MOST_TURNS = 16 * (5**4 + 5**3) + 16  # octaves, cells and rows of cells of smooth Voronoi noise in four dimensions
 POINTS = 1024
 ORDINARY_POINTS = 200
 WHOLE = np.int32([0, 1, 2, 3, 4, 5, -1, 10, 7, 100, 2**31 - 1, -(2**31), 1 - 2**31, 2**30, 65536, -7])
@@ -35,7 +35,7 @@ def soon(monkeypatch):
 
 
 def fed(case):
-    """(document of the case, whose sockets read Value and RGB nodes; place of the socket -> id of its node)."""
+    """A document of the case whose sockets read Value and RGB nodes."""
     one, feeds = node(case.kind, props=dict(case.props)), []
     for place, (name, entry) in enumerate(one["in"].items()):
         feeds.append(node("Value" if entry["t"] == "VALUE" else "RGB", id=f"socket{place}"))
@@ -44,7 +44,7 @@ def fed(case):
 
 
 def run(case, values=samples()):  # noqa: B008  (the same each time)
-    """What the case's text gives for the samples: [samples, 3]."""
+    """The results of the case's text for the samples: [samples, 3]."""
     result = quillgen.compile(fed(case), mode="emission")
     given = {}
     for record in result["inputs"]:
@@ -55,14 +55,14 @@ def run(case, values=samples()):  # noqa: B008  (the same each time)
 
 
 def blender():
-    """Case -> [samples, 3], where Blender's numbers are finite."""
+    """Case -> [samples, 3], whether Blender's result is finite."""
     assert list(KEPT["titles"]) == [case.title for case in CASES]
     finite = np.unpackbits(KEPT["finite"])[: len(CASES) * SIDE**2 * 3].reshape(len(CASES), SIDE**2, 3)
     return dict(zip(CASES, finite.astype(bool), strict=True))
 
 
 def lost():
-    """Title -> how many components are not finite where Blender's are, for the cases where there are any."""
+    """Title -> number of components that are not finite where Blender's are, if there are any."""
     found = {case.title: int((finite & ~np.isfinite(run(case))).sum()) for case, finite in blender().items()}
     return {title: count for title, count in found.items() if count}
 
@@ -74,7 +74,7 @@ def test_finite_wherever_blender_is():
 
 
 def test_the_samples_say_something():
-    """Most numbers of Blender's are finite, also among those of extreme samples, and not all."""
+    """Most of Blender's results are finite, also for extreme samples, but not all."""
     finite = np.stack(list(blender().values()))
     assert finite[:, :64].mean() > 0.98 and 0.8 < finite[:, 64:].mean() < 0.95
     extreme = ~np.isfinite(samples()).all(axis=(0, 2))
@@ -96,7 +96,7 @@ def test_a_lost_number_is_seen(monkeypatch):
 
 
 def draw(kind, chance):
-    """Values of a type for all points; the first are ordinary."""
+    """Random values of a type for all points. The first ones are ordinary."""
     base, width = kind.rstrip("234"), int(kind[-1]) if kind[-1] in "234" else 1
     if base == "bool":
         values = chance.random((POINTS, width)) < 0.5
@@ -115,7 +115,7 @@ def draw(kind, chance):
 
 
 def outcome(body, inputs, outputs, textures=()):
-    """(turns of the loops of each point, whether what the statements give is finite at each point)."""
+    """Returns (loop iterations of each point, whether all results are finite at each point)."""
     chance = np.random.default_rng(1)
     given = {name: draw(kind, chance) for name, kind in inputs.items()}
     texels = {name: chance.random((5, 7, 4)).astype("f") for name in textures}

@@ -1,4 +1,4 @@
-"""Work that takes too long or too much: Ctrl-C ends it within a second, and memory that ends is a MemoryError."""
+"""Work that takes too long or too much memory: Ctrl-C ends it within a second, and out of memory is a MemoryError."""
 
 import subprocess
 import sysconfig
@@ -7,7 +7,7 @@ import pytest
 
 from robustness.isolated import TESTS, run
 
-# Each bump within another triples the work: forty of them have no end.
+# Each nested bump triples the work, so forty of them never end.
 ENDLESS = """
 import itertools, os, resource, signal, sys, threading, time
 import quillgen
@@ -38,7 +38,7 @@ small = bumps(2)
 before = quillgen.compile(small)
 """
 
-# Times are of the processor, so that what else the machine does changes nothing.
+# Times are CPU times, which don't depend on the machine's load.
 INTERRUPTED = """
 signal.signal(signal.SIGPROF, lambda *_: signal.raise_signal(signal.SIGINT))
 for attempt in range(3):
@@ -70,8 +70,8 @@ def test_ctrl_c(call):
 
 @pytest.mark.parametrize("call", ["quillgen.compile(many)", "quillgen.parts(many, 'surface', True)"])
 def test_signals_are_looked_at_all_the_time(call):
-    """Reading many stops, writing their statements, sorting and listing their inputs. A timer's signals come every few
-    milliseconds, and no two that Python sees are far apart."""
+    """Covers reading many stops, writing their statements, sorting and listing their inputs. A timer raises a signal
+    every few milliseconds, and the interval between two that Python handles must be short."""
     said = run(
         ENDLESS
         + """
@@ -137,7 +137,7 @@ def failing_malloc(tmp_path_factory):
 
 @pytest.mark.parametrize("count", [1, 5, 1000])
 def test_every_allocation_that_can_fail(failing_malloc, count):
-    """One call after another, each with memory for one allocation more than the last, until one succeeds."""
+    """Repeats a call, allowing one more successful allocation each time, until it succeeds."""
     said = run(
         """
 import ctypes, gc, sys

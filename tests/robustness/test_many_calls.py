@@ -1,4 +1,4 @@
-"""Many calls, one after another and side by side: memory stays where it was, and all give the same bytes."""
+"""Many calls in sequence and in parallel: memory use doesn't grow, and all results are identical."""
 
 import json
 import subprocess
@@ -11,7 +11,7 @@ from golden.documents import example
 from robustness.isolated import run
 from robustness.outcomes import base_documents
 
-# Memory is looked at now and then once everything has been called a few times, and its peaks are compared.
+# After a warm-up, memory use is measured at intervals and its peaks are compared.
 FLAT = """
 import copy, gc, os, resource, sys
 import quillgen
@@ -91,7 +91,7 @@ def test_eight_threads_give_the_same_bytes():
 
 
 def test_eight_threads_with_objects_that_let_others_run():
-    """Objects of Python's own code in the document are where the interpreter changes threads."""
+    """The interpreter can switch threads while it runs Python code of objects in the document."""
 
     class Slow(float):
         def __gt__(self, other):
@@ -131,7 +131,7 @@ def test_hash_randomisation():
 
 @pytest.fixture(scope="session")
 def german_locale(tmp_path_factory):
-    """A locale with a decimal comma, made from its source: few machines have one ready."""
+    """A locale with a decimal comma, compiled here because few machines have one installed."""
     folder = tmp_path_factory.mktemp("locale")
     subprocess.run(["localedef", "-i", "de_DE", "-f", "UTF-8", folder / "de_DE.UTF-8"], check=True)
     return {"LOCPATH": str(folder), "LC_ALL": "de_DE.UTF-8"}

@@ -1,4 +1,4 @@
-"""A call leaves its document as it was, and no part of its result is part of anything else."""
+"""A call doesn't change its document, and its result shares no mutable object with anything else."""
 
 import copy
 
@@ -69,7 +69,7 @@ def test_changing_a_result_changes_no_other():
 
 
 def test_lists_in_the_place_of_words_and_numbers():
-    """They get as far as the result, and are copied on the way."""
+    """They appear in the result, as copies."""
     inner = [[1.0], {"key": [2.0]}, {3.0}]
     itself = []
     itself.append(itself)

@@ -1,4 +1,4 @@
-"""Arguments of any kind and number, given to every function of the two modules: a result, or an error of Python's."""
+"""Every function of the two modules, called with any number of arguments of any type, returns or raises."""
 
 import collections
 import random
@@ -17,7 +17,7 @@ class Word(str):
 
 
 class Wide(tuple):
-    """Says that it is longer than it is, and holds other things when it is gone through than at its places."""
+    """Reports a wrong length, and iterates over items that differ from those at its indices."""
 
     def __len__(self):
         return 10**9
@@ -74,7 +74,7 @@ SOUND = {
     quillgen.tex_input: ["wood.png"],
     quillgen_lib.resolve: [["gabor", "mix_mix"]],
 }
-# Functions that make a value, as some are used up.
+# Functions that make a value, because some (iterators) can be used only once.
 MAKERS = [lambda value=value: value for value in ODD] + [
     lambda: Word("x"),
     lambda: Word("%s"),

@@ -1,4 +1,4 @@
-"""Values that a document should not hold: each comes to what Python's own operation on it comes to."""
+"""Invalid values in a document: each has the same outcome as Python's own operation on it."""
 
 import copy
 import math
@@ -61,7 +61,7 @@ odd = pytest.mark.parametrize("value", ODD, ids=lambda value: repr(value)[:20])
 
 
 def expected(operation):
-    """What a Python operation gives, as `outcome` tells it, without the message."""
+    """The outcome of a Python operation, in the form of `outcome`, without the message."""
     try:
         return "result", operation()
     except (TypeError, ValueError, OverflowError, IndexError, KeyError, AttributeError) as error:
@@ -161,13 +161,13 @@ def test_node_id(value):
     if expected(lambda: hash(value))[0] == "error":
         assert result[1] is TypeError
     else:
-        # Not-a-number is found again where it is the same object.
+        # A NaN as a key is found because it is the same object.
         assert result[1][0]["name"] == quillgen.param_name(value, "Color")
 
 
 @odd
 def test_every_place_takes_every_value(value):
-    """Whatever stands wherever: an allowed error, or a result that comes out the same again."""
+    """Any value at any place causes an allowed error or a reproducible result."""
     for title, document in base_documents().items():
         for path in paths(document):
             with changed(document, path, value) as wrong:
@@ -229,7 +229,7 @@ def test_key_of_a_record_missing(key):
 def test_link(source, error):
     document = material(node("Gamma", {"Gamma": link("A", "Value")}), node("Value", id="A"))
     document["nodes"][0]["in"]["Gamma"]["link"] = source
-    if source == ["A", "Value", {}]:  # a type that says nothing: the source's own
+    if source == ["A", "Value", {}]:  # an empty type means the source's own
         assert outcome(quillgen.parts, document)[0] == "result"
     else:
         assert outcome(quillgen.parts, document)[1] is error
@@ -247,7 +247,7 @@ def test_link(source, error):
     ],
 )
 def test_surface_that_is_left_empty(surface, error):
-    """It reads nothing; only `None` is the same as none at all."""
+    """An empty surface raises an error. Only `None` counts as absent."""
     document = material(node("Gamma"))
     document["out"]["surface"] = surface
     for call in CALLS.values():
@@ -277,7 +277,7 @@ def test_image_name_that_has_no_utf8():
 
 
 def test_all_that_can_be_missing_is_missing_once():
-    """Every key of every document left out, every list shortened by each of its items."""
+    """Omits each key of every document and each item of every list, one at a time."""
     for document in base_documents().values():
         for path in paths(document):
             if path:
