@@ -1,4 +1,4 @@
-"""The gallery's comparison and its pictures run, and tell errors in the text."""
+"""The gallery's comparison and rendering run, and detect errors in the text."""
 
 import io
 import sys
@@ -11,14 +11,14 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 
 from examples.gallery import camera, make, materials, page, render, scenes, square, surfaces, tone, wiring
 
-# On the object, in all scenes; whole blocks of the JPEGs that are kept.
+# A region on the object in all scenes, aligned to the blocks of the stored JPEGs.
 CROP = camera.Part(232, 200, 56, 40)
-# Left out where a picture is rendered anew: the device compiles its text for ten minutes.
+# Not rendered by these tests: the device takes ten minutes to compile the text.
 SLOW = {"glazed_vase"}
-# Mean differences in parts of white.
+# Limits of mean differences, relative to white.
 KEPT = 0.002
 NEAR_PREVIEW = 0.03
-# What stands around is another in these previews: the floor, the metal behind, the sky that is mirrored.
+# Limits for previews with different surroundings: the floor, the metal behind, the reflected sky.
 SURROUNDED = {"chequered_floor": 0.06, "hazard_decal": 0.055, "lava": 0.05, "maple_leaf": 0.08, "wet_asphalt": 0.05}
 
 
@@ -41,7 +41,7 @@ def test_an_error_shows_in_the_numbers():
 def test_the_kept_pictures_are_of_512_pixels_and_have_their_numbers(name):
     for side in make.SIDES:
         assert tone.load(page.picture(name, side)).shape == (512, 512, 3)
-    # Another decoder may round otherwise.
+    # JPEG decoders can round differently.
     assert make.compared(name) == pytest.approx(page.numbers()[name]["picture"], rel=0.02, abs=1e-4)
 
 
@@ -50,8 +50,8 @@ def test_the_page_is_that_of_the_numbers():
 
 
 def difference_to_kept(name, ir=None):
-    """The mean difference between a part of the picture, rendered anew, and the same part of the one that is kept,
-    in parts of white."""
+    """The mean difference between a newly rendered part of the picture and the same part of the stored one, relative to
+    white."""
     kept = tone.load(page.picture(name, "text"))
     found = tone.load(io.BytesIO(tone.encoded(render.picture(name, part=CROP, ir=ir), ".jpg")))
     left, top, width, height = CROP
@@ -80,8 +80,8 @@ def test_a_part_is_what_the_whole_picture_has_there():
 
 
 def difference_to_preview(name, ir=None):
-    """The mean difference between a small picture of ours and the preview that Cycles made of the material's own file,
-    in parts of white."""
+    """The mean difference between our small picture and Cycles' preview of the material's original file, relative to
+    white."""
     ours = render.picture(name, subdivision=1, samples=4, pixels=32, ir=ir)
     preview = materials.preview(name).reshape(32, 8, 32, 8, 3).mean(axis=(1, 3))
     return np.abs(ours - preview).mean() / 255
@@ -92,7 +92,7 @@ def test_a_small_picture_is_near_the_preview():
 
 
 def test_the_picture_of_the_rebuilt_material_is_near_the_preview():
-    """The documents, from which Cycles' pictures are made, hold what the materials' own files had."""
+    """The documents, from which the Cycles pictures are made, match the materials' original files."""
     for name in materials.names():
         kept = tone.load(page.picture(name, "cycles")).reshape(32, 16, 32, 16, 3).mean(axis=(1, 3))
         preview = materials.preview(name).reshape(32, 8, 32, 8, 3).mean(axis=(1, 3))
@@ -112,7 +112,7 @@ def test_a_wrong_frame_shows_in_the_picture(monkeypatch):
 
 
 def test_inputs_are_in_unreals_frame():
-    """A point of a sphere that was turned by 90 degrees, seen from the side of Blender's -y."""
+    """A point of a sphere that is rotated by 90 degrees, seen from Blender's -y."""
     thing = surfaces.Thing(surfaces.sphere(), surfaces.turned(90))
     point = np.array([[0.6, -0.8, 0.0]])
     given = wiring.inputs(thing, scenes.STUDIO_CAMERA, np.array([[128.0, 128.0]]), point)

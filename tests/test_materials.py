@@ -1,7 +1,7 @@
 """The example materials against Cycles, at 64 x 64 points of a flat unit square seen from straight above.
 
-The translated text runs on the Vulkan device with the inputs that the square has in Unreal's frame. make_references.py
-makes Cycles' arrays.
+The text runs on the Vulkan device with the inputs that the square has in Unreal's frame. make_references.py makes
+Cycles' arrays.
 """
 
 import functools
@@ -24,7 +24,7 @@ LAST_BIT = "one chip's colour is white noise of a position that differs in its l
 RIM = "the base document doesn't read the picture's alpha: its colour is associated there"
 FAR_HUES = "hue directions other than near are not told by the document, B-splines are taken as linear"
 
-# (material, array): at most so many of the 4096 points beyond the tolerance, the worst difference, why.
+# (material, array) -> maximum number of the 4096 points beyond the tolerance, maximum difference, reason.
 BEYOND = {
     ("chequered_floor", "base"): (170, 7.8e-3, RAMP),
     ("copper_patina", "base"): (3, 1.5e-3, RAMP),
@@ -37,7 +37,7 @@ BEYOND = {
     ("maple_leaf", "result"): (110, 0.8, RIM),
 }
 
-# The extra output that holds an array; what is not written has this value.
+# Array -> the output that holds it, and its value if the text doesn't write it.
 OUTPUTS = {
     "emission": ("OutEmissive", 0.0),
     "metallic": ("OutMetallic", 0.0),
@@ -60,7 +60,7 @@ def table(*columns):
 
 
 def scene(uv):
-    """Kind of an input -> its value on the square: for all points alike, or a table."""
+    """Kind of an input -> its value on the square: one for all points, or a table."""
     u, v = uv.T
     position = table(100 * u, -100 * v, 0)
     up, step = (0.0, 0.0, 1.0), 1 / 64
@@ -128,9 +128,9 @@ def test_base_colour(name):
 
 @pytest.mark.parametrize("name", NAMES)
 def test_surface(name):
-    """The whole material: base colour or emission, and the extra outputs. The square is flat: no bumps."""
+    """The whole material: base colour or emission, and the outputs except OutNormal, because the square is flat."""
     document = example(name)
-    document.setdefault("settings", {})["blend"] = "BLENDED"  # alpha as it is, not dithered
+    document.setdefault("settings", {})["blend"] = "BLENDED"  # so that alpha is not dithered
     result = quillgen.compile(document)
     result["outputs"] = [output for output in result["outputs"] if output["name"] != "OutNormal"]
     result["code"] = result["code"].replace("  OutNormal =", "  float3 OutNormal =")

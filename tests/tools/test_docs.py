@@ -1,4 +1,4 @@
-"""The pages and the picture that are made of the sources."""
+"""The documentation pages and the diagram that are generated from the sources."""
 
 import sys
 from pathlib import Path
@@ -50,7 +50,7 @@ def test_the_slider_takes_the_place_of_every_picture():
 
 
 def test_rooms_use_only_what_they_may():
-    """What docs/architecture.md says of the rooms."""
+    """The dependencies between folders obey docs/architecture.md."""
     uses = set(drawing.arrows())
     assert ("closures", "core/gen") in uses and ("nodes/value", "core/gen") in uses
     for start, end in uses:

@@ -1,4 +1,4 @@
-"""What help() says of the modules: the examples are run, and nothing is left out."""
+"""The docstrings of the modules: their examples run, and they are complete."""
 
 import doctest
 import inspect

@@ -1,4 +1,4 @@
-"""What tools/test runs and tells."""
+"""What tools/test runs and prints."""
 
 import importlib.util
 import sys
@@ -55,7 +55,7 @@ def test_a_failure_is_told_with_the_line_that_repeats_it(table, capfd):
 
 
 def test_parts_run_side_by_side_and_after_what_they_need(table, capfd, tmp_path):
-    """Two that wait for each other end; the third begins when what it needs has ended, whatever else still runs."""
+    """Two parts that wait for each other both end. The third starts when its dependency ended, even if others run."""
     meet = "touch {0}/{1}; for i in $(seq 100); do [ -e {0}/{2} ] && exit; sleep 0.1; done; exit 1"
     table(
         row("one", meet.format(tmp_path, "one", "two")),

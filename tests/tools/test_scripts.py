@@ -1,4 +1,4 @@
-"""The scripts of tools/: what they say where something is missing or a path is wrong."""
+"""The scripts of tools/: their messages if something is missing or a path is wrong."""
 
 import importlib.util
 import os
@@ -97,6 +97,6 @@ def test_a_wheel_of_no_platform_of_blender_makes_no_extension(extension, monkeyp
 
 
 def test_a_wheel_that_cannot_be_built_is_told_without_a_traceback(extension, monkeypatch, tmp_path):
-    monkeypatch.setattr(extension, "ROOT", tmp_path)  # nothing that pip could build
+    monkeypatch.setattr(extension, "ROOT", tmp_path)  # an empty folder, which pip can't build
     with pytest.raises(SystemExit, match="the wheel for this machine could not be built"):
         extension.built(tmp_path / "wheels", "0.0.0")

@@ -149,7 +149,7 @@ def test_the_bar_keeps_to_the_width_of_the_terminal(monkeypatch):
     monkeypatch.setenv("COLUMNS", "60")
     stream = io.StringIO()
     translate.Bar(2, stream, shown=True).show("a" * 100)
-    assert len(stream.getvalue().removeprefix("\r\x1b[K")) == 59  # a full line would go on in the next
+    assert len(stream.getvalue().removeprefix("\r\x1b[K")) == 59  # a full line would wrap to the next
 
 
 def test_an_interruption_takes_the_bar_away(folder, monkeypatch):

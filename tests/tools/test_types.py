@@ -1,4 +1,4 @@
-"""The types of documents and results against real ones. tools/check-stubs has the type checkers."""
+"""Checks the types of documents and results against real ones. tools/check-stubs runs the type checkers."""
 
 import json
 from pathlib import Path
@@ -15,7 +15,7 @@ MATERIALS = Path(__file__).resolve().parents[2] / "examples" / "materials"
 
 
 def fits(value, type) -> bool:
-    """Whether a value has a type of `types`. Numbers may be int where float is said, as for type checkers."""
+    """Whether a value has a type of `types`. As for type checkers, an int is accepted as a float."""
     origin, parts = get_origin(type), get_args(type)
     if type is Any:
         return True

@@ -1,4 +1,4 @@
-"""The table of wiring, and the tables that are made of results."""
+"""The wiring table, and the tables that are made from results."""
 
 import doctest
 import json

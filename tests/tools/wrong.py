@@ -1,4 +1,4 @@
-"""Mistakes that a type checker has to find, one on each marked line. Never run."""
+"""Mistakes that a type checker must find, one on each marked line. This file is never run."""
 
 import quillgen
 import quillgen_lib

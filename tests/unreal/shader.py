@@ -1,7 +1,6 @@
-"""From a material of the double to the HLSL that Unreal would make of its Custom expressions, run on the device.
+"""Builds the HLSL that Unreal would make from the Custom expressions of a double's material, and runs it on the device.
 
-The arguments have the widths that the graph gives, in the order of the expression's inputs; nothing is taken from what
-the translator says of them.
+Widths and order of the arguments come from the graph and the expression's inputs, not from the translator's result.
 """
 
 import numpy as np
@@ -30,7 +29,7 @@ def _word(width):
 
 
 def wires(custom):
-    """(input name, source, index of its output) of a Custom expression; all of them must be wired."""
+    """(input name, source, output index) of each input of a Custom expression. All inputs must be wired."""
     for pin, name in enumerate(custom.inputs()):
         if pin not in custom._wires:
             raise CompileError(f"Custom material {custom.description} missing input {pin + 1} ({name})")
@@ -38,7 +37,7 @@ def wires(custom):
 
 
 def outputs(custom):
-    """Name -> width of what the function returns and of its inout arguments."""
+    """Name -> width of the return value and of the inout arguments."""
     (_, returned), *further = custom.outputs()
     return {RESULT: returned, **dict(further)}
 
@@ -69,7 +68,7 @@ def call(custom):
 
 
 class Run:
-    """The values of a material's expressions in some surroundings."""
+    """Evaluates a material's expressions in given surroundings."""
 
     def __init__(self, around, overrides=None):
         self.around, self.overrides = around, overrides or {}
@@ -140,7 +139,7 @@ class Run:
 
 
 def _argument(found):
-    """As the device takes it: a tuple for what is the same at all points."""
+    """Converts values to the device's form: a tuple if they are the same at all points."""
     found = np.float32(found)
     if len(found) == 1:
         return tuple(found[0].tolist())
@@ -148,7 +147,7 @@ def _argument(found):
 
 
 def texels(texture, sampler):
-    """What the shader reads of a texture asset: its import decides."""
+    """The values that the shader reads from a texture asset. They depend on its import settings."""
     if sampler != ("SAMPLERTYPE_COLOR" if texture.srgb else "SAMPLERTYPE_LINEAR_COLOR"):
         raise CompileError(f"Sampler type is {sampler}, the texture is {'' if texture.srgb else 'not '}sRGB")
     if texture.virtual_texture_streaming:
@@ -166,13 +165,13 @@ def texels(texture, sampler):
 
 
 def attributes(editor, path, around, overrides=None):
-    """Attribute of the material -> values at the points, as its graph gives them."""
+    """Attribute of the material -> the values of its graph at the points."""
     _, root = editor.material(path)
     return Run(around, overrides).value(*root)
 
 
 def compiled(editor, path):
-    """Compiles every Custom expression of a material in both versions of the language; warnings are errors."""
+    """Compiles every Custom expression of a material in both language versions, with warnings as errors."""
     import cost
 
     count = 0

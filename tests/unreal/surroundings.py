@@ -1,6 +1,6 @@
-"""What the expressions of a material give at points of an object, by class and properties alone.
+"""Values of material expressions at points of an object, determined only by class and properties.
 
-Nothing here knows what an expression is meant for: a wrong class, property, pin or wire gives other numbers.
+The code doesn't know the purpose of an expression, so a wrong class, property, pin or wire results in wrong numbers.
 """
 
 import numpy as np
@@ -16,7 +16,7 @@ def vector(color):
 
 
 class Surroundings:
-    """An object, a camera, and the points of it that are looked at, all in Blender's frame; it answers in Unreal's."""
+    """An object, a camera and visible points of the object, in Blender's frame. Methods return values in Unreal's."""
 
     def __init__(self, thing, camera, places, points, faces=None, raytraced=False):
         self.thing, self.camera, self.places, self.points = thing, camera, places, points
@@ -27,14 +27,14 @@ class Surroundings:
         self.origin = 100 * np.asarray(thing.place, float) * FLIP
 
     def beside(self, step):
-        """The same a pixel further, on the planes that touch the surface."""
+        """The surroundings one pixel further, on the tangent planes of the surface."""
         places = self.places + step
         rays = cameras.rays(self.camera, places)
         reach = ((self.points - self.camera.eye) * self.faces).sum(axis=1) / (rays * self.faces).sum(axis=1)
         points = self.camera.eye + reach[:, None] * rays
         return Surroundings(self.thing, self.camera, places, points, self.faces, self.raytraced)
 
-    # Each takes the expression, and returns the values of its outputs in their order.
+    # Each of the following takes the expression and returns the values of its outputs in order.
 
     def world_position(self, e):
         offset = e.world_position_shader_offset.name
@@ -49,7 +49,7 @@ class Surroundings:
         return [self.uv(e.coordinate_index) * (e.u_tiling, e.v_tiling)]
 
     def uv(self, index):
-        """Each channel is a little smaller than the one before. v runs down."""
+        """Texture coordinates. Each channel has a smaller scale than the previous one. v points down."""
         return (self.found["uv"] * (1, -1) + (0, 1)) / (1 + 0.25 * index)
 
     def vertex_normal(self, e):
@@ -100,7 +100,7 @@ class Surroundings:
         return [self.places / self.camera.pixels, self.places]
 
     def transform(self, e, given):
-        """A direction from one space to another."""
+        """Transforms a direction from one space to another."""
         assert e.transform_type.name == "TRANSFORM_WORLD"
         source = e.transform_source_type.name.removeprefix("TRANSFORMSOURCE_")
         if source in ("LOCAL", "INSTANCE"):
@@ -120,7 +120,7 @@ class Surroundings:
         return [(given - self.origin) @ np.linalg.inv(self.matrix)]
 
 
-# Classes whose values hang on nothing else, and those that have one input.
+# Classes whose values depend on nothing else, and those with one input.
 PLAIN = {
     "WorldPosition": Surroundings.world_position,
     "LocalPosition": Surroundings.local_position,

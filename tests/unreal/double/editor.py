@@ -1,4 +1,4 @@
-"""The module `unreal` of one version, and the project that scripts change by it."""
+"""The module `unreal` of one version, and the project that scripts change through it."""
 
 import pathlib
 import types
@@ -9,11 +9,11 @@ SPECIAL = {"Custom": objects.Custom, "TextureObjectParameter": objects.TextureOb
 
 
 class CompileError(Exception):
-    """What the editor writes into the material's window and its log."""
+    """A compile error that the editor shows in the material's window and writes to its log."""
 
 
 class Editor:
-    """The project: what a test asks about."""
+    """The state of the project, for the tests."""
 
     def __init__(self, version):
         self.version = version
@@ -25,15 +25,15 @@ class Editor:
         self.ticks = {}  # handle -> function
         self.transactions = []
         self.tasks = []  # ScopedSlowTask objects
-        self.cancel_after = None  # how often should_cancel says no first
+        self.cancel_after = None  # number of times that should_cancel returns False first
         self.console = {}  # console variable -> value
-        self.virtual_textures = False  # a project that makes large pictures virtual
+        self.virtual_textures = False  # whether the project imports large pictures as virtual textures
         self.menus = {}
         self.unloadable = set()  # files that the importers refuse
         self.actors = []
         self.messages = []
         self.saved_folder = None
-        self.dialog = lambda target: False  # what the user enters: changes the object, True for OK
+        self.dialog = lambda target: False  # simulates the user: changes the object and returns True for OK
         self.unattended = False
         self.level = ""
 
@@ -51,13 +51,13 @@ class Editor:
         return [text for kind, text in self.log if kind == level]
 
     def material(self, path):
-        """The expressions of a material, and the one that is wired to its attributes (with its output)."""
+        """The expressions of a material, and (expression, output) wired to its attributes."""
         found = self.assets[path]
         return found._expressions, found._attributes
 
 
 def make(version, saved_folder=None):
-    """(the module, the Editor) of a version such as (5, 4)."""
+    """Returns (the module, the Editor) of a version such as (5, 4)."""
     if version not in tables.VERSIONS:
         raise ValueError(f"no Unreal {version}")
     editor = Editor(version)

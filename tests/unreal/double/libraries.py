@@ -1,4 +1,4 @@
-"""The static libraries: assets, materials, textures, console, progress."""
+"""The editor's static function libraries: assets, materials, textures, console, progress."""
 
 import pathlib
 
@@ -39,7 +39,7 @@ def _text(text):
 
 
 def prepared(asset):
-    """A new asset with what its kind holds besides its properties."""
+    """Initializes what an asset of its class has besides its properties."""
     values = asset._values
     if type(asset).__name__ == "Material":
         object.__setattr__(asset, "_expressions", [])
@@ -128,7 +128,7 @@ def _asset_tools(module, editor):
             values["srgb"] = not floats
             values["compression_settings"] = kinds.TC_HDR if floats else kinds.TC_DEFAULT
             for word, guess in (("grey", kinds.TC_GRAYSCALE), ("normal", kinds.TC_NORMALMAP)):
-                if word in file.name.lower():  # the editor guesses from the pixels
+                if word in file.name.lower():  # stands for the editor's guess, which is based on the pixels
                     values["compression_settings"] = guess
             values["mip_gen_settings"] = module.TextureMipGenSettings.TMGS_FROM_TEXTURE_GROUP
             values["lod_group"] = module.TextureGroup.TEXTUREGROUP_WORLD
@@ -175,7 +175,7 @@ def _materials(module, editor):
 
         @staticmethod
         def delete_all_material_expressions(material):
-            # Every other one stays: a list that is cut while it is walked.
+            # Every other expression is kept, because the editor changes the list while iterating over it.
             material._expressions[:] = material._expressions[1::2]
             object.__setattr__(material, "_attributes", None)
             material._touch()
@@ -227,7 +227,7 @@ def _materials(module, editor):
 
 
 def compile_errors(material):
-    """What the editor says of a material that can't be compiled, as far as that can be told without its HLSL."""
+    """The editor's messages for a material that can't be compiled, as far as they don't depend on its HLSL."""
     for e in material._expressions:
         kind = type(e).__name__
         if kind == "MaterialExpressionCustom":
@@ -240,7 +240,7 @@ def compile_errors(material):
 
 
 def sampler_type(texture):
-    """The one that belongs to a texture's settings."""
+    """The sampler type that matches a texture's settings."""
     kinds, compression = texture._module.MaterialSamplerType, texture.compression_settings.name
     if compression == "TC_NORMALMAP":
         return kinds.SAMPLERTYPE_NORMAL
@@ -250,7 +250,7 @@ def sampler_type(texture):
 
 
 def _override(module, instance, kind, name, value):
-    """Whether the instance took the value: its parent must have such a parameter, without regard to case."""
+    """Sets a parameter of an instance. Returns False if its parent has no such parameter (ignoring case)."""
     wanted = f"MaterialExpression{kind.capitalize()}Parameter"
     parents = [e for e in instance.parent._expressions if type(e).__name__ == wanted]
     if not any(e.parameter_name.casefold() == name.casefold() for e in parents):
@@ -336,7 +336,7 @@ def _transaction(editor):
 
 
 def width_of(expression, index):
-    """How many numbers an output gives."""
+    """The number of components of an output."""
     _, width = expression.outputs()[index]
     kind = type(expression).__name__.removeprefix("MaterialExpression")
     if kind == "ViewProperty":

@@ -64,7 +64,7 @@ def _menus(module, editor):
 
 
 class _Declared:
-    """What `uproperty` leaves in the body of a class."""
+    """The placeholder that `uproperty` returns in a class body."""
 
     def __init__(self, type, meta=None, getter=None, setter=None):
         if meta is not None and not all(isinstance(v, str) for v in meta.values()):
@@ -73,7 +73,7 @@ class _Declared:
 
 
 def _made(module, kind):
-    """A class of the editor from a class of Python."""
+    """Makes an editor class from a Python class."""
     declared = {name: value.type for name, value in vars(kind).items() if isinstance(value, _Declared)}
     types = {name: value.__name__ for name, value in declared.items()}
     return type(kind.__name__, (objects.Object,), {"_types": types, "_module": module})

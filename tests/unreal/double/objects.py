@@ -1,4 +1,4 @@
-"""Objects with properties that are checked: enumerations, structs, and what lives in the project."""
+"""Objects with type-checked properties: enumerations, structs, and objects of the project."""
 
 import struct
 
@@ -16,7 +16,7 @@ class Member:
 
 
 def enumeration(name):
-    """A type whose attributes are its members; asking for another one is an AttributeError."""
+    """A type whose attributes are its members. Any other attribute raises AttributeError."""
     return type(name, (), {member: Member(name, member) for member in tables.ENUMS[name].split()})
 
 
@@ -25,7 +25,7 @@ def _float32(number):
 
 
 class Properties:
-    """What has editor properties. `_types`: name -> type; no other attribute can be set."""
+    """Base class with editor properties. `_types`: name -> type; no other attribute can be set."""
 
     _types = {}
     _module = None
@@ -96,7 +96,7 @@ class Properties:
 
 
 class Struct(Properties):
-    """Arguments in the order of the fields, or by name."""
+    """Base class of structs. The constructor takes the fields in order, or by name."""
 
     def __init__(self, *values, **named):
         super().__init__(**dict(zip(self._types, values)), **named)
@@ -108,7 +108,7 @@ class Struct(Properties):
 
 
 class Object(Properties):
-    """What belongs to a package of the project, or to none. A change makes the package unsaved."""
+    """An object that belongs to a package of the project, or to none. A change marks the package as unsaved."""
 
     def __init__(self, editor, outer=None, name=""):
         super().__init__()
@@ -149,7 +149,7 @@ class Expression(Object):
         return self._pins_out
 
     def input_index(self, pin):
-        """The index of an input pin, None if there is none of that name."""
+        """The index of an input pin, or None if there is none with this name."""
         if pin == "":
             return 0 if self.inputs() else None
         return next((i for i, name in enumerate(self.inputs()) if name == pin), None)
@@ -161,7 +161,7 @@ class Expression(Object):
 
 
 class Custom(Expression):
-    """Its pins are what its properties say. A new one has one input without a name."""
+    """A Custom expression. Its properties define its pins. A new one has one unnamed input."""
 
     def __init__(self, editor, outer, name):
         super().__init__(editor, outer, name)
@@ -185,7 +185,7 @@ class Custom(Expression):
 
 
 class TextureObject(Expression):
-    """A new texture chooses the sampler type by itself."""
+    """A texture expression. Setting the texture also sets the sampler type."""
 
     def _changed(self, name, before):
         super()._changed(name, before)

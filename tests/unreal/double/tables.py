@@ -1,11 +1,11 @@
-"""What classes of Unreal have, by version: properties, pins, members of enumerations.
+"""Tables of Unreal's classes by version: properties, pins, enumeration members.
 
-A property's type is one of "bool", "int", "float", "str", "name", the name of an enumeration or a struct, the name of
-a class of assets, or any of these with "[]". An output pin is a pair of its name and how many numbers it gives; 0
-stands for as many as the input has, "object" for a texture.
+A property's type is "bool", "int", "float", "str", "name", the name of an enumeration, a struct or an asset class, or
+any of these followed by "[]". An output pin is a pair of its name and its number of components; 0 means as many as the
+input has, "object" a texture.
 """
 
-# The members that belong to a newer version stand in SINCE.
+# Members that were added by a newer version are in SINCE.
 ENUMS = {
     "WorldPositionIncludedOffsets": "WPT_DEFAULT WPT_EXCLUDE_ALL_SHADER_OFFSETS WPT_CAMERA_RELATIVE "
     "WPT_CAMERA_RELATIVE_NO_OFFSETS",
@@ -47,7 +47,7 @@ ENUMS = {
 
 VERSIONS = [(5, 3), (5, 4), (5, 5), (5, 6), (5, 7)]
 
-# Types that came with a version.
+# Types and properties -> the version that added them.
 SINCE = {
     "MaterialExpressionLocalPosition": (5, 5),
     "LocalPositionOrigin": (5, 5),
@@ -90,7 +90,7 @@ ATTRIBUTES = (
     "Displacement",
 )
 
-# Class -> (properties, input pins, output pins). An input without a documented name is None: only "" reaches it.
+# Class -> (properties, input pins, output pins). An input without a documented name is None; "" selects it.
 EXPRESSIONS = {
     "ScalarParameter": (
         {**PARAMETER, "default_value": "float", "slider_min": "float", "slider_max": "float"},
