@@ -1,4 +1,4 @@
-"""The checklist's level is made, and its checks are true of what the expressions have to give."""
+"""The checklist's level is built, and its checks pass for the values that the expressions should have."""
 
 import numpy as np
 import pytest
@@ -38,7 +38,7 @@ BALL = surfaces.Thing(surfaces.sphere(0.5), surfaces.turned(35) @ surfaces.turne
 
 
 def shown(ue, check, thing, raytraced=False):
-    """The share of points that are green."""
+    """The fraction of points that are green."""
     test_picture.THINGS["ball"] = thing
     thing, places, points = test_picture.look("ball")
     around = Surroundings(thing, test_picture.CAMERA, places, points, raytraced=raytraced)
@@ -57,7 +57,7 @@ def test_a_right_engine_shows_green(start):
 
 
 def test_the_derivatives_are_green_in_ray_tracing(start):
-    """By way of the switch: without it there would be no plane to look at."""
+    """The ray tracing switch is needed: without it there are no derivatives, which define the plane."""
     ue = start()
     ue.plugin.build_checklist()
     check = next(c for c in ue.checks.CHECKS if c.name == "Derivatives of the position")
@@ -78,7 +78,7 @@ def test_the_back_of_a_plane_is_red(start):
 
 
 def wrong_engines():
-    """What an engine might do otherwise: the method of Surroundings that changes, and the checks that must show it."""
+    """Possible deviations of an engine: method of Surroundings -> (its replacement, the check that must detect it)."""
     flip = np.array([1.0, -1.0, 1.0])
     return {
         "local_position": (lambda old: lambda self, e: [old(self, e)[0] * flip], "Object axes"),

@@ -1,4 +1,4 @@
-"""What an import makes of the example materials, in every version of Unreal."""
+"""Imports of the example materials in every version of Unreal."""
 
 import pytest
 

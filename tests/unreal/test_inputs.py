@@ -1,4 +1,4 @@
-"""Every kind of input, in every version: the graph gives what the text expects, as wide as it expects it."""
+"""Every kind of input in every version: the graph provides the value and the width that the text expects."""
 
 import numpy as np
 import pytest
@@ -54,7 +54,7 @@ KINDS = [
 
 
 def export(folder, records=tuple(KINDS), name="Every Kind", blend="opaque", code="return float3(0.0, 0.0, 0.0);"):
-    """A folder with a material whose text has these inputs."""
+    """Writes a material whose text has these inputs. Returns its folder."""
     inputs = [{"name": f"i{number}", **record} for number, record in enumerate(records)]
     settings = {"shading": "unlit", "blend": blend, "two_sided": True, "tangent_space_normal": True}
     settings.update({"clip": 0.5} if blend == "masked" else {})
@@ -81,7 +81,7 @@ def custom_of(ue, path="/Game/Blender/M_Every_Kind"):
 
 
 def test_the_list_of_kinds_is_the_translators():
-    """The kinds that the example materials use are all here, and those of the wiring that they are drawn with."""
+    """KINDS contains all kinds that the example materials use, and those with reference values for rendering."""
     known = {materials.kind_of(record) for record in KINDS}
     thing, places, points = test_picture.look("sphere")
     assert known == set(test_picture.given(thing, places, points))
@@ -106,7 +106,7 @@ def test_every_kind_has_its_value_and_width(start, tmp_path, version, blend, ins
             value = wanted[materials.kind_of(record)]
             found = run.value(source, index)
             assert width_of(source, index) == found.shape[1] == custom_expression.width(record), record
-            # The corrected normal is worked out on the device, in floats of 32 bits.
+            # The corrected normal is computed on the device, in 32-bit floats.
             exact = 1e-6 if record["kind"] == "cycles_normal" else 1e-9
             np.testing.assert_allclose(
                 *np.broadcast_arrays(found, value),
@@ -116,14 +116,14 @@ def test_every_kind_has_its_value_and_width(start, tmp_path, version, blend, ins
 
 
 def test_any_two_inputs_that_are_swapped_are_seen(start, tmp_path):
-    """The values of different kinds differ somewhere, so the test above sees each wire."""
+    """The values of different kinds differ somewhere, so the test above detects each wrong wire."""
     ue = start()
     ue.plugin.import_material(export(tmp_path / "out"))
     run = Run(Surroundings(*_around("sphere")))
     values = {}
     for record, (_, source, index) in zip(KINDS, wires(custom_of(ue))):
         values[materials.kind_of(record)] = run.value(source, index)
-    alike = {frozenset(("cycles_normal", "vertex_normal"))}  # the same where the scale is the same along all axes
+    alike = {frozenset(("cycles_normal", "vertex_normal"))}  # equal if the scale is uniform
     names = sorted(values)
     for a in names:
         for b in names:
@@ -132,7 +132,7 @@ def test_any_two_inputs_that_are_swapped_are_seen(start, tmp_path):
 
 
 def test_a_turned_sign_shows(start, tmp_path):
-    """What the axes and the bitangent are made of, with another sign."""
+    """Negates the constants from which the axes and the bitangent are computed."""
     ue = start()
     ue.plugin.import_material(export(tmp_path / "out"))
     custom = custom_of(ue)
@@ -158,7 +158,7 @@ def _around(where):
 
 @pytest.mark.parametrize("blend, space", [("masked", "CAMERA"), ("opaque", "VIEW")])
 def test_the_opacity_does_not_follow_the_light(start, tmp_path, blend, space):
-    """In shadow passes the view is the light's; the camera's axes stay."""
+    """In shadow passes the view belongs to the light, but the camera's axes must not change."""
     ue = start()
     ue.plugin.import_material(export(tmp_path / "out", [r for r in KINDS if r["kind"] == "view_axis"], blend=blend))
     spaces = {source.transform_source_type.name for _, source, _ in wires(custom_of(ue))}
@@ -180,7 +180,7 @@ def test_the_space_of_an_instance(start, tmp_path, instanced, space):
 
 
 def test_one_expression_for_each_distinct_input(start, tmp_path):
-    """Two inputs of one kind share their expression, and so do chains that begin alike."""
+    """Two inputs of one kind share their expression, and chains share a common beginning."""
     ue = start((5, 3))
     ue.plugin.import_material(export(tmp_path / "out", (*KINDS, *KINDS)))
     expressions = ue.editor.assets["/Game/Blender/M_Every_Kind"]._expressions
@@ -196,7 +196,7 @@ def test_one_expression_for_each_distinct_input(start, tmp_path):
 
 @pytest.mark.parametrize("mirrored", [False, True])
 def test_the_normal_follows_a_scale_that_differs_along_the_axes(start, tmp_path, mirrored):
-    """Against the inverse transpose of the object's matrix, worked out here."""
+    """Compares it with the inverse transpose of the object's matrix, computed here."""
     import device
     import shader
 
@@ -210,7 +210,7 @@ def test_the_normal_follows_a_scale_that_differs_along_the_axes(start, tmp_path,
     normals = random.normal(size=(200, 3))
     normals /= np.linalg.norm(normals, axis=1, keepdims=True)
     axes = rotation * scale  # columns: the object's axes in the world
-    # Unreal turns the normal by the axes without their length.
+    # Unreal rotates the normal by the normalized axes.
     given = {
         "N": normals @ (axes / np.abs(scale)).T,
         "X": tuple(axes[:, 0]),

@@ -1,4 +1,4 @@
-"""Updates in place, live and by the menu: what is touched, what is compiled, what stays."""
+"""Updates in place, live and by the menu: which assets change, which are compiled, which are kept."""
 
 import json
 import shutil
@@ -16,14 +16,14 @@ M, MI = "/Game/Blender/M_Car_Paint", "/Game/Blender/MI_Car_Paint"
 
 
 def export(folder, change=lambda document: None):
-    """Exports one example, as Blender would after a change; says which files were written."""
+    """Exports one example as Blender would after a change. Returns what was written."""
     document = materials.document("car_paint")
     change(document)
     return pipeline.export_document(write.look(folder), "Car Paint", document)
 
 
 def slide(value):
-    """Another value of a socket."""
+    """A change that sets the value of a socket."""
 
     def change(document):
         node = next(n for n in document["nodes"] if n["type"] == "ShaderNodeBsdfPrincipled")
@@ -88,7 +88,7 @@ def test_parameters_as_an_artist_reads_them(paint):
     custom = next(e for e in paint.editor.assets[M]._expressions if kind_of(e) == "Custom" and len(e.outputs()) > 1)
     for name, source, index in wires(custom):
         if kind_of(source) == "VectorParameter":
-            assert width_of(source, index) == 4, name  # three more are cut off otherwise
+            assert width_of(source, index) == 4, name  # the output with all four components
     for record in records["records"]:
         e = made[record["label"]]
         assert (e.group, e.sort_priority) == (record["group"], record["order"])
@@ -115,7 +115,7 @@ def test_values_that_32_bits_round_are_set_once(paint):
 
 
 def test_other_defaults_alone_compile_nothing(paint):
-    """As after an export of everything: the text is the same, the instance has the values."""
+    """This is the state after an export of everything: the text is unchanged, and the instance has the values."""
     folder = paint.folder / "Car Paint"
 
     def change(manifest):
@@ -165,7 +165,7 @@ def test_an_instance_whose_material_was_deleted_gets_the_new_one(paint):
 
 
 def test_an_instance_keeps_the_parent_that_somebody_gave_it(paint):
-    """One between it and the material, for example."""
+    """For example an instance between it and the material."""
     tools = paint.unreal.AssetToolsHelpers.get_asset_tools()
     other = tools.create_asset("M_Other", "/Game", paint.unreal.Material, paint.unreal.MaterialFactoryNew())
     paint.editor.assets[MI].set_editor_property("parent", other)
@@ -246,7 +246,7 @@ def test_live_waits_for_an_export_that_is_under_way(live):
     folder = live.folder / "Car Paint"
     whole = (folder / "surface.hlsl").read_bytes()
     (folder / "surface.hlsl").write_bytes(whole[:100])
-    edit(folder, lambda m: put(m, "made_by", {}))  # the manifest is touched, the text isn't whole
+    edit(folder, lambda m: put(m, "made_by", {}))  # the manifest changed, but the text is incomplete
     ticks(live, live.clock)
     assert not live.editor.texts("log_error") and not live.editor.compiled
     (folder / "surface.hlsl").write_bytes(whole)
@@ -304,7 +304,7 @@ def test_the_menu(start, tmp_path):
     sys.modules.pop("init_unreal", None)
     importlib.import_module("init_unreal")
     export(tmp_path / "out")
-    command(ue, "Import Again")  # nothing chosen yet: it asks, and the user cancels
+    command(ue, "Import Again")  # no folder was chosen yet, so it opens a dialog, which the user cancels
     assert not ue.editor.assets and not ue.editor.messages
 
     def choose(options):

@@ -1,4 +1,4 @@
-"""The plugin's folder: its version, the language it is written in, what it needs, how its graphs look."""
+"""The plugin's folder: its version, Python version, dependencies, and the layout of its graphs."""
 
 import ast
 import json
@@ -35,7 +35,7 @@ def test_the_version():
     plugin = json.loads((SCRIPTS.parents[1] / "Quillgen.uplugin").read_text(encoding="utf-8"))
     project = tomllib.loads((ROOT / "pyproject.toml").read_text(encoding="utf-8"))["project"]
     assert plugin["VersionName"] == project["version"]
-    assert plugin["CanContainContent"] is True  # else Content/Python isn't looked at
+    assert plugin["CanContainContent"] is True  # otherwise Content/Python isn't loaded
     assert {"PythonScriptPlugin", "EditorScriptingUtilities"} == {p["Name"] for p in plugin["Plugins"] if p["Enabled"]}
 
 
@@ -58,7 +58,7 @@ def test_what_is_not_tried_is_said_first():
 
 
 def test_the_plan_is_built_by_the_oldest_python(examples, tmp_path):
-    """The clipboard's text is the same from Python 3.9, where one is at hand."""
+    """Python 3.9, if it is installed, makes the same clipboard text."""
     candidates = [*ROOT.home().glob(".pyenv/versions/3.9*/bin/python3.9"), shutil.which("python3.9")]
     runs = [p for p in candidates if p and subprocess.run([p, "-c", ""], capture_output=True).returncode == 0]
     python = next(iter(runs), "")
@@ -95,7 +95,7 @@ def test_nothing_overlaps_and_wires_run_to_the_right(start, examples, name):
     assert set(boxes) == set(plan.graph.expressions)
     every = list(boxes.values())
     for number, a in enumerate(every):
-        assert a.x + a.width <= 0  # the material's own node stands there
+        assert a.x + a.width <= 0  # the material's own node is at x = 0
         for b in every[number + 1 :]:
             assert a.x + a.width <= b.x or b.x + b.width <= a.x or a.y + a.height <= b.y or b.y + b.height <= a.y
     for key, expression in plan.graph.expressions.items():
@@ -169,7 +169,7 @@ def test_the_materials_own_properties(start, examples):
 
 
 def parsed(text):
-    """The nodes of a text: name -> (class, properties of the expression, pins)."""
+    """Parses a clipboard text: node name -> (class, properties of the expression, pins)."""
     nodes, stack = {}, []
     for line in text.splitlines():
         word = line.strip()
@@ -213,7 +213,7 @@ def test_the_clipboard_holds_the_same_graph(start, examples, version):
                 slot = f"Inputs({number})" if expression.kind == "Custom" else wire.pin or "Input"
                 source = next(n for n, k in keys.items() if k == wire.source.expression)
                 assert f"'{source}.MaterialExpression{wire.source.expression}'" in found["properties"][slot]
-                # and the same by the pins, from both ends
+                # The pins at both ends name the same connection.
                 named = [pin for pin in found["pins"] if f'PinName="{wire.pin or "Input"}"' in pin]
                 own = next(pin for pin in named if "Direction" not in pin)
                 other, pin_id = own.split("LinkedTo=(")[1].split(",")[0].split()
@@ -245,7 +245,7 @@ def test_what_stays_to_be_done_by_hand_is_said(start, examples, tmp_path):
 
 
 def test_the_pasted_graph_has_the_values_of_now(start, tmp_path):
-    """Where only values have changed, the records keep the defaults of the export before."""
+    """If only values changed, the records keep the defaults of the previous export."""
     from quillgen_blender import pipeline, write
 
     document = materials.document("car_paint")
@@ -283,7 +283,7 @@ def test_texts_are_quoted(start):
     assert unquoted(ue.clipboard.quoted(nasty)) == nasty
 
 
-# the double itself: it says no where the editor would
+# the double itself: it raises the errors of the editor
 
 
 def refusing(unreal):

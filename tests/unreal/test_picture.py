@@ -1,8 +1,8 @@
-"""The picture of a material that was imported is the picture of its text.
+"""The picture of an imported material equals the picture of its text.
 
-The text runs twice on the Vulkan device: once with what every kind of input is meant to be (`examples.gallery.wiring`),
-once through the graph that the import made, with what each of its expressions gives. A wrong expression, pin, wire,
-width, order or sign makes the two differ.
+The text runs twice on the Vulkan device: once with the reference values of all inputs (`examples.gallery.wiring`), and
+once through the imported graph, with the values of its expressions. A wrong expression, pin, wire, width, order or sign
+makes the two differ.
 """
 
 import json
@@ -32,11 +32,11 @@ ATTRIBUTES = {
 }
 
 NAMES = materials.names()
-EXPENSIVE = {"glazed_vase"}  # the device takes five minutes to compile its text
+EXPENSIVE = {"glazed_vase"}  # the device takes five minutes to compile the text
 
 
 def look(name):
-    """Where the rays meet a thing: places in the picture, points."""
+    """Returns (thing, pixel positions, points) where the camera rays hit a thing."""
     thing = THINGS[name]
     places = cameras.positions(CAMERA, 1)
     rays = cameras.rays(CAMERA, places)
@@ -46,7 +46,7 @@ def look(name):
 
 
 def given(thing, places, points):
-    """Kind -> what the inputs are meant to be, with a second UV channel and vertex colours that vary."""
+    """Kind -> reference values of the inputs, including a second UV channel and varying vertex colours."""
     found = wiring.inputs(thing, CAMERA, places, points)
     around = Surroundings(thing, CAMERA, places, points)
     found["texcoord:1"], found["vertex_color"] = around.uv(1), around.color()
@@ -58,7 +58,7 @@ def given(thing, places, points):
 
 
 def meant(result, thing, places, points):
-    """Attribute -> values of the text itself."""
+    """Attribute -> values of the text with the reference inputs."""
     found = materials.evaluate(result, given(thing, places, points))
     opacity = "OpacityMask" if result["material"]["blend"] == "masked" else "Opacity"
     words = {**ATTRIBUTES, "result": "BaseColor", "OutOpacity": opacity}
@@ -66,7 +66,7 @@ def meant(result, thing, places, points):
 
 
 def compare(wanted, found, near=1e-3):
-    """The least share of points, over all attributes, that agree."""
+    """Returns (the smallest fraction of agreeing points, the fraction of each attribute)."""
     assert set(wanted) == set(found)
     shares = {}
     for key, value in wanted.items():
@@ -77,7 +77,7 @@ def compare(wanted, found, near=1e-3):
 
 
 def exported(examples, name):
-    """What an export holds, as the translator's own result would be."""
+    """Reads an export in the form of the translator's result."""
     folder = examples / name.replace("_", " ").title()
     manifest = json.loads((folder / "material.json").read_text(encoding="utf-8"))
 
@@ -104,7 +104,7 @@ def imported(start, examples, name, version=(5, 7)):
 
 @pytest.mark.parametrize("name", NAMES)
 def test_the_graph_gives_the_picture_of_the_text(start, examples, name):
-    """In the newest version on the sphere, and on one of the two flat sides."""
+    """In the newest version, on the sphere and on the front or back of the plane."""
     if name in EXPENSIVE:
         pytest.skip("the device takes five minutes to compile the text; DXC takes it below, test_inputs its inputs")
     ue = imported(start, examples, name)
@@ -133,7 +133,7 @@ def test_older_versions_give_the_same_picture(start, examples, version):
 
 @pytest.mark.parametrize("name", NAMES)
 def test_every_text_compiles_as_unreal_wraps_it(start, examples, name):
-    """Both language versions, warnings being errors, with the widths of the graph; the displacement, too."""
+    """In both language versions with warnings as errors, with the widths of the graph, including the displacement."""
     ue = imported(start, examples, name)
     displaced = exported(examples, name)["displacement"] is not None
     assert shader.compiled(ue.editor, asset(name)) >= 1 + displaced
@@ -161,7 +161,7 @@ def normals(ue, name, raytraced):
 
 
 def test_bumps_of_positions_are_right_in_ray_tracing(start, examples):
-    """Where derivatives are zero, the normal is that of the raster, by way of the switch; without it, it is not."""
+    """Where derivatives are zero, the normal equals that of rasterization due to the switch. Without it, it differs."""
     ue = imported(start, examples, "worn_leather")
     rastered = normals(ue, "worn_leather", raytraced=False)
     np.testing.assert_allclose(normals(ue, "worn_leather", raytraced=True), rastered, atol=1e-4)
@@ -172,7 +172,7 @@ def test_bumps_of_positions_are_right_in_ray_tracing(start, examples):
 
 
 def test_bumps_of_uvs_are_flat_in_ray_tracing(start, examples):
-    """What the documentation says: nothing tells a material how its UVs lie there."""
+    """As documented: in ray tracing a material has no derivatives of its UVs."""
     ue = imported(start, examples, "brick_wall")
     thing, _, points = look("sphere")
     plain = surfaces.describe(thing, points)["normal"] * wiring.FLIP
@@ -180,7 +180,7 @@ def test_bumps_of_uvs_are_flat_in_ray_tracing(start, examples):
     np.testing.assert_allclose(normals(ue, "brick_wall", raytraced=True), plain, atol=1e-5)
 
 
-# What is broken in a graph has to show: the picture changes, or the text doesn't compile.
+# Any defect of a graph must be detected: the picture changes, or the text doesn't compile.
 
 
 def _named(ue, kind, name="M_Brick_Wall"):

@@ -1,4 +1,4 @@
-"""Exports that can't be imported: one message that names the file and the material, and the old asset as it was."""
+"""Invalid exports: one message names the file and the material, and the old asset is unchanged."""
 
 import hashlib
 import json
@@ -26,7 +26,7 @@ def retext(folder, text):
 
 
 def state(editor):
-    """All that an import could change."""
+    """Everything that an import could change."""
     found = {}
     for path, asset in editor.assets.items():
         found[path] = repr((asset._values, asset._tags))
@@ -40,7 +40,7 @@ def put(record, key, value):
     record[key] = value
 
 
-# What is done to a good export -> words of the message; the file that it names.
+# Modification of a valid export -> words of the message, and the file that it names.
 CASES = {
     "newer version": (lambda f: edit(f, lambda m: put(m, "version", 2)), "version 2", "material.json"),
     "older values": (
@@ -120,7 +120,7 @@ CASES = {
 
 @pytest.fixture
 def crate(tmp_path):
-    """A folder with a material that has parameters and pictures."""
+    """The folder of an exported material with parameters and textures."""
     from conftest import ROOT
     from quillgen_blender import pipeline
 
@@ -137,7 +137,7 @@ def test_bad_exports(start, crate, case, again):
     if again:
         ue.plugin.import_material(crate)
         retext(crate, "return float3(0, 0, 0);  // another")
-        if file == "_textures":  # the pictures are new, too
+        if file == "_textures":  # the textures must be new too
             ue.editor.assets = {p: a for p, a in ue.editor.assets.items() if "/Textures/" not in p}
     ue.editor.save_all()
     before = state(ue.editor)
@@ -154,7 +154,7 @@ def test_bad_exports(start, crate, case, again):
 
 
 def test_what_this_editor_refuses_shows_before_the_old_graph_goes(start, crate):
-    """A pin that a version doesn't have: the old graph stays."""
+    """If a version doesn't have a pin, the old graph is kept."""
     ue = start()
     ue.plugin.import_material(crate)
     retext(crate, "return float3(0, 0, 0);  // another")
@@ -239,7 +239,7 @@ def test_a_picture_that_unreal_refuses(start, crate):
 
 
 def test_pictures_that_were_not_exported_this_time(start, crate):
-    """The textures that the material has stay; without any the material is refused."""
+    """Existing textures of the material are kept; if there are none, the material is refused."""
 
     def without(manifest):
         for record in manifest["textures"]:
@@ -287,6 +287,6 @@ def test_pictures_are_imported_by_the_rules_and_shared(start, tmp_path):
     assert texture.mip_gen_settings.name == "TMGS_NO_MIPMAPS" and texture.never_stream
     assert not texture.srgb and not texture.virtual_texture_streaming and texture.max_texture_size == 0
     ue.editor.save_all()
-    texture.set_editor_property("srgb", True)  # someone's hand
+    texture.set_editor_property("srgb", True)  # a manual change by the user
     assert "updated" in [o.status for o in ue.plugin.import_all(tmp_path / "out")]
     assert not texture.srgb

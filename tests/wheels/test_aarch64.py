@@ -1,7 +1,7 @@
-"""The wheel for Linux on aarch64, under qemu: every golden document gives what is kept of it.
+"""The wheel for Linux on aarch64, under qemu: every golden document translates to the stored result.
 
-QUILLGEN_AARCH64 is a folder with a CPython 3.11 or newer for that processor, as Debian's packages give it when they are
-unpacked there (docs/wheels.md has the commands). Without it, or without qemu-aarch64-static, the test is skipped.
+QUILLGEN_AARCH64 names a folder with CPython 3.11 or newer for that processor, unpacked from Debian's packages
+(docs/wheels.md has the commands). Without it, or without qemu-aarch64-static, the test is skipped.
 """
 
 import os
@@ -14,7 +14,7 @@ import pytest
 
 from test_linux import ROOT, wheel
 
-# Run there. It needs no pytest: an emulated processor is slow, and the comparison is one line.
+# Runs under qemu. Doesn't use pytest, because an emulated processor is slow and the comparison is one line.
 COMPARE = """
 import sys
 sys.path[:0] = [{site!r}, {tests!r}]

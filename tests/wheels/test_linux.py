@@ -1,8 +1,7 @@
-"""The wheel for Linux in the CPythons that are here: the golden and the edge-case tests pass on what it installs.
+"""Installs the wheel for Linux in each available CPython, and runs the golden and edge-case tests on it.
 
-`tools/wheels linux-x86_64` makes the wheel. An interpreter is looked for by its name and among pyenv's; the test of
-one that is not here is skipped, and says so. Tests that draw need DXC, which these environments do not have: they are
-left out.
+`tools/wheels linux-x86_64` makes the wheel. Interpreters are found by name and among those of pyenv; for a missing one
+the test is skipped. Tests that run shaders are skipped, because these environments don't have DXC.
 """
 
 import os
@@ -21,7 +20,7 @@ PACKAGES = ("pytest==8.4.2", "numpy>=1.26,<3")
 
 
 def wheel(platform: str) -> Path:
-    """The wheel for `platform`, of the version that pyproject.toml says."""
+    """The path of the wheel for `platform`, of the version in pyproject.toml."""
     version = re.search(r'^version = "([^"]+)"', (ROOT / "pyproject.toml").read_text(), re.MULTILINE)
     assert version
     path = DIST / f"quillgen-{version[1]}-cp311-abi3-{platform}.whl"
@@ -44,7 +43,7 @@ def interpreter(version: str) -> str:
 
 
 def installed(version: str) -> Path:
-    """A virtual environment's Python with the wheel in it."""
+    """The Python of a virtual environment with the wheel installed."""
     python = WORK / version / "bin" / "python"
     if not python.is_file():
         subprocess.run([interpreter(version), "-m", "venv", str(WORK / version)], check=True)
@@ -55,7 +54,7 @@ def installed(version: str) -> Path:
 
 
 def environment() -> dict[str, str]:
-    """The environment without what would put other builds of the modules on the path."""
+    """The environment without PYTHONPATH, which could contain other builds of the modules."""
     return {name: value for name, value in os.environ.items() if name != "PYTHONPATH"}
 
 

@@ -1,4 +1,4 @@
-"""For pytest (-p without_dxc): a test that draws is skipped where DXC is not installed."""
+"""A pytest plugin (-p without_dxc) that skips tests that run shaders if DXC is not installed."""
 
 from collections.abc import Iterator
 
