@@ -1,4 +1,4 @@
-"""Ten lines for a pipeline: every document of a folder becomes a text and a list of what to wire to it.
+"""A minimal pipeline: translates every document of a folder to a text and a list of the inputs to wire.
 
 python examples/pipeline.py [FOLDER]
 """

@@ -21,7 +21,7 @@ class Part(NamedTuple):
     height: int
 
     def grown(self, border, camera):
-        """With so many pixels more on each side where the picture has them."""
+        """The rectangle enlarged by `border` pixels on each side, clipped to the picture."""
         left, top = max(self.left - border, 0), max(self.top - border, 0)
         right = min(self.left + self.width + border, camera.pixels)
         bottom = min(self.top + self.height + border, camera.pixels)
@@ -33,7 +33,7 @@ def whole(camera):
 
 
 def axes(camera):
-    """The camera's own axes in the world: right, up, forward."""
+    """The camera's axes in world space: right, up, forward."""
     forward = unit(np.subtract(camera.target, camera.eye))
     right = unit(np.cross(forward, (0.0, 0.0, 1.0)))
     return right, np.cross(right, forward), forward
@@ -44,8 +44,8 @@ def tan_half_fov(camera):
 
 
 def positions(camera, subdivision, part=None):
-    """Where rays go through the picture or a part of it, in pixels from the upper left of the whole: [n, 2],
-    subdivision^2 for each pixel, row by row."""
+    """The positions of rays in the picture or a part of it: [n, 2], in pixels from the upper left of the whole picture,
+    subdivision^2 per pixel, row by row."""
     left, top, width, height = part or whole(camera)
     x = (np.arange(left * subdivision, (left + width) * subdivision) + 0.5) / subdivision
     y = (np.arange(top * subdivision, (top + height) * subdivision) + 0.5) / subdivision
@@ -54,13 +54,13 @@ def positions(camera, subdivision, part=None):
 
 
 def numbers(camera, subdivision, places):
-    """The numbers of these rays among all of the picture, the same for every part of it: [n]."""
+    """The indices of rays in the whole picture, independent of the part: [n]."""
     x, y = np.int64(np.floor(places * subdivision)).T
     return y * camera.pixels * subdivision + x
 
 
 def rays(camera, places):
-    """Directions through places in the picture, of length 1."""
+    """Unit directions of the rays through positions in the picture."""
     right, up, forward = axes(camera)
     offset = (places / camera.pixels * 2 - 1) * tan_half_fov(camera)
     return unit(offset[:, :1] * right - offset[:, 1:] * up + forward)

@@ -1,10 +1,10 @@
-"""Runs in Blender: what Cycles shows of the example materials, in the scenes of scenes.py.
+"""Renders the example materials with Cycles in the scenes of scenes.py. Runs inside Blender.
 
     .venv-blender-5.2/bin/python examples/gallery/in_blender.py FOLDER PIXELS SAMPLES [--part=L,T,W,H] NAME ...
 
-Writes NAME.npy, the radiance [PIXELS, PIXELS, 3] with row 0 on top, or of the part that lies so many pixels from the
-left and the top and is so wide and high. Materials are rebuilt from their documents; light
-is followed over one bounce, as far as the shader of the texts follows it.
+Writes NAME.npy, the radiance [PIXELS, PIXELS, 3] with row 0 on top. --part restricts it to a rectangle with this left,
+top, width and height in pixels. Materials are rebuilt from their documents. Light is traced over one bounce, as in the
+shader that lights the texts.
 """
 
 import json
@@ -25,8 +25,8 @@ from rebuild import rebuild
 
 MATERIALS = ROOT / "examples" / "materials"
 PART = "--part="
-SPHERE_ROWS = 256  # of faces, twice as many around
-WIDE = 40.0  # metres to each side, where the studio's floor and wall end
+SPHERE_ROWS = 256  # rows of faces; there are twice as many columns
+WIDE = 40.0  # metres from the centre to the edges of the studio's floor and wall
 
 
 def main(folder, pixels, samples, words):
@@ -43,7 +43,7 @@ def main(folder, pixels, samples, words):
         load_images(document)
         material = rebuild(document, name)
         for thing in scene.things:
-            if not thing.far:  # the far side of an object that is there
+            if not thing.far:  # a far side belongs to an object that is placed already
                 place(thing, mesh(thing.shape, scene.relief_rows), material)
         begun = time.time()
         np.save(folder / f"{name}.npy", rendered(folder / "picture.exr"))
@@ -116,14 +116,14 @@ def add_light(light):
     data = bpy.data.lights.new("Light", "AREA")
     strongest = max(light.glow)
     data.size, data.color = light.size, [part / strongest for part in light.glow]
-    data.energy = strongest * np.pi * light.size**2  # a square light's power from its radiance
+    data.energy = strongest * np.pi * light.size**2  # the power of a square light with this radiance
     made = add("Light", data)
     made.visible_camera = False
     aim(made, light.at, light.towards)
 
 
 def world(around, behind):
-    """Radiance between the ground's and the sky's; a ray of the camera sees what is behind the picture."""
+    """A world whose radiance blends from ground to sky. Camera rays see the background of the picture instead."""
     made = bpy.data.worlds.new("Sky")
     made.use_nodes = True
     tree = made.node_tree
@@ -147,7 +147,7 @@ def axis(tree, vector, name):
 
 
 def mixed(tree, share, *colors):
-    """A node's output: between two colours or outputs."""
+    """The output of a node that mixes two colours or outputs."""
     node = tree.nodes.new("ShaderNodeMix")
     node.data_type = "RGBA"
     tree.links.new(share, node.inputs[0])
@@ -181,7 +181,7 @@ def plain(values):
 
 
 def studio(begin, radius, level=-1.0):
-    """A floor that rises to a wall."""
+    """Adds a floor that curves up into a wall."""
     turn = np.linspace(0, np.pi / 2, 65)
     rise = np.stack([begin + radius * np.sin(turn), level + radius * (1 - np.cos(turn))], axis=1)
     line = np.concatenate([[(-WIDE, level)], rise, [(begin + radius, WIDE)]])
@@ -210,10 +210,10 @@ def place(thing, data, material):
 
 
 def mesh(shape, rows):
-    """The shape in a frame of its own, of so many rows of faces where its surface is to be moved."""
+    """A mesh of the shape in object space. `rows`: rows of faces, if the surface is displaced."""
     build = {"sphere": ball, "square": sheet, "box": cube}[shape.name]
     points, corners, uv = build(shape, rows)
-    kept = corners != np.roll(corners, 1, axis=1)  # a face at a pole has three corners
+    kept = corners != np.roll(corners, 1, axis=1)  # faces at the poles are triangles
     made = bpy.data.meshes.new("Shape")
     made.vertices.add(len(points))
     made.vertices.foreach_set("co", np.float32(points).ravel())
@@ -232,7 +232,7 @@ def mesh(shape, rows):
 
 
 def ball(shape, rows):
-    """Points, the corners of faces, their UV coordinates; the seam looks to +y, where u goes from 1 to 0."""
+    """Returns (points, corners of the faces, their UV coordinates). The seam is at +y, where u wraps from 1 to 0."""
     rows = rows or SPHERE_ROWS
     columns = 2 * rows
     v, u = np.meshgrid(np.arange(1, rows) / rows, np.arange(columns) / columns, indexing="ij")

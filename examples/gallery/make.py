@@ -4,9 +4,9 @@
         [NAME ...]
 
 Steps, for the named or all materials: "values" compares the base colour with Blender's on a flat square (a strip of
-Blender's, ours and ten times the difference), "text" renders the picture of the text, "cycles" that of Cycles, for
-which Blender has to be there. The numbers are kept in docs/gallery/numbers.json; those of a pair of pictures are taken
-from the files themselves.
+Blender's, ours and ten times the difference), "text" renders the picture of the text, "cycles" that of Cycles, which
+requires Blender. The numbers are stored in docs/gallery/numbers.json; those of a pair of pictures are computed from the
+files.
 """
 
 import argparse
@@ -30,7 +30,8 @@ device.TIMEOUT = 2400  # the first compilation of glazed_vase takes minutes: six
 
 
 def strip(wanted, found):
-    """Blender's values, ours and ten times the difference, 256 wide each; row 0 of the values is at the bottom."""
+    """A picture of Blender's values, ours and ten times the difference, each 256 wide; row 0 of the values is at the
+    bottom."""
     pictures = [tone.srgb(wanted), tone.srgb(found), tone.srgb(10 * np.abs(found - wanted))]
     return side_by_side([picture[::-1].repeat(4, axis=0).repeat(4, axis=1) for picture in pictures])
 
@@ -42,7 +43,7 @@ def side_by_side(pictures):
 
 
 def values(name):
-    """Writes a material's strip; gives {array: (largest difference, share within 1e-4, within 1e-3)}."""
+    """Writes a material's strip. Returns {array: (largest difference, share within 1e-4, within 1e-3)}."""
     pairs = square.compare(name)
     tone.save(strip(*pairs["value"]), page.FOLDER / f"{name}_base.png")
     numbers = {array: square.numbers(*pair) for array, pair in pairs.items()}
@@ -66,14 +67,14 @@ def cycles(name, python):
 
 
 def compared(name):
-    """(mean difference of the two pictures as they are kept, share of pixels within 5 %), in parts of white."""
+    """Returns (mean difference of the two stored pictures, share of pixels within 5 %), relative to white."""
     wanted, found = (np.float64(tone.load(page.picture(name, side))) / 255 for side in SIDES)
     off = np.abs(found - wanted)
     return float(off.mean()), float((off.max(axis=2) <= 0.05).mean())
 
 
 def overview():
-    """The pictures for the README, a row for each material."""
+    """Writes the README's picture, with a row for each material."""
     rows = [side_by_side([tone.load(page.picture(name, side)) for side in SIDES]) for name in OVERVIEW]
     gap = np.full((GAP, rows[0].shape[1], 3), 255, np.uint8)
     tone.save(np.concatenate([rows[0], gap, rows[1]]), page.DOCS / "assets" / "overview.jpg")

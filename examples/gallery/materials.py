@@ -15,7 +15,7 @@ from . import scenes
 ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "examples" / "materials"
 
-POINTS_AT_ONCE = 1 << 17  # the device answers within seconds
+POINTS_AT_ONCE = 1 << 17  # small enough for the device to answer within seconds
 
 
 def names():
@@ -27,12 +27,12 @@ def document(name):
 
 
 def exported(name):
-    """The document as an export hands it to the translator: what the extension's passes make of it."""
+    """The document after the extension's passes, as an export passes it to the translator."""
     return passes.prepare(scenes.with_hues(name, document(name)), passes.Options())[0]
 
 
 def base_document(name):
-    """The document that gives the base colour (or the emission) alone."""
+    """The document that outputs only the base colour (or the emission)."""
     return _read(f"reference/{name}.base.json")
 
 
@@ -52,14 +52,14 @@ def preview(name):
 
 
 def undithered(ir):
-    """A copy of a document whose opacity stays what it is, where a masked material's is dithered."""
+    """A copy of a document with blend mode BLENDED, because the opacity of a masked material is dithered."""
     ir = copy.deepcopy(ir)
     ir.setdefault("settings", {})["blend"] = "BLENDED"
     return ir
 
 
 def kind_of(entry):
-    """ "texcoord:0", "ddx:world_position_cr", "object_axis:y" ... for an input."""
+    """The key of an input's kind: "texcoord:0", "ddx:world_position_cr", "object_axis:y" ..."""
     if "of" in entry:
         return f"{entry['kind']}:{kind_of(entry['of'])}"
     detail = entry.get("axis", entry.get("index"))
@@ -67,9 +67,9 @@ def kind_of(entry):
 
 
 def evaluate(result, inputs):
-    """Runs a translated text: {"result": array, "OutRoughness": array, ...}.
+    """Runs a translated text. Returns {"result": array, "OutRoughness": array, ...}.
 
-    `inputs`: kind -> array [n, width] or [1, width]. Tweakable inputs keep their defaults.
+    `inputs`: kind -> array [n, width] or [1, width]. Parameters keep their defaults.
     """
     values, count = _wired(result, inputs)
     pieces = []
@@ -80,7 +80,7 @@ def evaluate(result, inputs):
 
 
 def textures(result):
-    """Input name -> the picture as it is stored, for every picture that a text reads."""
+    """Input name -> stored pixels of the image, for every image that a text reads."""
     return {
         name: np.asarray(Image.open(FOLDER / "textures" / record["image"]).convert("RGBA"))
         for name, record in custom_expression.inputs_of(result)
@@ -98,7 +98,7 @@ def _wired(result, inputs):
 
 
 def _fitting(values):
-    """Arrays for what varies, tuples for what is the same at all points."""
+    """Converts varying values to arrays, and values that are the same at all points to tuples."""
     fitting = {}
     for name, value in values.items():
         column = value[:, 0] if value.shape[1] == 1 else value

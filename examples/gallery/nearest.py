@@ -1,9 +1,9 @@
-"""Makes docs/assets/nearest.png: shaders that Unreal lacks, in Cycles, without and with their nearest.
+"""Makes docs/assets/nearest.png: shaders without an equivalent in Unreal, and their closest replacements.
 
     PYTHONPATH=build/g++ .venv/bin/python -m examples.gallery.nearest [BLENDER'S PYTHON]
 
-A row for each material of nearest_in_blender.py: Cycles on the left, in the middle the text of the document as it
-is, on the right that of the document with the nearest shaders put in, both lit by the gallery's own renderer.
+A row for each material of nearest_in_blender.py: on the left Cycles, in the middle the text of the original document,
+on the right that of the document with the closest shaders. The gallery's own renderer lights both texts.
 """
 
 import json

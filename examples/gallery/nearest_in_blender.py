@@ -1,4 +1,4 @@
-"""Runs in Blender: the materials of nearest.py, with what Cycles shows of them in the studio of the gallery.
+"""Renders the materials of nearest.py with Cycles in the studio of the gallery. Runs inside Blender.
 
     .venv-blender-5.2/bin/python examples/gallery/nearest_in_blender.py FOLDER PIXELS SAMPLES
 
@@ -17,7 +17,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "blender"))
 
 from quillgen_blender import read
 
-# As in scenes.py: where each light stands, its side in metres and its radiance.
+# As in scenes.py: position, side length in metres and radiance of each light.
 LIGHTS = (
     ((-3.11, -3.27, 4.3), 2.4, (19.7, 19.1, 18.5)),
     ((3.93, -3.48, 1.74), 3.0, (3.7, 4.0, 4.4)),
@@ -28,7 +28,7 @@ LEAF = (0.15, 0.42, 0.05, 1.0)
 
 
 def leaf(add):
-    """Half diffuse, half translucent, as leaves and cloth are made."""
+    """Half diffuse, half translucent, as is common for leaves and cloth."""
     return add(
         "MixShader",
         Fac=0.5,
@@ -42,7 +42,7 @@ def glass(add):
 
 
 def wine(add):
-    """A Principled BSDF that transmits."""
+    """A Principled BSDF with transmission."""
     inputs = {"Base Color": (0.6, 0.05, 0.1, 1.0), "Roughness": 0.08, "Transmission Weight": 1.0}
     return add("BsdfPrincipled", **inputs)
 
@@ -87,7 +87,7 @@ def material(build):
 
 
 def studio(pixels, samples):
-    """A ball on a floor, three lights and an even sky; returns the ball."""
+    """Builds a ball on a floor, three lights and a uniform sky. Returns the ball."""
     scene = bpy.context.scene
     for thing in list(bpy.data.objects):
         bpy.data.objects.remove(thing)
@@ -103,7 +103,7 @@ def studio(pixels, samples):
     for at, side, glow in LIGHTS:
         light = bpy.data.lights.new("Light", "AREA")
         light.size, light.color = side, [part / max(glow) for part in glow]
-        light.energy = max(glow) * np.pi * side * side  # a square light's power from its radiance
+        light.energy = max(glow) * np.pi * side * side  # the power of a square light with this radiance
         lamp = bpy.data.objects.new("Light", light)
         lamp.location, lamp.rotation_euler = at, (-Vector(at)).to_track_quat("-Z", "Y").to_euler()
         scene.collection.objects.link(lamp)

@@ -1,4 +1,4 @@
-"""Writes docs/gallery.md: the pictures, the numbers under them, and what is known to differ."""
+"""Writes docs/gallery.md: the pictures, their numbers, and the known differences."""
 
 import json
 
@@ -42,7 +42,7 @@ has another reason. Here the text is that of the document as it stands, without 
 
 """
 
-# What differs beyond what the facts of a material tell, each found by following the difference through the nodes.
+# Further reasons for differences by material, each found by tracing the difference through the nodes.
 NOTES = {
     "brick_wall": [
         "In Blender's picture the wall is a mesh of 1024 x 1024 faces, moved at its corners; ours is followed "
@@ -90,7 +90,7 @@ def numbers():
 
 
 def picture(name, side):
-    """The file of a picture of 512 pixels; `side`: "cycles" or "text"."""
+    """The path of a picture with 512 pixels; `side`: "cycles" or "text"."""
     return FOLDER / f"{name}_{side}.jpg"
 
 

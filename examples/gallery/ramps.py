@@ -1,5 +1,5 @@
-"""Colour ramps as Cycles looks them up: in a table of 257 entries. With them in the document, what remains
-of a difference has another reason."""
+"""Converts colour ramps to tables of 257 entries, as in Cycles. A difference that remains with such a document is not
+caused by the tables."""
 
 import copy
 
@@ -9,7 +9,7 @@ STEPS = 256
 
 
 def as_cycles(ir):
-    """A copy of a document with its ramps as tables. Those that blend in HSV or HSL stay as they are."""
+    """A copy of a document with its ramps as tables. Ramps that blend in HSV or HSL are unchanged."""
     ir = copy.deepcopy(ir)
     for node in ir["nodes"]:
         ramp = node.get("ramp")
@@ -22,7 +22,7 @@ def as_cycles(ir):
 
 
 def table(ramp):
-    """Stops at even steps, on the ramp's own curve."""
+    """Samples a ramp. Returns equidistant stops."""
     places = np.array([at for at, _ in ramp["stops"]])
     colors = np.array([color for _, color in ramp["stops"]])
     at = np.linspace(0, 1, STEPS + 1)

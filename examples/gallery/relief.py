@@ -1,6 +1,6 @@
-"""Real displacement: a shape whose surface is moved along its normals by a material's displacement text.
+"""Real displacement: a material's displacement text moves the surface of a shape along its normals.
 
-The distances are taken once, on a grid over the UV square, and rays are followed until they are below it.
+The heights are evaluated once, on a grid over the UV square. Rays are marched until they are below the surface.
 """
 
 from typing import NamedTuple
@@ -12,17 +12,17 @@ from . import materials, surfaces, wiring
 
 STEPS = 96
 HALVINGS = 8
-RAYS = 4  # for the shadow of a light
+RAYS = 4  # per light, for its shadow
 SHADOW_STEPS, SHADOW_REACH = 14, 0.35  # metres
 
 
 class Relief(NamedTuple):
     heights: np.ndarray  # metres along the normal, [rows, columns] over v (from the bottom) and u
-    round: bool  # a sphere of radius 1, whose u goes round; else a square
+    round: bool  # True: a sphere of radius 1, where u wraps around; False: a square
 
 
 def relief(record, thing, camera, rows):
-    """The heights that a displacement text gives on a thing, a sphere of radius 1 or a square."""
+    """Evaluates a displacement text on a thing, which is a sphere of radius 1 or a square."""
     is_round = thing.shape.name == "sphere"
     columns = 2 * rows if is_round else rows
     v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns, indexing="ij")
@@ -44,7 +44,7 @@ def _unrolled(thing, u, v, is_round):
 
 
 def height(relief, uv):
-    """Heights at UV coordinates, linear between the points of the grid."""
+    """Heights at UV coordinates, linearly interpolated between the grid points."""
     rows, columns = relief.heights.shape
     x, y = uv[:, 0] * columns - 0.5, np.clip(uv[:, 1] * rows - 0.5, 0, rows - 1.001)
     x = x if relief.round else np.clip(x, 0, columns - 1.001)
@@ -56,7 +56,7 @@ def height(relief, uv):
 
 
 def above(relief, thing, points):
-    """How far points of the world are above the surface, along the shape's normal, in the object's measure."""
+    """The height of world space points above the surface, along the shape's normal, in object space units."""
     local = surfaces.to_local(thing, points)
     base = np.linalg.norm(local, axis=1) - 1 if relief.round else local[:, 2]
     normals, _ = thing.shape.frame(local)
@@ -64,7 +64,7 @@ def above(relief, thing, points):
 
 
 def meet(relief, thing, eye, rays):
-    """Distances along rays from the eye to the moved surface, NEVER where they miss it."""
+    """Distances along rays from the eye to the displaced surface; NEVER for rays that miss it."""
     begin, end = _span(relief, thing, eye, rays)
     found = np.full(len(rays), surfaces.NEVER)
     open_ = np.flatnonzero(np.isfinite(begin))
@@ -85,7 +85,7 @@ def meet(relief, thing, eye, rays):
 
 
 def _span(relief, thing, eye, rays):
-    """Where rays can meet the surface at all."""
+    """Returns (begin, end) of each ray's interval that can contain the surface."""
     top, bottom = float(relief.heights.max()), float(relief.heights.min())
     if relief.round:
         outer = thing._replace(shape=surfaces.sphere(1 + top))
@@ -101,7 +101,7 @@ def _span(relief, thing, eye, rays):
 
 
 def faces(relief, thing, camera, points, reach):
-    """The normals of the moved surface, from its slopes over `reach` metres."""
+    """The normals of the displaced surface, from its slopes over `reach` metres."""
     found = surfaces.describe(thing, points)
     raised = found["normal"]
     for way in (found["tangent"], found["bitangent"]):
@@ -111,8 +111,8 @@ def faces(relief, thing, camera, points, reach):
 
 
 def shadows(relief, thing, points, lights, seeds):
-    """How much the surface lets of each light (at most three) and of the surroundings reach its points:
-    [n, 3] and [n], 0 to 1. `seeds`: an integer for each point, which places its samples."""
+    """The fractions of each light (at most three) and of the surroundings that the surface doesn't shadow at its
+    points: [n, 3] and [n]. `seeds`: an integer for each point that determines its samples."""
     normals = surfaces.describe(thing, points)["normal"]
     begin = points + 0.004 * normals
     seen = np.ones((len(points), 3))
@@ -128,7 +128,7 @@ def shadows(relief, thing, points, lights, seeds):
 
 
 def _random(seeds, salt, shape):
-    """Even numbers in 0..1 that follow from the seeds alone, [shape[0], n, shape[1]]."""
+    """Uniform random numbers in 0..1 that depend only on the seeds and `salt`: [shape[0], n, shape[1]]."""
     first, last = np.indices(shape, dtype=np.uint32)[:, :, None]
     drawn = salt * 64 + first * shape[1] + last
     x = np.uint32(seeds)[:, None] * np.uint32(0x9E3779B1) + drawn * np.uint32(0x85EBCA77)
@@ -138,12 +138,12 @@ def _random(seeds, salt, shape):
 
 
 def _share(relief, thing, points, directions):
-    """The share of directions [m, n, 3] in which a ray gets away."""
+    """The fraction of directions [m, n, 3] in which a ray escapes."""
     return np.mean([_free(relief, thing, points, some) for some in directions], axis=0)
 
 
 def _free(relief, thing, points, directions):
-    """Whether rays get away from the surface, looked at in places that are closer together near the beginning."""
+    """Whether rays escape from the surface. The steps are smaller near the origin of a ray."""
     free = np.ones(len(points), dtype=bool)
     for share in np.linspace(0, 1, SHADOW_STEPS + 1)[1:]:
         free[free] = above(relief, thing, (points + SHADOW_REACH * share**2 * directions)[free]) > 0

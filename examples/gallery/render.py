@@ -10,7 +10,7 @@ from . import camera as cameras
 from . import materials, relief, scenes, shade, surfaces, tone, wiring
 from .surroundings import NOTHING
 
-# What the shader takes, the output that gives it, and its value where the text has no such output.
+# (value of the shader, output that provides it, default if the text doesn't have the output).
 SCALARS = (
     ("metallic", "OutMetallic", 0.0),
     ("roughness", "OutRoughness", 0.5),
@@ -31,18 +31,18 @@ LIT_BY = (
     "seen",
     "open",
 )
-RAYS_AT_ONCE = 1 << 19  # a picture is made in bands of so many: memory is bounded
-OVERVIEW = 64  # rays across the picture from which the mean of what is seen is taken
-FRAMES = 8  # of a masked material, whose coverage changes from frame to frame
+RAYS_AT_ONCE = 1 << 19  # rays per band of a picture; limits the memory
+OVERVIEW = 64  # rays across the picture for the mean colour of the object
+FRAMES = 8  # averaged for a masked material, whose dithered coverage differs between frames
 
 
 def picture(name, subdivision=3, samples=8, pixels=512, ir=None, part=None):
-    """The material as bytes [rows, columns, 3]. `ir` stands in for its document; `part`: what of the picture."""
+    """Renders a material to bytes [rows, columns, 3]. `ir` replaces its document; `part` selects a rectangle."""
     return tone.srgb(tone.neutral(radiance(name, subdivision, samples, pixels, ir, part)))
 
 
 def radiance(name, subdivision=3, samples=8, pixels=512, ir=None, part=None):
-    """A part is, to the last bits, what stands there in the whole picture."""
+    """Renders a material. A part equals the same region of the whole picture up to the last bits."""
     stage = _set(name, pixels, ir)
     left, top, width, height = part or cameras.whole(stage.scene.camera)
     step = max(RAYS_AT_ONCE // (width * subdivision**2), 1)
@@ -56,7 +56,7 @@ def radiance(name, subdivision=3, samples=8, pixels=512, ir=None, part=None):
 class Stage(NamedTuple):
     scene: scenes.Scene
     result: dict  # the translated material
-    reliefs: tuple  # of each thing, None where its shape is not moved
+    reliefs: tuple  # of each thing; None if it is not displaced
 
 
 def _set(name, pixels, ir):
@@ -74,7 +74,7 @@ def _set(name, pixels, ir):
 
 def _rendered(stage, part, subdivision, samples):
     camera, around = stage.scene.camera, stage.scene.around
-    grown = part.grown(1, camera)  # as far as the filter reaches
+    grown = part.grown(1, camera)  # by the radius of the filter
     places = cameras.positions(camera, subdivision, grown)
     rays, seeds = cameras.rays(camera, places), cameras.numbers(camera, subdivision, places)
     seen = [_see(stage, index, places, rays, seeds, subdivision) for index in range(len(stage.scene.things))]
@@ -86,7 +86,7 @@ def _rendered(stage, part, subdivision, samples):
 
 
 def _see(stage, index, places, rays, seeds, subdivision):
-    """Where a thing is seen and what its material is there: distances [n] and values of the points hit."""
+    """Intersects rays with a thing and evaluates its material: distances [n] and values at the hit points."""
     camera, thing, moved = stage.scene.camera, stage.scene.things[index], stage.reliefs[index]
     faces = None
     unshaded = {"seen": (1.0, 1.0, 1.0), "open": 1.0}
@@ -101,14 +101,14 @@ def _see(stage, index, places, rays, seeds, subdivision):
         seen, free = relief.shadows(moved, thing, points, stage.scene.around.lights, seeds[hit])
         unshaded = {"seen": seen, "open": free}
     given = wiring.inputs(thing, camera, places[hit], points, faces=faces)
-    given["pixel_position"] = np.floor(places[hit] * subdivision)  # each ray is a pixel of a finer picture
+    given["pixel_position"] = np.floor(places[hit] * subdivision)  # each ray is a pixel of a subdivided picture
     front = given["cycles_normal"] * given["two_sided_sign"] * wiring.FLIP
     where = {"distance": distance, "hit": hit, "at": points, "coat_normal": front}
     return where | unshaded | (_material(stage.result, given) if hit.any() else {})
 
 
 def _material(result, given):
-    """The outputs of the text, the normal in Blender's frame."""
+    """The outputs of the text, with the normal in Blender's frame."""
     found = materials.evaluate(result, given)
     count = max(map(len, given.values()))
     values = {"base": found["result"], "normal": found["OutNormal"] * wiring.FLIP}
@@ -121,13 +121,13 @@ def _material(result, given):
 
 
 def _coverage(result, given, frame):
-    """Where a masked material is drawn in one frame."""
+    """Whether a masked material is drawn at each point in a frame."""
     frames = given | {"temporal_index": np.float64([[frame]])}
     return materials.evaluate(result, frames)["OutOpacity"] >= result["material"]["clip"]
 
 
 def _reflecting(stage):
-    """The surroundings, with the mean colour and the mean glow of what stands in them."""
+    """The surroundings, with the mean colour and mean emission of the object in them."""
     around, camera = stage.scene.around, stage.scene.camera
     if around.blocker == NOTHING:
         return around
@@ -142,7 +142,7 @@ def _reflecting(stage):
 
 
 def _layer(hit, around, rays, seeds, samples, premultiplied):
-    """(distances, light, opacity) for all rays."""
+    """Returns (distances, light, opacity) for all rays."""
     shown = hit["hit"]
     light, opacity = np.zeros((len(rays), 3)), np.zeros((len(rays), 1))
     if shown.any():
@@ -155,14 +155,14 @@ def _layer(hit, around, rays, seeds, samples, premultiplied):
 
 
 def _through_coat(hit, view):
-    """How much of what is below the clear coat comes through it."""
+    """The fraction of the light from below the clear coat that passes through it."""
     facing = np.abs((hit["coat_normal"] * view).sum(axis=1))
     return (1 - hit["coat"] * (0.04 + 0.96 * (1 - facing) ** 5))[:, None]
 
 
 def _backdrop(scene, rays, seeds, samples, down):
-    """The studio's floor and wall, the panel behind, or what else the scene says is behind. `down`: how far down the
-    picture each ray is, 0 to 1."""
+    """The background: the studio's floor and wall, the panel, or the scene's background colours. `down`: the vertical
+    position of each ray in the picture, 0 (top) to 1."""
     around, eye = scene.around, np.float64(scene.camera.eye)
     below, above = np.float64(scene.behind)
     light = above + (below - above) * down[:, None]
@@ -177,14 +177,14 @@ def _backdrop(scene, rays, seeds, samples, down):
 
 
 def _plain(at, normal, rays, **changes):
-    """A surface without relief, rough and matt but for the changes."""
+    """A surface without displacement, fully rough except for `changes`."""
     where = {"at": at + 1e-3 * normal, "normal": normal, "coat_normal": normal, "view": -rays}
     matt = {"metallic": 0.0, "roughness": 1.0, "specular": 0.0, "coat": 0.0, "coat_roughness": 0.0}
     return where | matt | {"seen": (1.0, 1.0, 1.0), "open": 1.0} | changes
 
 
 def studio(around, eye, rays, level=-1.0):
-    """Where rays meet the floor that rises to a wall, and the normals there."""
+    """Intersects rays with the floor that curves up into a wall. Returns points and normals."""
     begin, radius = around.studio
     with np.errstate(divide="ignore"):
         floor = np.where(rays[:, 2] < 0, (level - eye[2]) / rays[:, 2], np.inf)
@@ -205,7 +205,7 @@ def studio(around, eye, rays, level=-1.0):
 
 
 def _composed(layers):
-    """The layers in front of each other, the nearest first."""
+    """Composites the layers, front to back."""
     distance = np.stack([layer[0] for layer in layers])
     order = np.argsort(distance, axis=0)
     light, through = np.zeros_like(layers[0][1]), np.ones((len(layers[0][1]), 1))
@@ -218,7 +218,7 @@ def _composed(layers):
 
 
 def _filtered(light, subdivision):
-    """Rays gathered to pixels with the filter that Blender's pictures have: a bell 1.5 pixels wide."""
+    """Filters rays to pixels with Blender's pixel filter: a bell-shaped window 1.5 pixels wide."""
     reach = int(np.ceil(0.75 * subdivision))
     offsets = np.arange(-reach, reach + subdivision) + 0.5 - subdivision / 2
     turn = np.clip(offsets / (1.5 * subdivision) + 0.5, 0, 1) * 2 * np.pi

@@ -1,7 +1,7 @@
-"""What each material is shown on: the objects, the camera and the lights of Blender's previews.
+"""The scene of each material: objects, camera and lights that reproduce Blender's previews.
 
-Cameras and lights were found from the previews themselves: the cameras so that the patterns lie where they
-lie there, the lights so that floor, objects and highlights are as bright and lie where they do.
+Cameras and lights were fitted to the previews: the cameras to the positions of the patterns, the lights to the
+brightness of floor and objects and to the positions of the highlights.
 """
 
 from typing import NamedTuple
@@ -15,10 +15,10 @@ class Scene(NamedTuple):
     camera: Camera
     things: tuple
     around: Surroundings
-    behind: tuple = ((0.0,) * 3,) * 2  # radiance of nothing, at the lower and the upper edge
-    panel: dict | None = None  # what a plane wears that stands upright behind the object
-    relief_rows: int = 0  # rows of the grid of real displacement, 0 for none
-    premultiplied: bool = False  # whether the text's colours are multiplied by the opacity already
+    behind: tuple = ((0.0,) * 3,) * 2  # radiance of the background at the lower and the upper edge
+    panel: dict | None = None  # surface values of an upright plane behind the object
+    relief_rows: int = 0  # rows of the grid for real displacement, 0 for none
+    premultiplied: bool = False  # whether the text's colours are already multiplied by the opacity
 
 
 STUDIO_LIGHTS = (
@@ -32,7 +32,7 @@ BALL = (surfaces.Thing(surfaces.sphere()),)
 
 
 def dark(share):
-    """The studio with a dark floor and the lights turned down, for what glows."""
+    """The studio with a dark floor and dimmed lights, for emissive materials."""
 
     def less(color):
         return tuple(share * part for part in color)
@@ -80,7 +80,7 @@ UPRIGHT = surfaces.Thing(surfaces.square(WALL_HALF), surfaces.turned(90, "x"))
 
 
 def wall(eye=(0.57, -3.3, 0.35), **changes):
-    """A wall 3.2 m wide; places are in halves of its width."""
+    """A wall 3.2 m wide. Positions are in units of half its width."""
 
     def metres(place):
         return tuple(WALL_HALF * part for part in place)
@@ -112,7 +112,7 @@ GROUND_CAMERA = Camera((0.0, -7.08, 3.3), (0.0, -1.23, 0.0), 50.0)
 
 
 def chequered_floor():
-    """Under a large lamp and an even sky."""
+    """Under a large lamp and a uniform sky."""
     lamp = Light((-1.0, -3.3, 7.5), 5.0, (7.4, 7.0, 6.5), (-1.0, -3.3, 0.0))
     around = Surroundings((lamp,), sky=(0.45, 0.45, 0.46), ground=(1.3, 1.3, 1.3))
     return Scene(GROUND_CAMERA, (GROUND,), around)
@@ -143,8 +143,7 @@ def _euler(x, y, z):
     return surfaces.turned(z, "z") @ surfaces.turned(y, "y") @ surfaces.turned(x, "x")
 
 
-# The ways round the circle of hues, which a document of today tells and this one does not: those that give Blender's
-# reference values.
+# Hue directions that reproduce Blender's reference values. Current documents contain them, but these documents don't.
 HUES = {
     "ramp_banner": {
         "Color Ramp.005": "NEAR",
@@ -157,7 +156,7 @@ HUES = {
 
 
 def with_hues(name, document):
-    """The document with the ways of its ramps."""
+    """The document with the hue directions of its ramps."""
     ways = HUES.get(name, {})
     nodes = [
         {**node, "ramp": {**node["ramp"], "hue": ways[node["id"]]}} if node["id"] in ways else node

@@ -13,10 +13,10 @@ POINTS_AT_ONCE = 1 << 16
 def lit(around, points, samples, seeds):
     """Radiance towards the viewer [n, 3], emission not included.
 
-    `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular",
-    "coat", "coat_roughness" [n], in Blender's frame and in metres; "seen" [n, 3] and "open" [n]: the shares of
-    three lights and of the surroundings that the surface itself does not shadow. A tuple or a number is the same
-    for all. `seeds`: an integer for each point, which places its samples.
+    `points`: "at", "normal", "coat_normal", "view", "base" [n, 3] and "metallic", "roughness", "specular", "coat",
+    "coat_roughness" [n], in Blender's frame and in metres; "seen" [n, 3] and "open" [n]: the fractions of three lights
+    and of the surroundings that the surface itself doesn't shadow. A tuple or a number is the same for all points.
+    `seeds`: an integer for each point that determines its samples.
     """
     count = len(points["at"])
     values = {f"in_{name}": np.float32(v) if isinstance(v, np.ndarray) else v for name, v in points.items()}
@@ -46,7 +46,7 @@ def _body(samples):
 
 
 def constants(around):
-    """What of the scene stands ahead of the shader's text."""
+    """Declarations with the scene's values, which precede the shader's text."""
     sides = [_sides(light) for light in around.lights]
     lines = [
         f"static const int LIGHTS = {len(around.lights)}, BLOCKER = {around.blocker};",
@@ -76,7 +76,7 @@ def constants(around):
 
 
 def _sides(light):
-    """Halves of the two sides, so that their cross product looks where the light shines."""
+    """Half of each side vector. Their cross product points in the direction of the light."""
     ahead = np.subtract(light.towards, light.at).astype(float)
     ahead /= np.linalg.norm(ahead)
     a = np.cross(ahead, (0.0, 0.0, 1.0))

@@ -1,6 +1,6 @@
-"""The flat square on which Blender's reference values were taken, and how far the texts are from them.
+"""The flat square of Blender's reference values, and the comparison of the texts with them.
 
-It lies in the plane of x and y, one metre wide from the origin, seen from straight above without perspective.
+It is in the xy plane, from the origin to 1 m, seen from straight above without perspective.
 """
 
 import numpy as np
@@ -9,7 +9,7 @@ import quillgen
 
 from . import materials
 
-# Which output of the whole text each array of the reference data is compared with.
+# Array of the reference data -> output of the whole text that it is compared with.
 OUTPUTS = {
     "emission": "OutEmissive",
     "base": "result",
@@ -64,7 +64,7 @@ def inputs(uv):
 
 
 def _derivatives():
-    """From one pixel to the next, 64 of them to the metre; the screen's y runs down."""
+    """Differences between adjacent pixels, with 64 pixels per metre; screen y points down."""
     step = 1 / 64
     return {
         kind: np.float64([value])
@@ -82,10 +82,10 @@ def _derivatives():
 
 
 def compare(name, size=64, base_ir=None, whole=True):
-    """{array: (Blender's values, ours)}, both [size, size, ...], row 0 at the bottom.
+    """Returns {array: (Blender's values, ours)}, both [size, size, ...], row 0 at the bottom.
 
-    `size` takes that many evenly spread rows and columns out of the 64. `base_ir` stands in for the document
-    of the base colour. Without `whole` the outputs of the whole text are left out.
+    `size` selects that many evenly spaced rows and columns out of the 64. `base_ir` replaces the document of the base
+    colour. Without `whole` the outputs of the whole text are omitted.
     """
     arrays = materials.reference(name)
     take = np.linspace(0, 63, size).round().astype(int)

@@ -1,7 +1,7 @@
-"""The objects that wear the materials: where rays meet them, and what the surface is like there.
+"""The objects that show the materials: ray intersections and surface geometry.
 
-An object is a shape in a frame of its own, turned and moved into the world. A shape says where a ray meets
-it, and at a point of it the normal, the tangent (the direction in which u grows) and the UV coordinate.
+An object is a shape in object space with a rotation, a position and a scale. A shape computes ray intersections and, at
+a point, the normal, the tangent (the direction in which u grows) and the UV coordinate.
 """
 
 from typing import NamedTuple
@@ -15,7 +15,7 @@ NEVER = np.inf
 
 class Shape(NamedTuple):
     name: str
-    meet: object  # (origin, rays [n, 3], whether the far side) -> distances, NEVER where there is none
+    meet: object  # (origin, rays [n, 3], whether the far side) -> distances, NEVER for a miss
     frame: object  # points [n, 3] -> (normals, tangents)
     uv: object  # (points, normals) -> [n, 2]
     low: tuple  # bounds
@@ -24,14 +24,14 @@ class Shape(NamedTuple):
 
 class Thing(NamedTuple):
     shape: Shape
-    turn: np.ndarray = np.eye(3)  # its columns are the object's axes in the world
+    turn: np.ndarray = np.eye(3)  # the columns are the object's axes in world space
     place: tuple = (0.0, 0.0, 0.0)
     scale: float = 1.0
-    far: bool = False  # shows the side that is turned away from the viewer
+    far: bool = False  # shows the side that faces away from the viewer
 
 
 def turned(degrees, axis="z"):
-    """The rotation about an axis of the world."""
+    """The matrix of a rotation about a world axis."""
     c, s = np.cos(np.radians(degrees)), np.sin(np.radians(degrees))
     i, j = {"x": (1, 2), "y": (2, 0), "z": (0, 1)}[axis]
     matrix = np.eye(3)
@@ -61,8 +61,8 @@ def sphere(radius=1.0):
 
 
 def square(half=1.0, wide=1.0):
-    """A square in the plane of x and y that faces up, u along x. It is `wide` times as wide as its UV square,
-    which goes on beyond 0 and 1 then."""
+    """A square in the xy plane that faces up, with u along x. It is `wide` times as wide as the UV square, so its UVs
+    exceed 0..1."""
 
     def meet(origin, rays, far):
         with np.errstate(divide="ignore", invalid="ignore"):
@@ -76,12 +76,12 @@ def square(half=1.0, wide=1.0):
     def uv(points, normals):
         return points[:, :2] / (2 * half) + 0.5
 
-    # A flat object has no depth, which its generated coordinate could not be divided by.
+    # The bounds have some depth, because the generated coordinate is divided by it.
     return Shape("square", meet, frame, uv, (-half * wide, -half * wide, -0.01), (half * wide, half * wide, 0.01))
 
 
 def box(half):
-    """A cube whose faces each carry the whole UV square, upright on the sides."""
+    """A cube. Each face has the whole UV square, upright on the sides."""
 
     def meet(origin, rays, far):
         with np.errstate(divide="ignore"):
@@ -116,7 +116,7 @@ def to_local(thing, points):
 
 
 def describe(thing, points):
-    """{"local", "normal", "tangent", "bitangent", "uv"} at points of the world; directions in the world."""
+    """{"local", "normal", "tangent", "bitangent", "uv"} at world space points; directions are in world space."""
     local = to_local(thing, points)
     normals, tangents = thing.shape.frame(local)
     return {

@@ -1,4 +1,4 @@
-"""The light that falls on what is shown, and what else stands there: the same for both renderers."""
+"""The lights and the surroundings of an object, which both renderers share."""
 
 from typing import NamedTuple
 
@@ -19,11 +19,11 @@ class Light(NamedTuple):
 class Surroundings(NamedTuple):
     lights: tuple
     sky: tuple  # radiance from above the horizon
-    ground: tuple  # and from below
+    ground: tuple  # radiance from below the horizon
     floor: tuple | None = None  # reflectance of the studio's floor and wall
-    studio: tuple = (2.35, 2.23)  # where the floor begins to rise, radius of the rise
+    studio: tuple = (2.35, 2.23)  # y where the floor begins to curve up, radius of the curve
     blocker: int = NOTHING
     blocker_size: float = 1.0
     blocker_turn: np.ndarray = np.eye(3)
-    blocker_base: tuple = (0.3, 0.3, 0.3)  # what its reflection in the floor looks like
+    blocker_base: tuple = (0.3, 0.3, 0.3)  # colour of its reflection in the floor
     blocker_glow: tuple = (0.0, 0.0, 0.0)

@@ -1,4 +1,4 @@
-"""From light to the bytes of a picture."""
+"""Converts light to the bytes of a picture."""
 
 import io
 
@@ -7,14 +7,14 @@ from PIL import Image
 
 
 def srgb(linear):
-    """Linear values 0 to 1 as the bytes of a screen."""
+    """Converts linear values 0..1 to sRGB bytes."""
     x = np.clip(linear, 0, 1)
     return np.uint8(np.round(255 * np.where(x <= 0.0031308, 12.92 * x, 1.055 * x ** (1 / 2.4) - 0.055)))
 
 
 def neutral(linear):
-    """The view "Khronos PBR Neutral", with which Blender made the previews: colours up to 0.8 stay what they are,
-    less the reflection of a dielectric; what is brighter is compressed and loses saturation."""
+    """The view transform "Khronos PBR Neutral", which Blender's previews use: colours up to 0.8 are kept, less the
+    reflection of a dielectric; brighter colours are compressed and desaturated."""
     x = np.maximum(np.float64(linear), 0)
     least = x.min(axis=-1, keepdims=True)
     x = x - np.where(least < 0.08, least - 6.25 * least**2, 0.04)
@@ -32,7 +32,7 @@ def save(pixels, path):
 
 
 def encoded(pixels, suffix):
-    """Bytes [height, width, 3] as a file: a PNG, or a JPEG that keeps each pixel's colour."""
+    """Encodes bytes [height, width, 3] as a PNG, or a JPEG without chroma subsampling."""
     held = io.BytesIO()
     if suffix == ".jpg":
         Image.fromarray(pixels).save(held, "JPEG", quality=92, subsampling=0, optimize=True)
@@ -42,5 +42,5 @@ def encoded(pixels, suffix):
 
 
 def load(file):
-    """Bytes [height, width, 3]."""
+    """Loads a picture as bytes [height, width, 3]."""
     return np.asarray(Image.open(file).convert("RGB"))

@@ -1,4 +1,4 @@
-"""What Unreal hands to a text at points of an object: every kind of input, left-handed and in centimetres."""
+"""Values of every kind of input that Unreal passes to a text at points of an object, left-handed and in centimetres."""
 
 import numpy as np
 
@@ -11,8 +11,8 @@ FLIP = np.array([1.0, -1.0, 1.0])
 def inputs(thing, camera, places, points, normals=None, faces=None):
     """Kind -> array [n, width] or [1, width].
 
-    `places`: where the points appear in the picture. `normals`: the shading normals, and `faces` those of the
-    real surface, if they are not those of the shape.
+    `places`: positions of the points in the picture. `normals`: the shading normals, and `faces` the geometric normals,
+    if they differ from those of the shape.
     """
     found = surfaces.describe(thing, points)
     normals = found["normal"] if normals is None else normals
@@ -40,12 +40,12 @@ def inputs(thing, camera, places, points, normals=None, faces=None):
 
 
 def unreal_uv(uv):
-    """v runs down in Unreal."""
+    """Converts UVs to Unreal's, where v points down."""
     return np.stack([uv[:, 0], 1 - uv[:, 1]], axis=1)
 
 
 def derivatives(thing, camera, places, points, faces):
-    """The change to the pixel to the right and to the one below, on the plane that touches the surface."""
+    """The differences to the pixels on the right and below, on the tangent plane of the surface."""
     found = {}
     here = surfaces.describe(thing, points)["uv"]
     for word, step in (("ddx", (1, 0)), ("ddy", (0, 1))):
@@ -60,7 +60,7 @@ def derivatives(thing, camera, places, points, faces):
 
 
 def fixed(thing, camera):
-    """What is the same for all points."""
+    """The inputs that are the same for all points."""
     (lx, ly, lz), (hx, hy, hz) = thing.shape.low, thing.shape.high
     right, up, forward = cameras.axes(camera)
     x, y, z = thing.scale * thing.turn.T
