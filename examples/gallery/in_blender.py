@@ -82,7 +82,7 @@ def rendered(path):
     return values[::-1, :, :3]
 
 
-# ---- what stands around
+# ---- the surroundings
 
 
 def surround(scene):
@@ -193,7 +193,7 @@ def studio(begin, radius, level=-1.0):
     return made
 
 
-# ---- what is shown
+# ---- the objects
 
 
 def load_images(document):

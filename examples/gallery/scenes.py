@@ -52,7 +52,7 @@ def scene(name):
 
 
 def hologram():
-    """Front and back of a ball in the dark."""
+    """The front and the back of a ball in the dark."""
     far_side = BALL[0]._replace(far=True)
     return on_a_ball(things=BALL + (far_side,), around=dark(0.005), premultiplied=True)
 
@@ -98,7 +98,7 @@ def brick_wall():
 
 
 def stained_glass():
-    """Against the light."""
+    """A wall lit from behind."""
     return wall((0.42, -3.82, 0.2), behind=((0.3,) * 3, (0.7, 0.73, 0.8)))
 
 
@@ -126,7 +126,7 @@ def wet_asphalt():
 
 
 def maple_leaf():
-    """Three cards in the air, the right one from behind."""
+    """Three floating cards. The right one shows its back."""
     cards = tuple(
         surfaces.Thing(surfaces.square(), _euler(*turn), place, size)
         for turn, place, size in (

@@ -81,7 +81,7 @@ def remarked():
 
 
 def of_sixty_nodes():
-    """A chain of the nodes that artists use most, as long as a large material."""
+    """A chain of the most common nodes, with the node count of a large material."""
     kinds = ("TexNoise", "Math", "MapRange", "Mix", "ValToRGB", "TexVoronoi", "Mapping", "VectorMath", "HueSaturation")
     material, tree, shader = fresh("Sixty")
     last = None

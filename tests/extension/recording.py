@@ -97,7 +97,7 @@ class Layout:
 
 
 def context_of(panel, material, width=340):
-    """The context that a panel of one of the two editors sees."""
+    """The context of a panel in one of the two editors."""
     space = SimpleNamespace(type=panel.bl_space_type, id=material, tree_type="ShaderNodeTree")
     real = bpy.context
     return SimpleNamespace(

@@ -1,7 +1,7 @@
-"""Microsoft's older compiler takes every example material: Unreal falls back to Direct3D 11, whose compiler it is.
+"""FXC, Microsoft's older compiler, compiles every example material. Unreal uses it when it falls back to Direct3D 11.
 
-Optional: `tools/test --fxc` installs Wine, the compiler's DLL and what builds a host for it. It is run for shader
-model 5; its processor times are shown, and only a time far beyond what any example needs is a failure.
+Optional: `tools/test --fxc` installs Wine, the compiler's DLL and the tools that build a host program for it.
+The target is shader model 5. The CPU times are printed; only a time far above that of any example is a failure.
 """
 
 import pathlib
@@ -14,12 +14,12 @@ FOLDER = pathlib.Path(__file__).resolve().parents[2] / ".venv-fxc"
 WINE = shutil.which("wine64") or next(
     (p for p in ("/usr/lib/wine/wine64", "/usr/lib/wine/wine") if pathlib.Path(p).exists()), None
 )
-SECONDS = 120.0  # for the slowest material, which takes 5 s where nothing else runs
+SECONDS = 120.0  # limit for the slowest material, which takes 5 s on an idle machine
 
 
 @pytest.fixture(scope="module")
 def compile_shaders(tmp_path_factory):
-    """Text by name -> (ok or failed, seconds, what the compiler said) by name."""
+    """Compiles {name: text}. Returns {name: (ok or failed, seconds, compiler messages)}."""
     if WINE is None or not (FOLDER / "d3dcompiler_47.dll").exists():
         pytest.skip("there is no Wine or no d3dcompiler_47.dll here: tools/setup fxc")
     host = FOLDER / "host.exe"

@@ -1,4 +1,4 @@
-"""What DXC makes of the example materials for Vulkan goes on to Metal and to GLSL ES, as mobile renderers need it."""
+"""The SPIR-V that DXC makes from the example materials converts to Metal and GLSL ES, which mobile renderers need."""
 
 import shutil
 import subprocess

@@ -39,7 +39,7 @@ def node(kind, inputs=None, *, id=None, props=None, without=(), outs=True, **fur
 
 
 def bare(kind, inputs=None, **further):
-    """A node record with the given entries and properties only."""
+    """A node record with only the given entries and properties."""
     return node(
         kind,
         inputs,

@@ -30,6 +30,6 @@ def write_all():
 
 
 def read(file):
-    """title -> text of the section."""
+    """Reads a file. Returns title -> text of the section."""
     sections = path_of(file).read_text(encoding="utf-8").rstrip("\n").split(f"\n\n{MARK}")[1:]
     return dict(s.split("\n", 1) for s in sections)

@@ -359,7 +359,7 @@ def float_curves_beyond_their_range(tree):
     input is not clipped."""
     varying = add(tree, "SeparateXYZ", {0: vector(tree)}).outputs[0]
     curves = [add(tree, "FloatCurve", {"Value": value}) for value in (1.5, varying, 0.5, 1.5)]
-    for one in curves[2:]:  # a roof that stands out of the range
+    for one in curves[2:]:  # a peak that exceeds the range
         one.mapping.curves[0].points.new(0.5, 1.5)
         for point in one.mapping.curves[0].points:
             point.handle_type = "VECTOR"

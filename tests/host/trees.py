@@ -35,7 +35,7 @@ def colour(tree):
 
 
 def group(name, inputs, outputs, fill):
-    """A node group; inputs and outputs are (name, type) pairs, fill wires (tree, its inputs, its outputs)."""
+    """A node group. inputs and outputs are (name, type) pairs; fill(tree, inputs, outputs) links the nodes."""
     tree = bpy.data.node_groups.new(name, "ShaderNodeTree")
     for way, sockets in (("INPUT", inputs), ("OUTPUT", outputs)):
         for label, kind in sockets:

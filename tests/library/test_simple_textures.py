@@ -196,7 +196,7 @@ def test_wave_in_double_precision(kind, direction, profile, distortion, detail):
     more = (distortion, detail, 1.5, 0.5, 0.75)
     got, want = evaluate("tex_wave", *settings, p, *more), waves(*settings, p, *more)
     apart = np.abs(got - want)
-    apart = np.minimum(apart, 1.0 - apart) if profile == 1 else apart  # a saw jumps from 1 to 0
+    apart = np.minimum(apart, 1.0 - apart) if profile == 1 else apart  # a sawtooth jumps from 1 to 0
     assert apart.max() <= 3e-5
 
 

@@ -67,7 +67,7 @@ def test_one_angle_turns_in_its_plane_to_the_last_bit(axis):
     rotation[axis] = 0.6
     i, j = (axis + 1) % 3, (axis + 2) % 3
     got = evaluate("mapping", VECTOR, v, np.zeros(3), rotation, np.ones(3))
-    # The device's own sine and cosine of the angle.
+    # Takes sine and cosine of the angle as the device computes them.
     c, s = evaluate("mapping", VECTOR, np.eye(3)[[i]], np.zeros(3), rotation, np.ones(3))[0, [i, j]]
     assert np.abs([c - math.cos(0.6), s - math.sin(0.6)]).max() < 1e-6
     assert (got[:, axis] == v[:, axis]).all()

@@ -81,7 +81,7 @@ def test_a_height_beyond_one_widens_the_range():
     times = node("Math", "Math", {"Value": HEIGHT, "Value_001": value(6.0)}, operation="MULTIPLY")
     node_ = displacement_node(Height=link("Math", "Value", "VALUE"), Scale=value(0.1), Midlevel=value(0.0))
     plain, result, notes = translated(displaced(noise(), times, node_, source=OUT))
-    assert plain["displacement"]["magnitude"] == 32.0  # half of it is what 0.125 m needs: 0.6 m would be clipped
+    assert plain["displacement"]["magnitude"] == 32.0  # half of it suffices for 0.125 m, but 0.6 m would be clipped
     assert result["displacement"]["magnitude"] == 256.0 and "0 to 60 cm" in notes[0].text
 
 

@@ -156,7 +156,7 @@ def test_force_builds_anew(paint):
 
 
 def test_an_instance_whose_material_was_deleted_gets_the_new_one(paint):
-    """Unreal leaves the instance without a parent."""
+    """Deleting the material leaves the instance without a parent."""
     del paint.editor.assets[M]
     paint.editor.assets[MI]._values["parent"] = None
     (outcome,) = paint.plugin.import_all(paint.folder)

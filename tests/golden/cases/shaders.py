@@ -1,4 +1,4 @@
-"""Shader nodes: the flags and warnings that depend on sockets, and shaders put together."""
+"""Shader nodes: the flags and warnings that depend on sockets, and combined shaders."""
 
 from golden.cases import Case
 from golden.documents import link, material, node

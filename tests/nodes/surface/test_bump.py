@@ -173,7 +173,7 @@ def test_strength_beyond_one_extrapolates():
 
 def test_pixels_without_derivatives():
     """A height that depends on UVs has no slope there. A height that depends on the position does."""
-    parallel = {"wpcr_dx": (100.0, 0.0, 0.0), "wpcr_dy": (100.0, 1e-3, 0.0)}  # as far as floats can tell
+    parallel = {"wpcr_dx": (100.0, 0.0, 0.0), "wpcr_dy": (100.0, 1e-3, 0.0)}  # parallel within float precision
     np.testing.assert_allclose(normal(bump(), **parallel), (0.0, 0.0, 1.0), atol=1e-6)
     geometry = node("NewGeometry")
     parts = node("SeparateXYZ", {"Vector": link(geometry, "Position")})
