@@ -1,8 +1,8 @@
-"""The wheel for Windows under wine: its modules are loaded and their entries called.
+"""The wheel for Windows under Wine: its modules are loaded and their entries called.
 
-There is no CPython for Windows to load them, so python3.dll is a stand-in that exports the stable ABI and does nothing;
-only PyModuleDef_Init gives a value that can be told apart. What this shows: every import is found by its name, the C
-and the C++ runtime start, and the entry asks CPython for a module. Needs wine64 and the tools of tools/setup wheels.
+There is no CPython for Windows here. python3.dll is a stub that exports the stable ABI and does nothing; only
+PyModuleDef_Init returns a recognizable value. The test shows that every import is resolved, that the C and C++ runtimes
+start, and that the entry calls PyModuleDef_Init. Needs wine64 and the tools of `tools/setup wheels`.
 """
 
 import os
@@ -27,7 +27,7 @@ def run(*command: str | Path, **further: object) -> str:
 
 
 def stand_in(definition: str) -> str:
-    """C source of a python3.dll that exports what a module definition file lists."""
+    """C source of a stub python3.dll with the exports of a module definition file."""
     lines = []
     for line in definition.split("EXPORTS")[1].strip().splitlines():
         name, *data = line.split()
