@@ -138,6 +138,14 @@ def test_edges_everywhere(d, detail, roughness):
     agrees(got, reference.edge(np.float64(co), p), 4e-6)
 
 
+@pytest.mark.parametrize("d", DIMS)
+def test_edges_of_points_near_the_corners_of_their_cells(d):
+    """With a low randomness the nearest point is often in another cell, and the search skips most cells."""
+    p, co = params(feature=3, randomness=0.25), points(d, 2000, d)
+    got = library.call(f"fractal_voronoi_distance_to_edge{d}", p, flat(co), result="float")
+    agrees(got, reference.edge(np.float64(co), p), 4e-6)
+
+
 def test_the_sign_of_zero_counts_in_one_dimension():
     """For the distance to the edge, Blender hashes the cell of -0 with its sign. Elsewhere it adds an offset first."""
     zeros = np.float32([0.0, -0.0])

@@ -120,6 +120,8 @@ def check_nodes_that_the_nonlinear_animation_moves_are_found():
     assert read.flatten(material).document["host"]["drivers"] == ["Principled BSDF"]
     track.mute = True
     assert read.flatten(material).document["host"]["drivers"] == []
+    track.mute, strip.mute = False, True
+    assert read.flatten(material).document["host"]["drivers"] == []
 
 
 def check_a_constant_that_is_no_number_crosses_into_an_integer():
