@@ -74,7 +74,7 @@ def copies(comment, text):
         copy = text
         for (word, _), value in zip(axes, values):
             copy = copy.replace(word, value)
-        yield re.sub(r"\bfloat1\b", "float", copy)
+        yield re.sub(r"\b(float|int)1\b", r"\1", copy)
 
 
 def read(paths):

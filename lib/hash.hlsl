@@ -132,7 +132,7 @@ int4 hash_round4(int4 v) {
 // from 0 to 1, 1 included. Several times cheaper than the word hash. The shift must be the arithmetic shift of signed
 // integers. The factor is 2^-31, as the top bit is cleared.
 // hash_int is the step before the first round. hash_cell is the steps after it, without the factor: 0 to 2^31.
-// @each DIM 2 3 4
+// @each DIM 1 2 3 4
 intDIM hash_intDIM(intDIM v) {
   return mad(v, 1664525, 1013904223);
 }

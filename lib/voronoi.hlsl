@@ -2,63 +2,59 @@
 // plus a hash of the cell times the randomness (0 to 1). Coordinates are already scaled. Cell coordinates have 32 bits,
 // so coordinates beyond +-2^31 give arbitrary values. Cells and colours are Blender's exactly, distances up to
 // rounding.
-// Hashes dominate the cost, and most cells around a point are too far away to matter: a cell is skipped if even the
-// nearest position that its point can have is farther than the best point found. The nested loops have constant trip
-// counts, and FXC simulates them iteration by iteration unless [fastopt] stops it: 0.3 s instead of 3.4 s.
+// A search visits the cells around a point row by row, along x. Hashes dominate the cost, and most rows are too far
+// away to matter: a row is skipped if even the nearest position that its points can have is farther than the best point
+// found.
+// FXC's time multiplies with each loop around another and with each branch in the inner one. So there are only two
+// loops, and no branch for single cells: octaves, and the passes of a search, are further iterations of the loop over
+// rows. [fastopt] there stops FXC from simulating the iterations at compile time.
 
-// Distances are compared without the root: the bound of a vector is the sum of its components' terms, or the largest.
-float voronoi_term(float d, QWKVoronoiParams params)
+// The largest component.
+float voronoi_largest1(float v)
 {
-    if (params.metric == 0) return d * d;
-    if (params.metric == 3) return pow(abs(d), params.exponent);
-    return params.metric == 1 || params.metric == 2 ? abs(d) : 0.0;
+    return v;
 }
 
-float voronoi_join(float bound, float d, QWKVoronoiParams params)
+float voronoi_largest2(float2 v)
 {
-    float term = voronoi_term(d, params);
-    return params.metric == 2 ? max(bound, term) : bound + term;
+    return max(v.x, v.y);
 }
 
-// The bound without the x component, and of all components. In 1D all metrics agree.
-float voronoi_across1(float d, QWKVoronoiParams params)
+float voronoi_largest3(float3 v)
 {
-    return 0.0;
+    return max(v.x, voronoi_largest2(v.yz));
 }
 
-float voronoi_across2(float2 d, QWKVoronoiParams params)
+float voronoi_largest4(float4 v)
 {
-    return voronoi_term(d.y, params);
+    return max(v.x, voronoi_largest3(v.yzw));
 }
 
-float voronoi_across3(float3 d, QWKVoronoiParams params)
-{
-    return voronoi_join(voronoi_term(d.z, params), d.y, params);
-}
-
-float voronoi_across4(float4 d, QWKVoronoiParams params)
-{
-    return voronoi_join(voronoi_across3(d.yzw, params), d.y, params);
-}
-
+// Distances are compared without the root: the bound of a vector is the sum or the maximum that its length is made of.
+// In 1D all metrics agree. One exit per function: FXC takes longer for early returns.
 // @each DIM 1 2 3 4
 float voronoi_boundDIM(floatDIM d, QWKVoronoiParams params)
 {
-    return voronoi_join(voronoi_acrossDIM(d, params), d.x, params);
+    float bound = 0.0;
+    if (params.metric == 0) bound = dot(d, d);
+    else if (params.metric == 1) bound = dot(abs(d), (floatDIM)1.0);
+    else if (params.metric == 2) bound = voronoi_largestDIM(abs(d));
+    else if (params.metric == 3) bound = dot(pow(abs(d), params.exponent), (floatDIM)1.0);
+    return bound;
 }
 
 // Converts a bound to a distance, and back.
 float voronoi_root(float bound, QWKVoronoiParams params)
 {
-    if (params.metric == 0) return sqrt(bound);
-    if (params.metric == 3) return isinf(params.exponent) ? 1.0 : pow(bound, 1.0 / params.exponent);
+    if (params.metric == 0) bound = sqrt(bound);
+    if (params.metric == 3) bound = isinf(params.exponent) ? 1.0 : pow(bound, 1.0 / params.exponent);
     return bound;
 }
 
 float voronoi_unroot(float distance, QWKVoronoiParams params)
 {
-    if (params.metric == 0) return distance * distance;
-    if (params.metric == 3) return pow(distance, params.exponent);
+    if (params.metric == 0) distance *= distance;
+    if (params.metric == 3) distance = pow(distance, params.exponent);
     return distance;
 }
 
@@ -72,7 +68,7 @@ float voronoi_distanceDIM(floatDIM a, floatDIM b, QWKVoronoiParams params)
 
 // The minimum of each component of the offset to a point in the cell at o. Rounding is monotonic, so no point is nearer
 // than this.
-// @each DIM 1 2 3 4
+// @each DIM 2 3 4
 floatDIM voronoi_gapDIM(floatDIM o, floatDIM local, QWKVoronoiParams params)
 {
     return max(max(o - local, local - o - params.randomness), (floatDIM)0.0);
@@ -83,14 +79,6 @@ floatDIM voronoi_gapDIM(floatDIM o, floatDIM local, QWKVoronoiParams params)
 float voronoi_least(float bound, QWKVoronoiParams params)
 {
     return params.metric != 3 ? bound : params.exponent > 0.0 ? bound * 0.99999 : 0.0;
-}
-
-// The hash of the cell at x (-1 to 1) from the middle of a row; v and growth come from hash_rowDIM.
-// @each DIM 2 3 4
-floatDIM voronoi_cellDIM(intDIM v, int2 growth, int x)
-{
-    v.xy += x < 0 ? -growth : x > 0 ? growth : (int2)0;
-    return hash_cellDIM(hash_restDIM(v));
 }
 
 // The colour of the cell c + o, whose hash is h. In 3D and 4D, the colour is the hash. The sum in 2D is one of
@@ -136,109 +124,35 @@ float4 voronoi_position4(float4 p)
     return p;
 }
 
-// The bound of the nearest feature point, or of the second nearest, to a point at `local` in the cell c + around; the
-// offset o of its cell from there, and the cell's hash h, 0 to 1. `others` excludes the point's own cell. Of equal
-// bounds the first cell wins, x fastest. In 1D the cell is hashed as a float.
-float voronoi_walk1(QWKVoronoiParams params, float c, float around, float local, bool second, bool others, out float o,
-                    out float h)
-{
-    float best = 3.402823466e+38;
-    float next = best;
-    float2 best_o = 0.0;
-    float2 next_o = 0.0;
-    [loop]
-    for (int x = -1; x <= 1; x++)
-    {
-        float hash = hash_float_to_float(c + around + float(x));
-        float t = voronoi_bound1(float(x) + hash * params.randomness - local, params);
-        if (others && x == 0) t = 3.402823466e+38;
-        if (t < best)
-        {
-            next = best;
-            next_o = best_o;
-            best = t;
-            best_o = float2(float(x), hash);
-        }
-        else if (t < next)
-        {
-            next = t;
-            next_o = float2(float(x), hash);
-        }
-    }
-    o = second ? next_o.x : best_o.x;
-    h = second ? next_o.y : best_o.y;
-    return second ? next : best;
-}
-
-// @each DIM 2 3 4
-float voronoi_walkDIM(QWKVoronoiParams params, floatDIM c, floatDIM around, floatDIM local, bool second, bool others,
-                      out floatDIM o, out floatDIM h)
-{
-    float scale = params.randomness * 4.656612873077393e-10;
-    intDIM base = hash_intDIM(intDIM(c) + intDIM(around));
-    float best = 3.402823466e+38;
-    float next = best;
-    int best_key = 0;
-    int next_key = 0;
-    floatDIM best_h = 0.0;
-    floatDIM next_h = 0.0;
-    [loop] [fastopt]
-    for (uint row = 0u; row < (DIM < 3 ? 3u : DIM < 4 ? 9u : 27u); row++)
-    {
-        intDIM at = cell_rowDIM(row);
-        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
-        [branch]
-        if (voronoi_least(across, params) <= (second ? next : best))
-        {
-            intDIM v = base + at * 1664525;
-            int2 growth = hash_rowDIM(v);
-            [loop] [fastopt]
-            for (uint i = 0u; i < 3u; i++)
-            {
-                at.x = cell_offset(i);
-                int key = cell_keyDIM(at);
-                float least = voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params);
-                [branch]
-                if (voronoi_least(least, params) <= (second ? next : best) && !(others && key == 0))
-                {
-                    floatDIM hash = voronoi_cellDIM(v, growth, at.x);
-                    float t = voronoi_boundDIM(mad(hash, scale, (floatDIM)at - local), params);
-                    bool nearer = t == best ? key < best_key : t < best;
-                    if (second)
-                    {
-                        bool moves = nearer || (t == next ? key < next_key : t < next);
-                        next = nearer ? best : moves ? t : next;
-                        next_key = nearer ? best_key : moves ? key : next_key;
-                        next_h = nearer ? best_h : moves ? hash : next_h;
-                    }
-                    best = nearer ? t : best;
-                    best_key = nearer ? key : best_key;
-                    best_h = nearer ? hash : best_h;
-                }
-            }
-        }
-    }
-    o = (floatDIM)cell_of_keyDIM(second ? next_key : best_key);
-    h = (second ? next_h : best_h) * 4.656612873077393e-10;
-    return second ? next : best;
-}
-
-// One octave of the nearest feature point (feature 0) or the second nearest (1).
+// Starts a search at a point: the cell c, the point's place in it, and the cell's hash_int.
 // @each DIM 1 2 3 4
-QWKVoronoiOutput voronoi_nearestDIM(QWKVoronoiParams params, floatDIM co)
+void voronoi_startDIM(floatDIM co, out floatDIM c, out floatDIM local, out intDIM base)
 {
-    floatDIM c = floor(co);
-    floatDIM o = 0.0;
-    floatDIM h = 0.0;
-    float bound = voronoi_walkDIM(params, c, (floatDIM)0.0, co - c, params.feature == 1, false, o, h);
-    QWKVoronoiOutput result;
-    result.distance = voronoi_root(bound, params);
-    // A second point at an infinite distance, as with an exponent of 0, counts as absent: the result is the largest
-    // float.
-    if (params.feature == 1) result.distance = min(result.distance, 3.402823466e+38);
-    result.color = voronoi_colorDIM(h, c, o);
-    result.position = voronoi_positionDIM(o + h * params.randomness + c);
-    return result;
+    c = floor(co);
+    local = co - c;
+    base = hash_intDIM(intDIM(c));
+}
+
+// Offers a cell to a search for the nearest feature point, and for feature 1 also the second nearest: t is the bound of
+// its point, key orders the cells, hash is 0 to 2^31. The x components are of the nearest, y of the second nearest.
+// Of equal bounds the lowest key wins, as in Blender. For the nearest, only powers need the test: all are 1 with an
+// exponent of 0. In other metrics, points are equally near by chance of rounding, or in a grid without randomness; its
+// nearest cells are visited in the order of their keys.
+// @each DIM 1 2 3 4
+void voronoi_keepDIM(QWKVoronoiParams params, float t, int key, floatDIM hash, inout float2 bounds, inout int2 keys,
+                     inout floatDIM best, inout floatDIM next)
+{
+    bool nearer = params.metric == 3 && t == bounds.x ? key < keys.x : t < bounds.x;
+    if (params.feature == 1)
+    {
+        bool moves = nearer || (t == bounds.y ? key < keys.y : t < bounds.y);
+        bounds.y = nearer ? bounds.x : moves ? t : bounds.y;
+        keys.y = nearer ? keys.x : moves ? key : keys.y;
+        next = nearer ? best : moves ? hash : next;
+    }
+    bounds.x = nearer ? t : bounds.x;
+    keys.x = nearer ? key : keys.x;
+    best = nearer ? hash : best;
 }
 
 // Adds a cell to the smooth blend: t is the distance to its point, which is at q. The result depends on the order of
@@ -261,83 +175,107 @@ void voronoi_blendDIM(QWKVoronoiParams params, float t, float3 cell_color, float
     }
 }
 
-// One octave of the smooth blend of the surrounding points (feature 2). With a smoothness of 0 it is the nearest point.
-QWKVoronoiOutput voronoi_smooth1(QWKVoronoiParams params, float co)
+// The number of cells that a search reaches to each side.
+int voronoi_reach(QWKVoronoiParams params)
 {
-    int reach = params.smoothness != 0.0 ? 2 : 1;
-    float c = floor(co);
-    float best = 3.402823466e+38;
-    float3 color = 0.0;
-    float place = 0.0;
+    return params.feature == 2 && params.smoothness != 0.0 ? 2 : 1;
+}
+
+// Searches one row around the point at `local` in the cell c. Features 0 and 1 keep the nearest cells. Feature 2 blends
+// them: bounds.x is the blended distance, best the blended place relative to c. `others` excludes the cell c itself.
+// 1D has one row, and hashes a cell as a float.
+void voronoi_row1(QWKVoronoiParams params, float c, int base, uint row, float local, bool others, inout float2 bounds,
+                  inout int2 keys, inout float best, inout float next, inout float3 color)
+{
+    int reach = voronoi_reach(params);
     [loop]
     for (int x = -reach; x <= reach; x++)
     {
-        float q = float(x) + hash_float_to_float(c + float(x)) * params.randomness;
-        voronoi_blend1(params, abs(q - (co - c)), hash_float_to_float3(c + float(x)), q, best, color, place);
+        float hash = hash_float_to_float(c + float(x));
+        float q = float(x) + hash * params.randomness;
+        float t = others && x == 0 ? 3.402823466e+38 : voronoi_bound1(q - local, params);
+        if (params.feature == 2)
+        {
+            float3 cell_color = hash_float_to_float3(c + float(x));
+            voronoi_blend1(params, abs(q - local), cell_color, q, bounds.x, color, best);
+        }
+        else voronoi_keep1(params, t, x, hash * 2147483648.0, bounds, keys, best, next);
     }
-    QWKVoronoiOutput result;
-    result.distance = best;
-    result.color = color;
-    result.position = voronoi_position1(place + c);
-    return result;
 }
 
-// A point has weight 0 if its distance is at least the blended distance plus the smoothness.
+// A point that is at least the smoothness farther than the blended distance has weight 0. Rows of a blend are visited
+// in Blender's order, others from the inside out.
 // @each DIM 2 3 4
-QWKVoronoiOutput voronoi_smoothDIM(QWKVoronoiParams params, floatDIM co)
+void voronoi_rowDIM(QWKVoronoiParams params, floatDIM c, intDIM base, uint row, floatDIM local, bool others,
+                    inout float2 bounds, inout int2 keys, inout floatDIM best, inout floatDIM next, inout float3 color)
 {
-    int reach = params.smoothness != 0.0 ? 2 : 1;
-    float scale = params.randomness * 4.656612873077393e-10;
-    floatDIM c = floor(co);
-    floatDIM local = co - c;
-    intDIM base = hash_intDIM(intDIM(c));
-    intDIM at = -reach;
-    float best = 3.402823466e+38;
-    float limit = best;
-    float3 color = 0.0;
-    floatDIM place = 0.0;
-    [loop] [fastopt]
-    do
+    bool smooth = params.feature == 2;
+    int reach = voronoi_reach(params);
+    intDIM at = smooth ? cell_lineDIM(row, reach) : cell_rowDIM(row);
+    floatDIM gap = voronoi_gapDIM((floatDIM)at, local, params);
+    gap.x = 0.0;
+    float least = voronoi_least(voronoi_boundDIM(gap, params), params);
+    float limit = params.feature == 1 ? bounds.y : bounds.x;
+    if (smooth) limit = voronoi_unroot(bounds.x + params.smoothness, params);
+    [branch]
+    if (least <= limit)
     {
-        at.x = 0;
-        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
-        [branch]
-        if (voronoi_least(across, params) < limit)
+        float scale = params.randomness * 4.656612873077393e-10;
+        intDIM v = base + at * 1664525;
+        int2 growth = hash_rowDIM(v);
+        v.xy -= growth * reach;
+        [loop]
+        for (at.x = -reach; at.x <= reach; at.x++)
         {
-            intDIM v = base + at * 1664525;
-            int2 growth = hash_rowDIM(v);
-            v.xy -= growth * reach;
-            [loop] [fastopt]
-            for (at.x = -reach; at.x <= reach; at.x++)
+            floatDIM hash = hash_cellDIM(hash_restDIM(v));
+            int key = cell_keyDIM(at);
+            float t = voronoi_boundDIM(mad(hash, scale, (floatDIM)at - local), params);
+            if (others && key == 0) t = 3.402823466e+38;
+            if (smooth)
             {
-                float least = voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params);
-                [branch]
-                if (voronoi_least(least, params) < limit)
-                {
-                    floatDIM hash = hash_cellDIM(hash_restDIM(v));
-                    float bound = voronoi_boundDIM(mad(hash, scale, (floatDIM)at - local), params);
-                    float3 cell_color = voronoi_colorDIM(hash * 4.656612873077393e-10, c, (floatDIM)at);
-                    voronoi_blendDIM(params, voronoi_root(bound, params), cell_color, mad(hash, scale, (floatDIM)at),
-                                     best, color, place);
-                    limit = voronoi_unroot(best + params.smoothness, params);
-                }
-                v.xy += growth;
+                float3 cell_color = voronoi_colorDIM(hash * 4.656612873077393e-10, c, (floatDIM)at);
+                floatDIM q = mad(hash, scale, (floatDIM)at);
+                voronoi_blendDIM(params, voronoi_root(t, params), cell_color, q, bounds.x, color, best);
             }
+            else voronoi_keepDIM(params, t, key, hash, bounds, keys, best, next);
+            v.xy += growth;
         }
     }
-    while (cell_next_rowDIM(at, reach));
-    QWKVoronoiOutput result;
-    result.distance = best;
-    result.color = color;
-    result.position = voronoi_positionDIM(place + c);
-    return result;
+}
+
+// What the search of one octave found. A second point at an infinite distance, as with an exponent of 0, counts as
+// absent: its distance is the largest float.
+// @each DIM 1 2 3 4
+QWKVoronoiOutput voronoi_octaveDIM(QWKVoronoiParams params, floatDIM c, float2 bounds, int2 keys, floatDIM best,
+                                   floatDIM next, float3 color)
+{
+    bool second = params.feature == 1;
+    floatDIM o = (floatDIM)cell_of_keyDIM(second ? keys.y : keys.x);
+    floatDIM h = (second ? next : best) * 4.656612873077393e-10;
+    QWKVoronoiOutput octave;
+    if (params.feature == 2)
+    {
+        octave.distance = bounds.x;
+        octave.color = color;
+        octave.position = voronoi_positionDIM(best + c);
+    }
+    else
+    {
+        octave.distance = voronoi_root(second ? bounds.y : bounds.x, params);
+        if (second) octave.distance = min(octave.distance, 3.402823466e+38);
+        octave.color = voronoi_colorDIM(h, c, o);
+        octave.position = voronoi_positionDIM(o + h * params.randomness + c);
+    }
+    return octave;
 }
 
 // Features 0 to 2 over detail + 1 octaves; the last is weighted by its fraction. normalize scales distance and colour
 // back to the range of one octave, and divides the distance by max_distance. The position is interpolated, not summed.
+// A smooth blend with a smoothness of 0 is the nearest point.
 // @each DIM 1 2 3 4
 QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
 {
+    uint rows = cell_rowsDIM(voronoi_reach(params));
     QWKVoronoiOutput result;
     result.distance = 0.0;
     result.color = 0.0;
@@ -345,19 +283,41 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     float amplitude = 1.0;
     float total = 0.0;
     float scale = 1.0;
-    [loop]
-    for (float left = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0; left > -1.0; left -= 1.0)
+    float left = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    uint row = 0u;
+    float2 bounds = 0.0;
+    int2 keys = 0;
+    floatDIM best = 0.0;
+    floatDIM next = 0.0;
+    float3 color = 0.0;
+    floatDIM c = 0.0;
+    floatDIM local = 0.0;
+    intDIM base = 0;
+    [loop] [fastopt]
+    while (left > -1.0)
     {
-        QWKVoronoiOutput octave;
-        if (params.feature == 2) octave = voronoi_smoothDIM(params, co * scale);
-        else octave = voronoi_nearestDIM(params, co * scale);
-        float w = amplitude * min(left + 1.0, 1.0);
-        total += w;
-        result.distance += octave.distance * w;
-        result.color += octave.color * w;
-        result.position = lerp(result.position, octave.position * (1.0 / scale), w);
-        scale *= params.lacunarity;
-        amplitude *= params.roughness;
+        [branch]
+        if (row == 0u)
+        {
+            bounds = 3.402823466e+38;
+            voronoi_startDIM(co * scale, c, local, base);
+        }
+        voronoi_rowDIM(params, c, base, row, local, false, bounds, keys, best, next, color);
+        row++;
+        [branch]
+        if (row == rows)
+        {
+            QWKVoronoiOutput octave = voronoi_octaveDIM(params, c, bounds, keys, best, next, color);
+            float w = amplitude * min(left + 1.0, 1.0);
+            total += w;
+            result.distance += octave.distance * w;
+            result.color += octave.color * w;
+            result.position = lerp(result.position, octave.position * (1.0 / scale), w);
+            scale *= params.lacunarity;
+            amplitude *= params.roughness;
+            left -= 1.0;
+            row = 0u;
+        }
     }
     if (params.normalize != 0.0)
     {

@@ -13,78 +13,52 @@ float voronoi_edge1(QWKVoronoiParams params, float co)
     return min(abs(left * 0.5 - at), abs(right * 0.5 - at));
 }
 
-// The first pass finds the nearest point, the second the nearest of its borders with the others. Both iterate over the
-// same rows of cells in one loop, because a loop around two more costs FXC a third of its time. Only cells at offsets
-// -1 to 1 are searched, so some borders are missed, as in Blender. Points nearer than 0.01 to each other make no
-// border.
-// The border with a point at distance v is at least half the difference of v and the nearest point's distance away.
+// One row of the two passes of an octave, around the point at `local`. The first finds the nearest feature point, the
+// second the nearest of its borders with the others; `nearest` is the offset to that point, `radius` its distance. It
+// doesn't matter which of two equally near points is found, because their border goes through the point at `local`.
+// Points nearer than 0.01 to each other make no border. A border with a point at distance v is at least half the
+// difference of v and radius away, and `limit` is the square of the largest distance that still matters.
 // @each DIM 2 3 4
-float voronoi_edgeDIM(QWKVoronoiParams params, floatDIM co)
+void voronoi_edge_rowDIM(QWKVoronoiParams params, intDIM base, uint row, bool first, floatDIM local, float radius,
+                         inout float limit, inout floatDIM nearest, inout float edge)
 {
-    params.metric = 0;
-    float scale = params.randomness * 4.656612873077393e-10;
-    floatDIM c = floor(co);
-    floatDIM local = co - c;
-    intDIM base = hash_intDIM(intDIM(c));
-    floatDIM nearest = 0.0;
-    int nearest_key = 0;
-    float radius = 0.0;
-    float edge = 3.402823466e+38;
-    float limit = edge;
-    uint rows = DIM < 3 ? 3u : DIM < 4 ? 9u : 27u;
-    [loop] [fastopt]
-    for (uint row = 0u; row < 2u * rows; row++)
+    intDIM at = cell_rowDIM(row);
+    floatDIM gap = voronoi_gapDIM((floatDIM)at, local, params);
+    gap.x = 0.0;
+    [branch]
+    if (dot(gap, gap) <= limit)
     {
-        [branch]
-        if (row == rows)
+        float scale = params.randomness * 4.656612873077393e-10;
+        intDIM v = base + at * 1664525;
+        int2 growth = hash_rowDIM(v);
+        v.xy -= growth;
+        [loop]
+        for (at.x = -1; at.x <= 1; at.x++)
         {
-            radius = sqrt(limit);
-            limit = 3.402823466e+38;
-        }
-        intDIM at = cell_rowDIM(row < rows ? row : row - rows);
-        float across = voronoi_acrossDIM(voronoi_gapDIM((floatDIM)at, local, params), params);
-        [branch]
-        if (across <= limit)
-        {
-            intDIM v = base + at * 1664525;
-            int2 growth = hash_rowDIM(v);
-            [loop] [fastopt]
-            for (uint i = 0u; i < 3u; i++)
+            floatDIM other = mad(hash_cellDIM(hash_restDIM(v)), scale, (floatDIM)at - local);
+            [branch]
+            if (first)
             {
-                at.x = cell_offset(i);
-                [branch]
-                if (voronoi_join(across, voronoi_gap1(float(at.x), local.x, params), params) <= limit)
-                {
-                    floatDIM other = mad(voronoi_cellDIM(v, growth, at.x), scale, (floatDIM)at - local);
-                    [branch]
-                    if (row < rows)
-                    {
-                        float square = dot(other, other);
-                        int key = cell_keyDIM(at);
-                        bool nearer = square == limit ? key < nearest_key : square < limit;
-                        limit = nearer ? square : limit;
-                        nearest_key = nearer ? key : nearest_key;
-                        nearest = nearer ? other : nearest;
-                    }
-                    else
-                    {
-                        floatDIM apart = other - nearest;
-                        float square = dot(apart, apart);
-                        if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
-                        limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
-                    }
-                }
+                float square = dot(other, other);
+                nearest = square < limit ? other : nearest;
+                limit = min(limit, square);
             }
+            else
+            {
+                floatDIM apart = other - nearest;
+                float square = dot(apart, apart);
+                if (square > 0.0001) edge = min(edge, 0.5 * dot(nearest + other, apart) * rsqrt(square));
+                limit = (radius + 2.0 * edge) * (radius + 2.0 * edge);
+            }
+            v.xy += growth;
         }
     }
-    return edge;
 }
 
 // Distance to the nearest border over detail + 1 octaves; the last is weighted by its fraction. normalize divides by
 // the interpolated max_distance. A single octave is not interpolated: the interpolation, which starts at 8, loses
 // digits.
-// @each DIM 1 2 3 4
-float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
+float fractal_voronoi_distance_to_edge1(QWKVoronoiParams params, float co)
 {
     float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
     float amplitude = 1.0;
@@ -94,7 +68,7 @@ float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
     [loop]
     for (float left = detail; left > -1.0; left -= 1.0)
     {
-        float octave = voronoi_edgeDIM(params, co * scale) / scale;
+        float octave = voronoi_edge1(params, co * scale) / scale;
         float w = amplitude * min(left + 1.0, 1.0);
         limit = lerp(limit, params.max_distance / scale, w);
         edge = detail != 0.0 ? lerp(edge, min(edge, octave), w) : octave;
@@ -104,24 +78,88 @@ float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
     return params.normalize != 0.0 ? edge / limit : edge;
 }
 
+// Only cells at offsets -1 to 1 are searched, so some borders are missed, as in Blender.
+// @each DIM 2 3 4
+float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
+{
+    uint rows = cell_rowsDIM(1);
+    float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    float amplitude = 1.0;
+    float limit = params.max_distance;
+    float scale = 1.0;
+    float edge = 8.0;
+    float left = detail;
+    uint row = 0u;
+    float farthest = 3.402823466e+38;
+    float radius = 0.0;
+    floatDIM nearest = 0.0;
+    float octave = 3.402823466e+38;
+    floatDIM c = 0.0;
+    floatDIM local = 0.0;
+    intDIM base = 0;
+    voronoi_startDIM(co, c, local, base);
+    [loop] [fastopt]
+    while (left > -1.0)
+    {
+        [branch]
+        if (row == rows)
+        {
+            radius = sqrt(farthest);
+            farthest = 3.402823466e+38;
+        }
+        bool first = row < rows;
+        voronoi_edge_rowDIM(params, base, first ? row : row - rows, first, local, radius, farthest, nearest, octave);
+        row++;
+        [branch]
+        if (row == 2u * rows)
+        {
+            octave /= scale;
+            float w = amplitude * min(left + 1.0, 1.0);
+            limit = lerp(limit, params.max_distance / scale, w);
+            edge = detail != 0.0 ? lerp(edge, min(edge, octave), w) : octave;
+            scale *= params.lacunarity;
+            amplitude *= params.roughness;
+            left -= 1.0;
+            row = 0u;
+            farthest = 3.402823466e+38;
+            octave = 3.402823466e+38;
+            voronoi_startDIM(co * scale, c, local, base);
+        }
+    }
+    return params.normalize != 0.0 ? edge / limit : edge;
+}
+
 // Radius of the largest sphere around the nearest feature point that touches no other's: half the distance from it to
-// its own nearest neighbour. Scale only enters by the coordinate; there are no octaves.
+// its own nearest neighbour, which is a second search from there. Scale only enters by the coordinate; there are no
+// octaves.
 // @each DIM 1 2 3 4
 float voronoi_n_sphere_radiusDIM(QWKVoronoiParams params, floatDIM co)
 {
+    params.feature = 0;
     params.metric = 0;
-    floatDIM c = floor(co);
-    floatDIM local = co - c;
-    floatDIM around = 0.0;
-    floatDIM o = 0.0;
-    floatDIM h = 0.0;
-    float square = 0.0;
-    [loop]
-    for (int walk = 0; walk < 2; walk++)
+    uint rows = cell_rowsDIM(1);
+    float2 bounds = 3.402823466e+38;
+    int2 keys = 0;
+    floatDIM best = 0.0;
+    floatDIM next = 0.0;
+    float3 color = 0.0;
+    floatDIM c = 0.0;
+    floatDIM local = 0.0;
+    intDIM base = 0;
+    voronoi_startDIM(co, c, local, base);
+    [loop] [fastopt]
+    for (uint row = 0u; row < 2u * rows; row++)
     {
-        square = voronoi_walkDIM(params, c, around, local, false, walk > 0, o, h);
-        around = o;
-        local = h * params.randomness;
+        bool others = row >= rows;
+        [branch]
+        if (row == rows)
+        {
+            c += (floatDIM)cell_of_keyDIM(keys.x);
+            local = best * (params.randomness * 4.656612873077393e-10);
+            base = hash_intDIM(intDIM(c));
+            bounds = 3.402823466e+38;
+        }
+        voronoi_rowDIM(params, c, base, others ? row - rows : row, local, others, bounds, keys, best, next, color);
     }
-    return 0.5 * sqrt(square);
+    return 0.5 * sqrt(bounds.x);
 }

@@ -179,6 +179,43 @@ def test_of_equal_distances_the_first_cell_wins(d):
 
 
 @pytest.mark.parametrize("d", DIMS)
+def test_of_equally_distant_second_points_the_first_cell_wins(d):
+    """Both neighbours on each axis are equally far from a corner. The search visits those along x first."""
+    got = fx(d, params(randomness=0.0, feature=1), np.zeros((1, d), np.float32))
+    np.testing.assert_array_equal(position(d, got), [[0.0] * (d - 1) + [-1.0]])
+
+
+@pytest.mark.parametrize("d", [2, 3, 4])
+def test_with_an_exponent_of_zero_the_first_cell_wins(d):
+    """All powers are 1, so all cells are equally far. The roots of their sums are infinite."""
+    co = np.floor(points(d, 200, d)) + np.float32(0.53125)
+    p = params(metric=3, exponent=0.0)
+    got, first = fx(d, p, co), np.floor(co) - 1.0
+    np.testing.assert_array_equal(got["color"], np.float32(reference.color(np.float64(first))))
+    np.testing.assert_array_equal(fx(d, {**p, "feature": 1}, co)["distance"], np.finfo(np.float32).max)
+
+
+@pytest.mark.parametrize("d", [2, 3, 4])
+def test_a_negative_exponent_finds_the_smallest_sum(d):
+    """That is the largest distance, as in Blender."""
+    p, co = params(metric=3, exponent=-2.0, randomness=0.75), points(d, 500, d) + np.float32(1 / 512)
+    found = list(reference.neighbours(np.float64(co), p, 1))
+    want = np.max([t for _, _, t in found], axis=0)
+    np.testing.assert_allclose(fx(d, p, co)["distance"], want, rtol=1e-5)
+
+
+def test_points_nearer_than_a_hundredth_make_no_border():
+    cells = np.float64([[-166, -318], [-547, -518], [250, -281]])  # each has such a point to its right
+    co = cells + reference.hashed(cells)
+    right = cells + [1.0, 0.0]
+    apart = np.linalg.norm(right + reference.hashed(right) - co, axis=1)
+    assert (apart < 0.01).all()
+    got = library.call("fractal_voronoi_distance_to_edge2", params(), np.float32(co), result="float")
+    agrees(got, reference.edge(np.float64(np.float32(co)), params()), 1e-4, few=0.0)
+    assert (got > 0.01).all()
+
+
+@pytest.mark.parametrize("d", DIMS)
 def test_no_smoothness_is_the_nearest(d):
     # The blend searches two cells in each direction, so it can find a nearer point. This occurs in four dimensions.
     co = points(d, 20000, d)

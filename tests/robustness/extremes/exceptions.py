@@ -32,7 +32,7 @@ OUT_OF_RANGE = {
     r"rgb_to_hsl": "the saturation is infinite where the largest and the smallest component add up to 0 or 2",
     r"noise_(fractal[1-3]|texture\d)_FBM|tex_wave": "with a negative roughness the octaves' weights can add up to 0",
     r"radial_tiling": "there are no tiles of less than two sides",
-    r"voronoi_(un)?root|voronoi_distance\d|voronoi_nearest\d|voronoi_smooth[2-4]": "an exponent of 0 has no sense",
+    r"voronoi_(un)?root|voronoi_distance\d|voronoi_octave\d": "an exponent of 0 has no sense",
     r"modulo_step": "the quotient by 0 is for its caller to keep away",
     r"fractal_voronoi_\w+": "an exponent, a largest distance or a lacunarity of 0",
 }
