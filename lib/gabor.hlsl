@@ -11,6 +11,7 @@ float gabor_hash(float4 words, bool solid)
     uint4 c = start + k.z;
     if (solid)
     {
+        a = k.x - k.z;
         hash_mix(a, b, c);
         a += k.w;
     }

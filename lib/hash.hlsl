@@ -22,21 +22,24 @@ uint4 hash_final(uint4 a, uint4 b, uint4 c) {
 // The complement of the same, valid in the low 24 bits only, for which the last rotation is a shift. It has fewer
 // instructions, but more of them wait for each other, so it suits many lanes at a time. A step x = (x ^ y) - rotate(y)
 // is ~x = (~x ^ y) + rotate(y) on complements, and a GPU has an exclusive or followed by an addition as one
-// instruction. c is kept as complement.
+// instruction. c is kept as complement, and so is a up to its second step. There the complements of a and c do as well
+// as the values; a itself follows from them, without the complement of c, which would take registers. The 1 comes first
+// because Mesa moves a 1 at the end into the rotation after it, where it takes another instruction.
 // The caller does the first step, c = (~c ^ b) + hash_rotateDIM(b, 14u): lanes with the same b and c share it.
 // @each DIM 2 4
 uintDIM hash_lastDIM(uintDIM a, uintDIM b, uintDIM c) {
   a = (a ^ c) + hash_rotateDIM(~c, 11u);
   b = hash_rotateDIM(a, 25u) - (b ^ a);
   c = (c ^ b) + hash_rotateDIM(b, 16u);
-  a = (a ^ ~c) + hash_rotateDIM(~c, 4u);
-  b = hash_rotateDIM(a, 14u) - (b ^ a);
+  a = 1u + (a ^ c) + hash_rotateDIM(c, 4u);
+  b = (b ^ a) - hash_rotateDIM(a, 14u);
   return (c ^ b) + (b >> 8);
 }
 
-// The six mixing steps of lookup3 that precede a fourth word, in four independent lanes.
+// The six mixing steps of lookup3 that precede a fourth word, in four independent lanes. For a the caller gives the
+// difference a - c, its only use. The start value cancels in it.
 void hash_mix(inout uint4 a, inout uint4 b, inout uint4 c) {
-  a = (a - c) ^ hash_rotate4(c, 4u);
+  a ^= hash_rotate4(c, 4u);
   c += b;
   b = (b - a) ^ hash_rotate4(a, 6u);
   a += c;
@@ -65,7 +68,7 @@ uint hash_word3(uint3 k) {
 }
 
 uint hash_word4(uint4 k) {
-  uint4 a = 0xDEADBF0Cu + k.x;
+  uint4 a = k.x - k.z;
   uint4 b = 0xDEADBF0Cu + k.y;
   uint4 c = 0xDEADBF0Cu + k.z;
   hash_mix(a, b, c);

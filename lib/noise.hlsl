@@ -54,13 +54,16 @@ float4 noise_above(uint4 n, uint limit, float4 a, float4 b) {
   return float4(n.x > limit ? a.x : b.x, n.y > limit ? a.y : b.y, n.z > limit ? a.z : b.z, n.w > limit ? a.w : b.w);
 }
 
-// The same for four corners, with one of 32 gradients, +-1 along three of four axes, and negated. Bits 3 and 4 of n
-// select the axis that is left out, the other bits are signs; all are complemented.
-float4 noise_gradient4(uint4 n, float4 x, float y, float z, float4 w) {
+// The same for the corners of a square in x and w, with one of 32 gradients, +-1 along three of four axes, and negated.
+// Bits 3 and 4 of n select the axis that is left out, the other bits are signs; all are complemented. x and w are the
+// offsets from the lower corner. Those from the others are computed where they are used: held longer, they take
+// registers where a GPU has the fewest left.
+float4 noise_gradient4(uint4 n, float x, float y, float z, float w) {
   n &= 31u;
-  float4 g = asfloat(((n << 29) & 0x80000000u) | 0x40000000u) * noise_above(n, 23u, (float4)z, w);
+  float4 g = asfloat(((n << 29) & 0x80000000u) | 0x40000000u) *
+    noise_above(n, 23u, (float4)z, w - float4(0.0, 0.0, 1.0, 1.0));
   g = mad(asfloat((n << 30) | 0x40000000u), noise_above(n, 15u, (float4)y, (float4)z), g);
-  return mad(asfloat((n << 31) | 0x40000000u), noise_above(n, 7u, x, (float4)y), g);
+  return mad(asfloat((n << 31) | 0x40000000u), noise_above(n, 7u, x - float4(0.0, 1.0, 0.0, 1.0), (float4)y), g);
 }
 
 // Gradient noise of a point, about -1 to 1; 0 where all coordinates are integers. The hash of a corner is the word hash
@@ -132,21 +135,21 @@ float noise_signed4(float4 p) {
   float4 f = frac(p);
   float4 v = noise_fade4(f);
   uint4 k = asuint(int4(floor(p)));
-  k.xyz += 0xDEADBF0Cu;
-  float4 x = f.x - float4(0.0, 1.0, 0.0, 1.0);
-  float4 w = f.w - float4(0.0, 0.0, 1.0, 1.0);
+  k.x -= k.z;
+  k.yz += 0xDEADBF0Cu;
   float sum = 0.0;
   [loop] [fastopt]
   for (uint side = 0u; side < 4u; side++) {
-    uint4 a = k.x + uint4(0u, 1u, 0u, 1u);
+    uint4 a = k.x - (side >> 1) + uint4(0u, 1u, 0u, 1u);
     uint4 b = k.y + (side & 1u);
     uint4 c = k.z + (side >> 1);
     hash_mix(a, b, c);
     uint4 n = hash_last4(a + k.w + uint4(0u, 0u, 1u, 1u), b, (~c ^ b) + hash_rotate4(b, 14u));
     float2 at = noise_side(side);
     float2 e = f.yz - at;
+    float g = noise_between(noise_gradient4(n, f.x, e.x, e.y, f.w), v.xw);
     float2 u = v.yz - at;
-    sum = mad(abs(u.x * u.y), noise_between(noise_gradient4(n, x, e.x, e.y, w), v.xw), sum);
+    sum = mad(abs(u.x * u.y), g, sum);
   }
   return -0.4172 * sum;
 }
@@ -296,38 +299,39 @@ floatDIM noise_offsetDIM(int s) {
   return (floatDIM)noise_offset(s);
 }
 
-// What the iteration `turn` of the texture below adds to the point. Cases that DIM excludes are folded away.
+// The offset of a component of the distortion: -1 for the first. Cases that DIM excludes are folded away.
 // @each DIM 1 2 3 4
-floatDIM noise_turnDIM(int turn, floatDIM moved) {
-  return turn == -1 ? noise_offsetDIM(0) : DIM > 1 && turn == -2 ? noise_offsetDIM(1) :
-    DIM > 2 && turn == -3 ? noise_offsetDIM(2) : DIM > 3 && turn == -4 ? noise_offsetDIM(3) : moved;
+floatDIM noise_distortion_offsetDIM(int component) {
+  return DIM == 1 || component == -1 ? noise_offsetDIM(0) : DIM == 2 || component == -2 ? noise_offsetDIM(1) :
+    DIM == 3 || component == -3 ? noise_offsetDIM(2) : noise_offsetDIM(3);
 }
 
 // A noise texture at co, already scaled: detail 0 to 15, roughness not negative, the rest unlimited; normalize and
 // want_colour are 1.0 or 0.0. Returns the value; colour is the value and two more channels if it is wanted, else 0.
-// Iterations below 0 compute the components of the distortion, the last one first, so that each shifts the others to
-// their places. Iteration 0 computes the value, 1 and 2 the other channels.
+// Parts below 0 are the components of the distortion, part 0 is the value, 1 and 2 are the other channels. `found` has
+// the results of the last four parts, the latest first. So the components come in the order of the last to the first.
 // Compilers keep a loop marked [loop] even if it has one iteration. The break removes its counter and test if only the
 // value is wanted, without distortion. [fastopt] stops FXC from simulating the iterations at compile time.
 // @each DIM 1 2 3 4
 // @each TYPE FBM MULTIFRACTAL HYBRID_MULTIFRACTAL RIDGED_MULTIFRACTAL HETERO_TERRAIN
 float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain,
     float distortion, float normalize, float want_colour, out float3 colour) {
-  float4 moved = 0.0;
+  float4 found = 0.0;
   float plain = 0.0;
-  float value = 0.0;
-  colour = 0.0;
-  int turn = distortion != 0.0 ? -DIM : 0;
+  int part = distortion != 0.0 ? -DIM : 0;
   int last = want_colour != 0.0 ? 2 : 0;
   [loop] [fastopt]
-  while (turn <= last) {
-    floatDIM p = co + noise_turnDIM(turn, (floatDIM)moved);
-    if (want_colour != 0.0 && turn > 0) p += turn == 1 ? noise_offsetDIM(DIM) : noise_offsetDIM(DIM + 1);
-    value = noise_fractalDIM_TYPE(p, turn < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize, plain);
-    if (want_colour == 0.0 || turn < 0) moved = float4(distortion * plain, moved.xyz);
-    if (want_colour != 0.0) colour = float3(colour.yz, value);
+  while (part <= last) {
+    if (distortion != 0.0 && part == 0) co += (floatDIM)found;
+    floatDIM p = co;
+    if (distortion != 0.0 && part < 0) p += noise_distortion_offsetDIM(part);
+    if (want_colour != 0.0 && part > 0) p += part == 1 ? noise_offsetDIM(DIM) : noise_offsetDIM(DIM + 1);
+    float value = noise_fractalDIM_TYPE(p, part < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize,
+      plain);
+    found = float4(part < 0 ? distortion * plain : value, found.xyz);
     if (distortion == 0.0 && want_colour == 0.0) break;
-    turn++;
+    part++;
   }
-  return want_colour != 0.0 ? colour.x : value;
+  colour = want_colour != 0.0 ? found.zyx : 0.0;
+  return want_colour != 0.0 ? found.z : found.x;
 }
