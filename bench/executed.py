@@ -31,7 +31,7 @@ nor broken octaves, and cells give the distance alone.
 FXC = """### Compile time of FXC
 
 What Microsoft's FXC under Wine takes for shader model 5, parameters as constants: millions of basic blocks that it
-executes, counted by Valgrind and the same up to one in a hundred, and seconds of processor time, the least of six in
+executes, counted by Valgrind and the same up to one in a hundred, and seconds of processor time, the least of three in
 turns with the other library, which vary by up to a fifth. FXC's time multiplies with each loop around another and with
 each branch inside, and grows with each corner side by side. DXC stays below one second for every material.
 """

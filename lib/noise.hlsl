@@ -309,7 +309,9 @@ floatDIM noise_distortion_offsetDIM(int component) {
 // A noise texture at co, already scaled: detail 0 to 15, roughness not negative, the rest unlimited; normalize and
 // want_colour are 1.0 or 0.0. Returns the value; colour is the value and two more channels if it is wanted, else 0.
 // Parts below 0 are the components of the distortion, part 0 is the value, 1 and 2 are the other channels. `found` has
-// the results of the last four parts, the latest first. So the components come in the order of the last to the first.
+// the results of the last four parts, the latest first; the components are computed from the last to the first, so that
+// part 0 finds each at its place. If only the value is wanted, no part is above 0: the test of the distortion is left
+// out, as it costs where that is a live parameter.
 // Compilers keep a loop marked [loop] even if it has one iteration. The break removes its counter and test if only the
 // value is wanted, without distortion. [fastopt] stops FXC from simulating the iterations at compile time.
 // @each DIM 1 2 3 4
@@ -322,9 +324,10 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
   int last = want_colour != 0.0 ? 2 : 0;
   [loop] [fastopt]
   while (part <= last) {
-    if (distortion != 0.0 && part == 0) co += (floatDIM)found;
     floatDIM p = co;
-    if (distortion != 0.0 && part < 0) p += noise_distortion_offsetDIM(part);
+    if (want_colour == 0.0 || (distortion != 0.0 && part <= 0))
+      p += part < 0 ? noise_distortion_offsetDIM(part) : (floatDIM)found;
+    if (want_colour != 0.0 && part == 0) co = p;
     if (want_colour != 0.0 && part > 0) p += part == 1 ? noise_offsetDIM(DIM) : noise_offsetDIM(DIM + 1);
     float value = noise_fractalDIM_TYPE(p, part < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize,
       plain);
