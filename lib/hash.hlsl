@@ -22,9 +22,9 @@ uint4 hash_final(uint4 a, uint4 b, uint4 c) {
 // The complement of the same, valid in the low 24 bits only, for which the last rotation is a shift. It has fewer
 // instructions, but more of them wait for each other, so it suits many lanes at a time. A step x = (x ^ y) - rotate(y)
 // is ~x = (~x ^ y) + rotate(y) on complements, and a GPU has an exclusive or followed by an addition as one
-// instruction. c is kept as complement, and so is a up to its second step. There the complements of a and c do as well
-// as the values; a itself follows from them, without the complement of c, which would take registers. The 1 comes first
-// because Mesa moves a 1 at the end into the rotation after it, where it takes another instruction.
+// instruction. c is kept as complement, and so is a up to its second step: the exclusive or of two complements is that
+// of the values. That step gives a itself, since its complement would take the value of c and so more registers. The 1
+// comes first because Mesa moves a 1 at the end into the rotation that follows, where it takes another instruction.
 // The caller does the first step, c = (~c ^ b) + hash_rotateDIM(b, 14u): lanes with the same b and c share it.
 // @each DIM 2 4
 uintDIM hash_lastDIM(uintDIM a, uintDIM b, uintDIM c) {

@@ -129,7 +129,7 @@ float noise_signed3(float3 p) {
 }
 
 // The lanes are the corners of the square in x and w: lanes that differ in w share the mixing of the other three
-// coordinates.
+// coordinates. k has the words of the lowest corner, the first less the third, as hash_mix takes it.
 float noise_signed4(float4 p) {
   p = noise_wrap4(p);
   float4 f = frac(p);
@@ -335,6 +335,6 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
     if (distortion == 0.0 && want_colour == 0.0) break;
     part++;
   }
-  colour = want_colour != 0.0 ? found.zyx : 0.0;
+  colour = want_colour != 0.0 ? found.zyx : (float3)0.0;
   return want_colour != 0.0 ? found.z : found.x;
 }
