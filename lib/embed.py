@@ -9,7 +9,7 @@ The sources are plain HLSL. This script reads from them:
 - calls: the name of another function of the library, followed by an opening parenthesis;
 - `// @name WORD` in the comment above a function: its library name, if that is not its own name;
 - `// @each WORD VALUE ...` in that comment: one copy of the function for each value, with WORD replaced everywhere
-  (so `noise_textureDIM_FBM(floatDIM co` makes four functions, with `float` for `float1`);
+  (so `noise_textureDIM_FBM(floatDIM co` makes four functions, with `float` for `float1`, as `int` for `int1`);
 - structs: a struct definition begins with `struct` in column one.
 
 Comments and empty lines are stripped, because the texts end up in an artist's material.
