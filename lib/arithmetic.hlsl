@@ -12,10 +12,11 @@ float safe_divide(float a, float b) {
 // fractional. A negative base with an integer exponent takes its sign from the exponent's parity. HLSL's pow handles
 // none of these cases, so it only gets positive bases.
 float safe_powf(float a, float b) {
-  if (b == 0.0 || a == 1.0) return 1.0;
-  if (a == 0.0 || (a < 0.0 && !(b == trunc(b) && abs(b) < 2147483648.0))) return 0.0;
   float p = pow(abs(a), b);
-  return (a < 0.0 && b != 2.0 * trunc(b * 0.5)) ? -p : p;
+  if (a < 0.0 && b != 2.0 * trunc(b * 0.5)) p = -p;
+  if (a == 0.0 || (a < 0.0 && !(b == trunc(b) && abs(b) < 2147483648.0))) p = 0.0;
+  if (b == 0.0 || a == 1.0) p = 1.0;
+  return p;
 }
 
 // Logarithm of a to the base b; 0 where a or b is not positive and for base 1. The ratio is the same for logarithms of

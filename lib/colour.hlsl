@@ -17,14 +17,13 @@ float3 rgb_to_hsv(float3 c) {
   return float3(s == 0.0 ? 0.0 : h.x, s, h.y);
 }
 
-// The inverse. Hue 1 counts as 0; any other hue outside 0 to 1 is not wrapped but uses the last sextant. With a
-// saturation of 0 the hue does not matter, not even an infinite one.
+// The inverse. A hue outside 0 to 1 is not wrapped but uses the last sextant. With a saturation of 0 the hue does not
+// matter, not even an infinite one. `lack` is what a pure colour of this hue lacks of white.
 float3 hsv_to_rgb(float3 c) {
-  float h = (c.x == 1.0 || c.y == 0.0) ? 0.0 : 6.0 * c.x;
-  float k = floor(h), f = h - k, v = c.z;
-  float p = v * (1.0 - c.y), q = v * (1.0 - c.y * f), t = v * (1.0 - c.y * (1.0 - f));
-  return k == 0.0 ? float3(v, t, p) : k == 1.0 ? float3(q, v, p) : k == 2.0 ? float3(p, v, t) :
-    k == 3.0 ? float3(p, q, v) : k == 4.0 ? float3(t, p, v) : float3(v, p, q);
+  float h = c.y == 0.0 ? 0.0 : 6.0 * c.x;
+  if (!(h >= 0.0 && h <= 6.0)) h = 5.0 + frac(h);
+  float3 lack = saturate(float3(2.0 - abs(h - 3.0), abs(h - 2.0) - 1.0, abs(h - 4.0) - 1.0));
+  return c.z * (1.0 - c.y * lack);
 }
 
 // Hue, saturation, lightness; lightness at most 1. Grey has hue and saturation 0. Colours outside 0 to 1 have
@@ -45,7 +44,7 @@ float3 hsl_to_rgb(float3 c) {
 
 // One channel from the sRGB transfer curve to linear light: 0 below 0, no upper limit.
 float srgb_to_linear(float x) {
-  return x < 0.04045 ? max(x, 0.0) * (1.0 / 12.92) : pow((x + 0.055) * (1.0 / 1.055), 2.4);
+  return x < 0.04045 ? max(x, 0.0) * (1.0 / 12.92) : pow(mad(x, 1.0 / 1.055, 0.055 / 1.055), 2.4);
 }
 
 // srgb_to_linear in each component.

@@ -1,28 +1,35 @@
 // Texel access, and the projections of the Image and Environment textures.
 
-// Index of texel i in a row of `count`, by the extension code: 0 repeat, 1 extend, 3 mirror (which doubles the edge
-// texel); any other repeats. Exact. Left of the row, index -1 - i from the other end keeps the operands of % from being
-// negative, as HLSL requires.
-int wrap_texel(int i, int count, int extension) {
-  if (extension == 1) return clamp(i, 0, count - 1);
-  uint n = uint(count), m = uint(i < 0 ? -1 - i : i);
-  if (extension == 3) {
-    m %= 2u * n;
-    return int(m < n ? m : 2u * n - 1u - m);
+// The texel of an image of `size` texels that stands at `texel`, by the extension code: 0 repeat, 1 and 2 the nearest
+// one at the edge, 3 mirror (which doubles the edge texel); any other repeats. A GPU has no integer division, so the
+// remainder is that of floats: exact up to 2^23, from where on floats have no fractions of texels. Farther ones are
+// wrapped to an arbitrary texel of the image. The half keeps floor clear of the quotient's rounding up to 2^21; beyond
+// that, the first step can be a period off.
+int2 wrap_texel(int2 texel, int2 size, int extension) {
+  int2 wrapped = clamp(texel, 0, size - 1);
+  if (extension != 1 && extension != 2) {
+    float2 period = float2(size) * (extension == 3 ? 2.0 : 1.0);
+    float2 turn = 1.0 / period;
+    float2 i = float2(texel);
+    i = mad(floor(mad(i, turn, 0.5 * turn)), -period, i);
+    i = mad(floor(mad(i, turn, 0.5 * turn)), -period, i);
+    if (extension == 3) i = min(i, period - 1.0 - i);
+    wrapped = int2(i);
   }
-  m %= n;
-  return int(i < 0 ? n - 1u - m : m);
+  return wrapped;
 }
 
 // One texel of mip level 0, wrapped by the extension code (2: transparent black outside) and multiplied by alpha
 // according to the association code: 0 not at all, 1 in whole bytes rounded down, as Blender does for 8-bit images
-// before any filter, 2 as a plain product. The added half keeps floor clear of a GPU's inexact division.
+// before any filter, 2 as a plain product. The added half keeps floor clear of a GPU's inexact division. The texel is
+// read without a branch, so that the reads of a filter do not wait for each other.
 float4 texel_fetch_a(Texture2D tex, int2 texel, int2 size, int extension, int association) {
-  if (extension == 2 && (any(texel < 0) || any(texel >= size))) return float4(0.0, 0.0, 0.0, 0.0);
-  float4 t = tex.Load(int3(wrap_texel(texel.x, size.x, extension), wrap_texel(texel.y, size.y, extension), 0));
+  int2 wrapped = wrap_texel(texel, size, extension);
+  float4 t = tex.Load(int3(wrapped, 0));
+  if (extension == 2 && any(wrapped != texel)) t = 0.0;
   if (association == 1) {
     float4 bytes = floor(mad(t, 255.0, 0.5));
-    t.rgb = floor(mad(bytes.rgb, bytes.a, 0.5) / 255.0) / 255.0;
+    t.rgb = floor(mad(bytes.rgb, bytes.a / 255.0, 0.5 / 255.0)) / 255.0;
   }
   if (association == 2) t.rgb *= t.a;
   return t;
