@@ -154,56 +154,64 @@ float noise_signed4(float4 p) {
   return -0.4172 * sum;
 }
 
-// The fractals. `done` is how much of `detail` is done when an octave begins: -1 for the first octave, which always
-// runs. The last octave is weighted by the rest of `detail`, which is below 1 (a fractional octave) if `detail` is not
-// an integer. The loops test at their start: with a test at the end, Mesa's CPU driver gives all lanes the last octave
-// of the lane that runs longest. No loop exceeds 16 octaves, Blender's maximum, whatever `detail` is.
-// plain: the noise of the last octave before any weighting. With detail 0, the last octave is the only one.
+// The fractals sum octaves: a first one and `more` after it, at most 15 as in Blender. If `detail` is not an integer,
+// the last one is weighted by the rest of `detail` (a fractional octave). Octaves are counted in integers, which a GPU
+// keeps once for all pixels. The loops test at their start: with a test at the end, Mesa's CPU driver gives all lanes
+// the last octave of the lane that runs longest. [fastopt] stops FXC from simulating the iterations at compile time.
+// plain: the noise of the last octave before any weighting. plain_only: the first octave is the last one, and the value
+// is meaningless. A detail of 0 would do the same, but what follows from a constant detail is constant.
+
+// The sums of the octaves' weights, with the last one and without it. The loop over the noise does not add them up:
+// they would take registers there, and the sums of constant weights are constants. The 1e-30 keeps quotients by the
+// second sum finite where there is one octave, and where the weights sum to 0, as with a roughness of -1.
+float2 noise_weights(uint more, float roughness) {
+  float sum = 0.0;
+  float weight = 1.0;
+  for (uint octave = 0u; octave < more; octave++) {
+    sum += weight;
+    weight *= roughness;
+  }
+  return float2(sum + weight, sum + 1e-30);
+}
 
 // The sum of octaves whose amplitude is multiplied by `roughness`; normalize scales it to 0 to 1. The second components
 // are one octave behind: a fractional octave interpolates between the two results.
-// `left` is the rest of `detail` when an octave begins. It starts as the constant 1, so that the compiler knows that
-// the first octave runs. The 1e-30 keeps the quotient of the earlier octaves finite where there are none, and where
-// their weights sum to 0, as with a roughness of -1: a quotient that is multiplied by 0 unless the last octave is
-// fractional.
 // This fractal multiplies the scale, the others multiply the point, each as in Blender: the two round differently.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_FBM(floatDIM p, float detail, float roughness, float lacunarity, float offset, float gain,
-    float normalize, out float plain) {
+float noise_fractalDIM_FBM(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity, float offset,
+    float gain, float normalize, out float plain) {
+  detail = min(detail, 15.0);
+  uint more = uint(ceil(detail));
   float scale = 1.0;
   float weight = 1.0;
-  float2 weights = 0.0;
   float2 sum = 0.0;
-  float left = 1.0;
-  float next = min(detail, 15.0);
   plain = 0.0;
-  [loop]
-  while (left > 0.0) {
+  [loop] [fastopt]
+  for (uint octave = 0u; octave <= (plain_only ? 0u : more); octave++) {
     plain = noise_signedDIM(p * scale);
     sum = float2(mad(plain, weight, sum.x), sum.x);
-    weights = float2(weights.x + weight, weights.x);
     weight *= roughness;
     scale *= lacunarity;
-    left = next;
-    next -= 1.0;
   }
-  if (normalize != 0.0) sum /= float2(weights.x, weights.y + 1e-30);
-  float value = mad(left, sum.x - sum.y, sum.x);
-  return normalize != 0.0 ? mad(value, 0.5, 0.5) : value;
+  if (normalize != 0.0) sum /= noise_weights(more, roughness);
+  sum.x = lerp(sum.x, sum.y, ceil(detail) - detail);
+  return normalize != 0.0 ? mad(sum.x, 0.5, 0.5) : sum.x;
 }
 
 // The product of octaves around 1.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
-    float gain, float normalize, out float plain) {
+float noise_fractalDIM_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
+    float offset, float gain, float normalize, out float plain) {
   detail = min(detail, 15.0);
+  uint more = uint(ceil(detail));
   float weight = 1.0;
   float value = 1.0;
   plain = 0.0;
-  [loop]
-  for (float done = -1.0; done < detail; done += 1.0) {
+  [loop] [fastopt]
+  for (uint octave = 0u; octave <= (plain_only ? 0u : more); octave++) {
     plain = noise_signedDIM(p);
-    value *= min(detail - done, 1.0) * weight * plain + 1.0;
+    float share = min(detail - (float(octave) - 1.0), 1.0);
+    value *= share * weight * plain + 1.0;
     weight *= roughness;
     p *= lacunarity;
   }
@@ -213,20 +221,22 @@ float noise_fractalDIM_MULTIFRACTAL(floatDIM p, float detail, float roughness, f
 // A sum in which each octave is weighted by `carry`, the signal that the octaves before it left. A signal of 0.001 or
 // less ends it.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
-    float gain, float normalize, out float plain) {
+float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
+    float offset, float gain, float normalize, out float plain) {
   detail = min(detail, 15.0);
+  uint more = uint(ceil(detail));
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
   plain = 0.0;
-  [loop]
-  for (float done = -1.0; done < detail && carry > 0.001; done += 1.0) {
+  [loop] [fastopt]
+  for (uint octave = 0u; octave <= (plain_only ? 0u : more) && carry > 0.001; octave++) {
     plain = noise_signedDIM(p);
-    float octave = (plain + offset) * weight;
+    float share = min(detail - (float(octave) - 1.0), 1.0);
+    float signal = (plain + offset) * weight;
     carry = min(carry, 1.0);
-    value += min(detail - done, 1.0) * carry * octave;
-    carry *= gain * octave;
+    value += share * carry * signal;
+    carry *= gain * signal;
     weight *= roughness;
     p *= lacunarity;
   }
@@ -235,15 +245,15 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, float detail, float rough
 
 // Ridges where the noise is 0, each octave weighted by the one before. It has no fractional octave.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float roughness, float lacunarity, float offset,
-    float gain, float normalize, out float plain) {
-  detail = min(detail, 15.0);
+float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
+    float offset, float gain, float normalize, out float plain) {
+  uint more = uint(min(detail, 15.0));
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
   plain = 0.0;
-  [loop]
-  for (float done = -1.0; done < floor(detail); done += 1.0) {
+  [loop] [fastopt]
+  for (uint octave = 0u; octave <= (plain_only ? 0u : more); octave++) {
     plain = noise_signedDIM(p);
     float ridge = offset - abs(plain);
     ridge *= ridge;
@@ -258,17 +268,19 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, float detail, float rough
 
 // A sum in which each octave is multiplied by the height so far.
 // @each DIM 1 2 3 4
-float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, float detail, float roughness, float lacunarity, float offset,
-    float gain, float normalize, out float plain) {
+float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
+    float offset, float gain, float normalize, out float plain) {
   detail = min(detail, 15.0);
+  uint more = uint(ceil(detail));
   float weight = 1.0;
   float value = 0.0;
   plain = 0.0;
-  [loop]
-  for (float done = -1.0; done < detail; done += 1.0) {
+  [loop] [fastopt]
+  for (uint octave = 0u; octave <= (plain_only ? 0u : more); octave++) {
     plain = noise_signedDIM(p);
-    float octave = (plain + offset) * weight;
-    value += done < 0.0 ? octave : min(detail - done, 1.0) * octave * value;
+    float share = min(detail - (float(octave) - 1.0), 1.0);
+    float height = (plain + offset) * weight;
+    value += octave == 0u ? height : share * height * value;
     weight *= roughness;
     p *= lacunarity;
   }
@@ -313,7 +325,7 @@ floatDIM noise_distortion_offsetDIM(int component) {
 // part 0 finds each at its place. If only the value is wanted, no part is above 0: the test of the distortion is left
 // out, as it costs where that is a live parameter.
 // Compilers keep a loop marked [loop] even if it has one iteration. The break removes its counter and test if only the
-// value is wanted, without distortion. [fastopt] stops FXC from simulating the iterations at compile time.
+// value is wanted, without distortion.
 // @each DIM 1 2 3 4
 // @each TYPE FBM MULTIFRACTAL HYBRID_MULTIFRACTAL RIDGED_MULTIFRACTAL HETERO_TERRAIN
 float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain,
@@ -329,8 +341,8 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
       p += part < 0 ? noise_distortion_offsetDIM(part) : (floatDIM)found;
     if (want_colour != 0.0 && part == 0) co = p;
     if (want_colour != 0.0 && part > 0) p += part == 1 ? noise_offsetDIM(DIM) : noise_offsetDIM(DIM + 1);
-    float value = noise_fractalDIM_TYPE(p, part < 0 ? 0.0 : detail, roughness, lacunarity, offset, gain, normalize,
-      plain);
+    bool plain_only = distortion != 0.0 && part < 0;  // a constant without distortion
+    float value = noise_fractalDIM_TYPE(p, plain_only, detail, roughness, lacunarity, offset, gain, normalize, plain);
     found = float4(part < 0 ? distortion * plain : value, found.xyz);
     if (distortion == 0.0 && want_colour == 0.0) break;
     part++;

@@ -271,7 +271,8 @@ QWKVoronoiOutput voronoi_octaveDIM(QWKVoronoiParams params, floatDIM c, float2 b
 
 // Features 0 to 2 over detail + 1 octaves; the last is weighted by its fraction. normalize scales distance and colour
 // back to the range of one octave, and divides the distance by max_distance. The position is interpolated, not summed.
-// A smooth blend with a smoothness of 0 is the nearest point.
+// A smooth blend with a smoothness of 0 is the nearest point. Octaves are counted in integers, which a GPU keeps once
+// for all pixels: there are `more` after the first, and `done` so far.
 // @each DIM 1 2 3 4
 QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
 {
@@ -283,7 +284,9 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     float amplitude = 1.0;
     float total = 0.0;
     float scale = 1.0;
-    float left = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    uint more = uint(ceil(detail));
+    uint done = 0u;
     uint row = 0u;
     float2 bounds = 0.0;
     int2 keys = 0;
@@ -294,7 +297,7 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     floatDIM local = 0.0;
     intDIM base = 0;
     [loop] [fastopt]
-    while (left > -1.0)
+    while (done <= more)
     {
         [branch]
         if (row == 0u)
@@ -308,14 +311,14 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
         if (row == rows)
         {
             QWKVoronoiOutput octave = voronoi_octaveDIM(params, c, bounds, keys, best, next, color);
-            float w = amplitude * min(left + 1.0, 1.0);
+            float w = amplitude * min(detail - (float(done) - 1.0), 1.0);
             total += w;
             result.distance += octave.distance * w;
             result.color += octave.color * w;
             result.position = lerp(result.position, octave.position * (1.0 / scale), w);
             scale *= params.lacunarity;
             amplitude *= params.roughness;
-            left -= 1.0;
+            done++;
             row = 0u;
         }
     }

@@ -61,15 +61,16 @@ void voronoi_edge_rowDIM(QWKVoronoiParams params, intDIM base, uint row, bool fi
 float fractal_voronoi_distance_to_edge1(QWKVoronoiParams params, float co)
 {
     float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    uint more = uint(ceil(detail));
     float amplitude = 1.0;
     float limit = params.max_distance;
     float scale = 1.0;
     float edge = 8.0;
     [loop]
-    for (float left = detail; left > -1.0; left -= 1.0)
+    for (uint done = 0u; done <= more; done++)
     {
         float octave = voronoi_edge1(params, co * scale) / scale;
-        float w = amplitude * min(left + 1.0, 1.0);
+        float w = amplitude * min(detail - (float(done) - 1.0), 1.0);
         limit = lerp(limit, params.max_distance / scale, w);
         edge = detail != 0.0 ? lerp(edge, min(edge, octave), w) : octave;
         scale *= params.lacunarity;
@@ -84,11 +85,12 @@ float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {
     uint rows = cell_rowsDIM(1);
     float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    uint more = uint(ceil(detail));
     float amplitude = 1.0;
     float limit = params.max_distance;
     float scale = 1.0;
     float edge = 8.0;
-    float left = detail;
+    uint done = 0u;
     uint row = 0u;
     float farthest = 3.402823466e+38;
     float radius = 0.0;
@@ -99,7 +101,7 @@ float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
     intDIM base = 0;
     voronoi_startDIM(co, c, local, base);
     [loop] [fastopt]
-    while (left > -1.0)
+    while (done <= more)
     {
         [branch]
         if (row == rows)
@@ -114,12 +116,12 @@ float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
         if (row == 2u * rows)
         {
             octave /= scale;
-            float w = amplitude * min(left + 1.0, 1.0);
+            float w = amplitude * min(detail - (float(done) - 1.0), 1.0);
             limit = lerp(limit, params.max_distance / scale, w);
             edge = detail != 0.0 ? lerp(edge, min(edge, octave), w) : octave;
             scale *= params.lacunarity;
             amplitude *= params.roughness;
-            left -= 1.0;
+            done++;
             row = 0u;
             farthest = 3.402823466e+38;
             octave = 3.402823466e+38;

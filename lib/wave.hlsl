@@ -19,8 +19,8 @@ float tex_wave(int type, int bands, int rings, int profile, float3 p, float dist
   n += phase;
   if (distortion != 0.0) {
     float plain = 0.0;
-    n += distortion * (2.0 * noise_fractal3_FBM(p * detail_scale, clamp(detail, 0.0, 15.0), detail_roughness, 2.0,
-        0.0, 0.0, 1.0, plain) - 1.0);
+    n += distortion * (2.0 * noise_fractal3_FBM(p * detail_scale, false, clamp(detail, 0.0, 15.0), detail_roughness,
+      2.0, 0.0, 0.0, 1.0, plain) - 1.0);
   }
   if (profile == 0) return 0.5 + 0.5 * sin(n - 1.5707964);
   n /= 6.2831855;

@@ -170,7 +170,7 @@ def test_ends_whatever_it_is_given(kind, bad):
 FLOATS = ["float"] * 8
 
 
-@pytest.mark.parametrize("d, most", [(1, 190), (2, 320), (3, 380), (4, 780)])
+@pytest.mark.parametrize("d, most", [(1, 205), (2, 340), (3, 380), (4, 780)])
 @pytest.mark.parametrize("kind", KINDS)
 def test_cost(kind, d, most):
     name = f"noise_texture{d}_{kind}"
