@@ -154,10 +154,10 @@ float noise_signed4(float4 p) {
   return -0.4172 * sum;
 }
 
-// The fractals sum octaves: a first one and `more` after it, at most 15 as in Blender. If `detail` is not an integer,
-// the last one is weighted by the rest of `detail` (a fractional octave). Octaves are counted in integers, which a GPU
-// keeps once for all pixels. The loops test at their start: with a test at the end, Mesa's CPU driver gives all lanes
-// the last octave of the lane that runs longest. [fastopt] stops FXC from simulating the iterations at compile time.
+// The fractals sum octaves: a first one and `more` after it, for a detail of 0 to 15. If `detail` is not an integer, the
+// last one is weighted by the rest of `detail` (a fractional octave). Octaves are counted in integers, which a GPU keeps
+// once for all pixels. The loops test at their start: with a test at the end, Mesa's CPU driver gives all lanes the last
+// octave of the lane that runs longest. [fastopt] stops FXC from simulating the iterations at compile time.
 // plain: the noise of the last octave before any weighting. plain_only: the first octave is the last one, and the value
 // is meaningless. A detail of 0 would do the same, but what follows from a constant detail is constant.
 
@@ -180,7 +180,6 @@ float2 noise_weights(uint more, float roughness) {
 // @each DIM 1 2 3 4
 float noise_fractalDIM_FBM(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
-  detail = min(detail, 15.0);
   uint more = uint(ceil(detail));
   float scale = 1.0;
   float weight = 1.0;
@@ -202,7 +201,6 @@ float noise_fractalDIM_FBM(floatDIM p, bool plain_only, float detail, float roug
 // @each DIM 1 2 3 4
 float noise_fractalDIM_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
-  detail = min(detail, 15.0);
   uint more = uint(ceil(detail));
   float weight = 1.0;
   float value = 1.0;
@@ -223,7 +221,6 @@ float noise_fractalDIM_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, f
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
-  detail = min(detail, 15.0);
   uint more = uint(ceil(detail));
   float weight = 1.0;
   float carry = 1.0;
@@ -247,7 +244,7 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, bool plain_only, float de
 // @each DIM 1 2 3 4
 float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
-  uint more = uint(min(detail, 15.0));
+  uint more = uint(detail);
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
@@ -270,7 +267,6 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, bool plain_only, float de
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
-  detail = min(detail, 15.0);
   uint more = uint(ceil(detail));
   float weight = 1.0;
   float value = 0.0;

@@ -284,7 +284,7 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     float amplitude = 1.0;
     float total = 0.0;
     float scale = 1.0;
-    float detail = params.roughness != 0.0 ? min(params.detail, 15.0) : 0.0;
+    float detail = params.roughness != 0.0 ? params.detail : 0.0;
     uint more = uint(ceil(detail));
     uint done = 0u;
     uint row = 0u;
