@@ -18,12 +18,13 @@ float3 rgb_to_hsv(float3 c) {
 }
 
 // The inverse. A hue outside 0 to 1 is not wrapped but uses the last sextant. With a saturation of 0 the hue does not
-// matter, not even an infinite one. `lack` is what a pure colour of this hue lacks of white.
+// matter, not even an infinite one. `lack` is what a pure colour of this hue lacks of white. An infinite saturation
+// leaves the largest component as it is.
 float3 hsv_to_rgb(float3 c) {
   float h = c.y == 0.0 ? 0.0 : 6.0 * c.x;
   if (!(h >= 0.0 && h <= 6.0)) h = 5.0 + frac(h);
   float3 lack = saturate(float3(2.0 - abs(h - 3.0), abs(h - 2.0) - 1.0, abs(h - 4.0) - 1.0));
-  return c.z * (1.0 - c.y * lack);
+  return c.z * (1.0 - clamp(c.y, -3.402823466e+38, 3.402823466e+38) * lack);
 }
 
 // Hue, saturation, lightness; lightness at most 1. Grey has hue and saturation 0. Colours outside 0 to 1 have

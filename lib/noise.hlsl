@@ -154,10 +154,11 @@ float noise_signed4(float4 p) {
   return -0.4172 * sum;
 }
 
-// The fractals sum octaves: a first one and `more` after it, for a detail of 0 to 15. If `detail` is not an integer, the
-// last one is weighted by the rest of `detail` (a fractional octave). Octaves are counted in integers, which a GPU keeps
-// once for all pixels. The loops test at their start: with a test at the end, Mesa's CPU driver gives all lanes the last
-// octave of the lane that runs longest. [fastopt] stops FXC from simulating the iterations at compile time.
+// The fractals sum octaves: a first one and `more` after it, never above 15, whatever `detail` is. If `detail` is not
+// an integer, the last one is weighted by the rest of `detail` (a fractional octave). Octaves are counted in integers,
+// which a GPU keeps once for all pixels. The loops test at their start: with a test at the end, Mesa's CPU driver gives
+// all lanes the last octave of the lane that runs longest. [fastopt] stops FXC from simulating the iterations at
+// compile time.
 // plain: the noise of the last octave before any weighting. plain_only: the first octave is the last one, and the value
 // is meaningless. A detail of 0 would do the same, but what follows from a constant detail is constant.
 
@@ -167,7 +168,7 @@ float noise_signed4(float4 p) {
 float2 noise_weights(uint more, float roughness) {
   float sum = 0.0;
   float weight = 1.0;
-  for (uint octave = 0u; octave < more; octave++) {
+  for (uint octave = 0u; octave < min(more, 15u); octave++) {
     sum += weight;
     weight *= roughness;
   }
@@ -180,6 +181,7 @@ float2 noise_weights(uint more, float roughness) {
 // @each DIM 1 2 3 4
 float noise_fractalDIM_FBM(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity, float offset,
     float gain, float normalize, out float plain) {
+  detail = clamp(detail, 0.0, 15.0);
   uint more = uint(ceil(detail));
   float scale = 1.0;
   float weight = 1.0;
@@ -201,6 +203,7 @@ float noise_fractalDIM_FBM(floatDIM p, bool plain_only, float detail, float roug
 // @each DIM 1 2 3 4
 float noise_fractalDIM_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
+  detail = clamp(detail, 0.0, 15.0);
   uint more = uint(ceil(detail));
   float weight = 1.0;
   float value = 1.0;
@@ -221,6 +224,7 @@ float noise_fractalDIM_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, f
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
+  detail = clamp(detail, 0.0, 15.0);
   uint more = uint(ceil(detail));
   float weight = 1.0;
   float carry = 1.0;
@@ -244,7 +248,7 @@ float noise_fractalDIM_HYBRID_MULTIFRACTAL(floatDIM p, bool plain_only, float de
 // @each DIM 1 2 3 4
 float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
-  uint more = uint(detail);
+  uint more = uint(clamp(detail, 0.0, 15.0));
   float weight = 1.0;
   float carry = 1.0;
   float value = 0.0;
@@ -267,6 +271,7 @@ float noise_fractalDIM_RIDGED_MULTIFRACTAL(floatDIM p, bool plain_only, float de
 // @each DIM 1 2 3 4
 float noise_fractalDIM_HETERO_TERRAIN(floatDIM p, bool plain_only, float detail, float roughness, float lacunarity,
     float offset, float gain, float normalize, out float plain) {
+  detail = clamp(detail, 0.0, 15.0);
   uint more = uint(ceil(detail));
   float weight = 1.0;
   float value = 0.0;

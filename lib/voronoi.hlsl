@@ -272,7 +272,7 @@ QWKVoronoiOutput voronoi_octaveDIM(QWKVoronoiParams params, floatDIM c, float2 b
 // Features 0 to 2 over detail + 1 octaves; the last is weighted by its fraction. normalize scales distance and colour
 // back to the range of one octave, and divides the distance by max_distance. The position is interpolated, not summed.
 // A smooth blend with a smoothness of 0 is the nearest point. Octaves are counted in integers, which a GPU keeps once
-// for all pixels: there are `more` after the first, and `done` so far.
+// for all pixels: there are `more` after the first, never above 15, and `done` so far.
 // @each DIM 1 2 3 4
 QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
 {
@@ -284,7 +284,7 @@ QWKVoronoiOutput fractal_voronoi_x_fxDIM(QWKVoronoiParams params, floatDIM co)
     float amplitude = 1.0;
     float total = 0.0;
     float scale = 1.0;
-    float detail = params.roughness != 0.0 ? params.detail : 0.0;
+    float detail = params.roughness != 0.0 ? clamp(params.detail, 0.0, 15.0) : 0.0;
     uint more = uint(ceil(detail));
     uint done = 0u;
     uint row = 0u;

@@ -60,7 +60,7 @@ void voronoi_edge_rowDIM(QWKVoronoiParams params, intDIM base, uint row, bool fi
 // digits.
 float fractal_voronoi_distance_to_edge1(QWKVoronoiParams params, float co)
 {
-    float detail = params.roughness != 0.0 ? params.detail : 0.0;
+    float detail = params.roughness != 0.0 ? clamp(params.detail, 0.0, 15.0) : 0.0;
     uint more = uint(ceil(detail));
     float amplitude = 1.0;
     float limit = params.max_distance;
@@ -84,7 +84,7 @@ float fractal_voronoi_distance_to_edge1(QWKVoronoiParams params, float co)
 float fractal_voronoi_distance_to_edgeDIM(QWKVoronoiParams params, floatDIM co)
 {
     uint rows = cell_rowsDIM(1);
-    float detail = params.roughness != 0.0 ? params.detail : 0.0;
+    float detail = params.roughness != 0.0 ? clamp(params.detail, 0.0, 15.0) : 0.0;
     uint more = uint(ceil(detail));
     float amplitude = 1.0;
     float limit = params.max_distance;

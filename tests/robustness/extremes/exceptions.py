@@ -15,7 +15,6 @@ FAR_NOISE = (
 AGAINST_BLENDER = {
     "Mix RGBA SATURATION True Result_Color": (5, NO_HUE),
     "Mix RGBA COLOR True Result_Color": (11, NO_HUE),
-    "Mix RGBA VALUE True Result_Color": (1, NO_HUE),
     "Gamma Color": (15, POWER),
     "Mapping TEXTURE Vector": (1, FAR_SINE),
     **{
@@ -30,7 +29,7 @@ AGAINST_BLENDER = {
 OUT_OF_RANGE = {
     r"hue_range": "a grey has no hue",
     r"rgb_to_hsl": "the saturation is infinite where the largest and the smallest component add up to 0 or 2",
-    r"noise_(fractal[1-3]|texture\d)_FBM|tex_wave": "with a negative roughness the octaves' weights can add up to 0",
+    r"noise_(fractal|texture)\d_FBM|tex_wave": "with a negative roughness the octaves' weights can add up to 0",
     r"radial_tiling": "there are no tiles of less than two sides",
     r"voronoi_(un)?root|voronoi_distance\d|voronoi_octave\d": "an exponent of 0 has no sense",
     r"modulo_step": "the quotient by 0 is for its caller to keep away",
