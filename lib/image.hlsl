@@ -1,17 +1,15 @@
 // Texel access, and the projections of the Image and Environment textures.
 
 // The texel of an image of `size` texels that stands at `texel`, by the extension code: 0 repeat, 1 and 2 the nearest
-// one at the edge, 3 mirror (which doubles the edge texel); any other repeats. A GPU has no integer division, so the
-// remainder is that of floats: exact up to 2^23, from where on floats have no fractions of texels. Farther ones are
-// wrapped to an arbitrary texel of the image. The half keeps floor clear of the quotient's rounding up to 2^21; beyond
-// that, the first step can be a period off.
+// one at the edge, 3 mirror (which doubles the edge texel); any other repeats. Exact. A GPU has no integer division, so
+// the quotients are of floats. The first is off by 2^9 texels at most, and its product is one of integers, which do not
+// round; so near the image the second remainder is exact. The half keeps its floor clear of the quotient's rounding.
 int2 wrap_texel(int2 texel, int2 size, int extension) {
   int2 wrapped = clamp(texel, 0, size - 1);
   if (extension != 1 && extension != 2) {
     float2 period = float2(size) * (extension == 3 ? 2.0 : 1.0);
     float2 turn = 1.0 / period;
-    float2 i = float2(texel);
-    i = mad(floor(mad(i, turn, 0.5 * turn)), -period, i);
+    float2 i = float2(texel - int2(floor(float2(texel) * turn)) * int2(period));
     i = mad(floor(mad(i, turn, 0.5 * turn)), -period, i);
     if (extension == 3) i = min(i, period - 1.0 - i);
     wrapped = int2(i);

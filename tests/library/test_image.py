@@ -87,23 +87,13 @@ def test_wrap(extension, axis):
     ],
 )
 def test_wrap_far_away(extension, want):
-    last = 2**23 - np.arange(64)
-    far = np.concatenate([-last, [-(10**6), -13, 13, 41, 10**6], last])
-    for width, height in (1, 3), (5, 7), (1021, 6), (41, 2):  # 41 * (1 / 41) is less than 1 in floats
+    last = 2**31 - 1 - np.arange(1024, dtype=np.int64)
+    far = np.concatenate([[-(2**31)], -last, [-(10**6), -13, 13, 41, 10**6], last])
+    for width, height in (5, 3), (1, 7), (1021, 6), (41, 2):  # 41 * (1 / 41) is less than 1 in floats
         at = np.stack([far, far[::-1]], axis=-1)
         got = fetch(numbered(width, height), at, extension)
         assert (got[:, 0] == want(at[:, 0], width)).all() and (got[:, 1] == want(at[:, 1], height)).all()
         assert (got[:, 3] == 1).all()
-
-
-@pytest.mark.parametrize("extension", [REPEAT, EXTEND, MIRROR])
-@pytest.mark.parametrize("size", [(1, 1), (3, 2), (2048, 3), (1, 1000)])
-def test_wrap_beyond_the_fractions_of_floats(extension, size):
-    """Every index gives a texel of the image: a texel outside would be transparent black."""
-    beyond = 2 ** np.arange(23, 31, 0.01)
-    at = np.concatenate([-beyond, beyond, [-(2.0**31), 2.0**31 - 1]]).astype(np.int64)
-    got = fetch(numbered(*size), np.stack([at, at[::-1]], axis=-1), extension)
-    assert (got[:, 3] == 1).all()
 
 
 def test_a_single_texel_and_an_unknown_code():
