@@ -12,11 +12,13 @@ float3 n_obj_to_world(float3 n, float3 ox, float3 oy, float3 oz) {
 }
 
 // A direction from world to object space by the inverse of the matrix; its length changes with the scale. Zero if the
-// matrix has no inverse.
+// matrix has no inverse. A component is the triple product of d and two axes over the determinant. d is in the cross
+// products: those of the axes would be common to all calls, and compilers would keep all nine components in registers
+// from the first call to the last one, for a bump across all the textures that it reads.
 float3 dir_world_to_obj(float3 d, float3 ox, float3 oy, float3 oz) {
-  float3 c = cross(oy, oz);
-  float det = dot(ox, c);
-  float3 v = float3(dot(d, c), dot(d, cross(oz, ox)), dot(d, cross(ox, oy)));
+  float det = dot(ox, cross(oy, oz));
+  float3 c = cross(d, oy);
+  float3 v = float3(dot(oz, c), dot(ox, cross(d, oz)), -dot(ox, c));
   return v * (det == 0.0 ? 0.0 : 1.0 / det);
 }
 

@@ -325,8 +325,8 @@ floatDIM noise_distortion_offsetDIM(int component) {
 // the results of the last four parts, the latest first; the components are computed from the last to the first, so that
 // part 0 finds each at its place. If only the value is wanted, no part is above 0: the test of the distortion is left
 // out, as it costs where that is a live parameter.
-// Compilers keep a loop marked [loop] even if it has one iteration. The break removes its counter and test if only the
-// value is wanted, without distortion.
+// Compilers keep a loop marked [loop] even if it has one iteration. The test at the end removes it if only the value is
+// wanted, without distortion: the parts are constants then.
 // @each DIM 1 2 3 4
 // @each TYPE FBM MULTIFRACTAL HYBRID_MULTIFRACTAL RIDGED_MULTIFRACTAL HETERO_TERRAIN
 float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float lacunarity, float offset, float gain,
@@ -336,7 +336,7 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
   int part = distortion != 0.0 ? -DIM : 0;
   int last = want_colour != 0.0 ? 2 : 0;
   [loop] [fastopt]
-  while (part <= last) {
+  while (true) {
     floatDIM p = co;
     if (want_colour == 0.0 || (distortion != 0.0 && part <= 0))
       p += part < 0 ? noise_distortion_offsetDIM(part) : (floatDIM)found;
@@ -345,7 +345,7 @@ float noise_textureDIM_TYPE(floatDIM co, float detail, float roughness, float la
     bool plain_only = distortion != 0.0 && part < 0;  // a constant without distortion
     float value = noise_fractalDIM_TYPE(p, plain_only, detail, roughness, lacunarity, offset, gain, normalize, plain);
     found = float4(part < 0 ? distortion * plain : value, found.xyz);
-    if (distortion == 0.0 && want_colour == 0.0) break;
+    if (part == last) break;
     part++;
   }
   colour = want_colour != 0.0 ? found.zyx : (float3)0.0;

@@ -130,6 +130,22 @@ def test_colour_and_distortion_in_double_precision(kind, d):
     assert np.array_equal(colour[:, 0], value)
 
 
+@pytest.mark.parametrize("kind", KINDS)
+@pytest.mark.parametrize("want_colour", [0.0, 1.0])
+def test_neighbours_whose_loops_are_longer_change_nothing(kind, want_colour):
+    co = points(3, 64, 6, 8.0)
+    details, distortions = np.float32([0.0, 1.5, 4.0, 2.0]), np.float32([0.0, 0.75])
+    detail, distortion = np.resize(details, 64), np.repeat(np.resize(distortions, 16), 4)
+    value, colour = texture(f"noise_texture3_{kind}", co, (detail, *PLAIN[1:5], distortion, 1.0), want_colour)
+    for alike in details:
+        for shared in distortions:
+            own = (detail == alike) & (distortion == shared)
+            assert own.sum() == 8
+            settings = (alike, *PLAIN[1:5], shared, 1.0)
+            lone, lone_colour = texture(f"noise_texture3_{kind}", co[own], settings, want_colour)
+            assert np.array_equal(value[own], lone) and np.array_equal(colour[own], lone_colour)
+
+
 @pytest.mark.parametrize("d", [1, 2, 3, 4])
 def test_fifteen_octaves(d):
     co = points(d, 200, d)
