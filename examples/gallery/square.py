@@ -95,7 +95,7 @@ def compare(name, size=64, base_ir=None, whole=True):
     pairs = {"value": (arrays["value"], _grid(materials.evaluate(result, given)["result"], arrays["value"]))}
     if whole and set(arrays) & set(OUTPUTS):
         found = materials.evaluate(quillgen.compile(materials.undithered(materials.document(name))), given)
-        for key in arrays.keys() & OUTPUTS.keys():
+        for key in [key for key in OUTPUTS if key in arrays]:
             default = np.full(arrays[key].shape[2:], key == "alpha", np.float32)
             pairs[key] = (arrays[key], _grid(found.get(OUTPUTS[key], default), arrays[key]))
     return pairs
