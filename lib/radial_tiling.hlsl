@@ -29,8 +29,8 @@ float4 calculate_out_variables(bool want_coordinates, bool want_width, bool norm
   float segment = floor(angle / (2.0 * alpha));
   float phi = angle - segment * (2.0 * alpha);
   float border = segment + step(alpha, phi);
-  bool broken = sides != whole;
-  bool last = broken && segment >= whole;
+  bool fractional = sides != whole;
+  bool last = fractional && segment >= whole;
   // Two sides are parallel lines without corners, or else a circle: their half angle, pi / 2, has no tangent.
   bool strip = sides == 2.0 && roundness < 1.0;
 
@@ -46,7 +46,7 @@ float4 calculate_out_variables(bool want_coordinates, bool want_width, bool norm
   float radius = roundness;
   float2 centre = float2(slope / sin(half_angle), 0.0);
   float corner_scale = 1.0;
-  if (broken && (border == 0.0 || border >= whole)) {
+  if (fractional && (border == 0.0 || border >= whole)) {
     float tangent = tan(lambda);
     float end = atan(sharp * tangent);
     radius *= tangent / tan(0.5 * (alpha + lambda));

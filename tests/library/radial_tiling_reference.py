@@ -64,7 +64,7 @@ class Tiling:
             return (h, t, 1.0, 0.0, turn) if self.n == 2 else (h, t, divisor, width, turn)
         return self.corner()
 
-    def broken_sharp(self):
+    def fractional_sharp(self):
         lam = pi - floor(self.n) * self.alpha
         if self.theta < 2 * pi - 2 * lam:
             return self.straight(self.alpha, 0.0, 0.0)
@@ -72,9 +72,9 @@ class Tiling:
         t = r * g * tan(abs(lam - self.phi))
         return r * g, self.signed(t, lam), r * g * tan(lam), tan(lam), self.k * self.sigma + lam
 
-    def broken(self):
+    def fractional(self):
         if self.rho == 0:
-            return self.broken_sharp()
+            return self.fractional_sharp()
         a, rho, theta, beta = self.alpha, self.rho, self.theta, self.beta
         lam = pi - floor(self.n) * a
         start = 2 * pi - 2 * lam
@@ -116,7 +116,7 @@ class Tiling:
 
 def variables(normalize, n, rho, px, py):
     tiling = Tiling(n, rho, px, py)
-    h, t, divisor, width, turn = tiling.whole() if n == floor(n) else tiling.broken()
+    h, t, divisor, width, turn = tiling.whole() if n == floor(n) else tiling.fractional()
     t = 0.0 if px == 0 and py == 0 else t / divisor if normalize else t
     return (h, 0.5 * t + 0.5, width, turn) if normalize else (h - 1, t, width, turn)
 
