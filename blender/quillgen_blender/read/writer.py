@@ -30,9 +30,9 @@ class Writer:
 
     # What readers of the document ask for
 
-    def output(self, socket: Any) -> list[str] | None:
+    def output(self, socket: Any, place: Place) -> list[str] | None:
         """[id, output] of what feeds a socket of the material's output; None if no node does."""
-        found = self.sources.source(socket, self.root)
+        found = self.sources.source(socket, place)
         return self.reference(found)[:2] if isinstance(found, sources.Linked) else None
 
     def finish(self) -> None:
