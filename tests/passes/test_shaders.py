@@ -88,6 +88,17 @@ def test_a_textured_glass_follows_its_texture():
     assert result["material"]["blend"] == "translucent" and result["warnings"] == []
 
 
+@pytest.mark.parametrize("kind", ["BsdfGlass", "BsdfTransparent"])
+def test_a_linked_vector_has_the_brightness_of_a_colour(kind):
+    """A colour socket takes a vector as a colour, and its brightness is no mean of the components."""
+    source = node("Combine XYZ", "CombineXYZ", {axis: value(part) for axis, part in zip("XYZ", RED, strict=False)})
+    codes = []
+    for seen in ("VECTOR", "RGBA"):
+        shader = bsdf(kind, Color=link("Combine XYZ", "Vector", seen, "RGBA"))
+        codes.append(translated(surface(source, shader))[0]["code"])
+    assert codes[0] == codes[1]
+
+
 def test_glass_beside_an_opaque_shader_stays_masked():
     mix = node(
         "Mix Shader",

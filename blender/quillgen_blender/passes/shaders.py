@@ -55,9 +55,10 @@ class Nearest(made.Builder):
         self.notes.append(note(node["id"], node["type"], feature))
 
     def brightness(self, entry: dict[str, Any]) -> Operand:
-        """The luminance of a colour input, as a number."""
+        """The luminance of a colour input, as a number. A linked vector counts as a colour, as in the socket."""
         if "link" in entry:
-            return {"t": "VALUE", "link": entry["link"]}
+            source, output, kind = entry["link"]
+            return {"t": "VALUE", "link": [source, output, "RGBA" if kind == "VECTOR" else kind]}
         held = entry.get("v") or [0.0, 0.0, 0.0]
         return sum(part * weight for part, weight in zip(held, self.weights, strict=False))
 

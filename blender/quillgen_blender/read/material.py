@@ -7,7 +7,7 @@ from typing import Any, NamedTuple
 import bpy
 
 from ..notes import Note
-from . import working_space
+from . import outputs, working_space
 from .writer import Writer
 
 NODE = re.compile(r'nodes\["((?:[^"\\]|\\.)*)"\]')  # the start of the data path of a node's value
@@ -35,9 +35,10 @@ def flatten(material: Any, mesh: Any = None) -> Reading:
     if mesh and uv_maps and not mesh.uv_layers[0].active_render:
         writer.note("", f"{mesh.name}: the UV map for rendering is not the first one, which Unreal takes", "near")
     writer.root.tree = material.node_tree
-    end = material.node_tree.get_output_node("CYCLES")
-    ends = end.inputs if end else {}  # a World or Light Output, if it is the active one, has fewer inputs
-    out = {name.lower(): writer.output(ends[name]) for name in ("Surface", "Displacement") if name in ends}
+    ends = outputs.ends(writer.root)
+    shown = {name: outputs.linked(ends, name) for name in ("Surface", "Displacement", "Volume")}
+    parts = {name.lower(): found for name, found in shown.items() if found and name != "Volume"}
+    out = {name: writer.output(*found) for name, found in parts.items()}
     writer.finish()
     writer.aov_outputs()
     working_space.to_rec709(writer)
@@ -47,7 +48,7 @@ def flatten(material: Any, mesh: Any = None) -> Reading:
         "images": writer.images,
         "uv_maps": uv_maps,
         "settings": writer.settings,
-        "host": host(end, mesh, writer),
+        "host": host(bool(ends), shown, mesh, writer),
     }
     return Reading(document, writer.notes, writer.paths, writer.pictures)
 
@@ -71,14 +72,14 @@ def settings(material: Any) -> dict[str, Any]:
     return found
 
 
-def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
+def host(has_output: bool, shown: dict[str, Any], mesh: Any, writer: Writer) -> dict[str, Any]:
     """Facts beside the node graph: the version, whether there is a Material Output and what is linked to it, which
     nodes are driven or animated, and the colour attributes of the mesh."""
     found = {
         "blender": list(bpy.app.version),
-        "output": bool(end),
-        "surface": is_linked(end, "Surface"),
-        "volume": is_linked(end, "Volume"),
+        "output": has_output,
+        "surface": bool(shown["Surface"]),
+        "volume": bool(shown["Volume"]),
         "drivers": driven(writer),
     }
     if mesh:
@@ -86,11 +87,6 @@ def host(end: Any, mesh: Any, writer: Writer) -> dict[str, Any]:
         index = mesh.color_attributes.render_color_index
         found["active_color"] = mesh.color_attributes[index].name if index >= 0 else ""
     return found
-
-
-def is_linked(end: Any, name: str) -> bool:
-    """Whether a socket of the material's output is linked; False if there is no output."""
-    return end is not None and name in end.inputs and end.inputs[name].is_linked
 
 
 def driven(writer: Writer) -> list[str]:

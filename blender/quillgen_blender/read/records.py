@@ -67,6 +67,18 @@ def combined(identity: str, value: Any) -> dict[str, Any]:
     }
 
 
+def emission(identity: str, color: dict[str, Any]) -> dict[str, Any]:
+    """A record that emits a colour. Its values never become parameters."""
+    return {
+        "id": identity,
+        "type": "ShaderNodeEmission",
+        "in": {"Color": color, "Strength": {"t": "VALUE", "v": 1.0}},
+        "outs": {"Emission": "SHADER"},
+        "props": {},
+        "made": True,
+    }
+
+
 def ramp(node: Any) -> dict[str, Any]:
     """A colour ramp as Blender stores it: the stops in list order and the interpolation settings."""
     band = node.color_ramp

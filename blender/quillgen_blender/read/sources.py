@@ -112,8 +112,17 @@ class Sources:
 
 def cross(found: Linked | Constant, socket: Any) -> Linked | Constant:
     if isinstance(found, Constant):
+        if socket.type == "SHADER" and values.kind(found.type):
+            return found  # becomes an emission where a shader reads it
         return found._replace(type=socket.type, value=values.convert(found.value, found.type, socket.type))
     return found._replace(borders=(*found.borders, socket.type))
+
+
+def is_value(found: Source) -> bool:
+    """Whether a source holds a number, a vector or a colour."""
+    if isinstance(found, Linked):
+        return values.kind(found.socket.type) is not None
+    return found is not None and found.value is not None and values.kind(found.type) is not None
 
 
 def named(sockets: Any, identifier: str) -> Any:

@@ -30,9 +30,12 @@ class Writer:
 
     # What readers of the document ask for
 
-    def output(self, socket: Any) -> list[str] | None:
+    def output(self, socket: Any, place: Place) -> list[str] | None:
         """[id, output] of what feeds a socket of the material's output; None if no node does."""
-        found = self.sources.source(socket, self.root)
+        found = self.sources.source(socket, place)
+        if socket.type == "SHADER" and sources.is_value(found):
+            end = socket.node.name
+            return self.glow(found, f"{place.prefix}{end} {socket.identifier}", (*place.names, end))[:2]
         return self.reference(found)[:2] if isinstance(found, sources.Linked) else None
 
     def finish(self) -> None:
@@ -158,8 +161,10 @@ class Writer:
     ) -> dict[str, Any] | None:
         """The entry of a linked input; None if nothing arrives by the link."""
         found = self.sources.source(socket, place)
+        if socket.type == "SHADER" and sources.is_value(found):
+            return {"t": "SHADER", "link": self.glow(found, f"{identity} {identifier}", self.paths[identity])}
         if isinstance(found, sources.Linked):
-            return {"t": socket.type, "link": self.link(found, socket, identity)}
+            return {"t": socket.type, "link": self.link(found, socket.type, socket.identifier, identity)}
         if found is None or found.value is None or self.own(found, identifier, kind):
             return None
         value = values.convert(found.value, found.type, socket.type)
@@ -173,15 +178,16 @@ class Writer:
             return not found.linked and (identifier in kind.implicit or identifier in kind.surface)
         return found.hidden and identifier in kind.surface
 
-    def link(self, linked: sources.Linked, socket: Any, identity: str) -> list[str]:
+    def link(self, linked: sources.Linked, wanted: str, identifier: str, identity: str) -> list[str]:
+        """The link to a node's output from an input of the type `wanted`."""
         reference = self.reference(linked)
         if not linked.borders:
             return reference
         if not sources.BORDERS_CONVERT:
-            return self.folded(linked, reference, socket.identifier, identity)
-        seen, spread, whole = sources.narrow(linked.borders, linked.socket.type, socket.type)
+            return self.folded(linked, reference, identifier, identity)
+        seen, spread, whole = sources.narrow(linked.borders, linked.socket.type, wanted)
         reference[2] = seen
-        return self.number(reference, whole, socket.identifier, identity) if spread or whole else reference
+        return self.number(reference, whole, identifier, identity) if spread or whole else reference
 
     def folded(self, linked: sources.Linked, reference: list[str], identifier: str, reader: str) -> list[str]:
         """The link to a node across borders, which convert its value if Blender folds the node."""
@@ -213,3 +219,15 @@ class Writer:
         identity = self.put_in(identifier, reader)
         self.nodes.append(records.combined(identity, value))
         return [identity, "Vector", "VECTOR"]
+
+    def glow(self, found: Any, wish: str, path: tuple[str, ...]) -> list[str]:
+        """Inserts an emission for a value that feeds a shader socket, as Blender does."""
+        identity = self.fresh(wish)
+        self.paths[identity] = path
+        color: dict[str, Any] = {"t": "RGBA"}
+        if isinstance(found, sources.Linked):
+            color["link"] = self.link(found, "RGBA", "Color", identity)
+        else:
+            color["v"] = values.convert(found.value, found.type, "RGBA")
+        self.nodes.append(records.emission(identity, color))
+        return [identity, "Emission", "SHADER"]
