@@ -52,7 +52,9 @@ def node(tree, record):
         elif hasattr(made, key):
             setattr(made, key, value)
     for socket, entry in record["in"].items():
-        if "v" in entry:
+        if socket == "Filter Width" and socket not in made.inputs:
+            assert entry["v"] == 1.0  # what Blender does before it has the socket
+        elif "v" in entry:
             target = named(made.inputs, socket)
             value = entry["v"]
             target.default_value = value[: len(target.default_value)] if isinstance(value, list) else value

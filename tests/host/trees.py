@@ -296,6 +296,11 @@ def direction(tree):
     return node.outputs["Dot"]
 
 
+def bumped(tree):
+    height = add(tree, "TexNoise", {"Vector": vector(tree), "Scale": 2.0}).outputs[0]
+    return add(tree, "Bump", {"Height": height}).outputs[0]
+
+
 def unused_branch(tree):
     add(tree, "TexNoise", {"Vector": vector(tree)})
     add(tree, "NodeFrame")

@@ -3,6 +3,7 @@
 import copy
 import re
 
+import pytest
 from records import document, link, node, principled, value
 
 import quillgen
@@ -116,6 +117,34 @@ def test_a_node_whose_other_outputs_feed_the_displacement():
     assert sources(after["Principled BSDF"])["Base Color"] == "Geometry"
     assert sources(after["Separate XYZ"]) == {"Vector": "Geometry Displacement"}
     assert len(after) == 5 + 1
+
+
+# Nodes that read the shading normal in one mode, and one that doesn't: type, output, mode, other mode.
+LINKED = {"Normal": link("Geometry", "Position", "VECTOR")}
+BY_MODE = {
+    "a box projection": ("TexImage", "Color", {"projection": "BOX"}, {"projection": "FLAT"}),
+    "a displacement": ("Displacement", "Displacement", {"space": "WORLD"}, {"space": "WORLD", "in": LINKED}),
+    "a vector map": ("VectorDisplacement", "Displacement", {"space": "TANGENT"}, {"space": "OBJECT"}),
+}
+
+
+def shared(kind, output, mode):
+    """The material above with a node in place of Separate XYZ."""
+    made, mode = moss(), dict(mode)
+    place = next(n for n, record in enumerate(made["nodes"]) if record["id"] == "Separate XYZ")
+    made["nodes"][place] = node("Separate XYZ", kind, mode.pop("in", {}), **mode)
+    by_id(made)["Math.001"]["in"]["Value"] = link("Separate XYZ", output, "VECTOR", "VALUE")
+    return made
+
+
+@pytest.mark.parametrize("name", BY_MODE)
+def test_nodes_that_read_the_normal_in_one_mode(name):
+    kind, output, reading, other = BY_MODE[name]
+    after = by_id(bumped_normals.run(shared(kind, output, reading), Options())[0])
+    assert sources(after["Math\u00b7001"]) == {"Value": "Separate\u00b7XYZ"}
+    assert sources(after["Math.001"]) == {"Value": "Separate XYZ"}
+    plain = shared(kind, output, other)
+    assert bumped_normals.run(plain, Options())[0] is plain
 
 
 def test_the_node_that_is_the_displacement_itself():

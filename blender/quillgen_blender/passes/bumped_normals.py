@@ -6,27 +6,37 @@ that grows on upward faces ignores the relief. This pass duplicates these nodes 
 is chosen so that its parameters have the names of the original's: a value set in Unreal applies to both.
 """
 
-from collections.abc import Iterable
+from collections.abc import Callable, Iterable
 from typing import Any
 
 from ..notes import Note
 from . import made
 from .options import Options
 
-# The outputs that depend on the shading normal, by node type; None for all outputs.
-READERS: dict[str, frozenset[str] | None] = {
+Record = dict[str, Any]
+Outputs = frozenset[str] | None  # None for all outputs
+
+# The outputs that depend on the shading normal, by node type.
+READERS: dict[str, Outputs] = {
     "ShaderNodeNewGeometry": frozenset({"Normal", "Tangent"}),
     "ShaderNodeTexCoord": frozenset({"Normal", "Reflection"}),
     "ShaderNodeBevel": None,
     "ShaderNodeBump": None,
+    "ShaderNodeDisplacement": None,
     "ShaderNodeFresnel": None,
     "ShaderNodeLayerWeight": None,
     "ShaderNodeNormalMap": None,
     "ShaderNodeTangent": None,
+    "ShaderNodeTexImage": None,
+    "ShaderNodeVectorDisplacement": None,
+}
+# Whether a node reads the normal, for types that do so in some modes only.
+MODES: dict[str, Callable[[Record], bool]] = {
+    "ShaderNodeDisplacement": lambda node: "link" not in node["in"].get("Normal", ()),
+    "ShaderNodeTexImage": lambda node: node["props"].get("projection") == "BOX",
+    "ShaderNodeVectorDisplacement": lambda node: node["props"].get("space", "TANGENT") == "TANGENT",
 }
 SEPARATOR = "\u00b7"  # becomes an underscore in parameter names, as a space or a point does
-
-Record = dict[str, Any]
 
 
 def run(document: Record, options: Options) -> tuple[Record, list[Note]]:
@@ -76,12 +86,19 @@ def upstream(records: dict[str, Record], identity: str) -> set[str]:
     return found
 
 
+def reading(node: Record) -> Outputs:
+    """The outputs of a node that depend on the shading normal by what the node itself reads."""
+    kind = node["type"]
+    reads = kind in READERS and (kind not in MODES or MODES[kind](node))
+    return READERS[kind] if reads else frozenset()
+
+
 def following_the_normal(records: dict[str, Record], shared: set[str]) -> set[str]:
     """The shared nodes whose value depends on the shading normal."""
     read = {link for node in records.values() for link in links(node)}
 
     def follows(source: str, output: str) -> bool:
-        outputs = READERS.get(records[source]["type"], frozenset())
+        outputs = reading(records[source])
         return outputs is None or output in outputs
 
     found = {source for source, output in read if source in shared and follows(source, output)}
@@ -91,7 +108,7 @@ def following_the_normal(records: dict[str, Record], shared: set[str]) -> set[st
             identity
             for identity in shared - found
             for source, output in links(records[identity])
-            if source in found and (records[source]["type"] not in READERS or follows(source, output))
+            if source in found and (reading(records[source]) == frozenset() or follows(source, output))
         }
         found |= more
         grown = bool(more)

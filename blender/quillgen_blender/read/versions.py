@@ -99,6 +99,12 @@ def magic(writer: Any, node: Any, record: dict[str, Any]) -> None:
     coordinate["link"] = [identity, "Vector", "VECTOR"]
 
 
+def bump(writer: Any, node: Any, record: dict[str, Any]) -> None:
+    """Before Bump had a Filter Width, its heights were a whole pixel apart. Newer Blenders give nodes of such files a
+    width of 1; without the socket the translator takes the default of new nodes, 0.1."""
+    record["in"].setdefault("Filter Width", {"t": "VALUE", "v": 1.0})
+
+
 def voronoi(writer: Any, node: Any, record: dict[str, Any]) -> None:
     if record["props"]["voronoi_dimensions"] != "1D":
         writer.note(record["id"], "its cells lie as in Blender 5.0 and later, where this Blender has others", "near")
@@ -113,4 +119,5 @@ CHANGES = {
 if VERSION < (5, 2, 0):
     CHANGES["ShaderNodeTexMagic"] = magic
 if VERSION < (5, 0, 0):
+    CHANGES["ShaderNodeBump"] = bump
     CHANGES["ShaderNodeTexVoronoi"] = voronoi
