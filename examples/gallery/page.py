@@ -28,8 +28,6 @@ Blender's picture:
 - The clear coat lies on the mesh's own normal, as Blender's does while Coat Normal is empty: in Unreal,
   `OutNormal` goes to Clear Coat Bottom Normal. What glows is below the coat.
 - Masked materials are the mean of eight frames of their dithered opacity.
-- `hologram` and `hazard_decal` mix with a Transparent BSDF, which multiplies all of the record by the
-  opacity: they are composed as Unreal's blend mode AlphaComposite does.
 
 Below each pair stands how far the two files are apart, as a screen shows them: the shader of one is not that of the
 other, so this tells of light and noise as well as of the material.

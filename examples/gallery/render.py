@@ -78,7 +78,7 @@ def _rendered(stage, part, subdivision, samples):
     places = cameras.positions(camera, subdivision, grown)
     rays, seeds = cameras.rays(camera, places), cameras.numbers(camera, subdivision, places)
     seen = [_see(stage, index, places, rays, seeds, subdivision) for index in range(len(stage.scene.things))]
-    layers = [_layer(hit, around, rays, seeds, samples, stage.scene.premultiplied) for hit in seen]
+    layers = [_layer(hit, around, rays, seeds, samples) for hit in seen]
     layers.append(_backdrop(stage.scene, rays, seeds, samples * 3, places[:, 1] / camera.pixels))
     light = _composed(layers).reshape(grown.height * subdivision, grown.width * subdivision, 3)
     top, left = part.top - grown.top, part.left - grown.left
@@ -141,7 +141,7 @@ def _reflecting(stage):
     )
 
 
-def _layer(hit, around, rays, seeds, samples, premultiplied):
+def _layer(hit, around, rays, seeds, samples):
     """Returns (distances, light, opacity) for all rays."""
     shown = hit["hit"]
     light, opacity = np.zeros((len(rays), 3)), np.zeros((len(rays), 1))
@@ -151,7 +151,7 @@ def _layer(hit, around, rays, seeds, samples, premultiplied):
         opacity[shown, 0] = hit["opacity"]
         light[shown] = shade.lit(around, points, samples, seeds[shown])
         light[shown] += hit["emission"] * _through_coat(hit, points["view"])
-    return hit["distance"], light if premultiplied else light * opacity, opacity
+    return hit["distance"], light * opacity, opacity
 
 
 def _through_coat(hit, view):

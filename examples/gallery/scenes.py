@@ -18,7 +18,6 @@ class Scene(NamedTuple):
     behind: tuple = ((0.0,) * 3,) * 2  # radiance of the background at the lower and the upper edge
     panel: dict | None = None  # surface values of an upright plane behind the object
     relief_rows: int = 0  # rows of the grid for real displacement, 0 for none
-    premultiplied: bool = False  # whether the text's colours are already multiplied by the opacity
 
 
 STUDIO_LIGHTS = (
@@ -54,7 +53,7 @@ def scene(name):
 def hologram():
     """The front and the back of a ball in the dark."""
     far_side = BALL[0]._replace(far=True)
-    return on_a_ball(things=BALL + (far_side,), around=dark(0.005), premultiplied=True)
+    return on_a_ball(things=BALL + (far_side,), around=dark(0.005))
 
 
 def lava():
@@ -104,7 +103,7 @@ def stained_glass():
 
 def hazard_decal():
     metal = {"base": (0.25, 0.3, 0.34), "metallic": 1.0, "roughness": 0.4}
-    return wall((0.95, -3.73, 0.77), panel=metal, premultiplied=True)
+    return wall((0.95, -3.73, 0.77), panel=metal)
 
 
 GROUND = surfaces.Thing(surfaces.square(5.0, wide=8.0))

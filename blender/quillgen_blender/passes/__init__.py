@@ -4,14 +4,14 @@ from collections.abc import Collection
 from typing import Any
 
 from ..notes import Note
-from . import bumped_normals, displacement, losses, luma, parameters, ramps, shaders
+from . import bumped_normals, clear_mixes, displacement, losses, luma, parameters, ramps, shaders
 from .options import Options
 
 __all__ = ["PASSES", "Options", "finish", "prepare"]
 
 # The order matters. Each pass takes a document and the options, and returns a document and notes. It returns the same
 # document if nothing changes, and never changes one in place.
-PASSES = (losses.run, ramps.run, shaders.run, bumped_normals.run, luma.run)
+PASSES = (losses.run, ramps.run, shaders.run, clear_mixes.run, bumped_normals.run, luma.run)
 # The passes after the translation. Each takes a result, the document that was translated, the names of the parameters
 # that the artist marked, and the options.
 RESULT_PASSES = (displacement.set_magnitude, parameters.name_parameters)

@@ -22,6 +22,9 @@ class Options:
 
     `nearest_shaders`: shaders that the translator lacks are replaced by the nearest one that it has.
 
+    `clear_mixes`: where the surface is a Mix Shader with a transparent side, the other side keeps its colours, and its
+    opacity is the factor, as in Blender. Without it soft edges are dark.
+
     `bumped_normals`: nodes that read the shading normal and feed both the surface and the displacement use the bumped
     normal in the surface, as in Blender. They are duplicated for the displacement.
 
@@ -34,5 +37,6 @@ class Options:
     smooth_ramps: bool = True
     ramp_tolerance: float = 1e-3
     nearest_shaders: bool = True
+    clear_mixes: bool = True
     bumped_normals: bool = True
     find_range: bool = True
