@@ -6,7 +6,7 @@ import re
 from collections.abc import Collection, Mapping, Sequence
 from dataclasses import dataclass, field, replace
 from pathlib import Path
-from typing import Any, Literal
+from typing import Any
 
 from . import passes, write
 from .notes import Note
@@ -23,7 +23,7 @@ class Settings:
     `named`: the parameters that the artist marked."""
 
     options: Options = field(default_factory=Options)
-    mode: Literal["surface", "emission"] = "surface"
+    mode: passes.Mode = "surface"
     displacement: bool = True
     named: Collection[str] = ()
 
@@ -48,7 +48,7 @@ def translate(
     if not settings.displacement and method != "BUMP":
         document = document | {"settings": document["settings"] | {"displacement": "BUMP"}}
     try:
-        document, more = passes.prepare(document, settings.options)
+        document, more = passes.prepare(document, settings.options, settings.mode)
         result: Any = quillgen.compile(document, settings.mode, settings.options.parameters != "none")
         result, last = passes.finish(result, document, settings.named, settings.options)
     except quillgen.Unsupported as error:

@@ -96,7 +96,7 @@ def prepare(record, arrays, given, number, literal):
     """Returns (the part that is shared by all cases of one shader, the part of this case)."""
     import quillgen
 
-    result = quillgen.compile(passes.prepare(record["document"])[0], "emission", not literal)
+    result = quillgen.compile(passes.prepare(record["document"], mode="emission")[0], "emission", not literal)
     wanted = arrays["values"][number]
     names = [entry["name"] for entry in result["inputs"] if entry["kind"] != "texture"]
     values = {

@@ -4,11 +4,15 @@ import re
 from collections import Counter, defaultdict
 from pathlib import Path
 
+import numpy as np
 import pytest
 
 import compare
+import custom_expression
+import quillgen
 import report
 import store
+from quillgen_blender import passes
 
 ROOT = Path(__file__).resolve().parents[2]
 SHADERS = {"Background", "BsdfAnisotropic"}  # black in a scene without light, or for worlds only
@@ -48,6 +52,24 @@ def test_pixels_agree_with_cycles(outcomes):
 
 
 def test_no_case_disagrees_without_a_reason(outcomes):
+    assert report.disagreeing(outcomes) == []
+
+
+def test_lit_materials_show_the_same_as_unlit_ones():
+    """What a lit material glows with, thinned by its opacity, as Unreal composes it over black."""
+    records, arrays = store.load("shaders")
+    given = compare.inputs_of(arrays)
+    outcomes = []
+    for record, wanted in zip(records, arrays["values"], strict=True):
+        document = passes.prepare(record["document"] | {"settings": {"blend": "BLENDED"}})[0]  # others are dithered
+        result = quillgen.compile(document, "surface", False)
+        values = {entry["name"]: compare.value_of(entry, given, len(wanted)) for entry in result["inputs"]}
+        values = {name: value[:, 0] if value.shape[1] == 1 else value for name, value in values.items()}
+        found = custom_expression.evaluate(result, values)
+        opacity = np.reshape(found.get("OutOpacity", 1.0), (-1, 1))
+        outcomes.append(
+            compare.judge(compare.record_head(record) | {"reason": ""}, found["OutEmissive"] * opacity, wanted)
+        )
     assert report.disagreeing(outcomes) == []
 
 

@@ -8,6 +8,7 @@ from records import document, link, node, principled, value
 
 import custom_expression
 import quillgen
+from quillgen_blender import pipeline
 from quillgen_blender.passes import Options, clear_mixes
 
 CLEAR = node("Transparent BSDF", "BsdfTransparent", {"Color": value([1.0, 1.0, 1.0, 1.0], "RGBA")})
@@ -93,6 +94,13 @@ def test_the_colours_are_the_same_at_each_opacity(name):
 def test_the_option_is_off():
     made = MIXES["emission"]
     assert clear_mixes.run(made, Options(clear_mixes=False))[0] is made
+
+
+def test_an_unlit_material_thins_its_colour():
+    unlit = pipeline.translate("Glow", MIXES["emission"], settings=pipeline.Settings(mode="emission"))
+    given = {"P_Share__value": np.float32([0.0, 0.25, 1.0])}
+    colours = custom_expression.evaluate(unlit.result, given)["result"]
+    assert np.abs(colours - np.outer(given["P_Share__value"], [0.75, 0.375, 3.0])).max() <= 1e-6
 
 
 UNCHANGED = {

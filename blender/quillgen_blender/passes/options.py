@@ -23,7 +23,8 @@ class Options:
     `nearest_shaders`: shaders that the translator lacks are replaced by the nearest one that it has.
 
     `clear_mixes`: where the surface is a Mix Shader with a transparent side, the other side keeps its colours, and its
-    opacity is the factor, as in Blender. Without it soft edges are dark.
+    opacity is the factor, as in Blender. Without it soft edges are dark. Unlit materials, which have no opacity, stay
+    as they are.
 
     `bumped_normals`: nodes that read the shading normal and feed both the surface and the displacement use the bumped
     normal in the surface, as in Blender. They are duplicated for the displacement.
