@@ -4,6 +4,7 @@ QUILLGEN_BLENDERS names the versions, such as "4.2 5.2" (tools/test --blender se
 installed are skipped and name it.
 """
 
+import json
 import os
 import subprocess
 from pathlib import Path
@@ -23,6 +24,13 @@ def run(version, script, *words):
     done = subprocess.run([python, "-W", "ignore", script, *words], capture_output=True, text=True)
     assert done.returncode == 0, done.stdout[-2000:] + done.stderr[-4000:]
     return done.stdout.splitlines()
+
+
+def report(version, script, folder):
+    """The JSON object that a script writes to the file it is given."""
+    path = folder / "report.json"
+    run(version, script, path)
+    return json.loads(path.read_text())
 
 
 def at_least(version, major, minor):

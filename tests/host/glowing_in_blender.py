@@ -8,14 +8,12 @@ import sys
 from pathlib import Path
 
 import bpy
-import numpy as np
 
 HERE = Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parents[1] / "blender")]
 
 import in_blender
 from quillgen_blender import read
-from rebuild import rebuild
 from trees import add, colour, group, use, vector
 
 
@@ -74,16 +72,7 @@ def main():
     grid = in_blender.canvas(len(FILLS))
     shown = [material(fill) for fill in FILLS]
     documents = [read.flatten(one, grid).document for one in shown]
-    again = [rebuild(json.loads(json.dumps(document))) for document in documents]
-    first, second = (in_blender.picture(grid, materials) for materials in (shown, again))
-    report = {
-        fill.__name__: {
-            "document": document,
-            "difference": float(np.abs(a - b).max()),
-            "spread": float(np.ptp(a)),
-        }
-        for fill, document, a, b in zip(FILLS, documents, first, second)
-    }
+    report = in_blender.compared(FILLS, grid, shown, documents, documents)
     Path(sys.argv[1]).write_text(json.dumps(report))
 
 

@@ -29,17 +29,22 @@ def main():
     grid = canvas(len(TREES))
     shown = [material(fill) for fill in TREES]
     documents = [read.flatten(one, grid).document for one in shown]
-    again = [rebuild(json.loads(json.dumps(passes.prepare(document)[0]))) for document in documents]
+    report = compared(TREES, grid, shown, documents, [passes.prepare(document)[0] for document in documents])
+    Path(sys.argv[1]).write_text(json.dumps(report))
+
+
+def compared(fills, grid, shown, documents, prepared):
+    """The report on materials: their pictures beside those of what is rebuilt from the prepared documents."""
+    again = [rebuild(json.loads(json.dumps(document))) for document in prepared]
     first, second = (picture(grid, materials) for materials in (shown, again))
-    report = {
+    return {
         fill.__name__: {
             "document": document,
             "difference": float(np.abs(a - b).max()),
             "spread": float(np.ptp(a)),
         }
-        for fill, document, a, b in zip(TREES, documents, first, second)
+        for fill, document, a, b in zip(fills, documents, first, second)
     }
-    Path(sys.argv[1]).write_text(json.dumps(report))
 
 
 def material(fill):

@@ -1,6 +1,5 @@
 """A value where a shader belongs becomes an emission, in each installed Blender."""
 
-import json
 import sys
 from pathlib import Path
 
@@ -15,9 +14,7 @@ import quillgen
 
 @pytest.fixture(scope="module", params=blenders.VERSIONS)
 def found(request, tmp_path_factory):
-    report = tmp_path_factory.mktemp("glowing") / "report.json"
-    blenders.run(request.param, HERE / "glowing_in_blender.py", report)
-    return json.loads(report.read_text())
+    return blenders.report(request.param, HERE / "glowing_in_blender.py", tmp_path_factory.mktemp("glowing"))
 
 
 def test_the_document_shows_the_same_picture(found):

@@ -1,7 +1,6 @@
 """Tests the reader in each Blender that tools/setup installed: the contents of its documents, and that a tree rebuilt
 from a document renders like the original tree."""
 
-import json
 import sys
 from pathlib import Path
 
@@ -16,9 +15,7 @@ from quillgen_blender.passes import ramps
 
 @pytest.fixture(scope="module", params=blenders.VERSIONS)
 def blender(request, tmp_path_factory):
-    report = tmp_path_factory.mktemp("host") / "report.json"
-    blenders.run(request.param, HERE / "in_blender.py", report)
-    return request.param, json.loads(report.read_text())
+    return request.param, blenders.report(request.param, HERE / "in_blender.py", tmp_path_factory.mktemp("host"))
 
 
 def nodes(report, name):

@@ -1,6 +1,5 @@
 """Of several Material Outputs the reader takes the one that Cycles renders, in each installed Blender."""
 
-import json
 import sys
 from pathlib import Path
 
@@ -14,9 +13,7 @@ import blenders
 
 @pytest.fixture(scope="module", params=blenders.VERSIONS)
 def found(request, tmp_path_factory):
-    report = tmp_path_factory.mktemp("outputs") / "report.json"
-    blenders.run(request.param, HERE / "outputs_in_blender.py", report)
-    return json.loads(report.read_text())
+    return blenders.report(request.param, HERE / "outputs_in_blender.py", tmp_path_factory.mktemp("outputs"))
 
 
 def test_the_reader_takes_the_output_that_cycles_renders(found):

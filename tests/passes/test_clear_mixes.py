@@ -127,6 +127,14 @@ UNCHANGED = {
         mix("Inner", "Principled BSDF", "Principled BSDF"),
         mix("Mix", "Transparent BSDF", "Inner"),
     ),
+    "a surface that lacks a socket": material(
+        CLEAR, node("Emission", "Emission", {"Strength": value(1.0)}), mix("Mix", "Transparent BSDF", "Emission")
+    ),
+    "a mix that lacks its factor": material(
+        CLEAR,
+        PAINT,
+        node("Mix", "MixShader", {"Shader": side("Transparent BSDF"), "Shader_001": side("Principled BSDF")}),
+    ),
     "no mix": material(PAINT) | {"out": {"surface": ["Principled BSDF", "BSDF"]}},
     "no surface": material(PAINT) | {"out": {"surface": None}},
 }

@@ -32,7 +32,7 @@ READERS: dict[str, Outputs] = {
 }
 # Whether a node reads the normal, for types that do so in some modes only.
 MODES: dict[str, Callable[[Record], bool]] = {
-    "ShaderNodeDisplacement": lambda node: "link" not in node["in"].get("Normal", ()),
+    "ShaderNodeDisplacement": lambda node: not made.is_linked(node["in"].get("Normal")),
     "ShaderNodeTexImage": lambda node: node["props"].get("projection") == "BOX",
     "ShaderNodeVectorDisplacement": lambda node: node["props"].get("space", "TANGENT") == "TANGENT",
 }

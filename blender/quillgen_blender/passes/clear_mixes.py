@@ -17,6 +17,7 @@ from .shaders import principled
 
 Record = dict[str, Any]
 CLEAR = ("ShaderNodeBsdfTransparent", "ShaderNodeHoldout")
+MIX = "ShaderNodeMixShader"
 SIDES = ("Shader", "Shader_001")
 BLACK = [0.0, 0.0, 0.0, 1.0]
 
@@ -45,7 +46,7 @@ class Thinner(made.Builder):
         self.single = {identity for identity, times in Counter(links).items() if times == 1}
 
     def sides(self, identity: str) -> list[str]:
-        """The ids of the shaders that are linked to a Mix or Add Shader."""
+        """The ids of the shaders that are linked to a Mix Shader."""
         sockets = self.records[identity]["in"]
         return [sockets[name]["link"][0] for name in SIDES if is_linked(sockets.get(name))]
 
@@ -54,7 +55,7 @@ class Thinner(made.Builder):
 
     def is_clear_mix(self, identity: str) -> bool:
         """Whether it is a Mix Shader with one transparent side and another shader."""
-        if identity not in self.records or self.records[identity]["type"] != "ShaderNodeMixShader":
+        if identity not in self.records or self.records[identity]["type"] != MIX:
             return False
         sides = self.sides(identity)
         return len(sides) == 2 and self.is_clear(sides[0]) != self.is_clear(sides[1])
@@ -65,10 +66,11 @@ class Thinner(made.Builder):
             return True
         if identity not in self.single or identity not in self.records:
             return False
-        kind = self.records[identity]["type"]
-        if kind == "ShaderNodeMixShader":
-            return len(self.sides(identity)) == 2 and all(map(self.can_thin, self.sides(identity)))
-        return kind in SHADERS
+        kind, sockets = self.records[identity]["type"], self.records[identity]["in"].keys()
+        if kind == MIX:
+            sides = self.sides(identity)
+            return "Fac" in sockets and len(sides) == 2 and all(map(self.can_thin, sides))
+        return kind in SHADERS and SHADERS[kind][1] <= sockets
 
     def thin(self, identity: str, weight: Operand, below_mix: bool = False) -> list[str]:
         """The link to the shader with its opacity multiplied by `weight`."""
@@ -80,14 +82,15 @@ class Thinner(made.Builder):
             falling = self.is_clear(second)
             share = self.product(f"{identity} Opacity", weight, self.share(node, falling))
             return self.thin(first if falling else second, share)
-        if node["type"] == "ShaderNodeMixShader":
+        if node["type"] == MIX:
             thinned = {
                 name: {"t": "SHADER", "link": self.thin(node["in"][name]["link"][0], weight, below_mix=True)}
                 for name in SIDES
             }
             self.changed[identity] = node | {"in": node["in"] | thinned}
             return [identity, "Shader", "SHADER"]
-        self.changed[identity] = SHADERS[node["type"]](self, node, weight)
+        change, _ = SHADERS[node["type"]]
+        self.changed[identity] = change(self, node, weight)
         return [identity, "BSDF", "SHADER"]
 
     def share(self, mix: Record, falling: bool) -> Operand:
@@ -146,11 +149,12 @@ def thin_emission(thinner: Thinner, node: Record, weight: Operand) -> Record:
     )
 
 
-SHADERS: dict[str, Any] = {
-    "ShaderNodeBsdfPrincipled": thin_principled,
-    "ShaderNodeBsdfDiffuse": thin_diffuse,
-    "ShaderNodeBsdfAnisotropic": thin_metal,
-    "ShaderNodeBsdfMetallic": thin_metal,
-    "ShaderNodeEmission": thin_emission,
-    "ShaderNodeBackground": thin_emission,
+# How each shader is thinned, and the sockets that this needs. The translator names those that a document lacks.
+SHADERS: dict[str, tuple[Any, set[str]]] = {
+    "ShaderNodeBsdfPrincipled": (thin_principled, set()),
+    "ShaderNodeBsdfDiffuse": (thin_diffuse, {"Color"}),
+    "ShaderNodeBsdfAnisotropic": (thin_metal, {"Color", "Roughness"}),
+    "ShaderNodeBsdfMetallic": (thin_metal, {"Base Color", "Roughness"}),
+    "ShaderNodeEmission": (thin_emission, {"Color", "Strength"}),
+    "ShaderNodeBackground": (thin_emission, {"Color", "Strength"}),
 }
