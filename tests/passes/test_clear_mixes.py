@@ -121,6 +121,14 @@ UNCHANGED = {
             "Mix", "MixShader", {"Fac": value(0.5), "Shader": side("Transparent BSDF"), "Shader_001": {"t": "SHADER"}}
         ),
     ),
+    "a mix of one surface and nothing": material(
+        CLEAR,
+        PAINT,
+        node(
+            "Inner", "MixShader", {"Fac": value(0.5), "Shader": side("Principled BSDF"), "Shader_001": {"t": "SHADER"}}
+        ),
+        mix("Mix", "Transparent BSDF", "Inner"),
+    ),
     "a surface read twice": material(
         CLEAR,
         PAINT,
@@ -166,6 +174,6 @@ def test_a_clear_mix_below_a_mix_is_thinned_as_it_is():
 
 def test_a_constant_factor_stays_a_parameter():
     made = material(CLEAR, PAINT, mix("Mix", "Transparent BSDF", "Principled BSDF", 0.25))
-    result = quillgen.compile(clear_mixes.run(made, Options())[0])
-    assert result["params"]["P_Mix__Value"] == ["scalar", 0.25]
-    assert "P_Principled_BSDF__Base_Color" in result["params"]
+    parameters = pipeline.translate("Paint", made).result["params"]
+    assert parameters["P_Mix__Value"] == ["scalar", 0.25]
+    assert "P_Principled_BSDF__Base_Color" in parameters
